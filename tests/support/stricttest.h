@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QRegularExpression>
+#include <QStringList>
+#include <QtTest>
+
+// The base of every test class: a warning that the running test function did not announce
+// with expectWarning(), and an announced one that did not come, fail that function. A test
+// class with an init() or cleanup() of its own calls these.
+class StrictTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Announces one warning whose whole text matches the pattern.
+    void expectWarning(const QString &pattern);
+    // Every message (any level) logged since the test function began.
+    QStringList messages() const;
+
+protected slots:
+    // QTest calls only private slots as tests, and these by name.
+    void init();
+    void cleanup();
+};
