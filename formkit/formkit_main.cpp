@@ -1,0 +1,14 @@
+#include "formkit_main.h"
+
+#include "values.h"
+
+namespace Formkit {
+
+Main::Main()
+{
+    qRegisterMetaType<Values>("Values");
+}
+
+static const Main loaded;
+
+} // namespace Formkit

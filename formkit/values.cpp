@@ -1,0 +1,6 @@
+#include "values.h"
+
+QString Values::operator[](const QString &name) const
+{
+    return value(name).toString();
+}

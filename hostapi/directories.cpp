@@ -1,0 +1,17 @@
+#include "directories.h"
+
+#include "icore.h"
+
+StockDirectory::~StockDirectory() = default;
+
+const StockDirectory *StockDirectory::i()
+{
+    return ICore::instance()->stockDirectory();
+}
+
+BoardDirectory::~BoardDirectory() = default;
+
+const BoardDirectory *BoardDirectory::i()
+{
+    return ICore::instance()->boardDirectory();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <hostapi/hostapi_export.h>
+
+#include <QByteArray>
+#include <QString>
+
+#include <exception>
+
+// The one error that the data layer throws: a text for the person who reads the log.
+class HOSTAPI_EXPORT Exception : public std::exception
+{
+public:
+    explicit Exception(const QString &text);
+    ~Exception() override;
+
+    QString text() const { return m_text; }
+    // The text in UTF-8.
+    const char *what() const noexcept override;
+    // Reports the text as a warning.
+    void dump() const;
+
+private:
+    QString m_text;
+    QByteArray m_utf8;
+};

@@ -1,0 +1,3 @@
+#include "index.h"
+
+Index::~Index() = default;

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <hostapi/index.h>
+
+#include <QString>
+
+#include <vector>
+
+// A list of rows in an order of its own. It holds the rows, so it may be used without the
+// table's lock.
+class HOSTAPI_EXPORT IndexList : public Index
+{
+public:
+    int count() const override { return int(m_rows.size()); }
+    Record at(int position) const override { return m_rows[size_t(position)]; }
+
+protected:
+    std::vector<Record> m_rows;
+};
+
+// A secondary index: the rows of a table that filter() accepts, in the order of compare(),
+// as they were when it was built. It does not follow the table.
+class HOSTAPI_EXPORT IndexSort : public IndexList
+{
+public:
+    // An index over the core's table of that name. With `keepEqual` rows that compare equal
+    // all stay, in the order of the master index; without it the first of them.
+    IndexSort(const QString &table, bool keepEqual);
+
+    // Walks the table under its lock, then sorts. What compare() or filter() throws passes
+    // through, with the lock given back and the index left as it was.
+    void build();
+
+    Table *table() const { return m_table; }
+
+protected:
+    virtual bool filter(const Record &record) const = 0;
+    // Less than, equal to or greater than 0.
+    virtual int compare(const Record &a, const Record &b) const = 0;
+
+private:
+    Table *m_table;
+    bool m_keepEqual;
+};

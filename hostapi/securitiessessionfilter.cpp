@@ -1,0 +1,43 @@
+#include "securitiessessionfilter.h"
+
+#include <algorithm>
+
+SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *table, int sessionColumn,
+                                                 const QList<int> &keyColumns, int session,
+                                                 const ValueFilter *parent)
+    : m_table(table)
+    , m_sessionColumn(sessionColumn)
+    , m_stockColumn(keyColumns.value(0, -1))
+    , m_parent(parent ? parent->clone() : nullptr)
+{
+    for (const SessionId &open : ICore::instance()->currentSessions()) {
+        if (session == -1 || open.sess_id == session)
+            m_sessions.append(open);
+    }
+    std::sort(m_sessions.begin(), m_sessions.end());
+}
+
+SecuritiesSessionFilter::SecuritiesSessionFilter(const SecuritiesSessionFilter &other)
+    : ValueFilter(other)
+    , m_table(other.m_table)
+    , m_sessionColumn(other.m_sessionColumn)
+    , m_stockColumn(other.m_stockColumn)
+    , m_sessions(other.m_sessions)
+    , m_parent(other.m_parent ? other.m_parent->clone() : nullptr)
+{
+}
+
+SecuritiesSessionFilter::~SecuritiesSessionFilter() = default;
+
+bool SecuritiesSessionFilter::filter(const Record &record) const
+{
+    const SessionId session{m_table->dataPtr(record.row(), m_stockColumn).toInteger(),
+                            m_table->dataPtr(record.row(), m_sessionColumn).toInteger()};
+    return std::binary_search(m_sessions.begin(), m_sessions.end(), session)
+        && (!m_parent || m_parent->filter(record));
+}
+
+std::unique_ptr<ValueFilter> SecuritiesSessionFilter::clone() const
+{
+    return std::make_unique<SecuritiesSessionFilter>(*this);
+}

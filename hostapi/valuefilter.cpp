@@ -1,0 +1,3 @@
+#include "valuefilter.h"
+
+ValueFilter::~ValueFilter() = default;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <hostapi/record.h>
+
+#include <memory>
+
+// A condition on the rows of a table. Filters are values: a copy is independent.
+class HOSTAPI_EXPORT ValueFilter
+{
+public:
+    virtual ~ValueFilter();
+
+    // True for a row that meets the condition.
+    virtual bool filter(const Record &record) const = 0;
+    virtual std::unique_ptr<ValueFilter> clone() const = 0;
+};
