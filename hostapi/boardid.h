@@ -37,8 +37,7 @@ HOSTAPI_EXPORT QString boardListToString(const boardlist &boards);
 HOSTAPI_EXPORT boardlist boardListFromString(const QString &text, bool *ok);
 
 // A list that is kept sorted ascending and free of duplicates.
-template<typename T>
-class SortedList : public QVector<T>
+template <typename T> class SortedList : public QVector<T>
 {
 public:
     // Does nothing when the value is in the list.

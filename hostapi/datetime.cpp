@@ -82,10 +82,7 @@ datetime::datetime(const QString &systemText)
     }
 }
 
-datetime::datetime(const QDate &date)
-    : datetime(date, QTime(0, 0))
-{
-}
+datetime::datetime(const QDate &date) : datetime(date, QTime(0, 0)) {}
 
 datetime::datetime(const QDate &date, const QTime &time)
     : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime())

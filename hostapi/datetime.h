@@ -56,10 +56,7 @@ public:
     bool operator<(const datetime &other) const { return m_msecs < other.m_msecs; }
 
 private:
-    constexpr datetime(qint64 msecs, int)
-        : m_msecs(msecs)
-    {
-    }
+    constexpr datetime(qint64 msecs, int) : m_msecs(msecs) {}
     explicit datetime(const QDateTime &dateTime);
     QDateTime toUtc() const;
 

@@ -72,7 +72,7 @@ struct SystemSymbols
 
 // Reads sign, digits and point; nothing when the text is no number or does not fit. Digits
 // are gathered below zero, where there is room for the smallest number too.
-template<typename Symbols>
+template <typename Symbols>
 std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
 {
     bool negative = false;
@@ -124,9 +124,7 @@ QString digitsOf(qint64 word, int scale)
 
 const decimal decimal::zero;
 
-decimal::decimal(qint64 word, short scale)
-    : m_word(word)
-    , m_scale(scale)
+decimal::decimal(qint64 word, short scale) : m_word(word), m_scale(scale)
 {
     checkScale(scale);
 }

@@ -28,10 +28,7 @@ public:
     static const decimal zero;
 
     constexpr decimal() = default;
-    constexpr decimal(int value)
-        : m_word(value)
-    {
-    }
+    constexpr decimal(int value) : m_word(value) {}
     // The number word / 10^scale. Throws for a scale outside 0 to MaxScale.
     decimal(qint64 word, short scale);
     // Reads the system form; the scale is the number of fraction digits. Throws for a text

@@ -12,10 +12,7 @@ public:
 
 } // namespace
 
-EmptyTable::EmptyTable(const QString &name)
-    : m_name(name)
-{
-}
+EmptyTable::EmptyTable(const QString &name) : m_name(name) {}
 
 const MasterIndex *EmptyTable::masterIndex() const
 {

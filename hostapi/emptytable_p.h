@@ -10,8 +10,8 @@ public:
 
     QString name() const override { return m_name; }
     int columnIndex(const QString &) const override { return -1; }
-    void lock() override { }
-    void unlock() override { }
+    void lock() override {}
+    void unlock() override {}
     const MasterIndex *masterIndex() const override;
     Field dataPtr(RowData *, int) const override { return Field(); }
     RowData *newRow() const override { return new RowData; }

@@ -2,11 +2,7 @@
 
 #include <QDebug>
 
-Exception::Exception(const QString &text)
-    : m_text(text)
-    , m_utf8(text.toUtf8())
-{
-}
+Exception::Exception(const QString &text) : m_text(text), m_utf8(text.toUtf8()) {}
 
 Exception::~Exception() = default;
 

@@ -18,8 +18,7 @@ namespace {
                         .arg(text.toString(), FieldType::typeName(type)));
 }
 
-template<typename T>
-int threeWay(const T &a, const T &b)
+template <typename T> int threeWay(const T &a, const T &b)
 {
     return a < b ? -1 : b < a ? 1 : 0;
 }

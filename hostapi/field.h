@@ -14,10 +14,7 @@ public:
     // A view of nothing: always null, whatever is stored in it.
     Field() = default;
     Field(FieldType type, void *storage, quint32 *presence, quint32 bit)
-        : m_type(type)
-        , m_storage(storage)
-        , m_presence(presence)
-        , m_bit(bit)
+        : m_type(type), m_storage(storage), m_presence(presence), m_bit(bit)
     {
     }
     Field(const Field &) = default;
@@ -56,11 +53,7 @@ public:
     [[noreturn]] void incompatibleType(FieldType::Type from) const;
 
 private:
-    template<typename T>
-    T &cell() const
-    {
-        return *static_cast<T *>(m_storage);
-    }
+    template <typename T> T &cell() const { return *static_cast<T *>(m_storage); }
     void assignText(QStringView text);
 
     FieldType m_type;

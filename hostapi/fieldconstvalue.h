@@ -7,10 +7,7 @@
 class FieldConstValue
 {
 public:
-    constexpr explicit FieldConstValue(char character)
-        : m_character(character)
-    {
-    }
+    constexpr explicit FieldConstValue(char character) : m_character(character) {}
 
     constexpr QChar character() const { return QLatin1Char(m_character); }
     QString toString() const { return QString(character()); }

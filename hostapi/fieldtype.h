@@ -21,8 +21,7 @@ public:
     };
 
     constexpr FieldType(Type type = Integer, int parameter = 0)
-        : m_type(type)
-        , m_parameter(parameter)
+        : m_type(type), m_parameter(parameter)
     {
     }
 

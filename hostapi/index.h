@@ -24,11 +24,7 @@ public:
         using pointer = const Record *;
         using reference = Record;
 
-        iterator(const Index *index, int position)
-            : m_index(index)
-            , m_position(position)
-        {
-        }
+        iterator(const Index *index, int position) : m_index(index), m_position(position) {}
         Record operator*() const { return m_index->at(m_position); }
         iterator &operator++()
         {

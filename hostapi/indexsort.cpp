@@ -6,8 +6,7 @@
 #include <algorithm>
 
 IndexSort::IndexSort(const QString &table, bool keepEqual)
-    : m_table(ICore::instance()->table(table))
-    , m_keepEqual(keepEqual)
+    : m_table(ICore::instance()->table(table)), m_keepEqual(keepEqual)
 {
 }
 

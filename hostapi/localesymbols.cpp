@@ -49,8 +49,8 @@ LocaleSymbols::LocaleSymbols(const QLocale &locale)
 
 bool LocaleSymbols::isGroup(QChar c) const
 {
-    return c == m_group || (isBlank(c) && isBlank(m_group))
-        || (isApostrophe(c) && isApostrophe(m_group));
+    return c == m_group || (isBlank(c) && isBlank(m_group)) ||
+           (isApostrophe(c) && isApostrophe(m_group));
 }
 
 int LocaleSymbols::digitValue(QChar c) const

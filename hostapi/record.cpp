@@ -4,27 +4,18 @@
 
 #include <utility>
 
-Record::Record(const Table *table)
-    : Record(table, table->newRow())
-{
-}
+Record::Record(const Table *table) : Record(table, table->newRow()) {}
 
-Record::Record(const Table *table, RowData *row)
-    : m_table(table)
-    , m_row(row)
+Record::Record(const Table *table, RowData *row) : m_table(table), m_row(row)
 {
     if (m_row)
         m_row->references.fetch_add(1, std::memory_order_relaxed);
 }
 
-Record::Record(const Record &other)
-    : Record(other.m_table, other.m_row)
-{
-}
+Record::Record(const Record &other) : Record(other.m_table, other.m_row) {}
 
 Record::Record(Record &&other) noexcept
-    : m_table(other.m_table)
-    , m_row(std::exchange(other.m_row, nullptr))
+    : m_table(other.m_table), m_row(std::exchange(other.m_row, nullptr))
 {
 }
 

@@ -33,8 +33,8 @@ bool SecuritiesSessionFilter::filter(const Record &record) const
 {
     const SessionId session{m_table->dataPtr(record.row(), m_stockColumn).toInteger(),
                             m_table->dataPtr(record.row(), m_sessionColumn).toInteger()};
-    return std::binary_search(m_sessions.begin(), m_sessions.end(), session)
-        && (!m_parent || m_parent->filter(record));
+    return std::binary_search(m_sessions.begin(), m_sessions.end(), session) &&
+           (!m_parent || m_parent->filter(record));
 }
 
 std::unique_ptr<ValueFilter> SecuritiesSessionFilter::clone() const

@@ -2,8 +2,7 @@
 
 Table::~Table() = default;
 
-TableLock::TableLock(Table *table)
-    : m_table(table)
+TableLock::TableLock(Table *table) : m_table(table)
 {
     m_table->lock();
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+
+#include <QAbstractItemModel>
+
+// What the exchange and board lists have in common: a flat list of one column that a subclass
+// can turn into a check list, in which every row is checked at first.
+class FORMKIT_EXPORT CheckListModel : public QAbstractItemModel
+{
+    Q_OBJECT
+
+public:
+    explicit CheckListModel(QObject *parent = nullptr);
+
+    QModelIndex index(int row, int column,
+                      const QModelIndex &parent = QModelIndex()) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    using QObject::parent;
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    // Takes Qt::CheckStateRole only, and only in a check list. An invalid index sets every
+    // row, inside a model reset. False when nothing was to be done.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
+
+protected:
+    virtual int listSize() const = 0;
+    virtual bool isChecked(int row) const = 0;
+    virtual void setChecked(int row, bool checked) = 0;
+    // Called after one row's check state has changed by setData().
+    virtual void rowCheckChanged();
+
+    // Whether the model is a check list; its owner's subclass decides.
+    bool m_checkable = false;
+};

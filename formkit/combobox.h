@@ -1,0 +1,35 @@
+#pragma once
+
+#include <formkit/comboboxvalidator.h>
+
+#include <QComboBox>
+
+// The type-ahead combo box on which the selector boxes are built: editable, completing
+// without regard to case, and with a validator that judges texts by the rows. It shows no
+// choice at first. It has no value of its own.
+//
+// Enter on a text that no row has adds no row; the wheel neither focuses the box nor acts
+// before it has the focus; the inner line edit is named after the box's caption for screen
+// readers.
+class FORMKIT_EXPORT ComboBox : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    explicit ComboBox(QWidget *parent = nullptr);
+
+    // Not installed on the line edit: typed text that matches no row yet is no fault. A
+    // subclass that sets another model points the completer and the validator at it too.
+    ComboBoxValidator *comboBoxValidator() const { return m_validator; }
+
+    // Opens the list with no row highlighted, without selection signals of the list's view.
+    void showPopup() override;
+
+protected:
+    // Makes a row current and shows its text, also where the row was current already and
+    // another text had been typed. A row of -1 changes nothing.
+    void chooseRow(int row);
+
+private:
+    ComboBoxValidator *m_validator;
+};

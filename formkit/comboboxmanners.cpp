@@ -1,0 +1,66 @@
+#include "comboboxmanners_p.h"
+
+#include <QComboBox>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace {
+
+// The text of a caption as it is spoken: without the mark of its shortcut ("&&" stands for
+// an ampersand).
+QString spoken(const QString &caption)
+{
+    QString text;
+    for (int i = 0; i < caption.size(); ++i) {
+        if (caption.at(i) == QLatin1Char('&') && ++i == caption.size())
+            break;
+        text += caption.at(i);
+    }
+    return text;
+}
+
+QString captionOf(const QWidget *control)
+{
+    const QList<QLabel *> labels = control->window()->findChildren<QLabel *>();
+    for (const QLabel *label : labels) {
+        if (label->buddy() == control)
+            return spoken(label->text());
+    }
+    return {};
+}
+
+} // namespace
+
+ComboBoxManners::ComboBoxManners(QComboBox *box) : QObject(box), m_box(box)
+{
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setFocusPolicy(Qt::StrongFocus);
+    box->installEventFilter(this);
+}
+
+bool ComboBoxManners::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Wheel:
+        if (!m_box->hasFocus()) {
+            event->ignore();
+            return true;
+        }
+        break;
+    case QEvent::Show:
+    case QEvent::FocusIn:
+        nameLineEdit();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void ComboBoxManners::nameLineEdit()
+{
+    const QString own = m_box->accessibleName();
+    if (m_box->lineEdit())
+        m_box->lineEdit()->setAccessibleName(own.isEmpty() ? captionOf(m_box) : own);
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+#include <hostapi/datetime.h>
+
+#include <QComboBox>
+
+#include <memory>
+
+class QCalendarWidget;
+
+// A date, typed in the short format of the system locale or picked from a calendar that
+// drops down (Down, Alt+Down, F4 or a click on the arrow open it).
+//
+// While the text is no complete date it is red and there is no value; a text that never
+// became one is cleared when the field is left. The value is the date in system form
+// ("2015.03.01 00:00:00.000"), empty for none.
+//
+// Under a format with a two-digit year, typed dates lie in 2000 to 2099; a date set by the
+// program or picked from the calendar keeps its century, for as long as its text stands.
+class FORMKIT_EXPORT DateEdit : public QComboBox
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "thisOnly")
+    Q_PROPERTY(QString Value READ getValue WRITE setValue NOTIFY changedValue USER true)
+
+public:
+    explicit DateEdit(QWidget *parent = nullptr);
+    ~DateEdit() override;
+
+    QString getValue() const { return m_value.toString(); }
+    // Shows the date of a text in system form (see datetime). A text that is none empties the
+    // field. Unlike other controls it reports the change, in normal form, and also when only
+    // the form of the text was another.
+    void setValue(const QString &value);
+    // The same; without `updateText` the shown text is left alone.
+    void setValue(const QString &value, bool updateText);
+
+    // Opens the calendar below the field, or above it where the screen ends, on the date of
+    // the field or on today.
+    void showPopup() override;
+    void hidePopup() override;
+
+signals:
+    // The date has changed, by whatever means; the argument is the value.
+    void changedValue(const QString &newValue);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+protected slots:
+    // Takes a date picked from the calendar and closes it.
+    void calendarActivated(const QDate &date);
+    // Reads the text after every change of it.
+    void onTextChanged();
+
+private:
+    datetime readText() const;
+    QPoint calendarPosition() const;
+
+    std::unique_ptr<QCalendarWidget> m_calendar;
+    datetime m_value;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+
+#include <QGroupBox>
+
+// A group box that a form can wire to a value by signal and slot. It binds nothing itself:
+// the hub's walk passes through it to the controls inside.
+class FORMKIT_EXPORT GroupBox : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit GroupBox(QWidget *parent = nullptr);
+
+signals:
+    // For the form's own use; the box never emits it.
+    void setProp_Value(const QString &newValue);
+
+public slots:
+    // Takes a value and does nothing with it.
+    void prop_Value_changed(const QString &newValue);
+};

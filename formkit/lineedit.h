@@ -1,0 +1,29 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+
+#include <QLineEdit>
+
+// A line of text.
+class FORMKIT_EXPORT LineEdit : public QLineEdit
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "thisOnly")
+    Q_PROPERTY(QString Value READ getValue WRITE setValue NOTIFY changedValue USER true)
+
+public:
+    explicit LineEdit(QWidget *parent = nullptr);
+
+    // The text as it stands.
+    QString getValue() const { return text(); }
+    // Shows a text, silently. The text that stands there already is left alone, caret and
+    // all.
+    void setValue(const QString &value);
+
+signals:
+    // The user has edited the text.
+    void changedValue(const QString &newValue);
+
+private slots:
+    void edit_changed(const QString &newValue);
+};

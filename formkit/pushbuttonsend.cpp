@@ -1,0 +1,41 @@
+#include "pushbuttonsend.h"
+
+#include <QStyle>
+#include <QVariant>
+
+namespace {
+
+const char *const ownText = "value";
+
+} // namespace
+
+PushButtonSend::PushButtonSend(QWidget *parent) : QPushButton(parent) {}
+
+QString PushButtonSend::getValue() const
+{
+    return isChecked() ? property(ownText).toString() : m_value;
+}
+
+void PushButtonSend::setValue(const QString &value)
+{
+    m_value = value;
+    setThisState(value == property(ownText).toString());
+}
+
+void PushButtonSend::setThisState(bool selected)
+{
+    if (selected) {
+        setDefault(true);
+        setIcon(style()->standardIcon(QStyle::SP_DialogOkButton));
+    } else {
+        setIcon(QIcon());
+    }
+}
+
+void PushButtonSend::nextCheckState()
+{
+    QPushButton::nextCheckState();
+    m_value = property(ownText).toString();
+    setThisState(true);
+    emit changedValue(m_value);
+}

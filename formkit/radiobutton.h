@@ -1,0 +1,33 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+
+#include <QRadioButton>
+
+// A radio button that stands for one text, its dynamic property "value", set in the form
+// designer. Several buttons bound under one name act as one choice.
+class FORMKIT_EXPORT RadioButton : public QRadioButton
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "this")
+    Q_PROPERTY(QString Value READ getValue WRITE setValue NOTIFY changedValue USER true)
+
+public:
+    explicit RadioButton(QWidget *parent = nullptr);
+
+    // The button's own text while it is checked, otherwise the text last set or clicked.
+    QString getValue() const;
+    // Checks the button if the text is its own, silently, and remembers the text. (Qt lets an
+    // exclusive button be unchecked only by another one that is checked.)
+    void setValue(const QString &value);
+
+signals:
+    // The user has clicked the button; the argument is its own text.
+    void changedValue(const QString &value);
+
+protected:
+    void nextCheckState() override;
+
+private:
+    QString m_value;
+};

@@ -1,0 +1,82 @@
+#include "stockselectormodel.h"
+
+#include <hostapi/icore.h>
+
+#include <QScopeGuard>
+
+#include <algorithm>
+
+StockSelectorModel::StockSelectorModel(QObject *parent)
+    : CheckListModel(parent)
+    , m_table(ICore::instance()->table(QStringLiteral("stocks")))
+    , m_idColumn(m_table->columnIndex(QStringLiteral("stock_id")))
+    , m_nameColumn(m_table->columnIndex(QStringLiteral("name")))
+    , m_codeColumn(m_table->columnIndex(QStringLiteral("stock_code")))
+{
+    connect(&m_timer, &QTimer::timeout, this, &StockSelectorModel::sendStocksChanged);
+}
+
+void StockSelectorModel::populate()
+{
+    beginResetModel();
+    const auto reset = qScopeGuard([this] { endResetModel(); });
+    QVector<Data> rows;
+    {
+        const TableLock lock(m_table);
+        for (const Record &record : *m_table->masterIndex()) {
+            if (filter(record))
+                rows.append(read(record));
+        }
+    }
+    std::reverse(rows.begin(), rows.end());
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const Data &a, const Data &b) { return a.code < b.code; });
+    m_rows = rows;
+}
+
+bool StockSelectorModel::filter(const Record &) const
+{
+    return true;
+}
+
+StockSelectorModel::Data StockSelectorModel::read(const Record &record) const
+{
+    Data data;
+    data.id = record.field(m_idColumn).toInteger();
+    data.name = record.field(m_nameColumn).toString();
+    data.code = record.field(m_codeColumn).toString();
+    return data;
+}
+
+QVariant StockSelectorModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_rows.size())
+        return {};
+    const Data &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.name;
+    case IdRole:
+        return row.id;
+    case CodeRole:
+        return row.code;
+    case Qt::CheckStateRole:
+        return m_checkable ? QVariant(row.checked ? Qt::Checked : Qt::Unchecked) : QVariant();
+    default:
+        return {};
+    }
+}
+
+void StockSelectorModel::sendStocksChanged()
+{
+    Stocks keys;
+    bool enable = false;
+    for (const Data &row : QVector<Data>(m_rows)) {
+        if (row.checked)
+            keys.add(row.id);
+        else
+            enable = true;
+    }
+    emit stocksChanged(enable, keys);
+}

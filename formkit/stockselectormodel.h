@@ -1,0 +1,72 @@
+#pragma once
+
+#include <formkit/checklistmodel.h>
+#include <hostapi/boardid.h>
+
+#include <QTimer>
+#include <QVector>
+
+class Record;
+class Table;
+
+// The exchanges of the host's table "stocks", by exchange code. As a check list it reports
+// the chosen exchanges. It does not follow the table: a refresh is a call of populate().
+class FORMKIT_EXPORT StockSelectorModel : public CheckListModel
+{
+    Q_OBJECT
+
+public:
+    // Beside the display and edit roles, which give the name.
+    enum ItemDataRole {
+        IdRole = Qt::UserRole + 1,  // the exchange id (int)
+        CodeRole = Qt::UserRole + 2 // the exchange code (QString)
+    };
+
+    struct Data
+    {
+        bool checked = true;
+        qint32 id = 0;
+        QString name;
+        QString code;
+    };
+
+    // Finds the table; does not populate.
+    explicit StockSelectorModel(QObject *parent = nullptr);
+
+    // Reads the table anew, under its lock. Rows are sorted by code (case-sensitive); of two
+    // with one code the later read stands first. What the host throws passes through, with
+    // the lock given back and the rows left as they were.
+    virtual void populate();
+    // Whether an exchange is to be listed; every one, unless a subclass drops some. Called
+    // under the table's lock.
+    virtual bool filter(const Record &record) const;
+
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+
+public slots:
+    // Emits stocksChanged() with the state of the check list.
+    void sendStocksChanged();
+
+signals:
+    // The chosen exchanges, ascending. `enable` says that some exchange is not chosen, so
+    // that there is something to filter by.
+    void stocksChanged(bool enable, Stocks keys);
+
+protected:
+    int listSize() const override { return m_rows.size(); }
+    bool isChecked(int row) const override { return m_rows.at(row).checked; }
+    void setChecked(int row, bool checked) override { m_rows[row].checked = checked; }
+
+    // Calls sendStocksChanged() when it times out. The model never starts it: its owner does,
+    // or calls the slot.
+    QTimer m_timer;
+
+private:
+    Data read(const Record &record) const;
+
+    QVector<Data> m_rows;
+    Table *m_table;
+    int m_idColumn;
+    int m_nameColumn;
+    int m_codeColumn;
+};
