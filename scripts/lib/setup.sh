@@ -1,0 +1,38 @@
+# Shared by the scripts of this folder: installs what is missing, then configures and builds.
+# shellcheck shell=bash
+
+# What building needs, and what running needs beside it.
+build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev)
+run_packages=(libqt5sql5-sqlite fonts-dejavu-core)
+
+# ensure_packages <package...>: installs those that are not there, as root or through sudo.
+ensure_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "Missing packages: ${missing[*]}. Install them as root, or install sudo." >&2
+            return 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing: ${missing[*]}"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get -qq install -y --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build <preset> [target...]: configures on the first run, or when the build files have
+# changed, and builds.
+build() {
+    local preset=$1
+    shift
+    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+    cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
+}
