@@ -52,14 +52,8 @@ private slots:
 // What comes of a text of the locale (of the system form where none is named) at a scale.
 void DecimalTest::texts()
 {
-    struct Row
-    {
-        const char *locale;
-        QString text;
-        int scale;
-        const char *result;
-    };
-    const char *refused = "Can't convert from '%1'' to decimal";
+    using Row = std::tuple<QString, QString, int, QString>;
+    const QString refused = "Can't convert from '%1'' to decimal";
     QVector<Row> rows = {
         {"", "-0.00", 2, "0.00"},
         {"", "+.05", 2, "0.05"},
@@ -86,22 +80,22 @@ void DecimalTest::texts()
     };
     const QString garbage = "|-|.|-.|1e5|inf|nan| 1|1 |1,5|--1|1-|1.2.|٣|−5|%1%2|1\u200e|²|"
                             "9223372036854775808|-92233720368547758.09|0.1234567890123456789";
-    for (const QString &text : garbage.split('|'))
-        rows << Row{"", text, 0, refused};
-    for (const Row &row : qAsConst(rows)) {
-        const LocaleSymbols symbols{QLocale(row.locale)};
-        const bool system = !*row.locale;
-        const auto read = [&] {
+    for (const QString &garbled : garbage.split('|'))
+        rows << Row{"", garbled, 0, refused};
+    for (const auto &[locale, text, scale, result] : qAsConst(rows)) {
+        const bool system = locale.isEmpty();
+        const LocaleSymbols symbols{QLocale(locale)};
+        QCOMPARE(system ? decimal::canConvert(text, false)
+                        : decimal::canConvert(text, false, symbols),
+                 result != refused);
+        const auto read = [&, system, text = text, scale = scale] {
             if (!system)
-                return decimal::fromLocaleString(row.text, symbols, row.scale);
-            decimal number(row.text);
-            number.setScale(short(row.scale));
+                return decimal::fromLocaleString(text, symbols, scale);
+            decimal number(text);
+            number.setScale(short(scale));
             return number;
         };
-        QCOMPARE(outcome(read), QString(row.result).replace("%1", row.text));
-        QCOMPARE(system ? decimal::canConvert(row.text, false)
-                        : decimal::canConvert(row.text, false, symbols),
-                 row.result != refused);
+        QCOMPARE(outcome(read), QString(result).replace("%1", text));
     }
     QVERIFY(decimal::canConvert(u"", true));
 }
@@ -111,6 +105,7 @@ void DecimalTest::arithmetic()
     const QString overflow = "Decimal overflow.";
     QCOMPARE(outcome([] { return decimal(Max, 0) + 1; }), overflow);
     QCOMPARE(outcome([] { return -decimal(Min); }), overflow);
+    QCOMPARE(outcome([] { return decimal(Min) - decimal(Min); }), QString("0"));
     QCOMPARE(outcome([] { return decimal(10) + decimal(1, 18); }), overflow);
     std::vector<decimal> numbers;
     for (const short scale : {0, 1, 2, 9, 17, 18}) {

@@ -42,12 +42,7 @@ private slots:
 // Into a cell that was null, and one that was not; what fails leaves either as it was.
 void FieldTest::assign()
 {
-    const struct
-    {
-        FieldType type;
-        QVariant value;
-        const char *result;
-    } rows[] = {
+    const std::tuple<FieldType, QVariant, QString> rows[] = {
         {FieldType::Integer, "-2147483648", "-2147483648"},
         {FieldType::Integer, "2147483648", "Can't convert from '2147483648'' to integer"},
         {FieldType::Integer, -123, "-123"},
@@ -58,32 +53,32 @@ void FieldTest::assign()
         {FieldType::Double, "0.1", "0.1"},
         {FieldType::Double, "0,1", "Can't convert from '0,1'' to double"},
         {FieldType::Double, -123, "-123"},
-        {{FieldType::Decimal, 2}, "12.345", "12.345"},
-        {{FieldType::Decimal, 2}, "1e5", "Can't convert from '1e5'' to decimal"},
-        {{FieldType::Decimal, 2}, -123, "-123.00"},
-        {{FieldType::Decimal, 18}, -123, "Decimal overflow."},
-        {{FieldType::String, 3}, "abcd", "abc"},
-        {{FieldType::String, 3}, -123, "-12"},
+        {FieldType(FieldType::Decimal, 2), "12.345", "12.345"},
+        {FieldType(FieldType::Decimal, 2), "1e5", "Can't convert from '1e5'' to decimal"},
+        {FieldType(FieldType::Decimal, 2), -123, "-123.00"},
+        {FieldType(FieldType::Decimal, 18), -123, "Decimal overflow."},
+        {FieldType(FieldType::String, 3), "abcd", "abc"},
+        {FieldType(FieldType::String, 3), -123, "-12"},
         {FieldType::DateTime, "2015-03-01", "2015.03.01 00:00:00.000"},
         {FieldType::DateTime, "soon", ""},
         {FieldType::DateTime, -123, "Can't convert from integer to datetime"},
         {FieldType::BoardList, "1,2", "Can't convert from string to boardlist"},
         {FieldType::BoardList, -123, "Can't convert from integer to boardlist"},
     };
-    for (const auto &row : rows) {
+    for (const auto &[type, value, result] : rows) {
         for (const quint32 presence : {1, 3}) {
-            Cell cell{row.type, presence};
+            Cell cell{type, presence};
             Field field = cell.field();
             const QString before = field.toString();
             try {
-                if (row.value.type() == QVariant::Int)
-                    field = row.value.toInt();
+                if (value.type() == QVariant::Int)
+                    field = value.toInt();
                 else
-                    field = row.value.toString();
+                    field = value.toString();
                 QVERIFY(!field.isNull());
-                QCOMPARE(field.toString(), QString(row.result));
+                QCOMPARE(field.toString(), result);
             } catch (const Exception &failure) {
-                QCOMPARE(failure.text(), QString(row.result));
+                QCOMPARE(failure.text(), result);
                 QCOMPARE(cell.presence, presence);
                 QCOMPARE(field.toString(), before);
             }
@@ -116,14 +111,7 @@ void FieldTest::readInteger()
 
 void FieldTest::compare()
 {
-    const struct
-    {
-        int code;
-        const char *text;
-        int otherCode;
-        const char *other;
-        int order;
-    } rows[] = {
+    const std::tuple<int, QString, int, QString, int> rows[] = {
         {1, "", 5, "", 0},
         {7, "", 1, "-5", -1},
         {1, "-5", 7, "", 1},
@@ -139,12 +127,12 @@ void FieldTest::compare()
         {5, "ab", 5, "abcd", -1},
         {6, "2026.03.05", 6, "2026.03.04", 1},
     };
-    for (const auto &row : rows) {
-        Cell a{FieldType(FieldType::Type(row.code), 20)};
-        Cell b{FieldType(FieldType::Type(row.otherCode), 20)};
-        a.field() = QString(row.text);
-        b.field() = QString(row.other);
-        QVERIFY2(a.field().compare(b.field()) == row.order, row.text);
+    for (const auto &[code, text, otherCode, otherText, order] : rows) {
+        Cell cell{FieldType(FieldType::Type(code), 20)};
+        Cell other{FieldType(FieldType::Type(otherCode), 20)};
+        cell.field() = text;
+        other.field() = otherText;
+        QVERIFY2(cell.field().compare(other.field()) == order, qPrintable(text));
     }
 }
 
