@@ -16,7 +16,7 @@ struct ColumnSchema
 };
 
 // One reference table.
-struct TableSchema
+struct EMBEDDEDHOST_EXPORT TableSchema
 {
     QString name;
     QVector<ColumnSchema> columns;
