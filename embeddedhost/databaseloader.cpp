@@ -69,7 +69,9 @@ QString storageName(const QVariant &value)
 QString refusal(const ColumnSchema &column, const QVariant &value)
 {
     const bool isText = column.type.type() == FieldType::String;
-    if (value.isNull() || (isText && value.toString().isEmpty()))
+    const bool isNull = value.isNull() && value.userType() != QMetaType::QByteArray;
+    const bool isEmptyText = value.userType() == QMetaType::QString && value.toString().isEmpty();
+    if (isNull || (isText && isEmptyText))
         return column.required ? QStringLiteral("must not be empty") : QString();
     if (value.userType() != (isText ? QMetaType::QString : QMetaType::LongLong)) {
         return QStringLiteral("holds %1, not %2")
