@@ -41,6 +41,8 @@ public:
     // A string: some locales of newer Qt write a direction mark before the sign.
     const QString &minus() const { return m_minus; }
 
+    // The number of digits behind the last separator; 0 when the locale does not group.
+    int lastGroupSize() const { return m_primary; }
     // True when a separator belongs in front of a digit that has `behind` digits behind and
     // including it (and at least one digit before it).
     bool separatorBefore(int behind) const
