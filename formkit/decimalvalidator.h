@@ -64,8 +64,9 @@ public:
     // Writes the number in the locale, grouped: textToDecimal() reads it back equal.
     QString decimalToText(decimal value) const;
 
-    // What counts as a zero everywhere in number entry: less than about 1e-12 in size.
-    static bool isZero(double number) { return qFuzzyCompare(number + 1.0, 1.0); }
+    // What counts as a zero everywhere in number entry: less than about 1e-12 in size, and what
+    // is no number at all.
+    static bool isZero(double number) { return qIsNaN(number) || qFuzzyCompare(number + 1.0, 1.0); }
 
 private:
     const LocaleSymbols &symbols() const;
