@@ -3,6 +3,7 @@
 #include <formkit/comboboxvalidator.h>
 
 #include <QComboBox>
+#include <QPointer>
 
 // The type-ahead combo box on which the selector boxes are built: editable, completing
 // without regard to case, and with a validator that judges texts by the rows. It shows no
@@ -19,10 +20,12 @@ public:
     explicit ComboBox(QWidget *parent = nullptr);
 
     // Not installed on the line edit: typed text that matches no row yet is no fault. A
-    // subclass that sets another model points the completer and the validator at it too.
+    // subclass that sets another model points the completer and the validator at it too. It
+    // goes with the line edit: null once that was replaced or taken away.
     ComboBoxValidator *comboBoxValidator() const { return m_validator; }
 
-    // Opens the list with no row highlighted, without selection signals of the list's view.
+    // Opens the list. What was highlighted in it no longer is, and the list's view says nothing
+    // about that; only the choice, if there is one, is highlighted.
     void showPopup() override;
 
 protected:
@@ -31,5 +34,5 @@ protected:
     void chooseRow(int row);
 
 private:
-    ComboBoxValidator *m_validator;
+    QPointer<ComboBoxValidator> m_validator;
 };

@@ -25,6 +25,8 @@ DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
     lineEdit()->setAlignment(Qt::AlignHCenter);
 
     const QString pattern = QLocale::system().dateFormat(QLocale::ShortFormat);
+    const QString longest = shown(datetime(QDate(2028, 12, 28)));
+    setMinimumContentsLength(qMax(pattern.size(), longest.size()));
     lineEdit()->setPlaceholderText(pattern);
     lineEdit()->setToolTip(tr("Дата в формате: %1").arg(pattern));
     connect(lineEdit(), &QLineEdit::textChanged, this, &DateEdit::onTextChanged);

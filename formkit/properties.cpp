@@ -3,6 +3,7 @@
 #include <QDebug>
 #include <QMetaProperty>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QVarLengthArray>
 
@@ -59,7 +60,19 @@ QMetaMethod changedSlot(const Properties *hub)
     return meta->method(meta->indexOfSlot("propertyChanged()"));
 }
 
+// How often properties may answer one write of their name with yet another value.
+constexpr int MaxAnswers = 20;
+
 } // namespace
+
+// A write of one name to all its properties.
+struct Properties::Write
+{
+    const QString name;
+    Write *const outer;
+    // The name got another value since, which has been handed to everybody already.
+    bool superseded = false;
+};
 
 Properties::Properties(QObject *parent) : QObject(parent), m_changeTimer(new QTimer(this))
 {
@@ -148,6 +161,7 @@ bool Properties::connectAll(QObject *object)
     }
 
     bool anyBound = false;
+    const QPointer<Properties> hub(this);
     const QPointer<QObject> alive(object);
     if (bindsOwnProperties(info)) {
         const Aliases aliases = aliasesOf(object);
@@ -160,7 +174,7 @@ bool Properties::connectAll(QObject *object)
                 bind(name, object, key.index);
             listen(name, key);
             anyBound = true;
-            if (!alive)
+            if (!hub || !alive)
                 return anyBound;
         }
     }
@@ -169,8 +183,10 @@ bool Properties::connectAll(QObject *object)
         QVarLengthArray<QPointer<QObject>, 16> children;
         for (QObject *child : object->children())
             children.append(child);
-        for (const QPointer<QObject> &child : children)
-            anyBound |= connectAll(child);
+        for (const QPointer<QObject> &child : children) {
+            if (hub)
+                anyBound |= connectAll(child);
+        }
     }
     return anyBound;
 }
@@ -237,13 +253,24 @@ void Properties::setValues(const Values &values)
 
 // Stores the value and hands it to the properties of its name. A property may answer at once,
 // and then anything may happen before write() returns: objects die, bindings come and go, the
-// name gets another value (which has then been handed to everybody already).
+// name gets another value.
 void Properties::write(const QString &name, const QString &value, const QObject *except)
 {
     const QVariant content(value);
     m_values.insert(name, content);
-    const int valueChange = ++m_valueChanges;
-    const int bindingChange = m_bindingChanges;
+
+    Write current{name, m_write};
+    int answers = 0;
+    for (Write *outer = m_write; outer; outer = outer->outer) {
+        if (outer->name == name) {
+            outer->superseded = true;
+            ++answers;
+        }
+    }
+    if (answers > MaxAnswers) {
+        qWarning() << "Properties::setValue: the properties bound to" << name << "disagree";
+        return;
+    }
 
     QVarLengthArray<Key, 16> keys;
     for (auto it = m_bindings.constFind(name); it != m_bindings.constEnd() && it.key() == name;
@@ -251,15 +278,19 @@ void Properties::write(const QString &name, const QString &value, const QObject 
         keys.append(*it);
 
     const QPointer<Properties> alive(this);
+    const int bindingChange = m_bindingChanges;
+    m_write = &current;
+    const auto done = qScopeGuard([&] {
+        if (alive)
+            m_write = current.outer;
+    });
     for (const Key &key : keys) {
         if (key.object == except)
             continue;
-        if (m_bindingChanges != bindingChange && !m_bindings.contains(name, key))
+        if (m_bindingChanges != bindingChange && !m_bindings.contains(current.name, key))
             continue;
         key.object->metaObject()->property(key.index).write(key.object, content);
-        if (!alive)
-            return;
-        if (m_valueChanges != valueChange && m_values.value(name).toString() != value)
+        if (!alive || current.superseded)
             return;
     }
 }

@@ -27,8 +27,13 @@ class QTimer;
 //   and a property of the object ("A=StockId B=BoardId"). Parts without "=" are skipped.
 //
 // The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
-// while the hub writes or reports. Bindings may be made and undone inside any of its
-// notifications. It belongs to one thread, with everything bound to it.
+// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
+// destroyed, inside any of its notifications and any write of a property. It belongs to one
+// thread, with everything bound to it.
+//
+// A property may answer a write with a form of its own (a date in normal form, say): the hub
+// takes that over and hands it on. Properties of one name that go on contradicting one another
+// are left as they stand after a while, with a warning.
 class FORMKIT_EXPORT Properties : public QObject
 {
     Q_OBJECT
@@ -100,6 +105,7 @@ protected slots:
     void propertyChanged();
 
 private:
+    struct Write;
     using Aliases = QMap<QByteArray, QString>;
 
     static Aliases aliasesOf(QObject *object);
@@ -118,7 +124,8 @@ private:
     // The names in m_bindings under which an object stands, so that it is forgotten in time
     // that does not grow with the form.
     QMultiHash<QObject *, QString> m_boundNames;
-    // Counts the changes of m_bindings and of m_values, so that a write under way notices.
+    // Counts the changes of m_bindings, so that a write under way notices.
     int m_bindingChanges = 0;
-    int m_valueChanges = 0;
+    // The innermost write under way.
+    Write *m_write = nullptr;
 };

@@ -12,6 +12,7 @@ constexpr int NameRole = Qt::UserRole + 1;
 StockSelectorBox_Code::StockSelectorBox_Code(QWidget *parent) : ComboBox(parent)
 {
     populate();
+    setCurrentIndex(-1);
     setEditText(QString());
     connect(this, &QComboBox::editTextChanged, this, &StockSelectorBox_Code::edit_changed);
     connect(this, QOverload<int>::of(&QComboBox::activated), this,
