@@ -78,8 +78,7 @@ void PartnerSelectorBox::populate()
         if (row >= 0) {
             setEditText(text);
             setCurrentIndex(row);
-            if (wasChosen)
-                m_partnerName = m_model->index(row, NameColumn).data().toString();
+            m_partnerName = m_model->index(row, NameColumn).data().toString();
         } else if (text.isEmpty() || isGone) {
             setCurrentIndex(m_model->rowCount() > 0 ? 0 : -1);
             setEditText(QString());
