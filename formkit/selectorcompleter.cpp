@@ -29,7 +29,8 @@ QString SelectorCompleter::pathFromIndex(const QModelIndex &index) const
 
 bool SelectorCompleter::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == popup() && event->type() == QEvent::KeyPress &&
+    // The type first: popup() makes a view while there is none, also inside setPopup().
+    if (event->type() == QEvent::KeyPress && watched == popup() &&
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
         const QString typed = completionPrefix();
         popup()->hide();
