@@ -238,24 +238,16 @@ void NumberEditorTest::refusedTexts_data()
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("entered");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("garbage stays garbage") << "abc"
-                                           << "5"
-                                           << "abc";
-    QTest::newRow("no digit behind too many") << "1.2345"
-                                              << "6"
-                                              << "1.2345";
-    QTest::newRow("no letters") << "-1234.567"
-                                << "x"
-                                << "-1,234.567";
-    QTest::newRow("not read as fifteen") << "1,5"
-                                         << "0"
-                                         << "1,5";
-    QTest::newRow("beyond fifteen digits") << "1234567890123456"
-                                           << "7"
-                                           << "1,234,567,890,123,456";
-    QTest::newRow("within the limits all is usual") << "1.2"
-                                                    << "3"
-                                                    << "1.23";
+    const auto row = [](const char *name, const char *given, const char *entered,
+                        const char *shown) {
+        QTest::newRow(name) << QString(given) << QString(entered) << QString(shown);
+    };
+    row("garbage stays garbage", "abc", "5", "abc");
+    row("no digit behind too many", "1.2345", "6", "1.2345");
+    row("no letters", "-1234.567", "x", "-1,234.567");
+    row("not read as fifteen", "1,5", "0", "1,5");
+    row("beyond fifteen digits", "1234567890123456", "7", "1,234,567,890,123,456");
+    row("within the limits all is usual", "1.2", "3", "1.23");
 }
 
 void NumberEditorTest::refusedTexts()
@@ -290,30 +282,18 @@ void NumberEditorTest::misplacedGroups_data()
     QTest::addColumn<QString>("locale");
     QTest::addColumn<QString>("entered");
     QTest::addColumn<QString>("value");
-    QTest::newRow("a point for a comma") << "de_DE"
-                                         << "1.50"
-                                         << "1500";
-    QTest::newRow("a comma for a point") << "en_US"
-                                         << "1,50"
-                                         << "1500";
-    QTest::newRow("both turned round") << "en_US"
-                                       << "1.234,56"
-                                       << "1500";
-    QTest::newRow("too long a group") << "en_US"
-                                      << "1,2345"
-                                      << "1500";
-    QTest::newRow("right groups") << "de_DE"
-                                  << "-1.234.567,5"
-                                  << "-1234567.5";
-    QTest::newRow("western groups in India") << "en_IN"
-                                             << "1,234,567"
-                                             << "1234567";
-    QTest::newRow("blanks around") << "ru_RU"
-                                   << " 1 234,5 "
-                                   << "1234.5";
-    QTest::newRow("cut off behind a separator") << "en_US"
-                                                << "1,234,"
-                                                << "1234";
+    const auto row = [](const char *name, const char *locale, const char *entered,
+                        const char *value) {
+        QTest::newRow(name) << QString(locale) << QString(entered) << QString(value);
+    };
+    row("a point for a comma", "de_DE", "1.50", "1500");
+    row("a comma for a point", "en_US", "1,50", "1500");
+    row("both turned round", "en_US", "1.234,56", "1500");
+    row("too long a group", "en_US", "1,2345", "1500");
+    row("right groups", "de_DE", "-1.234.567,5", "-1234567.5");
+    row("western groups in India", "en_IN", "1,234,567", "1234567");
+    row("blanks around", "ru_RU", " 1 234,5 ", "1234.5");
+    row("cut off behind a separator", "en_US", "1,234,", "1234");
 }
 
 void NumberEditorTest::misplacedGroups()
@@ -336,20 +316,17 @@ void NumberEditorTest::values_data()
     QTest::addColumn<QString>("number");
     QTest::addColumn<bool>("valid");
     QTest::addColumn<bool>("validIfNotZero");
-    QTest::newRow("none") << ""
-                          << "0" << false << false;
-    QTest::newRow("lone sign") << "-"
-                               << "0" << true << false;
-    QTest::newRow("not a number") << "nan"
-                                  << "0" << true << false;
-    QTest::newRow("zeros") << "0.00"
-                           << "0.00" << true << false;
-    QTest::newRow("as good as zero") << "0.0000000000001"
-                                     << "0.0000000000001" << true << false;
-    QTest::newRow("a price") << "-12.50"
-                             << "-12.50" << true << true;
-    QTest::newRow("too large") << "99999999999999999999"
-                               << "0" << true << true;
+    const auto row = [](const char *name, const char *value, const char *number, bool valid,
+                        bool validIfNotZero) {
+        QTest::newRow(name) << QString(value) << QString(number) << valid << validIfNotZero;
+    };
+    row("none", "", "0", false, false);
+    row("lone sign", "-", "0", true, false);
+    row("not a number", "nan", "0", true, false);
+    row("zeros", "0.00", "0.00", true, false);
+    row("as good as zero", "0.0000000000001", "0.0000000000001", true, false);
+    row("a price", "-12.50", "-12.50", true, true);
+    row("too large", "99999999999999999999", "0", true, true);
 }
 
 void NumberEditorTest::values()
