@@ -12,7 +12,6 @@ StockSelectorBox::StockSelectorBox(QWidget *parent)
     completer()->setModel(m_proxy);
     comboBoxValidator()->setModel(m_proxy);
     setSourceModel(new StockSelectorModel);
-    setCurrentIndex(-1);
     setEditText(QString());
     connect(this, &QComboBox::editTextChanged, this, &StockSelectorBox::edit_changed);
     connect(this, QOverload<int>::of(&QComboBox::activated), this,
@@ -21,11 +20,18 @@ StockSelectorBox::StockSelectorBox(QWidget *parent)
 
 void StockSelectorBox::setSourceModel(StockSelectorModel *model)
 {
-    delete m_proxy->sourceModel();
+    const QString chosen = getStockId();
     model->setParent(this);
     model->populate();
+    QAbstractItemModel *const before = m_proxy->sourceModel();
     m_proxy->setSourceModel(model);
+    if (before != model)
+        delete before;
     m_proxy->sort(0, Qt::AscendingOrder);
+    // QComboBox has chosen the first row of the new rows.
+    setCurrentIndex(-1);
+    if (chosen != QLatin1String("0"))
+        setStockId(chosen);
 }
 
 QString StockSelectorBox::getStock() const
