@@ -16,7 +16,7 @@ QString asTyped(const QString &text)
     for (const QChar c : text) {
         if (isDirectionMark(c))
             continue;
-        if (c.digitValue() >= 0)
+        if (c.isDigit())
             typed += QChar('0' + c.digitValue());
         else
             typed += c.isSpace() ? QChar(QLatin1Char(' ')) : c;
@@ -27,34 +27,74 @@ QString asTyped(const QString &text)
 QString inAsciiDigits(QString text)
 {
     for (QChar &c : text) {
-        if (c.digitValue() >= 0)
+        if (c.isDigit())
             c = QChar('0' + c.digitValue());
     }
     return text;
 }
 
-QString localeFormat(bool dateOnly, QLocale::FormatType type)
+// True when the text has an ASCII digit for each letter of the form and agrees with the rest.
+// The forms that are all digits are not left to QDateTime, which reads local time and refuses
+// the hours that the local clock skips in spring.
+bool fits(QStringView text, QStringView form)
 {
-    QString format = QLocale::system().dateFormat(type);
-    if (!dateOnly)
-        format += QLatin1Char(' ') + datetime::timeNoDateFormat();
-    return format;
+    if (text.size() != form.size())
+        return false;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (form.at(i).isLetter() ? c < QLatin1Char('0') || c > QLatin1Char('9') : c != form.at(i))
+            return false;
+    }
+    return true;
 }
 
-// QDateTime reads a two-digit year as one of the 1900s, among which there is no leap day for
-// year 00.
+// What digits that are known to fit say; 0 for those behind the end of the text.
+int numberAt(QStringView text, int from, int count)
+{
+    int number = 0;
+    for (int i = from; i < from + count && i < text.size(); ++i)
+        number = number * 10 + text.at(i).digitValue();
+    return number;
+}
+
+QTime timeAt(QStringView text, int from)
+{
+    return QTime(numberAt(text, from, 2), numberAt(text, from + 3, 2), numberAt(text, from + 6, 2),
+                 numberAt(text, from + 9, 3));
+}
+
+// Cuts " HH:mm:ss.zzz" off the end; an invalid time when the text does not end so.
+QTime takeTime(QString &text)
+{
+    const int place = text.size() - datetime::timeNoDateFormat().size();
+    if (place < 1 || text.at(place - 1) != QLatin1Char(' ') ||
+        !fits(QStringView(text).mid(place), datetime::timeNoDateFormat()))
+        return {};
+    const QTime time = timeAt(text, place);
+    text.truncate(place - 1);
+    return time;
+}
+
+// QDate reads a two-digit year as one of the 1900s.
 constexpr int CenturyShift = 100;
 
-QDateTime readLeapDayOfYear00(const QString &text, const QString &format)
+// 1900 had no leap day, so QDate refuses the one of a year 00; it reads that of a year 04.
+QDate readLeapDayOfYear00(const QString &text, const QString &format)
 {
-    const QDateTime time = QLocale::c().toDateTime(text.right(datetime::timeNoDateFormat().size()),
-                                                   datetime::timeNoDateFormat());
-    for (const QTime &candidate : {QTime(0, 0), time.time()}) {
-        const QDateTime leapDay(QDate(2000, 2, 29), candidate, Qt::UTC);
-        if (candidate.isValid() && asTyped(QLocale::system().toString(leapDay, format)) == text)
-            return leapDay;
-    }
-    return {};
+    const int year = text.indexOf(QLatin1String("00"));
+    if (year < 0)
+        return {};
+    const QString other = QString(text).replace(year, 2, QLatin1String("04"));
+    const bool leapDay = QLocale::system().toDate(other, format) == QDate(1904, 2, 29);
+    return leapDay ? QDate(2000, 2, 29) : QDate();
+}
+
+QDate readDate(const QString &text, const QString &format)
+{
+    const QDate read = QLocale::system().toDate(text, format);
+    if (format.contains(QLatin1String("yyyy")))
+        return read;
+    return read.isValid() ? read.addYears(CenturyShift) : readLeapDayOfYear00(text, format);
 }
 
 } // namespace
@@ -67,16 +107,17 @@ datetime::datetime(const QDateTime &dateTime)
 
 datetime::datetime(const QString &systemText)
 {
-    static const QString formats[] = {
+    static const QString forms[] = {
         defaultFormat(),
         QStringLiteral("yyyy-MM-dd HH:mm:ss"),
         QStringLiteral("yyyy.MM.dd"),
         QStringLiteral("yyyy-MM-dd"),
     };
-    for (const QString &format : formats) {
-        const QDateTime read = QLocale::c().toDateTime(systemText, format);
-        if (read.isValid()) {
-            *this = datetime(read);
+    for (const QString &form : forms) {
+        if (fits(systemText, form)) {
+            *this = datetime(QDate(numberAt(systemText, 0, 4), numberAt(systemText, 5, 2),
+                                   numberAt(systemText, 8, 2)),
+                             timeAt(systemText, 11));
             return;
         }
     }
@@ -128,19 +169,18 @@ QString datetime::toSystemString(bool dateOnly, QLocale::FormatType type) const
 {
     if (isNull())
         return {};
-    return inAsciiDigits(QLocale::system().toString(toUtc(), localeFormat(dateOnly, type)));
+    const QLocale system = QLocale::system();
+    QString format = system.dateFormat(type);
+    if (!dateOnly)
+        format += QLatin1Char(' ') + timeNoDateFormat();
+    return inAsciiDigits(system.toString(toUtc(), format));
 }
 
 datetime datetime::fromSystemString(const QString &text, bool dateOnly, QLocale::FormatType type)
 {
-    const QString format = asTyped(localeFormat(dateOnly, type));
-    const QString typed = asTyped(text);
-    const QDateTime read = QLocale::system().toDateTime(typed, format);
-    if (format.contains(QLatin1String("yyyy")))
-        return datetime(read);
-    if (!read.isValid())
-        return datetime(readLeapDayOfYear00(typed, format));
-    return datetime(read.date().addYears(CenturyShift), read.time());
+    QString typed = asTyped(text);
+    const QTime time = dateOnly ? QTime(0, 0) : takeTime(typed);
+    return datetime(readDate(typed, asTyped(QLocale::system().dateFormat(type))), time);
 }
 
 datetime datetime::addYears(int years) const

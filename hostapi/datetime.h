@@ -39,13 +39,15 @@ public:
     static QString defaultFormat();
     static QString timeNoDateFormat();
 
-    // The system form, empty for null.
+    // The system form, empty for null. What lies outside the years 1 to 9999 is written, but
+    // does not read back.
     QString toString() const;
     // The locale form, empty for null.
     QString toSystemString(bool dateOnly, QLocale::FormatType type) const;
     // Reads the locale form; null for a text that is none. Native digits count as well, and
     // direction marks, which no keyboard has, need not be typed. Under a format with a
-    // two-digit year every date lies in 2000 to 2099 ("29.02.00" and "01.01.70" too).
+    // two-digit year every date lies in 2000 to 2099 ("29.02.00" and "01.01.70" too). Hours
+    // that the local clock skips in spring are read like any other.
     static datetime fromSystemString(const QString &text, bool dateOnly, QLocale::FormatType type);
 
     // The same day of another year, 28 February for a 29th that it lacks. Null stays null.

@@ -29,6 +29,7 @@ public:
 
     constexpr decimal() = default;
     constexpr decimal(int value) : m_word(value) {}
+    constexpr decimal(qint64 value) : m_word(value) {}
     // The number word / 10^scale. Throws for a scale outside 0 to MaxScale.
     decimal(qint64 word, short scale);
     // Reads the system form; the scale is the number of fraction digits. Throws for a text
@@ -63,7 +64,7 @@ public:
     // -1, 0 or 1, by value: 1.5 equals 1.50.
     int compare(const decimal &other) const;
 
-    // Sums have the larger of the two scales.
+    // Sums have the larger of the two scales, to which both numbers must fit.
     decimal operator+(const decimal &other) const;
     decimal operator-(const decimal &other) const;
     decimal operator-() const;

@@ -38,9 +38,11 @@ public:
     // Stores a number, converted to the cell's type (a decimal in the column's scale). A
     // date or board-list cell throws Exception.
     Field &operator=(int value);
-    // Stores what the text says in the system form. An empty text makes the cell null; a
-    // text that does not convert, or a board-list cell, throws Exception and leaves the cell
-    // as it was. A text that is no date becomes the null date.
+    // Would lose digits unseen; assign a 64-bit number as text.
+    Field &operator=(qint64) = delete;
+    // Stores what the text says in the system form; a decimal keeps the text's scale. An empty
+    // text makes the cell null; a text that does not convert, or a board-list cell, throws
+    // Exception and leaves the cell as it was. A text that is no date becomes the null date.
     Field &operator=(QStringView text);
     Field &operator=(const Field &) = delete;
 

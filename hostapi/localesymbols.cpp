@@ -45,6 +45,8 @@ LocaleSymbols::LocaleSymbols(const QLocale &locale)
         m_primary = groups.last().size();
         m_secondary = groups.at(groups.size() - 2).size();
     }
+    for (size_t code = 0; code < m_asciiKinds.size(); ++code)
+        m_asciiKinds[code] = readKindOf(QChar(ushort(code)));
 }
 
 bool LocaleSymbols::isGroup(QChar c) const
@@ -53,17 +55,7 @@ bool LocaleSymbols::isGroup(QChar c) const
            (isApostrophe(c) && isApostrophe(m_group));
 }
 
-int LocaleSymbols::digitValue(QChar c) const
-{
-    const ushort code = c.unicode();
-    if (code >= '0' && code <= '9')
-        return code - '0';
-    if (code >= m_zero && code <= m_zero + 9)
-        return code - m_zero;
-    return -1;
-}
-
-LocaleSymbols::Kind LocaleSymbols::kindOf(QChar c) const
+LocaleSymbols::Kind LocaleSymbols::readKindOf(QChar c) const
 {
     if (digitValue(c) >= 0)
         return Digit;

@@ -5,6 +5,8 @@
 #include <QLocale>
 #include <QString>
 
+#include <array>
+
 // The characters with which a locale writes numbers, read out once, and what a typed
 // character stands for among them. Number options of the locale (whether it groups) do not
 // count: integers are always grouped, in the sizes that QLocale::toString(qlonglong) uses
@@ -12,7 +14,7 @@
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
-    enum Kind { Other, Digit, Minus, Plus, Point, Group };
+    enum Kind : uchar { Other, Digit, Minus, Plus, Point, Group };
 
     explicit LocaleSymbols(const QLocale &locale);
 
@@ -20,9 +22,17 @@ public:
     // lack most of these characters: ASCII digits beside the locale's own; '-' and '+' beside
     // its signs; any blank (U+0020, U+00A0, U+2009, U+202F) for a blank group separator, and
     // either apostrophe (U+0027, U+2019) for an apostrophe.
-    Kind kindOf(QChar c) const;
+    Kind kindOf(QChar c) const
+    {
+        return c.unicode() < m_asciiKinds.size() ? m_asciiKinds[c.unicode()] : readKindOf(c);
+    }
     // 0 to 9 for a digit of the locale or an ASCII one, -1 for anything else.
-    int digitValue(QChar c) const;
+    int digitValue(QChar c) const
+    {
+        const uint ascii = uint(c.unicode()) - '0';
+        const uint own = uint(c.unicode()) - m_zero;
+        return ascii <= 9 ? int(ascii) : own <= 9 ? int(own) : -1;
+    }
     // The locale's digit for a value of 0 to 9.
     QChar digit(int value) const { return QChar(m_zero + value); }
 
@@ -31,6 +41,8 @@ public:
     // A string: some locales of newer Qt write a direction mark before the sign.
     const QString &minus() const { return m_minus; }
 
+    // The number of digits behind the last separator; 0 when the locale does not group.
+    int lastGroupSize() const { return m_primary; }
     // True when a separator belongs in front of a digit that has `behind` digits behind and
     // including it (and at least one digit before it).
     bool separatorBefore(int behind) const
@@ -41,6 +53,7 @@ public:
     QString grouped(const QString &digits) const;
 
 private:
+    Kind readKindOf(QChar c) const;
     bool isGroup(QChar c) const;
 
     QChar m_point;
@@ -53,4 +66,6 @@ private:
     // locale does not group.
     int m_primary = 0;
     int m_secondary = 1;
+    // Validators ask for every character at every keystroke.
+    std::array<Kind, 128> m_asciiKinds;
 };

@@ -3,6 +3,7 @@
 #include <hostapi/field.h>
 
 #include <atomic>
+#include <utility>
 
 class Table;
 
@@ -25,19 +26,38 @@ public:
     // An empty row shaped like the table (every cell null), to be filled as a look-up key.
     explicit Record(const Table *table);
     // Another reference to a row.
-    Record(const Table *table, RowData *row);
-    Record(const Record &other);
-    Record(Record &&other) noexcept;
-    Record &operator=(Record other) noexcept;
-    ~Record();
+    Record(const Table *table, RowData *row) : m_table(table), m_row(row)
+    {
+        if (m_row)
+            m_row->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    Record(const Record &other) : Record(other.m_table, other.m_row) {}
+    Record(Record &&other) noexcept
+        : m_table(other.m_table), m_row(std::exchange(other.m_row, nullptr))
+    {
+    }
+    Record &operator=(Record other) noexcept
+    {
+        std::swap(m_table, other.m_table);
+        std::swap(m_row, other.m_row);
+        return *this;
+    }
+    ~Record()
+    {
+        if (m_row && m_row->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            giveBack();
+    }
 
     bool isNull() const { return !m_row; }
     const Table *table() const { return m_table; }
     RowData *row() const { return m_row; }
-    // The cell of a column; a null cell when the record is null.
+    // The cell of a column; a null cell when the record is null or the column is -1, which is
+    // what a table has no column for (see Table::columnIndex()).
     Field field(int column) const;
 
 private:
+    void giveBack() noexcept;
+
     const Table *m_table = nullptr;
     RowData *m_row = nullptr;
 };

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *table, int sessionColumn,
+SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *, int sessionColumn,
                                                  const QList<int> &keyColumns, int session,
                                                  const ValueFilter *parent)
-    : m_table(table)
-    , m_sessionColumn(sessionColumn)
+    : m_sessionColumn(sessionColumn)
     , m_stockColumn(keyColumns.value(0, -1))
     , m_parent(parent ? parent->clone() : nullptr)
 {
@@ -19,7 +18,6 @@ SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *table, int session
 
 SecuritiesSessionFilter::SecuritiesSessionFilter(const SecuritiesSessionFilter &other)
     : ValueFilter(other)
-    , m_table(other.m_table)
     , m_sessionColumn(other.m_sessionColumn)
     , m_stockColumn(other.m_stockColumn)
     , m_sessions(other.m_sessions)
@@ -31,8 +29,10 @@ SecuritiesSessionFilter::~SecuritiesSessionFilter() = default;
 
 bool SecuritiesSessionFilter::filter(const Record &record) const
 {
-    const SessionId session{m_table->dataPtr(record.row(), m_stockColumn).toInteger(),
-                            m_table->dataPtr(record.row(), m_sessionColumn).toInteger()};
+    if (record.isNull())
+        return false;
+    const SessionId session{record.field(m_stockColumn).toInteger(),
+                            record.field(m_sessionColumn).toInteger()};
     return std::binary_search(m_sessions.begin(), m_sessions.end(), session) &&
            (!m_parent || m_parent->filter(record));
 }

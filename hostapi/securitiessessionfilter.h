@@ -11,20 +11,20 @@
 class HOSTAPI_EXPORT SecuritiesSessionFilter : public ValueFilter
 {
 public:
-    // `sessionColumn` holds a row's session and `keyColumns` the parts of its key, exchange
-    // first. A `session` other than -1 narrows the filter to that session id. With a `parent`,
-    // a row must meet the parent's condition as well; a copy of it is kept.
+    // `sessionColumn` of the table holds a row's session and `keyColumns` the parts of its
+    // key, exchange first. A `session` other than -1 narrows the filter to that session id.
+    // With a `parent`, a row must meet the parent's condition as well; a copy of it is kept.
     SecuritiesSessionFilter(const Table *table, int sessionColumn, const QList<int> &keyColumns,
                             int session, const ValueFilter *parent);
     SecuritiesSessionFilter(const SecuritiesSessionFilter &other);
     SecuritiesSessionFilter &operator=(const SecuritiesSessionFilter &) = delete;
     ~SecuritiesSessionFilter() override;
 
+    // False for a null record.
     bool filter(const Record &record) const override;
     std::unique_ptr<ValueFilter> clone() const override;
 
 private:
-    const Table *m_table;
     int m_sessionColumn;
     int m_stockColumn;
     // Sorted.

@@ -1,0 +1,3 @@
+#include "embeddeddecoder.h"
+
+EmbeddedDecoder::EmbeddedDecoder(QObject *parent) : QObject(parent) {}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <embeddedhost/embeddedhost_export.h>
+#include <hostapi/idecoder.h>
+
+#include <QObject>
+
+// The embedded host's plug-in that announces new sessions (see EmbeddedHost::setSessions()).
+class EMBEDDEDHOST_EXPORT EmbeddedDecoder : public QObject, public IDecoder
+{
+    Q_OBJECT
+    Q_INTERFACES(IDecoder)
+
+public:
+    explicit EmbeddedDecoder(QObject *parent = nullptr);
+
+signals:
+    // Other sessions than before are open to trading.
+    void aNewSessions();
+};

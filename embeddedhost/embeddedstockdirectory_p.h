@@ -1,0 +1,19 @@
+#pragma once
+
+#include "directorydata_p.h"
+#include "snapshot_p.h"
+
+#include <hostapi/directories.h>
+
+// The exchanges of the embedded host; waits for no table.
+class EmbeddedStockDirectory : public StockDirectory
+{
+public:
+    explicit EmbeddedStockDirectory(const Snapshot<DirectoryData> *data);
+
+    QString codeById(int stockId) const override;
+    int idByCode(const QString &stockCode) const override;
+
+private:
+    const Snapshot<DirectoryData> *m_data;
+};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <embeddedhost/referenceschema.h>
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <map>
+#include <memory>
+
+// Writes a reference database. The file appears, or replaces the one of its name, when the
+// database is complete; until then the rows go to a file beside it.
+class DatabaseWriter
+{
+public:
+    // Throws Exception, as every call here does, with the database's own reason.
+    explicit DatabaseWriter(const QString &file);
+    ~DatabaseWriter();
+    Q_DISABLE_COPY(DatabaseWriter)
+
+    // Adds a row, with values in the order of the schema's columns. The database itself
+    // refuses duplicate keys and rows without their parent, so parents go first.
+    void insert(ReferenceSchema::TableId table, const QVariantList &values);
+    void finish();
+
+private:
+    void createTable(const TableSchema &schema);
+    void execute(const QString &sql);
+    void close();
+
+    QString m_file;
+    QString m_partFile;
+    QSqlDatabase m_database;
+    std::map<int, std::unique_ptr<QSqlQuery>> m_inserts;
+};

@@ -1,0 +1,6 @@
+#include "quantityeditor.h"
+
+QuantityEditor::QuantityEditor(QWidget *parent) : NumberEditor(parent, 0)
+{
+    setCanNegative(false);
+}

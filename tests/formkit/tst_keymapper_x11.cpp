@@ -1,0 +1,138 @@
+#include "support/stricttest.h"
+#include "support/xserver.h"
+
+#include <formkit/combobox.h>
+#include <formkit/keymapper.h>
+#include <formkit/numbereditor.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+// A number editor and a combo box on a real X server, under a system locale with a comma.
+class KeyMapperX11Test : public StrictTest
+{
+    Q_OBJECT
+
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private slots:
+    void initTestCase();
+    void keypadDecimalTypesTheComma();
+    void keypadDeleteDeletes();
+    void keysOfTheLayout_data();
+    void keysOfTheLayout();
+    void wheelOverAnUnfocusedBox();
+
+private:
+    QWidget m_form;
+    NumberEditor *m_editor = new NumberEditor;
+    ComboBox *m_box = new ComboBox;
+    int m_key = 0;
+    int m_visibleCode = 0;
+    int m_notches = 0;
+};
+
+bool KeyMapperX11Test::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        auto *press = static_cast<QKeyEvent *>(event);
+        if (press->text().isEmpty())
+            return false;
+        m_key = press->key();
+        m_visibleCode = KeyMapper::visibleKeycodeByNative(press);
+    } else if (event->type() == QEvent::Wheel) {
+        ++m_notches;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+// There is no window manager that would give the window the focus.
+void KeyMapperX11Test::initTestCase()
+{
+    auto *layout = new QVBoxLayout(&m_form);
+    layout->addWidget(m_editor);
+    layout->addWidget(m_box);
+    m_editor->installEventFilter(this);
+    m_box->addItems({"one", "two", "three"});
+    m_box->setCurrentIndex(1);
+    m_box->installEventFilter(this);
+    m_form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&m_form));
+    QVERIFY(XServer::run("setxkbmap", {"us"}));
+    QVERIFY(XServer::run("xdotool", {"windowfocus", "--sync", QString::number(m_form.winId())}));
+    m_editor->setFocus();
+    QTRY_VERIFY(m_editor->hasFocus());
+    QVERIFY(XServer::run("xdotool", {"key", "Num_Lock"}));
+}
+
+void KeyMapperX11Test::keypadDecimalTypesTheComma()
+{
+    m_editor->setValue("12");
+    QVERIFY(XServer::run("xdotool", {"key", "91"}));
+    QTRY_COMPARE(m_editor->text(), QString("12,"));
+    QVERIFY(XServer::run("xdotool", {"key", "5"}));
+    QTRY_COMPARE(m_editor->getValue(), QString("12.5"));
+}
+
+void KeyMapperX11Test::keypadDeleteDeletes()
+{
+    m_editor->setValue("34");
+    m_editor->setCursorPosition(0);
+    QVERIFY(XServer::run("xdotool", {"key", "Num_Lock", "key", "91", "key", "Num_Lock"}));
+    QTRY_COMPARE(m_editor->text(), QString("4"));
+}
+
+void KeyMapperX11Test::keysOfTheLayout_data()
+{
+    QTest::addColumn<QString>("layouts");
+    QTest::addColumn<QStringList>("keys");
+    QTest::addColumn<int>("code");
+    QTest::newRow("Q") << "us" << QStringList{"key", "24"} << int('q');
+    QTest::newRow("the same key in French") << "fr" << QStringList{"key", "24"} << int('a');
+    QTest::newRow("with Shift") << "fr" << QStringList{"keydown", "50", "key", "24", "keyup", "50"}
+                                << int('a');
+    QTest::newRow("second group") << "us,fr" << QStringList{"key", "24"} << int('a');
+    QTest::newRow("no ASCII in the layout") << "ru" << QStringList{"key", "24"} << 0;
+}
+
+void KeyMapperX11Test::keysOfTheLayout()
+{
+    QFETCH(QString, layouts);
+    QFETCH(QStringList, keys);
+    QFETCH(int, code);
+    QVERIFY(XServer::run("setxkbmap", {"-layout", layouts}));
+    QVERIFY(XServer::switchLayout(layouts.count(',')));
+    m_key = 0;
+    QVERIFY(XServer::run("xdotool", keys));
+    QTRY_VERIFY(m_key != 0);
+    QCOMPARE(m_visibleCode, code ? code : m_key);
+}
+
+void KeyMapperX11Test::wheelOverAnUnfocusedBox()
+{
+    const QPoint place = m_box->mapToGlobal(m_box->rect().center());
+    const QString x = QString::number(place.x()), y = QString::number(place.y());
+    QVERIFY(XServer::run("xdotool", {"mousemove", x, y, "click", "5", "click", "5"}));
+    QTRY_COMPARE(m_notches, 2);
+    QCOMPARE(m_box->currentText(), QString("two"));
+    QVERIFY(m_editor->hasFocus());
+    m_box->setFocus();
+    QVERIFY(XServer::run("xdotool", {"click", "5"}));
+    QTRY_COMPARE(m_box->currentText(), QString("three"));
+}
+
+int main(int argc, char **argv)
+{
+    XServer server;
+    if (!server.start())
+        qFatal("Xvfb does not start.");
+    server.useForQt();
+    qputenv("LC_ALL", "de_DE.UTF-8");
+    QApplication application(argc, argv);
+    KeyMapperX11Test test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_keymapper_x11.moc"

@@ -1,0 +1,179 @@
+#include "support/stricttest.h"
+
+#include <hostapi/decimal.h>
+#include <hostapi/exception.h>
+#include <hostapi/localesymbols.h>
+
+#include <functional>
+#include <limits>
+#include <random>
+
+namespace {
+
+__extension__ typedef __int128 Wide;
+
+constexpr qint64 Max = std::numeric_limits<qint64>::max();
+constexpr qint64 Min = std::numeric_limits<qint64>::min();
+
+const QList<QLocale> everyLocale =
+    QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry);
+
+Wide atScale18(const decimal &number)
+{
+    Wide wide = number.word();
+    for (int scale = number.scale(); scale < decimal::MaxScale; ++scale)
+        wide *= 10;
+    return wide;
+}
+
+// What an operation gives, or what it throws.
+QString outcome(const std::function<decimal()> &operation)
+{
+    try {
+        return operation().toString();
+    } catch (const Exception &failure) {
+        return failure.text();
+    }
+}
+
+} // namespace
+
+class DecimalTest : public StrictTest
+{
+    Q_OBJECT
+
+private slots:
+    void texts();
+    void arithmetic();
+    void writesLikeEveryLocale();
+    void randomTexts();
+};
+
+// What comes of a text of the locale (of the system form where none is named) at a scale.
+void DecimalTest::texts()
+{
+    using Row = std::tuple<QString, QString, int, QString>;
+    const QString refused = "Can't convert from '%1'' to decimal";
+    QVector<Row> rows = {
+        {"", "-0.00", 2, "0.00"},
+        {"", "+.05", 2, "0.05"},
+        {"", "05.", 0, "5"},
+        {"", "90071992547409.93", 2, "90071992547409.93"},
+        {"", "9.223372036854775807", 18, "9.223372036854775807"},
+        {"", "2.5", 0, "3"},
+        {"", "-2.5", 0, "-3"},
+        {"", "-2.4999", 0, "-2"},
+        {"", "-0.500000000000000000", 0, "-1"},
+        {"", "-922337203685477580", 1, "-922337203685477580.0"},
+        {"", "-922337203685477581", 1, "Decimal overflow."},
+        {"", "1", 19, "Decimal scale 19 is outside 0 to 18."},
+        {"fr_FR", "1 234,5", 1, "1234.5"},
+        {"de_CH", "-1'234.5", 1, "-1234.5"},
+        {"en_US", "1'234", 0, refused},
+        {"en_US", "1,5", 1, "15.0"}, // a comma groups there
+        {"en_US", "\u22125", 0, refused},
+        {"ru_RU", "1.5", 1, refused},
+        {"ar_EG", "1\u0662\u066b5", 1, "12.5"},
+        {"ar_EG", "\u06f1", 0, refused}, // a digit of Persian
+        {"de_DE", ",", 1, refused},
+        {"de_DE", ".-5", 0, refused},
+    };
+    const QString garbage = "|-|.|-.|1e5|inf|nan| 1|1 |1,5|--1|1-|1.2.|٣|−5|%1%2|1\u200e|²|"
+                            "9223372036854775808|-92233720368547758.09|0.1234567890123456789";
+    for (const QString &garbled : garbage.split('|'))
+        rows << Row{"", garbled, 0, refused};
+    for (const auto &[locale, text, scale, result] : qAsConst(rows)) {
+        const bool system = locale.isEmpty();
+        const LocaleSymbols symbols{QLocale(locale)};
+        QCOMPARE(system ? decimal::canConvert(text, false)
+                        : decimal::canConvert(text, false, symbols),
+                 result != refused);
+        const auto read = [&, system, text = text, scale = scale] {
+            if (!system)
+                return decimal::fromLocaleString(text, symbols, scale);
+            decimal number(text);
+            number.setScale(short(scale));
+            return number;
+        };
+        QCOMPARE(outcome(read), QString(result).replace("%1", text));
+    }
+    QVERIFY(decimal::canConvert(u"", true));
+}
+
+void DecimalTest::arithmetic()
+{
+    const QString overflow = "Decimal overflow.";
+    QCOMPARE(outcome([] { return decimal(Max, 0) + 1; }), overflow);
+    QCOMPARE(outcome([] { return -decimal(Min); }), overflow);
+    QCOMPARE(outcome([] { return decimal(Min) - decimal(Min); }), QString("0"));
+    QCOMPARE(outcome([] { return decimal(10) + decimal(1, 18); }), overflow);
+    std::vector<decimal> numbers;
+    for (const short scale : {0, 1, 2, 9, 17, 18}) {
+        for (const qint64 word : {Min, Min + 1, qint64(-1500), qint64(0), qint64(15), Max})
+            numbers.emplace_back(word, scale);
+    }
+    for (const decimal &a : numbers) {
+        for (const decimal &b : numbers) {
+            const Wide difference = atScale18(a) - atScale18(b);
+            QCOMPARE(a.compare(b), difference < 0 ? -1 : difference > 0 ? 1 : 0);
+            try {
+                QVERIFY(atScale18(a + b) == atScale18(a) + atScale18(b));
+                QVERIFY(atScale18(a - b) == difference);
+            } catch (const Exception &failure) {
+                QCOMPARE(failure.text(), overflow);
+            }
+        }
+    }
+}
+
+void DecimalTest::writesLikeEveryLocale()
+{
+    for (QLocale locale : everyLocale) {
+        locale.setNumberOptions(QLocale::DefaultNumberOptions);
+        for (const qint64 word : {Min, Q_INT64_C(-1234567890), Q_INT64_C(-7), Q_INT64_C(0), Max}) {
+            QCOMPARE(decimal(word).toSystemString(locale), locale.toString(word));
+            const decimal price(word, 2);
+            const int cents = int(qAbs(word % 100));
+            const QString sign = word < 0 && word > -100 ? QString(locale.negativeSign()) : "";
+            const QString shown = sign + locale.toString(word / 100) + locale.decimalPoint() +
+                                  locale.toString(cents / 10) + locale.toString(cents % 10);
+            QCOMPARE(price.toSystemString(locale), shown);
+            const QString keyed = price.toString().replace('.', locale.decimalPoint());
+            QCOMPARE(decimal::fromLocaleString(shown, locale, 2).word(), word);
+            QCOMPARE(decimal::fromLocaleString(keyed, locale, 2).word(), word);
+        }
+    }
+}
+
+// Whatever is typed: what reads at all reads back equal from what is written of it.
+void DecimalTest::randomTexts()
+{
+    std::mt19937 random(20260305);
+    const auto below = [&random](int limit) { return int(random() % uint(limit)); };
+    int read = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const LocaleSymbols symbols(everyLocale.at(below(everyLocale.size())));
+        const QString letters = QString("01234567890123456789000999,..'- +−’\u00a0\u202fe٣") +
+                                symbols.digit(below(10)) + symbols.group() + symbols.point() +
+                                symbols.minus() + QChar(ushort(below(0x10000)));
+        QString text;
+        for (int left = below(22); left > 0; --left)
+            text += letters.at(below(letters.size()));
+        const int scale = below(19);
+        const bool readable = decimal::canConvert(text, false, symbols);
+        try {
+            const decimal number = decimal::fromLocaleString(text, symbols, scale);
+            QVERIFY2(readable, qPrintable(text));
+            const QString shown = number.toSystemString(symbols);
+            QCOMPARE(decimal::fromLocaleString(shown, symbols, scale).word(), number.word());
+            QCOMPARE(decimal(number.toString()).word(), number.word());
+            ++read;
+        } catch (const Exception &failure) {
+            QCOMPARE(readable, failure.text() == "Decimal overflow.");
+        }
+    }
+    QVERIFY(read > 1000);
+}
+
+QTEST_GUILESS_MAIN(DecimalTest)
+#include "tst_decimal.moc"
