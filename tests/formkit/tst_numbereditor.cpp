@@ -307,6 +307,11 @@ void NumberEditorTest::misplacedGroups()
         editor.selectAll();
         enter(editor, way, entered);
         QTEST(editor.getValue(), "value");
+        // A key is never taken for more, whatever had been selected.
+        editor.selectAll();
+        editor.setValue("4321");
+        type(editor, "5");
+        QCOMPARE(editor.getValue(), QString("43215"));
     }
 }
 
@@ -359,6 +364,9 @@ void NumberEditorTest::settingIsSilent()
     QCOMPARE(seen(editor), QString("-1,234.|"));
     type(editor, "B");
     QCOMPARE(seen(editor), QString("-1,234|"));
+    editor.setValue("0012");
+    type(editor, ".");
+    QCOMPARE(editor.getValue(), QString("0012"));
     QCOMPARE(changed.count(), 0);
 }
 
