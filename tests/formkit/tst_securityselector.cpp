@@ -122,6 +122,8 @@ private slots:
 
     void reports_data();
     void reports();
+    void keys_data();
+    void keys();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -480,6 +482,147 @@ void SecuritySelectorTest::reports()
              state);
     QVERIFY(box.currentIndex() < 0 || box.itemData(box.currentIndex(), Role::SecurityIdRole)
                                               .toString() == box.getSecurityId());
+}
+
+void SecuritySelectorTest::keys_data()
+{
+    QTest::addColumn<Steps>("given");
+    QTest::addColumn<Steps>("when");
+    QTest::addColumn<QString>("reported");
+    QTest::addColumn<QString>("state"); // text; index; rows lit in list and completer; focus
+    const auto row = [](const char *name, const Steps &given, const Steps &when,
+                        const char *reported, const char *state) {
+        QTest::newRow(name) << given << when << reported << state;
+    };
+    const auto nothing = [](Desk &) {};
+    const auto press = [](std::initializer_list<int> keys) {
+        return [keys = QVector<int>(keys)](Desk &d) {
+            for (const int key : keys)
+                d.press(key);
+        };
+    };
+    const auto chosen = [](Desk &d) { d.box.setSecurityId("10"); };
+    const auto open = [chosen](Desk &d) {
+        chosen(d);
+        d.press(Qt::Key_F4);
+    };
+    const auto completing = [](Desk &d) { d.type("gaz"); };
+    const char *const first = "id=14 code=aF name=aeroflot name=aeroflot "
+                              "id=14 code=aF name=aeroflot";
+
+    row("Down, closed", nothing, press({Qt::Key_Down}), first, "aeroflot|0|-|-|box");
+    row("Up, closed", chosen, press({Qt::Key_Up}), "id=12 code=GA2 name=Gazprom",
+        "Gazprom|2|-|-|box");
+    row("Up at the first row", press({Qt::Key_Down}), press({Qt::Key_Up}), "",
+        "aeroflot|0|-|-|box");
+    row("Page down, closed", chosen, press({Qt::Key_PageDown}),
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=11 code=GN name=Gazprom neft",
+        "Gazprom neft|4|-|-|box");
+    row("Escape, closed", chosen, press({Qt::Key_Escape}), "", "Gazprom|3|-|-|box");
+    row("Tab, closed", chosen, press({Qt::Key_Tab}), "", "Gazprom|3|-|-|next");
+
+    row("opening lights the choice", nothing, open, "id=10 code=GA name=Gazprom name=Gazprom",
+        "Gazprom|3|3|-|list");
+    row("opening without a choice", nothing, press({Qt::Key_F4}), "", "|-1|-1|-|list");
+    row("moving in the list", open, press({Qt::Key_Down, Qt::Key_Down, Qt::Key_Up}), "",
+        "Gazprom|3|4|-|list");
+    row("End in the list", open, press({Qt::Key_End}), "", "Gazprom|3|5|-|list");
+    row("Home in the list", open, press({Qt::Key_Home}), "", "Gazprom|3|0|-|list");
+    row("beyond the end", open, press({Qt::Key_End, Qt::Key_Down, Qt::Key_PageDown}), "",
+        "Gazprom|3|5|-|list");
+    row("Enter in the list", open, press({Qt::Key_End, Qt::Key_Return}),
+        "id=15 code=LS name=Lufthansa name=Lufthansa id=15 code=LS name=Lufthansa",
+        "Lufthansa|5|-|-|box");
+    row("a namesake from the list", open, press({Qt::Key_Up, Qt::Key_Enter}),
+        "id=12 code=GA2 name=Gazprom", "Gazprom|2|-|-|box");
+    row("Enter on the choice over other text",
+        [open](Desk &d) {
+            open(d);
+            d.press(Qt::Key_Escape);
+            d.box.setEditText("other");
+            d.press(Qt::Key_F4);
+        },
+        press({Qt::Key_Return}),
+        "id=10 code=GA name=Gazprom name=Gazprom id=10 code=GA name=Gazprom",
+        "Gazprom|3|-|-|box");
+    row("Escape in the list", open, press({Qt::Key_Home, Qt::Key_Escape}), "",
+        "Gazprom|3|-|-|box");
+    row("a letter in the list", open, press({Qt::Key_L}), "", "Gazprom|3|5|-|list");
+    row("new sessions under the open list",
+        [open](Desk &d) {
+            open(d);
+            d.press(Qt::Key_Down);
+        },
+        [](Desk &d) { d.securitiesAre({securities[0], securities[1]}); }, "",
+        "Gazprom|0|1|-|list");
+
+    row("typing completes", nothing, completing,
+        "id=0 code= name=g id=0 code= name=ga id=0 code= name=gaz", "gaz|-1|-|-1 of 4|box");
+    row("Down in the completions", completing, press({Qt::Key_Down, Qt::Key_Down}),
+        "id=13 code=GAF name=Gazprom name=Gazprom", "Gazprom|-1|-|1 of 4|box");
+    row("Enter on a completion", completing, press({Qt::Key_Up, Qt::Key_Return}),
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=11 code=GN name=Gazprom neft",
+        "Gazprom neft|4|-|-|box");
+    row("Tab on a completion", completing, press({Qt::Key_Up, Qt::Key_Tab}),
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft",
+        "Gazprom neft|4|-|-|next");
+    row("Enter in the list without a choice", press({Qt::Key_F4}), press({Qt::Key_Return}), "",
+        "|-1|-1|-|list");
+    row("Enter on a completed namesake", completing,
+        press({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}),
+        "id=13 code=GAF name=Gazprom name=Gazprom id=10 code=GA name=Gazprom",
+        "Gazprom|3|-|-|box");
+    row("Escape in the completions", completing, press({Qt::Key_Escape}), "", "gaz|-1|-|-|box");
+    row("Escape gives back what was typed", completing, press({Qt::Key_Up, Qt::Key_Escape}),
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=0 code= name=gaz",
+        "gaz|-1|-|-|box");
+    row("typing on from a completion", completing, press({Qt::Key_Up, Qt::Key_Backspace}),
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=0 code= name=Gazprom nef",
+        "Gazprom nef|-1|-|-1 of 1|box");
+    row("nothing left to complete", completing, press({Qt::Key_X}), "id=0 code= name=gazx",
+        "gazx|-1|-|-|box");
+    row("new sessions under the completions", completing,
+        [](Desk &d) { d.securitiesAre({securities[0], securities[1]}); }, "",
+        "gaz|-1|-|-1 of 2|box");
+    row("new sessions while a completion is tried",
+        [completing](Desk &d) {
+            completing(d);
+            d.press(Qt::Key_Up);
+        },
+        [](Desk &d) {
+            d.securitiesAre({securities[1], securities[2], securities[5]});
+            d.press(Qt::Key_Escape);
+        },
+        "id=0 code= name=gaz", "gaz|1|-|-|box");
+    row("new sessions leave nothing to complete", completing,
+        [](Desk &d) { d.securitiesAre({securities[4]}); }, "", "gaz|-1|-|-|box");
+}
+
+void SecuritySelectorTest::keys()
+{
+    QFETCH(Steps, given);
+    QFETCH(Steps, when);
+    QFETCH(QString, reported);
+    QFETCH(QString, state);
+    Desk desk(m_host.get());
+    desk.show();
+    given(desk);
+    desk.reports.take();
+    when(desk);
+    QCOMPARE(desk.reports.take(), reported);
+    const QAbstractItemView *const popup = desk.box.completer()->popup();
+    const QString completions = QString("%1 of %2")
+                                    .arg(popup->currentIndex().row())
+                                    .arg(popup->model()->rowCount());
+    const bool isOpen = desk.list()->isVisible();
+    QCOMPARE(QStringList({desk.box.currentText(), QString::number(desk.box.currentIndex()),
+                          isOpen ? QString::number(desk.listRow()) : QString("-"),
+                          desk.isCompleting() ? completions : QString("-"),
+                          isOpen                 ? "list"
+                          : desk.next.hasFocus() ? "next"
+                                                 : "box"})
+                 .join('|'),
+             state);
 }
 
 QTEST_MAIN(SecuritySelectorTest)
