@@ -124,6 +124,12 @@ private slots:
     void reports();
     void keys_data();
     void keys();
+    void farRows();
+    void mouse();
+    void hub();
+    void noHost();
+    void destroyedWithItsPopupsOpen();
+    void failingHostUnderABox();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -623,6 +629,184 @@ void SecuritySelectorTest::keys()
                                                  : "box"})
                  .join('|'),
              state);
+}
+
+void SecuritySelectorTest::farRows()
+{
+    constexpr int Count = 100000;
+    Rows many;
+    for (int i = 0; i < Count; ++i)
+        many << QVariantList{i + 1, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
+    m_host->table("securities").setRows(many);
+    Desk desk(m_host.get());
+    desk.show();
+    const QAbstractItemView &list = *desk.list();
+    const auto shows = [](const QAbstractItemView &view, int row) {
+        const QRect place = view.visualRect(view.model()->index(row, 0));
+        return view.viewport()->rect().contains(place) &&
+               view.indexAt(place.center()).row() == row;
+    };
+    desk.box.setSecurityId("90000");
+    desk.press(Qt::Key_F4);
+    QCOMPARE(desk.listRow(), 89999);
+    QVERIFY(shows(list, 89999));
+    const int visible = list.viewport()->height() / list.sizeHintForRow(0);
+    QCOMPARE(visible, desk.box.maxVisibleItems());
+    for (const auto &step : QVector<QPair<int, int>>{{Qt::Key_End, Count - 1},
+                                                     {Qt::Key_PageUp, Count - visible},
+                                                     {Qt::Key_PageUp, Count - 2 * visible + 1},
+                                                     {Qt::Key_Home, 0},
+                                                     {Qt::Key_PageDown, visible - 1},
+                                                     {Qt::Key_Up, visible - 2},
+                                                     {Qt::Key_End, Count - 1}}) {
+        desk.press(step.first);
+        QCOMPARE(desk.listRow(), step.second);
+        QVERIFY(shows(list, step.second));
+        QVERIFY(list.selectionModel()->isRowSelected(step.second, {}));
+    }
+    desk.press(Qt::Key_Return);
+    QCOMPARE(desk.box.getSecurityId(), QString::number(Count));
+
+    // The same rows as completions.
+    desk.box.lineEdit()->clear();
+    desk.type("n");
+    const QAbstractItemView &completions = *desk.box.completer()->popup();
+    QCOMPARE(completions.model()->rowCount(), Count);
+    desk.press(Qt::Key_Up);
+    QCOMPARE(completions.currentIndex().row(), Count - 1);
+    QVERIFY(shows(completions, Count - 1));
+    desk.press(Qt::Key_Escape);
+    QCOMPARE(desk.box.currentText(), QString("n"));
+}
+
+void SecuritySelectorTest::mouse()
+{
+    Desk desk(m_host.get());
+    desk.box.setMaxVisibleItems(3);
+    desk.show();
+    desk.press(Qt::Key_F4);
+    QAbstractItemView *const list = desk.list();
+    const auto place = [](QAbstractItemView *view, int row) {
+        return view->visualRect(view->model()->index(row, 0)).center();
+    };
+    // QComboBox takes a click that comes with the one that opened the list for a part of it.
+    QTest::qWait(QApplication::doubleClickInterval() + 50);
+    QTest::mouseMove(list->viewport(), place(list, 1));
+    QCOMPARE(desk.listRow(), 1);
+    QVERIFY(list->selectionModel()->isRowSelected(1, {}));
+    QCOMPARE(desk.reports.take(), QString());
+
+    const QPoint point(4, 4);
+    QWheelEvent wheel(point, list->viewport()->mapToGlobal(point), {}, {0, -1200}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(list->viewport(), &wheel);
+    QCOMPARE(list->verticalScrollBar()->value(), list->verticalScrollBar()->maximum());
+    QCOMPARE(list->indexAt(place(list, 5)).row(), 5);
+    QCOMPARE(desk.box.currentIndex(), -1);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place(list, 5));
+    QVERIFY(!list->isVisible());
+    QCOMPARE(desk.reports.take(), QString("id=15 code=LS name=Lufthansa name=Lufthansa "
+                                          "id=15 code=LS name=Lufthansa"));
+
+    desk.box.lineEdit()->clear();
+    desk.type("gaz");
+    desk.reports.take();
+    QAbstractItemView *const completions = desk.box.completer()->popup();
+    QTest::mouseClick(completions->viewport(), Qt::LeftButton, {}, place(completions, 2));
+    QCOMPARE(desk.reports.take(),
+             QString("id=13 code=GAF name=Gazprom name=Gazprom id=10 code=GA name=Gazprom"));
+    QCOMPARE(desk.box.currentIndex(), 3);
+    QVERIFY(!desk.isCompleting());
+}
+
+void SecuritySelectorTest::hub()
+{
+    SecuritySelectorBox box;
+    Properties hub;
+    hub.connectAll(&box);
+    QCOMPARE(QString(box.metaObject()->userProperty().name()), QString("SecurityId"));
+    const auto held = [&hub] {
+        QStringList texts;
+        for (const char *const name : {"SecurityId", "Security", "SecurityName"})
+            texts << hub.values()[name].toString();
+        return texts.join('|');
+    };
+    hub.setValue("StockId", "1");
+    hub.setValue("BoardId", "7");
+    QCOMPARE(box.count(), 3);
+    hub.setValue("SecurityId", "10");
+    QCOMPARE(held(), QString("10|GA|Gazprom"));
+    QTest::keyClick(&box, Qt::Key_Up);
+    QCOMPARE(held(), QString("12|GA2|Gazprom"));
+    m_host->table("securities").setRows({securities[0], securities[1], securities[2]});
+    emit m_host->decoder()->aNewSessions();
+    QCOMPARE(held(), QString("12|GA2|Gazprom"));
+    m_host->table("securities").setRows({securities[0], securities[1]});
+    emit m_host->decoder()->aNewSessions();
+    QCOMPARE(held(), QString("0||"));
+    hub.setValue("Security", "GN");
+    QCOMPARE(held(), QString("11|GN|Gazprom neft"));
+    hub.setValue("BoardId", "8");
+    QCOMPARE(held(), QString("0||"));
+    hub.setValue("SecurityName", "half");
+    QCOMPARE(held(), QString("0||"));
+    QCOMPARE(box.currentText(), QString("half"));
+    QCOMPARE(box.getBoardCode(), QString("SP"));
+}
+
+void SecuritySelectorTest::noHost()
+{
+    ICore::install(nullptr);
+    {
+        Desk desk(m_host.get());
+        desk.show();
+        desk.box.setStockId("1");
+        desk.box.setBoardId("7");
+        desk.box.setSecurityId("10");
+        desk.type("x");
+        desk.press(Qt::Key_F4);
+        desk.press(Qt::Key_End);
+        desk.press(Qt::Key_Escape);
+        desk.next.setFocus();
+        QCOMPARE(desk.box.getStockId() + desk.box.getBoardId() + desk.box.getSecurityId(),
+                 QString("000"));
+        QCOMPARE(desk.box.lineEdit()->toolTip(), QString("Not in the list"));
+    }
+    ICore::install(m_host.get());
+}
+
+void SecuritySelectorTest::destroyedWithItsPopupsOpen()
+{
+    for (const bool isList : {true, false}) {
+        auto desk = std::make_unique<Desk>(m_host.get());
+        desk->show();
+        if (isList)
+            desk->press(Qt::Key_F4);
+        else
+            desk->type("g");
+        QVERIFY(QApplication::activePopupWidget());
+        delete desk->model();
+        QCOMPARE(desk->box.count(), 0);
+        desk.reset();
+        QVERIFY(!QApplication::activePopupWidget());
+    }
+}
+
+void SecuritySelectorTest::failingHostUnderABox()
+{
+    TestTable &table = m_host->table("securities");
+    const int before = table.cellReads();
+    SecuritySelectorBox box;
+    box.setSecurityId("10");
+    const int cells = table.cellReads() - before;
+    for (int cell = 1; cell <= cells; cell += 3) {
+        table.failAtCell(cell);
+        QVERIFY_EXCEPTION_THROWN(SecuritySelectorBox(), Exception);
+        table.failAtCell(cell);
+        QVERIFY_EXCEPTION_THROWN(box.setSourceModel(new SecuritySelectorModel), Exception);
+        QCOMPARE(box.getSecurityId(), QString("10"));
+        QCOMPARE(box.count(), 6);
+    }
 }
 
 QTEST_MAIN(SecuritySelectorTest)
