@@ -193,28 +193,38 @@ void PartnerSelectorTest::reports_data()
 
     row("new", nothing, nothing, "", "|||0|0");
     row("setPartner", nothing, chosen, "partner=BB name=Beta Bank", "BB|BB|Beta Bank|1|2");
-    row("in another case", nothing, [](Box &b, TestHost &) { b.setPartner("gg"); },
+    row(
+        "in another case", nothing, [](Box &b, TestHost &) { b.setPartner("gg"); },
         "partner=GG name=Gamma", "GG|GG|Gamma|3|2");
-    row("not listed", chosen, [](Box &b, TestHost &) { b.setPartner("ZZ"); },
+    row(
+        "not listed", chosen, [](Box &b, TestHost &) { b.setPartner("ZZ"); },
         "partner=ZZ name=", "ZZ|ZZ||1|2");
-    row("held already", [half, chosen](Box &b, TestHost &h) {
+    row(
+        "held already",
+        [half, chosen](Box &b, TestHost &h) {
             half(b, h);
             chosen(b, h);
         },
         chosen, "", "BB|BB|Beta Bank|1|2");
-    row("nothing", chosen, [](Box &b, TestHost &) { b.setPartner({}); }, "partner= name=",
-        "|||-1|0");
+    row(
+        "nothing", chosen, [](Box &b, TestHost &) { b.setPartner({}); },
+        "partner= name=", "|||-1|0");
 
-    row("typing", nothing, [](Box &b, TestHost &) { QTest::keyClicks(&b, "BB"); },
+    row(
+        "typing", nothing, [](Box &b, TestHost &) { QTest::keyClicks(&b, "BB"); },
         "partner=B name= partner=BB name=Beta Bank", "BB|BB|Beta Bank|0|2");
-    row("typing another case", nothing, [](Box &b, TestHost &) { b.setEditText("bB"); },
+    row(
+        "typing another case", nothing, [](Box &b, TestHost &) { b.setEditText("bB"); },
         "partner=bB name=", "bB|bB||0|2");
-    row("Enter on another case", [](Box &b, TestHost &) { b.setEditText("bB"); },
+    row(
+        "Enter on another case", [](Box &b, TestHost &) { b.setEditText("bB"); },
         press({Qt::Key_Return}), "", "bB|bB||0|2");
-    row("Enter on the only one of another case", [](Box &b, TestHost &) { b.setEditText("gG"); },
+    row(
+        "Enter on the only one of another case", [](Box &b, TestHost &) { b.setEditText("gG"); },
         press({Qt::Key_Return}), "partner=GG name=Gamma", "GG|GG|Gamma|3|2");
-    row("clearing", chosen, [](Box &b, TestHost &) { b.lineEdit()->clear(); }, "partner= name=",
-        "|||-1|0");
+    row(
+        "clearing", chosen, [](Box &b, TestHost &) { b.lineEdit()->clear(); },
+        "partner= name=", "|||-1|0");
 
     row("opening and closing", chosen, press({Qt::Key_F4, Qt::Key_Escape}), "",
         "BB|BB|Beta Bank|1|2");
@@ -224,40 +234,46 @@ void PartnerSelectorTest::reports_data()
         "partner=aa name=Alpha in small partner=aa name=Alpha in small",
         "aa|aa|Alpha in small|5|2");
     row("the second of a code from the list", chosen,
-        press({Qt::Key_F4, Qt::Key_Down, Qt::Key_Return}),
-        "partner=BB name=Second of a code", "BB|BB|Second of a code|2|2");
-    row("a completion", [](Box &b, TestHost &) {
+        press({Qt::Key_F4, Qt::Key_Down, Qt::Key_Return}), "partner=BB name=Second of a code",
+        "BB|BB|Second of a code|2|2");
+    row(
+        "a completion",
+        [](Box &b, TestHost &) {
             b.show();
             QTest::keyClicks(&b, "g");
         },
-        press({Qt::Key_Down, Qt::Key_Return}),
-        "partner=GG name=Gamma partner=GG name=Gamma", "GG|GG|Gamma|3|2");
+        press({Qt::Key_Down, Qt::Key_Return}), "partner=GG name=Gamma partner=GG name=Gamma",
+        "GG|GG|Gamma|3|2");
 
     row("population picks nobody", nothing, populate, "", "|||0|0");
-    row("population after a cleared choice", [](Box &b, TestHost &) {
+    row(
+        "population after a cleared choice",
+        [](Box &b, TestHost &) {
             b.setPartner("BB");
             b.setPartner({});
         },
         populate, "", "|||0|0");
     row("population keeps the choice", chosen, populate, "", "BB|BB|Beta Bank|1|2");
-    row("population moves the choice", chosen, hostHas({partners[0], {"A", "C", "A"}, {"B", "C", "B"}}),
-        "", "BB|BB|Beta Bank|2|2");
+    row("population moves the choice", chosen,
+        hostHas({partners[0], {"A", "C", "A"}, {"B", "C", "B"}}), "", "BB|BB|Beta Bank|2|2");
     row("population renames the choice", chosen, hostHas({{"New", "C", "BB"}}), "",
         "BB|BB|New|0|2");
-    row("population drops the choice", chosen, hostHas({partners[1]}), "partner= name=",
-        "|||-1|0");
+    row("population drops the choice", chosen, hostHas({partners[1]}), "partner= name=", "|||-1|0");
     row("population keeps half a code", half, populate, "", "Bx|Bx||-1|1");
-    row("population over a choice that is being typed over",
+    row(
+        "population over a choice that is being typed over",
         [chosen](Box &b, TestHost &h) {
             chosen(b, h);
             QTest::keyClicks(&b, "x");
         },
         populate, "", "BBx|BBx||-1|3");
-    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "",
-        "Bx|Bx|New|0|1");
-    row("population drops a typed code", [](Box &b, TestHost &) { QTest::keyClicks(&b, "GG"); },
+    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "", "Bx|Bx|New|0|1");
+    row(
+        "population drops a typed code", [](Box &b, TestHost &) { QTest::keyClicks(&b, "GG"); },
         hostHas({partners[0]}), "partner=GG name=", "GG|GG||-1|2");
-    row("population under the open list", [chosen](Box &b, TestHost &h) {
+    row(
+        "population under the open list",
+        [chosen](Box &b, TestHost &h) {
             chosen(b, h);
             b.showPopup();
         },
@@ -268,7 +284,9 @@ void PartnerSelectorTest::reports_data()
             b.hidePopup();
         },
         "", "BB|BB|Beta Bank|1|2");
-    row("population under the completions", [](Box &b, TestHost &) {
+    row(
+        "population under the completions",
+        [](Box &b, TestHost &) {
             b.show();
             QTest::keyClicks(&b, "b");
         },
