@@ -83,10 +83,10 @@ public:
     {
         switch (m_random.bounded(9)) {
         case 0:
-            m_hub.setValue("StockId", QString::number(m_random.bounded(5)));
+            m_stock->setStockId(QString::number(m_random.bounded(5)));
             break;
         case 1:
-            m_hub.setValue("BoardId", QString::number(m_random.bounded(42)));
+            m_board->setBoardId(QString::number(m_random.bounded(42)));
             break;
         case 2:
             m_box->setSecurityId(m_box
@@ -184,7 +184,7 @@ private:
         m_board->findChild<BoardSelectorModel *>()->populate();
         m_partner->populate();
     }
-    QString held(const char *name) const { return m_hub.values()[name]; }
+    QString held(const char *name) const { return m_hub.values()[name].toString(); }
     QString idAt(int row) const
     {
         return m_box->itemData(row, SecuritySelectorModel::SecurityIdRole).toString();
