@@ -6,6 +6,7 @@
 #include <QCompleter>
 #include <QItemSelectionModel>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 
@@ -40,6 +41,7 @@ void ComboBox::showPopup()
         const QSignalBlocker quiet(view());
         view()->selectionModel()->clearSelection();
     }
+    const QScopedValueRollback<bool> opening(m_opening, true);
     QComboBox::showPopup();
 }
 
@@ -60,6 +62,9 @@ void ComboBox::chooseWhenLeft()
 
 void ComboBox::leave()
 {
+    // The line edit loses the focus to the list of the box too.
+    if (m_opening || view()->isVisible())
+        return;
     const QString text = currentText();
     if (text.isEmpty() || (currentIndex() >= 0 && itemText(currentIndex()) == text))
         return;

@@ -237,11 +237,7 @@ void PartnerSelectorTest::reports_data()
         press({Qt::Key_F4, Qt::Key_Down, Qt::Key_Return}), "partner=BB name=Second of a code",
         "BB|BB|Second of a code|2|2");
     row(
-        "a completion",
-        [](Box &b, TestHost &) {
-            b.show();
-            QTest::keyClicks(&b, "g");
-        },
+        "a completion", [](Box &b, TestHost &) { QTest::keyClicks(&b, "g"); },
         press({Qt::Key_Down, Qt::Key_Return}), "partner=GG name=Gamma partner=GG name=Gamma",
         "GG|GG|Gamma|3|2");
 
@@ -285,11 +281,7 @@ void PartnerSelectorTest::reports_data()
         },
         "", "BB|BB|Beta Bank|1|2");
     row(
-        "population under the completions",
-        [](Box &b, TestHost &) {
-            b.show();
-            QTest::keyClicks(&b, "b");
-        },
+        "population under the completions", [](Box &b, TestHost &) { QTest::keyClicks(&b, "b"); },
         [](Box &b, TestHost &host) {
             host.table("gx.diler").addRow({"Third", "C", "bc"});
             b.populate();
@@ -306,6 +298,9 @@ void PartnerSelectorTest::reports()
     QFETCH(QString, reported);
     QFETCH(QString, state);
     PartnerSelectorBox box;
+    box.show();
+    QVERIFY(QTest::qWaitForWindowActive(&box));
+    box.setFocus();
     given(box, *m_host);
     BoxReports reports(&box);
     when(box, *m_host);

@@ -26,17 +26,19 @@ using Rows = QVector<QVariantList>;
 constexpr int Securities = 10000;
 constexpr int Announcements = 200;
 
-// Ids stay; names stay but for every 19th, which comes in two versions; a tenth is missing.
+// In the table's order. Ids stay; so do names, but for every 19th, which comes in two
+// versions; a tenth is missing.
 Rows securitiesOf(int round)
 {
     Rows rows;
-    for (int id = 1; id <= Securities; ++id) {
-        if (id % 10 == round % 10)
+    for (int i = 0; i < Securities; ++i) {
+        const int stock = 1 + i / (Securities / 4);
+        const int board = 1 + i / (Securities / 40);
+        if (i % 10 == round % 10)
             continue;
-        const int board = 1 + id % 40;
-        const bool isRenamed = id % 19 == 0 && round % 2;
-        const QString name = QString(isRenamed ? "Sec%1x" : "sEc%1").arg(id / 3);
-        rows << QVariantList{id, 1 + board % 4, board, QString("C%1").arg(id), name, {}, id % 3};
+        const bool isRenamed = i % 19 == 0 && round % 2;
+        const QString name = QString(isRenamed ? "Sec%1x" : "sEc%1").arg(i % (Securities / 3));
+        rows << QVariantList{i + 1, stock, board, QString("C%1").arg(i + 1), name, {}, i % 3};
     }
     return rows;
 }
@@ -46,7 +48,7 @@ Rows boardsOf(int round)
     Rows rows;
     for (int board = 1; board <= 40; ++board) {
         if (board != 7 + round % 5)
-            rows << QVariantList{board, 1 + board % 4, QString("B%1").arg(board),
+            rows << QVariantList{board, 1 + (board - 1) / 10, QString("B%1").arg(board),
                                  QString("Board %1").arg(board)};
     }
     return rows;
