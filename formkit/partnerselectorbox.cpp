@@ -42,6 +42,8 @@ PartnerSelectorBox::PartnerSelectorBox(QWidget *parent) : ComboBox(parent)
     connect(this, &QComboBox::editTextChanged, this, &PartnerSelectorBox::edit_changed);
     connect(this, QOverload<int>::of(&QComboBox::activated), this,
             &PartnerSelectorBox::item_activated);
+    connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &PartnerSelectorBox::noteIndex);
 }
 
 bool PartnerSelectorBox::isRiskAddress() const
@@ -82,7 +84,10 @@ void PartnerSelectorBox::populate()
         const QScopedValueRollback<bool> silent(m_silent, true);
         install(model);
         const bool isEmptied = text.isEmpty() || (wasChosen && !m_rows.contains(text));
-        setCurrentIndex(isEmptied && m_model->rowCount() > 0 ? 0 : m_rows.value(text, -1));
+        if (isEmptied)
+            setCurrentIndex(m_model->rowCount() > 0 ? 0 : -1);
+        else
+            setCurrentIndex(wasListed ? m_rows.value(text, -1) : -1);
         setEditText(isEmptied ? QString() : text);
         edit.restoreCaret(lineEdit());
     }
@@ -94,6 +99,7 @@ void PartnerSelectorBox::populate()
         edit_changed(currentText());
     else
         m_partnerName = nameAt(m_rows.value(m_partner, -1));
+    m_unreported = !wasListed && m_rows.contains(text);
 }
 
 void PartnerSelectorBox::install(QStandardItemModel *model)
@@ -170,6 +176,7 @@ void PartnerSelectorBox::edit_changed(const QString &text)
 {
     if (m_silent)
         return;
+    m_unreported = false;
     markUnmatched(false);
     const int row = m_rows.value(text, -1);
     if (row >= 0) {
@@ -184,8 +191,16 @@ void PartnerSelectorBox::edit_changed(const QString &text)
     emit changedPartnerName(m_partnerName);
 }
 
+// A typed code that a population has brought is chosen: the text, which would tell, stays.
+void PartnerSelectorBox::noteIndex(int index)
+{
+    if (!m_silent && m_unreported && codeAt(index) == currentText())
+        item_activated(index);
+}
+
 void PartnerSelectorBox::item_activated(int index)
 {
+    m_unreported = false;
     m_partnerName = nameAt(index);
     m_partner = codeAt(index);
     emit changedPartner(m_partner);

@@ -263,7 +263,16 @@ void PartnerSelectorTest::reports_data()
             QTest::keyClicks(&b, "x");
         },
         populate, "", "BBx|BBx||-1|3");
-    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "", "Bx|Bx|New|0|1");
+    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "", "Bx|Bx|New|-1|1");
+    row(
+        "Enter on a code that a population has brought",
+        [half](Box &b, TestHost &host) {
+            half(b, host);
+            host.table("gx.diler").setRows({{"New", "C", "Bx"}});
+            b.completer()->popup()->hide();
+            b.populate();
+        },
+        press({Qt::Key_Return}), "partner=Bx name=New", "Bx|Bx|New|0|1");
     row(
         "population drops a typed code", [](Box &b, TestHost &) { QTest::keyClicks(&b, "GG"); },
         hostHas({partners[0]}), "partner=GG name=", "GG|GG||-1|2");
