@@ -34,9 +34,6 @@ void ComboBox::showPopup()
 
 void ComboBox::chooseRow(int row)
 {
-    if (row < 0)
-        return;
-    setCurrentIndex(row);
-    if (currentText() != itemText(row))
-        setEditText(itemText(row));
+    if (row >= 0)
+        setCurrentIndex(row);
 }
