@@ -50,4 +50,11 @@ bool CheckListModel::setData(const QModelIndex &index, const QVariant &value, in
     return true;
 }
 
+QVariant CheckListModel::checkData(const QModelIndex &index, int role) const
+{
+    if (role != Qt::CheckStateRole || !m_checkable)
+        return {};
+    return isChecked(index.row()) ? Qt::Checked : Qt::Unchecked;
+}
+
 void CheckListModel::rowCheckChanged() {}

@@ -28,6 +28,8 @@ protected:
     virtual int listSize() const = 0;
     virtual bool isChecked(int row) const = 0;
     virtual void setChecked(int row, bool checked) = 0;
+    // The data of Qt::CheckStateRole in a check list; invalid for any other role or model.
+    QVariant checkData(const QModelIndex &index, int role) const;
     // Called after one row's check state has changed by setData().
     virtual void rowCheckChanged();
 

@@ -7,6 +7,17 @@
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <QStyleOptionComboBox>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int MeasuredTexts = 8;
+// What QComboBox takes for an empty list.
+constexpr int FewestCharacters = 7;
+
+} // namespace
 
 ComboBox::ComboBox(QWidget *parent) : QComboBox(parent)
 {
@@ -36,4 +47,43 @@ void ComboBox::chooseRow(int row)
 {
     if (row >= 0)
         setCurrentIndex(row);
+}
+
+void ComboBox::measureTexts(const QAbstractItemModel *model)
+{
+    const auto byLength = [](const QString &a, const QString &b) { return a.size() > b.size(); };
+    const int rows = model->rowCount();
+    int shortest = 0;
+    m_longest.clear();
+    for (int row = 0; row < rows; ++row) {
+        const QString text = model->index(row, 0).data().toString();
+        if (text.size() <= shortest)
+            continue;
+        m_longest.insert(std::upper_bound(m_longest.begin(), m_longest.end(), text, byLength),
+                         text);
+        if (m_longest.size() > MeasuredTexts) {
+            m_longest.removeLast();
+            shortest = m_longest.last().size();
+        }
+    }
+    m_measured = true;
+    updateGeometry();
+}
+
+QSize ComboBox::sizeHint() const
+{
+    if (!m_measured)
+        return QComboBox::sizeHint();
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    int width = fontMetrics().horizontalAdvance(QLatin1Char('x')) * FewestCharacters;
+    for (const QString &text : m_longest)
+        width = qMax(width, fontMetrics().horizontalAdvance(text));
+    const QSize contents(width, qMax(fontMetrics().height(), 14) + 2);
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+}
+
+QSize ComboBox::minimumSizeHint() const
+{
+    return m_measured ? sizeHint() : QComboBox::minimumSizeHint();
 }

@@ -28,11 +28,23 @@ public:
     // about that; only the choice, if there is one, is highlighted.
     void showPopup() override;
 
+    // Wide enough for the texts that measureTexts() has read; before it was called, as wide
+    // as QComboBox makes it.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
+    // Reads the texts of a model's first column, once for each population: QComboBox would
+    // read them at every size hint.
+    void measureTexts(const QAbstractItemModel *model);
+
     // Makes a row current and shows its text, also where the row was current already and
     // another text had been typed. A row of -1 changes nothing.
     void chooseRow(int row);
 
 private:
     QPointer<ComboBoxValidator> m_validator;
+    bool m_measured = false;
+    // The texts of most characters, one of which is likely the widest.
+    QStringList m_longest;
 };

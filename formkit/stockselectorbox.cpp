@@ -1,49 +1,25 @@
 #include "stockselectorbox.h"
 
+#include "selectorproxymodel.h"
 #include "stockselectormodel.h"
 
-#include <QCompleter>
-#include <QSortFilterProxyModel>
-
 StockSelectorBox::StockSelectorBox(QWidget *parent)
-    : ComboBox(parent), m_proxy(new QSortFilterProxyModel(this))
+    : SelectorBox(new SelectorProxyModel, {StockSelectorModel::IdRole}, parent)
 {
-    setModel(m_proxy);
-    completer()->setModel(m_proxy);
-    comboBoxValidator()->setModel(m_proxy);
+    list()->setKeyRoles({StockSelectorModel::IdRole, StockSelectorModel::CodeRole});
     setSourceModel(new StockSelectorModel);
-    setEditText(QString());
-    connect(this, &QComboBox::editTextChanged, this, &StockSelectorBox::edit_changed);
-    connect(this, QOverload<int>::of(&QComboBox::activated), this,
-            &StockSelectorBox::item_activated);
+    startReporting();
 }
 
 void StockSelectorBox::setSourceModel(StockSelectorModel *model)
 {
-    const QString chosen = getStockId();
-    model->setParent(this);
     model->populate();
-    QAbstractItemModel *const before = m_proxy->sourceModel();
-    m_proxy->setSourceModel(model);
-    if (before != model)
-        delete before;
-    m_proxy->sort(0, Qt::AscendingOrder);
-    // QComboBox has chosen the first row of the new rows.
-    setCurrentIndex(-1);
-    if (chosen != QLatin1String("0"))
-        setStockId(chosen);
+    setListSource(model);
 }
 
 QString StockSelectorBox::getStock() const
 {
     return currentText();
-}
-
-// The data of the row whose name is the current text, in any letter case; invalid for none.
-QVariant StockSelectorBox::dataOfText(int role) const
-{
-    const int row = findText(currentText(), Qt::MatchFixedString);
-    return row < 0 ? QVariant() : itemData(row, role);
 }
 
 QString StockSelectorBox::getStockId() const
@@ -58,17 +34,17 @@ QString StockSelectorBox::getStockCode() const
 
 void StockSelectorBox::setStockId(const QString &id)
 {
-    chooseRow(findData(id.toInt(), StockSelectorModel::IdRole, Qt::MatchFixedString));
+    chooseKey(StockSelectorModel::IdRole, id.toInt());
 }
 
 void StockSelectorBox::setStockCode(const QString &code)
 {
-    chooseRow(findData(code, StockSelectorModel::CodeRole, Qt::MatchFixedString));
+    chooseKey(StockSelectorModel::CodeRole, code);
 }
 
 void StockSelectorBox::edit_changed(const QString &text)
 {
-    const int row = findText(text, Qt::MatchExactly);
+    const int row = rowOfText(Qt::CaseSensitive);
     if (row >= 0) {
         item_activated(row);
     } else {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <formkit/combobox.h>
+#include <formkit/selectorbox.h>
 
-class QSortFilterProxyModel;
 class StockSelectorModel;
 
 // Selects an exchange by its name. Ids travel as decimal texts, "0" for none.
@@ -11,7 +10,7 @@ class StockSelectorModel;
 // not listed leaves the choice as it is. Typing reports after each change of the text: the
 // exchange only when the text is a name letter for letter, otherwise id "0" and an empty
 // code; the getters find a name in any letter case.
-class FORMKIT_EXPORT StockSelectorBox : public ComboBox
+class FORMKIT_EXPORT StockSelectorBox : public SelectorBox
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "this")
@@ -47,11 +46,6 @@ signals:
     void stockIdChanged(const QString &newValue);
 
 private slots:
-    void edit_changed(const QString &text);
-    void item_activated(int index);
-
-private:
-    QVariant dataOfText(int role) const;
-
-    QSortFilterProxyModel *m_proxy;
+    void edit_changed(const QString &text) override;
+    void item_activated(int index) override;
 };

@@ -1,10 +1,10 @@
 #include "stockselectormodel.h"
 
+#include "tablewalk_p.h"
+
 #include <hostapi/icore.h>
 
 #include <QScopeGuard>
-
-#include <algorithm>
 
 StockSelectorModel::StockSelectorModel(QObject *parent)
     : CheckListModel(parent)
@@ -23,14 +23,10 @@ void StockSelectorModel::populate()
     QVector<Data> rows;
     {
         const TableLock lock(m_table);
-        for (const Record &record : *m_table->masterIndex()) {
-            if (filter(record))
-                rows.append(read(record));
-        }
+        rows = TableWalk::read<Data>(m_table, this);
     }
-    std::reverse(rows.begin(), rows.end());
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const Data &a, const Data &b) { return a.code < b.code; });
+    TableWalk::sortLaterFirst(rows.begin(), rows.end(),
+                              [](const Data &a, const Data &b) { return a.code < b.code; });
     m_rows = rows;
 }
 
@@ -61,10 +57,8 @@ QVariant StockSelectorModel::data(const QModelIndex &index, int role) const
         return row.id;
     case CodeRole:
         return row.code;
-    case Qt::CheckStateRole:
-        return m_checkable ? QVariant(row.checked ? Qt::Checked : Qt::Unchecked) : QVariant();
     default:
-        return {};
+        return checkData(index, role);
     }
 }
 

@@ -40,6 +40,8 @@ public:
     // Whether an exchange is to be listed; every one, unless a subclass drops some. Called
     // under the table's lock.
     virtual bool filter(const Record &record) const;
+    // The row of an exchange.
+    Data read(const Record &record) const;
 
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
@@ -62,8 +64,6 @@ protected:
     QTimer m_timer;
 
 private:
-    Data read(const Record &record) const;
-
     QVector<Data> m_rows;
     Table *m_table;
     int m_idColumn;

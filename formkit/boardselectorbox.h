@@ -1,0 +1,68 @@
+#pragma once
+
+#include <formkit/selectorbox.h>
+
+class BoardSelectorFilteredModel;
+class BoardSelectorModel;
+
+// Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
+// "0" for none.
+//
+// Setting another exchange narrows the list and empties the box, so a form sets the exchange
+// first and the board then. The other setters choose a row as a user would: the change is
+// reported; what is not listed leaves the choice as it is. Typing reports after each change
+// of the text: the board only when the text is a name letter for letter, otherwise id "0" and
+// an empty code; the getters find a name in any letter case.
+class FORMKIT_EXPORT BoardSelectorBox : public SelectorBox
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "thisOnly")
+    Q_PROPERTY(QString StockId READ getStockId WRITE setStockId)
+    Q_PROPERTY(QString StockCode READ getStockCode WRITE setStockCode)
+    Q_PROPERTY(QString BoardId READ getBoardId WRITE setBoardId NOTIFY boardIdChanged USER true)
+    Q_PROPERTY(QString Board READ getBoard NOTIFY boardChanged)
+    Q_PROPERTY(QString BoardCode READ getBoardCode WRITE setBoardCode NOTIFY boardCodeChanged)
+
+public:
+    explicit BoardSelectorBox(QWidget *parent = nullptr);
+
+    // Puts another model in place, a subclass with a filter of its own for example. The box
+    // takes it over, populates it and deletes the one before.
+    void setSourceModel(BoardSelectorModel *model);
+
+    // Conditions on the list; see BoardSelectorFilteredModel. A choice that still fits stays.
+    void setSecTypeFilter(const QChar &secType);
+    void setBoardFlagsOnFilter(qlonglong boardFlagsOn);
+    void setBoardFlagsOffFilter(qlonglong boardFlagsOff);
+
+    // The exchange whose boards are listed; an empty code lists all. An id that the host's
+    // directory does not know is its answer for an empty code.
+    QString getStockId() const;
+    void setStockId(const QString &id);
+    QString getStockCode() const { return m_stockCode; }
+    void setStockCode(const QString &code);
+
+    // The id of the board that the text names, "0" for none.
+    QString getBoardId() const;
+    void setBoardId(const QString &id);
+    // The text as it stands.
+    QString getBoard() const;
+    // The code of the board that the text names, empty for none.
+    QString getBoardCode() const;
+    // In any letter case.
+    void setBoardCode(const QString &code);
+
+signals:
+    // The text, after every change of it.
+    void boardChanged(const QString &newValue);
+    void boardIdChanged(const QString &newValue);
+    void boardCodeChanged(const QString &newValue);
+
+private slots:
+    void edit_changed(const QString &text) override;
+    void item_activated(int index) override;
+
+private:
+    QString m_stockCode;
+    BoardSelectorFilteredModel *m_filtered;
+};

@@ -1,0 +1,59 @@
+#include "boardselectorfilteredmodel.h"
+
+#include "boardselectormodel.h"
+
+#include <hostapi/directories.h>
+
+BoardSelectorFilteredModel::BoardSelectorFilteredModel(QObject *parent) : SelectorProxyModel(parent)
+{
+}
+
+void BoardSelectorFilteredModel::setStockCode(const QString &stockCode)
+{
+    m_stockCode = stockCode;
+    invalidate();
+}
+
+void BoardSelectorFilteredModel::setStockId(int id)
+{
+    const QString stockCode = StockDirectory::i()->codeById(id);
+    if (stockCode != m_stockCode)
+        setStockCode(stockCode);
+}
+
+void BoardSelectorFilteredModel::setSecTypeFilter(QChar secType)
+{
+    if (secType == m_secType)
+        return;
+    m_secType = secType;
+    invalidate();
+}
+
+void BoardSelectorFilteredModel::setBoardFlagsOnFilter(qlonglong boardFlagsOn)
+{
+    m_boardFlagsOn = boardFlagsOn;
+    invalidate();
+}
+
+void BoardSelectorFilteredModel::setBoardFlagsOffFilter(qlonglong boardFlagsOff)
+{
+    m_boardFlagsOff = boardFlagsOff;
+    invalidate();
+}
+
+bool BoardSelectorFilteredModel::filterAcceptsRow(int sourceRow,
+                                                  const QModelIndex &sourceParent) const
+{
+    if (sourceParent.isValid())
+        return true;
+    const QModelIndex row = sourceModel()->index(sourceRow, 0);
+    if (!m_stockCode.isEmpty() &&
+        row.data(BoardSelectorModel::StockCodeRole).toString() != m_stockCode)
+        return false;
+    const int stockId = row.data(BoardSelectorModel::StockIdRole).toInt();
+    const int boardId = row.data(BoardSelectorModel::BoardIdRole).toInt();
+    const BoardDirectory *boards = BoardDirectory::i();
+    if (m_boardFlagsOff != 0 && boards->checkFlagsById(stockId, boardId, m_boardFlagsOff))
+        return false;
+    return m_boardFlagsOn == 0 || boards->checkFlagsById(stockId, boardId, m_boardFlagsOn);
+}

@@ -1,0 +1,119 @@
+#include "boardselectormodel.h"
+
+#include "tablewalk_p.h"
+
+#include <hostapi/icore.h>
+
+#include <QScopeGuard>
+
+BoardSelectorModel::BoardSelectorModel(QObject *parent)
+    : CheckListModel(parent)
+    , m_table(ICore::instance()->table(QStringLiteral("boards")))
+    , m_stockIdColumn(m_table->columnIndex(QStringLiteral("stock_id")))
+    , m_boardIdColumn(m_table->columnIndex(QStringLiteral("board_id")))
+    , m_nameColumn(m_table->columnIndex(QStringLiteral("name")))
+    , m_codeColumn(m_table->columnIndex(QStringLiteral("board_code")))
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(0);
+    connect(&m_timer, &QTimer::timeout, this, &BoardSelectorModel::sendBoardsChanged);
+}
+
+void BoardSelectorModel::populate()
+{
+    beginResetModel();
+    const TableLock lock(m_table);
+    {
+        const auto reset = qScopeGuard([this] { endResetModel(); });
+        QVector<Data> rows = TableWalk::read<Data>(m_table, this);
+        TableWalk::sortLaterFirst(rows.begin(), rows.end(), [](const Data &a, const Data &b) {
+            return a.board.stock_id != b.board.stock_id ? a.board.stock_id < b.board.stock_id
+                                                        : a.boardCode < b.boardCode;
+        });
+        m_rows = rows;
+    }
+    m_timer.start();
+}
+
+bool BoardSelectorModel::filter(const Record &record) const
+{
+    const boardid board{record.field(m_stockIdColumn).toInteger(),
+                        record.field(m_boardIdColumn).toInteger()};
+    if (m_forPositions && !BoardDirectory::i()->isPositionById(board.stock_id, board.board_id))
+        return false;
+    return m_filterBoards.isEmpty() || m_filterBoards.contains(board);
+}
+
+BoardSelectorModel::Data BoardSelectorModel::read(const Record &record) const
+{
+    Data data;
+    data.name = record.field(m_nameColumn).toString();
+    data.boardCode = record.field(m_codeColumn).toString();
+    data.board = {record.field(m_stockIdColumn).toInteger(),
+                  record.field(m_boardIdColumn).toInteger()};
+    data.stockCode = StockDirectory::i()->codeById(data.board.stock_id);
+    return data;
+}
+
+Record BoardSelectorModel::at(int row) const
+{
+    if (row < 0 || row >= m_rows.size())
+        return Record();
+    const Record key(m_table);
+    key.field(m_stockIdColumn) = m_rows.at(row).board.stock_id;
+    key.field(m_boardIdColumn) = m_rows.at(row).board.board_id;
+    const TableLock lock(m_table);
+    return m_table->masterIndex()->find(key);
+}
+
+void BoardSelectorModel::setFilterBoards(const boardlist &boards)
+{
+    m_filterBoards = boards;
+}
+
+void BoardSelectorModel::setForPositions(bool forPositions)
+{
+    m_forPositions = forPositions;
+}
+
+QVariant BoardSelectorModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_rows.size() || index.column() != 0)
+        return {};
+    const Data &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.name;
+    case KeyRole:
+        return QStringLiteral("%1,%2").arg(row.board.stock_id).arg(row.board.board_id);
+    case StockIdRole:
+        return row.board.stock_id;
+    case BoardIdRole:
+        return row.board.board_id;
+    case StockCodeRole:
+        return row.stockCode;
+    case BoardCodeRole:
+        return row.boardCode;
+    default:
+        return checkData(index, role);
+    }
+}
+
+void BoardSelectorModel::rowCheckChanged()
+{
+    m_timer.start();
+}
+
+void BoardSelectorModel::sendBoardsChanged()
+{
+    Boards keys;
+    bool enable = false;
+    for (const Data &row : QVector<Data>(m_rows)) {
+        if (row.checked)
+            keys.add(row.board);
+        else
+            enable = true;
+    }
+    emit boardsChanged(enable, keys);
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+// Texts as the selectors compare them: ignoring case, character by character, exactly as
+// QString::compare() and startsWith() do with Qt::CaseInsensitive (one character folds to one
+// character, so ς meets σ and ß only itself).
+namespace FoldedText {
+
+// The folded text: two texts are equal, ordered or prefixes of one another ignoring case when
+// their folded forms are so letter for letter.
+QString folded(const QString &text);
+
+// Equal for texts that are equal ignoring case.
+size_t hash(const QString &text);
+
+// The positions 0 to texts.size() - 1 in ascending order of their texts ignoring case; equal
+// texts keep their order. Made for a million texts: several times faster than a sort that
+// compares them in pairs.
+QVector<int> ascending(const QVector<QString> &texts);
+
+} // namespace FoldedText

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <formkit/combobox.h>
+
+#include <QHash>
+
+class QStandardItemModel;
+
+// Selects a trading partner from the gateway's table "gx.diler" by partner code. The edit
+// field shows the code, the pop-up list codes and names.
+//
+// A partner whose code is blank is never listed. When the box's parent has the dynamic
+// property "RiskAddress" and it is true, neither is one whose client code is blank; the
+// property is read at each population.
+//
+// A population keeps the partner that is chosen and a text that is half typed, and reports
+// nothing; only when the chosen partner is gone does the box empty itself and report that.
+class FORMKIT_EXPORT PartnerSelectorBox : public ComboBox
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "this")
+    Q_PROPERTY(QString Partner READ getPartner WRITE setPartner NOTIFY changedPartner USER true)
+    Q_PROPERTY(QString PartnerName READ getPartnerName NOTIFY changedPartnerName)
+
+public:
+    // Columns of the box's item model.
+    enum Column {
+        CodeColumn, // the partner code
+        LineColumn, // code and name in one line, names at the 23rd character
+        NameColumn  // the partner's name
+    };
+    // Characters of a line before the name; a longer code is followed by the name at once.
+    static constexpr int CodeColumnWidth = 22;
+
+    explicit PartnerSelectorBox(QWidget *parent = nullptr);
+
+    // The code last chosen, typed or set, which need not be a listed one.
+    QString getPartner() const { return m_partner; }
+    // The name of the listed partner of that code, else empty.
+    QString getPartnerName() const { return m_partnerName; }
+
+    // Reads the host's table anew, under its lock. What the host throws passes through, with
+    // the lock given back and the list left as it was.
+    void populate();
+
+    // Opening and closing the list reports nothing and leaves the edit field as it is.
+    void showPopup() override;
+    void hidePopup() override;
+
+public slots:
+    // Chooses the partner of a code, in any letter case, as a user would: the change is
+    // reported. A code that is not listed is shown as it stands. The code that the box holds
+    // already changes nothing, whatever has been typed since.
+    void setPartner(const QString &code);
+
+signals:
+    void changedPartner(const QString &newValue);
+    void changedPartnerName(const QString &newValue);
+
+private slots:
+    void edit_changed(const QString &text);
+    void item_activated(int index);
+
+private:
+    bool isRiskAddress() const;
+    QStandardItemModel *readPartners();
+    void install(QStandardItemModel *model);
+    void showColumn(Column column);
+    QString codeAt(int row) const;
+    int rowOfCode(const QString &code, Qt::CaseSensitivity sensitivity) const;
+
+    QString m_partner;
+    QString m_partnerName;
+    QStandardItemModel *m_model = nullptr;
+    // The first row of each code, and of each code folded to one case.
+    QHash<QString, int> m_rows;
+    QHash<QString, int> m_foldedRows;
+    // True while the box itself changes what the edit field shows.
+    bool m_silent = false;
+};

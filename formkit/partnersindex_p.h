@@ -1,0 +1,24 @@
+#pragma once
+
+#include <hostapi/indexsort.h>
+
+// The rows of the gateway's partner table "gx.diler" by partner code, case-sensitive, blank
+// codes first.
+class PartnersIndex : public IndexSort
+{
+public:
+    PartnersIndex();
+
+    int codeColumn() const { return m_codeColumn; }
+    int nameColumn() const { return m_nameColumn; }
+    int clientCodeColumn() const { return m_clientCodeColumn; }
+
+protected:
+    bool filter(const Record &record) const override;
+    int compare(const Record &a, const Record &b) const override;
+
+private:
+    int m_codeColumn;
+    int m_nameColumn;
+    int m_clientCodeColumn;
+};

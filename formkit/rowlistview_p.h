@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QAbstractItemView>
+
+// A list of one column whose rows are all of one height, for pop-ups: opening, scrolling and
+// moving in it cost by the rows that are seen, however many there are.
+class RowListView : public QAbstractItemView
+{
+    Q_OBJECT
+
+public:
+    explicit RowListView(QWidget *parent = nullptr);
+
+    // The column shown; 0 unless set.
+    void setModelColumn(int column);
+
+    void setModel(QAbstractItemModel *model) override;
+    QRect visualRect(const QModelIndex &index) const override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+    QModelIndex indexAt(const QPoint &point) const override;
+    int sizeHintForRow(int row) const override;
+
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    int horizontalOffset() const override;
+    int verticalOffset() const override;
+    bool isIndexHidden(const QModelIndex &index) const override;
+    void setSelection(const QRect &rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection &selection) const override;
+    void paintEvent(QPaintEvent *event) override;
+    void updateGeometries() override;
+    void changeEvent(QEvent *event) override;
+    void rowsInserted(const QModelIndex &parent, int start, int end) override;
+
+private:
+    int rows() const;
+    int rowHeight() const;
+    QModelIndex indexOfRow(int row) const;
+
+    int m_column = 0;
+    mutable int m_rowHeight = 0;
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <formkit/selectorbox.h>
+
+class SecuritySelectorFilteredModel;
+class SecuritySelectorModel;
+
+// Selects a security of one board of one exchange by what its model shows (the name, unless
+// the model's default data role says otherwise). Ids travel as decimal texts, "0" for none.
+//
+// Setting another exchange or board narrows the list and empties the box, so a form sets the
+// exchange first, the board then and the security last; while either of them is empty every
+// security is listed. The other setters choose a row as a user would: the change is reported;
+// what is not listed leaves the choice as it is. Typing reports after each change of the
+// text, and finds a name in any letter case.
+class FORMKIT_EXPORT SecuritySelectorBox : public SelectorBox
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "this")
+    Q_PROPERTY(QString StockId READ getStockId WRITE setStockId)
+    Q_PROPERTY(QString StockCode READ getStockCode WRITE setStockCode)
+    Q_PROPERTY(QString BoardId READ getBoardId WRITE setBoardId)
+    Q_PROPERTY(QString BoardCode READ getBoardCode WRITE setBoardCode)
+    Q_PROPERTY(QString SecurityId READ getSecurityId WRITE setSecurityId NOTIFY securityIdChanged
+                   USER true)
+    Q_PROPERTY(QString Security READ getSecurityCode WRITE setSecurityCode NOTIFY securityChanged)
+    Q_PROPERTY(
+        QString SecurityName READ getSecurityName WRITE setSecurityName NOTIFY securityNameChanged)
+
+public:
+    explicit SecuritySelectorBox(QWidget *parent = nullptr);
+
+    // Puts another model in place, a subclass with a filter of its own for example. The box
+    // takes it over, populates it and deletes the one before.
+    void setSourceModel(SecuritySelectorModel *model);
+
+    // The exchange whose securities are listed.
+    QString getStockId() const;
+    QString getStockCode() const { return m_stockCode; }
+    // The board whose securities are listed. The id is that of the codes in the host's
+    // directory.
+    QString getBoardId() const;
+    QString getBoardCode() const { return m_boardCode; }
+
+    // The id of the security that the text names, "0" for none.
+    QString getSecurityId() const;
+    // The code of the security that was last chosen or typed, empty for none.
+    QString getSecurityCode() const { return m_securityCode; }
+    // The name of the security that the text names, empty for none.
+    QString getSecurityName() const;
+
+public slots:
+    void setStockId(const QString &id);
+    void setStockCode(const QString &code);
+    // A board of the exchange that is set.
+    void setBoardId(const QString &id);
+    void setBoardCode(const QString &code);
+    void setSecurityId(const QString &id);
+    // In any letter case.
+    void setSecurityCode(const QString &code);
+    // Puts the text into the edit field, as if it had been typed.
+    void setSecurityName(const QString &text);
+
+signals:
+    // The code of the security, empty for none.
+    void securityChanged(const QString &newValue);
+    // The text, after every change of it.
+    void securityNameChanged(const QString &newValue);
+    void securityIdChanged(const QString &newValue);
+
+private slots:
+    void edit_changed(const QString &text) override;
+    void item_activated(int row) override;
+
+private:
+    void narrow();
+
+    QString m_stockCode;
+    qint32 m_stockId = 0;
+    QString m_boardCode;
+    QString m_securityCode;
+    SecuritySelectorFilteredModel *m_filtered;
+};

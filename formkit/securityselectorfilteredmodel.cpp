@@ -1,0 +1,37 @@
+#include "securityselectorfilteredmodel.h"
+
+#include "securityselectormodel.h"
+
+SecuritySelectorFilteredModel::SecuritySelectorFilteredModel(QObject *parent)
+    : SelectorProxyModel(parent)
+{
+}
+
+void SecuritySelectorFilteredModel::setStockBoard(const QString &stockCode,
+                                                  const QString &boardCode)
+{
+    if (stockCode == m_stockCode && boardCode == m_boardCode)
+        return;
+    m_stockCode = stockCode;
+    m_boardCode = boardCode;
+    invalidate();
+}
+
+bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
+                                                     const QModelIndex &sourceParent) const
+{
+    if (sourceParent.isValid() || showsAll())
+        return true;
+    const QModelIndex row = sourceModel()->index(sourceRow, 0);
+    return row.data(SecuritySelectorModel::StockCodeRole).toString() == m_stockCode &&
+           row.data(SecuritySelectorModel::BoardCodeRole).toString() == m_boardCode;
+}
+
+SelectorProxyModel::RowRange SecuritySelectorFilteredModel::candidateRows() const
+{
+    const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
+    if (!securities || showsAll())
+        return SelectorProxyModel::candidateRows();
+    const SecuritySelectorModel::RowRange rows = securities->rowsOfBoard(m_stockCode, m_boardCode);
+    return {rows.first, rows.last};
+}

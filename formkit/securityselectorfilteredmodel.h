@@ -1,0 +1,27 @@
+#pragma once
+
+#include <formkit/selectorproxymodel.h>
+
+// The securities of one board of one exchange, or all of them while either code is empty. Its
+// source is a SecuritySelectorModel.
+class FORMKIT_EXPORT SecuritySelectorFilteredModel : public SelectorProxyModel
+{
+    Q_OBJECT
+
+public:
+    explicit SecuritySelectorFilteredModel(QObject *parent = nullptr);
+
+public slots:
+    // The exact codes; a change of either rebuilds the list.
+    void setStockBoard(const QString &stockCode, const QString &boardCode);
+
+protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
+    RowRange candidateRows() const override;
+
+private:
+    bool showsAll() const { return m_stockCode.isEmpty() || m_boardCode.isEmpty(); }
+
+    QString m_stockCode;
+    QString m_boardCode;
+};

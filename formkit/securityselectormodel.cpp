@@ -1,0 +1,193 @@
+#include "securityselectormodel.h"
+
+#include "tablewalk_p.h"
+
+#include <hostapi/icore.h>
+#include <hostapi/idecoder.h>
+#include <hostapi/securitiessessionfilter.h>
+
+#include <QMap>
+#include <QScopeGuard>
+
+#include <tuple>
+
+namespace {
+
+using BoardKey = std::pair<QString, QString>;
+
+BoardKey boardOf(const SecuritySelectorModel::Data &data)
+{
+    return {data.stockCode, data.boardCode};
+}
+
+bool byName(const SecuritySelectorModel::Data &a, const SecuritySelectorModel::Data &b)
+{
+    return a.secName < b.secName;
+}
+
+} // namespace
+
+bool SecuritySelectorModel::Data::operator<(const Data &other) const
+{
+    return std::tie(stockCode, boardCode, secName) <
+           std::tie(other.stockCode, other.boardCode, other.secName);
+}
+
+SecuritySelectorModel::SecuritySelectorModel(QObject *parent)
+    : QAbstractListModel(parent)
+    , m_table(ICore::instance()->table(QStringLiteral("securities")))
+    , m_stockIdColumn(m_table->columnIndex(QStringLiteral("stock_id")))
+    , m_boardIdColumn(m_table->columnIndex(QStringLiteral("board_id")))
+    , m_secIdColumn(m_table->columnIndex(QStringLiteral("sec_id")))
+    , m_secNameColumn(m_table->columnIndex(QStringLiteral("sec_name")))
+    , m_secCodeColumn(m_table->columnIndex(QStringLiteral("sec_code")))
+    , m_baseCodeColumn(m_table->columnIndex(QStringLiteral("base_code")))
+{
+    updateSessionsFilter();
+    connectDecoder();
+}
+
+SecuritySelectorModel::~SecuritySelectorModel() = default;
+
+void SecuritySelectorModel::connectDecoder()
+{
+    const QList<QObject *> plugins = ICore::instance()->plugins();
+    for (QObject *plugin : plugins) {
+        if (qobject_cast<IDecoder *>(plugin)) {
+            connect(plugin, SIGNAL(aNewSessions()), this, SLOT(aNewSessions()));
+            return;
+        }
+    }
+}
+
+void SecuritySelectorModel::updateSessionsFilter()
+{
+    const int sessionColumn = m_table->columnIndex(QStringLiteral("sess_id"));
+    const QList<int> keyColumns{m_stockIdColumn, sessionColumn};
+    m_sessions = SecuritiesSessionFilter(m_table, sessionColumn, keyColumns, -1, nullptr).clone();
+}
+
+void SecuritySelectorModel::aNewSessions()
+{
+    updateSessionsFilter();
+    populate();
+}
+
+void SecuritySelectorModel::populate()
+{
+    beginResetModel();
+    const auto reset = qScopeGuard([this] { endResetModel(); });
+    QVector<Data> rows;
+    {
+        const TableLock lock(m_table);
+        rows = TableWalk::read<Data>(m_table, this);
+    }
+    sortByBoard(&rows);
+    m_rows = rows;
+}
+
+bool SecuritySelectorModel::filter(const Record &record) const
+{
+    return m_sessions->filter(record);
+}
+
+SecuritySelectorModel::Data SecuritySelectorModel::read(const Record &record) const
+{
+    const int stockId = record.field(m_stockIdColumn).toInteger();
+    Data data;
+    data.boardId = record.field(m_boardIdColumn).toInteger();
+    data.stockCode = StockDirectory::i()->codeById(stockId);
+    data.boardCode = BoardDirectory::i()->codeById(stockId, data.boardId);
+    data.secId = record.field(m_secIdColumn).toInteger64();
+    data.secName = record.field(m_secNameColumn).toString();
+    data.secCode = record.field(m_secCodeColumn).toString();
+    data.baseCode = record.field(m_baseCodeColumn).toString();
+    return data;
+}
+
+// The order of operator<, the later read first among equals: boards are few and their
+// securities mostly read one after the other, so to sort each board by name costs a fraction
+// of a sort of them all.
+void SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
+{
+    QMap<BoardKey, QVector<RowRange>> runs;
+    for (int first = 0; first < rows->size();) {
+        const Data &start = rows->at(first);
+        int last = first + 1;
+        while (last < rows->size() && rows->at(last).boardCode == start.boardCode &&
+               rows->at(last).stockCode == start.stockCode)
+            ++last;
+        runs[boardOf(start)].append({first, last});
+        first = last;
+    }
+
+    QVector<Data> sorted;
+    sorted.reserve(rows->size());
+    m_groups.clear();
+    for (auto board = runs.cbegin(); board != runs.cend(); ++board) {
+        const int first = sorted.size();
+        for (const RowRange &run : *board)
+            std::move(rows->begin() + run.first, rows->begin() + run.last,
+                      std::back_inserter(sorted));
+        TableWalk::sortLaterFirst(sorted.begin() + first, sorted.end(), byName);
+        m_groups.append({board.key().first, board.key().second, {first, sorted.size()}});
+    }
+    *rows = sorted;
+}
+
+SecuritySelectorModel::RowRange SecuritySelectorModel::rowsOfBoard(const QString &stockCode,
+                                                                   const QString &boardCode) const
+{
+    const auto isBefore = [](const Group &group, const BoardKey &key) {
+        return std::tie(group.stockCode, group.boardCode) < std::tie(key.first, key.second);
+    };
+    const auto group = std::lower_bound(m_groups.begin(), m_groups.end(),
+                                        BoardKey(stockCode, boardCode), isBefore);
+    if (group == m_groups.end() || group->stockCode != stockCode || group->boardCode != boardCode)
+        return {0, 0};
+    return group->rows;
+}
+
+void SecuritySelectorModel::setDefaultDataRole(ItemDataRole role)
+{
+    if (role == m_defaultDataRole)
+        return;
+    m_defaultDataRole = role;
+    if (!m_rows.isEmpty())
+        emit dataChanged(index(0), index(m_rows.size() - 1));
+}
+
+int SecuritySelectorModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_rows.size();
+}
+
+Qt::ItemFlags SecuritySelectorModel::flags(const QModelIndex &index) const
+{
+    return index.isValid() ? Qt::ItemIsSelectable | Qt::ItemIsEnabled : Qt::NoItemFlags;
+}
+
+QVariant SecuritySelectorModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_rows.size())
+        return {};
+    const Data &row = m_rows.at(index.row());
+    switch (role == Qt::DisplayRole || role == Qt::EditRole ? int(m_defaultDataRole) : role) {
+    case StockCodeRole:
+        return row.stockCode;
+    case BoardIdRole:
+        return row.boardId;
+    case BoardCodeRole:
+        return row.boardCode;
+    case SecurityIdRole:
+        return qlonglong(row.secId);
+    case SecurityNameRole:
+        return row.secName;
+    case SecurityCodeRole:
+        return row.secCode;
+    case BaseCodeRole:
+        return row.baseCode;
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,44 @@
+#include "selectorcompleter_p.h"
+
+#include "foldedtext_p.h"
+#include "rowlistview_p.h"
+#include "selectorproxymodel.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+
+SelectorCompleter::SelectorCompleter(SelectorProxyModel *model, QObject *parent)
+    : QCompleter(parent)
+{
+    setCaseSensitivity(Qt::CaseInsensitive);
+    setCompletionRole(SelectorProxyModel::FoldedRole);
+    setModelSorting(QCompleter::CaseInsensitivelySortedModel);
+    setPopup(new RowListView);
+    setModel(model);
+}
+
+QStringList SelectorCompleter::splitPath(const QString &path) const
+{
+    return {FoldedText::folded(path)};
+}
+
+QString SelectorCompleter::pathFromIndex(const QModelIndex &index) const
+{
+    return index.data(Qt::EditRole).toString();
+}
+
+bool SelectorCompleter::eventFilter(QObject *watched, QEvent *event)
+{
+    // The type first: popup() makes a view while there is none, also inside setPopup().
+    if (event->type() == QEvent::KeyPress && watched == popup() &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+        const QString typed = completionPrefix();
+        popup()->hide();
+        if (auto *box = qobject_cast<QComboBox *>(widget())) {
+            if (box->currentText() != typed)
+                box->setEditText(typed);
+        }
+        return true;
+    }
+    return QCompleter::eventFilter(watched, event);
+}
