@@ -68,9 +68,9 @@ Options parse(const QApplication &app)
 void useDarkPalette()
 {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QPalette palette(QColor(53, 53, 53), QColor(42, 42, 42));
-    palette.setColor(QPalette::Base, QColor(35, 35, 35));
-    palette.setColor(QPalette::AlternateBase, QColor(45, 45, 45));
+    QPalette palette(QColor(70, 70, 70), QColor(53, 53, 53));
+    palette.setColor(QPalette::Base, QColor(42, 42, 42));
+    palette.setColor(QPalette::AlternateBase, QColor(48, 48, 48));
     palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
                             QPalette::HighlightedText, QPalette::ToolTipText}) {
@@ -90,6 +90,13 @@ int runScript(OrderWindow *window, const Options &options)
     for (const QString &picture : script.pictures())
         std::printf("Picture: %s\n", qPrintable(picture));
     return 0;
+}
+
+// The offscreen platform says of each pop-up what it cannot do.
+void passUsefulMessages(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (!text.startsWith(QLatin1String("This plugin does not support ")))
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
 }
 
 // Qt chooses its platform before it reads our options.
@@ -113,6 +120,8 @@ int main(int argc, char **argv)
     chooseHeadless(argc, argv);
     QApplication app(argc, argv);
     const Options options = parse(app);
+    if (options.headless)
+        qInstallMessageHandler(passUsefulMessages);
     if (options.dark)
         useDarkPalette();
     if (options.rightToLeft)

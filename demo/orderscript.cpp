@@ -3,7 +3,6 @@
 #include "orderwindow.h"
 #include "valuesjson.h"
 
-#include <formkit/boardselectorbox.h>
 #include <formkit/boardselectormodel.h>
 #include <formkit/numbereditor.h>
 #include <formkit/partnerselectorbox.h>
@@ -142,7 +141,6 @@ bool OrderScript::enterOrder(const QString &securityType, const QString &picture
 bool OrderScript::chooseBoard(const QString &securityType)
 {
     auto *exchange = static_cast<StockSelectorBox *>(m_window->control("exchange"));
-    auto *board = static_cast<BoardSelectorBox *>(m_window->control("board"));
     const auto *security = static_cast<SecuritySelectorBox *>(m_window->control("security"));
     const Table *table = ICore::instance()->table(QStringLiteral("boards"));
     const auto *boards = m_window->findChild<BoardSelectorModel *>();

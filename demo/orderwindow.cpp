@@ -76,8 +76,12 @@ void OrderWindow::makeSubForms()
     m_subForms.insert(equities, makePage<Ui::EquityPage>(m_ui->details));
     m_subForms.insert(SecTypes::Futures.toString(), makePage<Ui::FuturesPage>(m_ui->details));
     m_subForms.insert(SecTypes::Option.toString(), makePage<Ui::OptionsPage>(m_ui->details));
-    for (QWidget *subForm : qAsConst(m_subForms))
-        subForm->hide();
+    // Boards that no exchange has: the sub-forms stand in the form before any board is read.
+    boardid place;
+    for (QWidget *subForm : qAsConst(m_subForms)) {
+        --place.board_id;
+        m_ui->details->addWidget(place, subForm);
+    }
 }
 
 void OrderWindow::makeSum()
