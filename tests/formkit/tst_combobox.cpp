@@ -141,8 +141,12 @@ void ComboBoxTest::popup()
     box.setCurrentIndex(-1);
     QItemSelectionModel *const selection = box.view()->selectionModel();
     selection->select(box.model()->index(1, 0), QItemSelectionModel::Select);
+    QVector<bool> quiet;
+    connect(selection, &QItemSelectionModel::selectionChanged,
+            [&] { quiet << box.view()->signalsBlocked(); });
     box.show();
     box.showPopup();
+    QCOMPARE(quiet, QVector<bool>{true});
     QVERIFY(!selection->hasSelection());
     QVERIFY(!box.view()->signalsBlocked());
     box.hidePopup();
