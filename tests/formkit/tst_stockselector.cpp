@@ -4,23 +4,38 @@
 #include <formkit/stockselectormodel.h>
 #include <hostapi/exception.h>
 
+#include <support/reports.h>
 #include <support/stricttest.h>
 #include <support/testhost.h>
 
 #include <QAbstractItemModelTester>
+#include <QCompleter>
 #include <QLineEdit>
 
 #include <memory>
 
 namespace {
 
+using Rows = QVector<QVariantList>;
+
+const Rows exchanges = {{1, "Nasdaq", "XNAS"},
+                        {2, "Xetra", "XETR"},
+                        {3, "Moscow Exchange", "MISX"},
+                        {5, "Athens", "XATH"}};
+
 class CheckList : public StockSelectorModel
 {
 public:
     CheckList() { m_checkable = true; }
+    QTimer &timer() { return m_timer; }
+};
+
+class WithoutXetra : public StockSelectorModel
+{
+public:
     bool filter(const Record &record) const override
     {
-        return record.field(2).toString() != "XNAS";
+        return record.field(record.table()->columnIndex("stock_code")).toString() != "XETR";
     }
 };
 
@@ -32,22 +47,26 @@ QString column(const QAbstractItemModel &model, int role)
     return texts.join(' ');
 }
 
-// What a box has reported since the last time, in order.
-template <typename Box> class Reports
+class BoxReports : public Reports<StockSelectorBox>
 {
 public:
-    using Report = void (Box::*)(const QString &);
-    Reports(Box *box, Report id, Report code, Report text)
+    explicit BoxReports(StockSelectorBox *box)
+        : Reports(box, {{"id", &StockSelectorBox::stockIdChanged},
+                        {"code", &StockSelectorBox::stockCodeChanged},
+                        {"text", &StockSelectorBox::stockChanged}})
     {
-        for (const auto &report : {std::pair("id=", id), {"code=", code}, {"text=", text}})
-            QObject::connect(
-                box, report.second, box,
-                [this, name = report.first](const QString &value) { m_log << name + value; });
     }
-    QString take() { return std::exchange(m_log, {}).join(' '); }
+};
 
-private:
-    QStringList m_log;
+class CodeReports : public Reports<StockSelectorBox_Code>
+{
+public:
+    explicit CodeReports(StockSelectorBox_Code *box)
+        : Reports(box, {{"id", &StockSelectorBox_Code::setProp_StockId},
+                        {"code", &StockSelectorBox_Code::setProp_StockCode},
+                        {"text", &StockSelectorBox_Code::setProp_Stock}})
+    {
+    }
 };
 
 } // namespace
@@ -61,16 +80,25 @@ private slots:
     void cleanup();
 
     void rows();
+    void filteredAndEmpty();
     void failingHost();
-    void missingHost();
+    void missingTable();
+    void noHost();
     void checkList();
-    void setters_data();
-    void setters();
+    void plainListRefusesChecks();
+
+    void newBox();
+    void choosing();
     void typing_data();
     void typing();
+    void setters_data();
+    void setters();
+    void chosenAgainOverTypedText();
     void anotherModel();
     void twoBoxesOnOneHub();
+
     void codeBox();
+    void codeBoxReports();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -80,35 +108,46 @@ void StockSelectorTest::init()
 {
     StrictTest::init();
     m_host = std::make_unique<TestHost>();
-    m_host->table("stocks").setRows(
-        {{0, "Zero", "NULL"}, {1, "Nasdaq", "XNAS"}, {2, "Xetra", "XETR"}});
+    m_host->table("stocks").setRows(exchanges);
 }
 
 void StockSelectorTest::cleanup()
 {
-    m_host.reset(); // warns of locks and rows not given back
+    QCOMPARE(m_host->table("stocks").references(), 0);
+    QVERIFY(!m_host->table("stocks").isLocked());
+    m_host.reset();
     StrictTest::cleanup();
 }
 
 void StockSelectorTest::rows()
 {
     m_host->table("stocks").setRows(
-        {{1, "one", "b"}, {2, "two", "B"}, {4, "four", "b"}, {6, {}, {}}});
+        {{1, "one", "b"}, {2, "two", "B"}, {3, "three", "a"}, {4, "four", "b"}, {6, {}, {}}});
     StockSelectorModel model;
     const QAbstractItemModelTester tester(&model,
                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
     QCOMPARE(model.rowCount(), 0);
     for (int visit = 0; visit < 2; ++visit) {
         model.populate();
-        QCOMPARE(column(model, 257), QString("6 2 4 1"));
-        QCOMPARE(column(model, 258), QString(" B b b"));
-        QCOMPARE(column(model, Qt::EditRole), QString(" two four one"));
+        QCOMPARE(column(model, StockSelectorModel::IdRole), QString("6 2 3 4 1"));
+        QCOMPARE(column(model, StockSelectorModel::CodeRole), QString(" B a b b"));
+        QCOMPARE(column(model, Qt::EditRole), QString(" two three four one"));
     }
-    QVERIFY(!model.setData(model.index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
     QVERIFY(!model.index(0, 0).data(Qt::CheckStateRole).isValid());
-    QCOMPARE(model.flags(model.index(0, 0)), Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-    StockSelectorBox box;
-    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString(" four one two"));
+    QVERIFY(!model.data(QModelIndex(), StockSelectorModel::IdRole).isValid());
+    QCOMPARE(model.index(0, 0).data(257).toInt(), 6);
+    QCOMPARE(model.index(1, 0).data(258).toString(), QString("B"));
+}
+
+void StockSelectorTest::filteredAndEmpty()
+{
+    WithoutXetra model;
+    model.populate();
+    QCOMPARE(column(model, StockSelectorModel::CodeRole), QString("MISX XATH XNAS"));
+    m_host->table("stocks").setRows({});
+    QCOMPARE(model.rowCount(), 3);
+    model.populate();
+    QCOMPARE(model.rowCount(), 0);
 }
 
 void StockSelectorTest::failingHost()
@@ -116,93 +155,121 @@ void StockSelectorTest::failingHost()
     StockSelectorModel model;
     model.populate();
     QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
-    StockSelectorBox_Code box;
     m_host->table("stocks").failAtCell(5);
     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
     QCOMPARE(resets.count(), 1);
-    QCOMPARE(column(model, StockSelectorModel::IdRole), QString("0 2 1"));
+    QCOMPARE(column(model, StockSelectorModel::IdRole), QString("3 5 2 1"));
+    StockSelectorBox_Code box;
     m_host->table("stocks").failAtCell(5);
     QVERIFY_EXCEPTION_THROWN(box.populate(), Exception);
     QVERIFY(!m_host->table("stocks").isLocked());
 }
 
-void StockSelectorTest::missingHost()
+void StockSelectorTest::missingTable()
+{
+    m_host->removeTable("stocks");
+    expectWarning("ICore::table: the host has no table \"stocks\"");
+    StockSelectorModel model;
+    model.populate();
+    QCOMPARE(model.rowCount(), 0);
+}
+
+void StockSelectorTest::noHost()
 {
     ICore::install(nullptr);
     StockSelectorBox box;
     StockSelectorBox_Code codes;
+    QCOMPARE(box.count() + codes.count(), 0);
+    box.setStockId("1");
     QTest::keyClicks(&box, "x");
     QCOMPARE(box.getStockId(), QString("0"));
-    QCOMPARE(box.count() + codes.count(), 0);
     ICore::install(m_host.get());
 }
 
 void StockSelectorTest::checkList()
 {
-    m_host->table("stocks").addRow({7, "Athens", "XATH"});
     CheckList model;
     const QAbstractItemModelTester tester(&model,
                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
     QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-    QString sent;
-    connect(&model, &StockSelectorModel::stocksChanged, this, [&](bool enable, const Stocks &keys) {
-        sent = enable ? "filter" : "all";
-        for (const qint32 key : keys)
-            sent += ' ' + QString::number(key);
+    QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+    bool enable = true;
+    Stocks keys;
+    connect(&model, &StockSelectorModel::stocksChanged, this, [&](bool on, const Stocks &checked) {
+        enable = on;
+        keys = checked;
     });
-    const auto report = [&] {
-        model.sendStocksChanged();
-        return sent;
+    const auto ids = [&keys] {
+        QStringList texts;
+        for (const qint32 id : keys)
+            texts << QString::number(id);
+        return texts.join(' ');
     };
-    QCOMPARE(report(), QString("all"));
+
+    model.sendStocksChanged();
+    QVERIFY(!enable);
+    QCOMPARE(ids(), QString());
     QVERIFY(model.setData(QModelIndex(), Qt::Unchecked, Qt::CheckStateRole));
     model.populate();
-    QCOMPARE(report(), QString("all 0 2 7"));
+    resets.clear();
+    QCOMPARE(model.flags(model.index(0, 0)),
+             Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
     QCOMPARE(model.index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-    QVERIFY(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable);
-    QVERIFY(!model.setData(model.index(2, 0), Qt::Checked, Qt::CheckStateRole));
-    QVERIFY(model.setData(model.index(2, 0), Qt::Unchecked, Qt::CheckStateRole));
+
+    QVERIFY(!model.setData(model.index(0, 0), Qt::Checked, Qt::CheckStateRole));
+    QVERIFY(model.setData(model.index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
     QCOMPARE(changes.count(), 1);
+    QCOMPARE(changes[0][0].toModelIndex(), model.index(0, 0));
     QVERIFY(changes[0][2].value<QVector<int>>().isEmpty());
-    QCOMPARE(report(), QString("filter 0 7"));
+    model.timer().setSingleShot(true);
+    model.timer().start(0);
+    QTRY_VERIFY(enable);
+    QCOMPARE(ids(), QString("1 2 5"));
+
     QVERIFY(model.setData(QModelIndex(), Qt::Unchecked, Qt::CheckStateRole));
-    QCOMPARE(report(), QString("filter"));
+    QCOMPARE(resets.count(), 1);
+    model.sendStocksChanged();
+    QCOMPARE(ids(), QString());
     QVERIFY(model.setData(QModelIndex(), 1, Qt::CheckStateRole));
-    QCOMPARE(report(), QString("all 0 2 7"));
+    model.sendStocksChanged();
+    QVERIFY(!enable);
+    QCOMPARE(ids(), QString("1 2 3 5"));
 }
 
-void StockSelectorTest::setters_data()
+void StockSelectorTest::plainListRefusesChecks()
 {
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("reported");
-    const auto row = [](const char *name, const char *property, const char *value,
-                        const char *reported) {
-        QTest::newRow(name) << QByteArray(property) << value << reported;
-    };
-    row("id", "StockId", "2", "id=2 code=XETR text=Xetra");
-    row("unknown id", "StockId", "4", "");
-    row("no number: id 0", "StockId", "x1", "id=0 code=NULL text=Zero");
-    row("code in another case", "StockCode", "xetr", "id=2 code=XETR text=Xetra");
-    row("part of a code", "StockCode", "XET", "");
-    row("the same again", "StockId", "1", "");
-    row("read-only text", "Stock", "Xetra", "");
+    StockSelectorModel model;
+    model.populate();
+    QVERIFY(!model.setData(model.index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
+    QVERIFY(!model.setData(QModelIndex(), Qt::Unchecked, Qt::CheckStateRole));
+    QVERIFY(!model.setData(model.index(0, 0), "name", Qt::EditRole));
+    QCOMPARE(model.flags(model.index(0, 0)), Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    QCOMPARE(model.flags(QModelIndex()), Qt::ItemFlags(Qt::NoItemFlags));
 }
 
-void StockSelectorTest::setters()
+void StockSelectorTest::newBox()
 {
-    QFETCH(QByteArray, property);
-    QFETCH(QString, value);
-    QFETCH(QString, reported);
     StockSelectorBox box;
-    QCOMPARE(box.getStockId() + box.getStockCode() + box.getStock(), QString("0"));
-    box.setStockId("1");
-    Reports<StockSelectorBox> reports(&box, &StockSelectorBox::stockIdChanged,
-                                      &StockSelectorBox::stockCodeChanged,
-                                      &StockSelectorBox::stockChanged);
-    box.setProperty(property, value);
-    QCOMPARE(reports.take(), reported);
-    QCOMPARE(box.getStock(), reported.isEmpty() ? QString("Nasdaq") : reported.section('=', -1));
+    QCOMPARE(box.currentIndex(), -1);
+    QCOMPARE(box.getStock(), QString());
+    QCOMPARE(box.getStockId(), QString("0"));
+    QCOMPARE(box.getStockCode(), QString());
+    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString("Athens Moscow Exchange Nasdaq Xetra"));
+    QCOMPARE(box.completer()->model(), box.model());
+    QCOMPARE(box.comboBoxValidator()->model(), box.model());
+}
+
+void StockSelectorTest::choosing()
+{
+    StockSelectorBox box;
+    BoxReports reports(&box);
+    box.show();
+    QTest::keyClick(&box, Qt::Key_Down);
+    // The text changes, then the row is activated.
+    QCOMPARE(reports.take(), QString("id=5 code=XATH text=Athens id=5 code=XATH"));
+    QCOMPARE(box.getStockId(), QString("5"));
+    QCOMPARE(box.getStockCode(), QString("XATH"));
+    QCOMPARE(box.getStock(), QString("Athens"));
 }
 
 void StockSelectorTest::typing_data()
@@ -227,20 +294,67 @@ void StockSelectorTest::typing_data()
 void StockSelectorTest::typing()
 {
     QFETCH(QString, text);
+    QFETCH(QString, reported);
     QFETCH(QString, id);
     StockSelectorBox box;
     box.setStockId("1");
-    Reports<StockSelectorBox> reports(&box, &StockSelectorBox::stockIdChanged,
-                                      &StockSelectorBox::stockCodeChanged,
-                                      &StockSelectorBox::stockChanged);
-    box.lineEdit()->setText(text);
-    QTEST(reports.take(), "reported");
+    BoxReports reports(&box);
+    box.lineEdit()->selectAll();
+    box.lineEdit()->insert(text);
+    QCOMPARE(reports.take(), reported);
     QCOMPARE(box.getStockId(), id);
     QCOMPARE(box.getStock(), text);
-    QCOMPARE(box.currentIndex() < 0, text.isEmpty());
-    // Choosing the row that was current shows its name again.
+    if (text.isEmpty())
+        QCOMPARE(box.currentIndex(), -1);
+}
+
+void StockSelectorTest::setters_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QString>("reported");
+    QTest::newRow("id") << QByteArray("StockId") << "2"
+                        << "id=2 code=XETR text=Xetra";
+    QTest::newRow("unknown id") << QByteArray("StockId") << "4"
+                                << "";
+    QTest::newRow("no number: id 0") << QByteArray("StockId") << "x1"
+                                     << "id=0 code=NULL text=Zero";
+    QTest::newRow("code in another case") << QByteArray("StockCode") << "xetr"
+                                          << "id=2 code=XETR text=Xetra";
+    QTest::newRow("part of a code") << QByteArray("StockCode") << "XET"
+                                    << "";
+    QTest::newRow("the same again") << QByteArray("StockId") << "1"
+                                    << "";
+    QTest::newRow("read-only text") << QByteArray("Stock") << "Xetra"
+                                    << "";
+}
+
+void StockSelectorTest::setters()
+{
+    QFETCH(QByteArray, property);
+    QFETCH(QString, value);
+    QFETCH(QString, reported);
+    m_host->table("stocks").addRow({0, "Zero", "NULL"});
+    StockSelectorBox box;
     box.setStockId("1");
-    QCOMPARE(box.getStock(), QString("Nasdaq"));
+    BoxReports reports(&box);
+    box.setProperty(property, value);
+    QCOMPARE(reports.take(), reported);
+    QCOMPARE(box.getStock(), reported.isEmpty() ? QString("Nasdaq") : reported.section('=', -1));
+}
+
+void StockSelectorTest::chosenAgainOverTypedText()
+{
+    StockSelectorBox box;
+    box.setStockId("2");
+    box.lineEdit()->setText("half");
+    box.setStockId("2");
+    QCOMPARE(box.getStock(), QString("Xetra"));
+    StockSelectorBox_Code codes;
+    codes.prop_StockId_changed("2");
+    codes.lineEdit()->setText("half");
+    codes.prop_StockId_changed("2");
+    QCOMPARE(codes.currentText(), QString("XETR"));
 }
 
 void StockSelectorTest::anotherModel()
@@ -249,53 +363,63 @@ void StockSelectorTest::anotherModel()
     const QPointer<StockSelectorModel> first = new StockSelectorModel;
     box.setSourceModel(first);
     QCOMPARE(box.currentIndex(), -1);
-    box.setStockId("2");
-    auto *const second = new CheckList;
+    box.setStockId("5");
+    auto *const second = new WithoutXetra;
     box.setSourceModel(second);
     QVERIFY(!first);
-    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString("Xetra Zero"));
-    QCOMPARE(box.getStockId(), QString("2"));
-    m_host->table("stocks").setRows({{5, "Athens", "XATH"}});
+    QCOMPARE(second->parent(), &box);
+    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString("Athens Moscow Exchange Nasdaq"));
+    QCOMPARE(box.getStockId(), QString("5"));
+
+    m_host->table("stocks").setRows({{2, "Xetra", "XETR"}, {1, "Nasdaq", "XNAS"}});
     box.setSourceModel(second);
     QCOMPARE(box.count(), 1);
-    QCOMPARE(box.getStockId(), QString("0"));
+    QCOMPARE(box.currentIndex(), -1);
+    QCOMPARE(box.getStock(), QString());
 }
 
 void StockSelectorTest::twoBoxesOnOneHub()
 {
-    m_host->table("stocks").setRows({{1, "Nasdaq", "XNAS"}, {2, "Xetra", "XETR"}});
     StockSelectorBox box, twin;
     Properties hub;
     hub.connectAll(&box);
     hub.connectAll(&twin);
-    const auto held = [&hub] {
-        const Values values = hub.values();
-        return values["StockId"] + ' ' + values["StockCode"] + ' ' + values["Stock"];
-    };
-    hub.setValue("StockId", "2");
-    QCOMPARE(held(), QString("2 XETR Xetra"));
-    QCOMPARE(twin.getStock(), QString("Xetra"));
-    hub.setValue("StockCode", "XNAS");
-    QCOMPARE(held(), QString("1 XNAS Nasdaq"));
+    for (const QByteArray path : {"StockId=2", "StockCode=MISX", "StockId=5"}) {
+        hub.setValue(path.split('=')[0], path.split('=')[1]);
+        QCOMPARE(twin.getStockId(), box.getStockId());
+        QCOMPARE(hub.values()["StockId"].toString(), box.getStockId());
+        QCOMPARE(hub.values()["StockCode"].toString(), box.getStockCode());
+        QCOMPARE(hub.values()["Stock"].toString(), box.getStock());
+    }
+    QCOMPARE(box.getStock(), QString("Athens"));
     QTest::keyClick(&twin, Qt::Key_Down);
-    QCOMPARE(box.getStock(), QString("Xetra"));
+    QCOMPARE(box.getStock(), QString("Moscow Exchange"));
     twin.lineEdit()->setText("half");
-    QCOMPARE(held(), QString("0  half"));
+    QCOMPARE(hub.values()["StockId"].toString(), QString("0"));
+    QCOMPARE(hub.values()["StockCode"].toString(), QString());
+    QCOMPARE(hub.values()["Stock"].toString(), QString("half"));
 }
 
 void StockSelectorTest::codeBox()
 {
+    m_host->table("stocks").setRows({{3, "Xetra", "Z"}, {1, "Nasdaq", "B"}, {2, {}, "a"}});
     StockSelectorBox_Code box;
-    Reports<StockSelectorBox_Code> reports(&box, &StockSelectorBox_Code::setProp_StockId,
-                                           &StockSelectorBox_Code::setProp_StockCode,
-                                           &StockSelectorBox_Code::setProp_Stock);
-    QVERIFY(!Properties().connectAll(&box));
-    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString("NULL XNAS XETR"));
-    QCOMPARE(column(*box.model(), Qt::UserRole), QString("0 1 2"));
-    QCOMPARE(column(*box.model(), Qt::UserRole + 1), QString("Zero Nasdaq Xetra"));
+    QCOMPARE(column(*box.model(), Qt::DisplayRole), QString("B a Z"));
+    QCOMPARE(column(*box.model(), Qt::UserRole), QString("1 2 3"));
+    QCOMPARE(column(*box.model(), Qt::UserRole + 1), QString("Nasdaq  Xetra"));
+    QCOMPARE(box.currentIndex(), -1);
     QCOMPARE(box.currentText(), QString());
+    Properties hub;
+    QVERIFY(!hub.connectAll(&box));
+}
+
+void StockSelectorTest::codeBoxReports()
+{
+    StockSelectorBox_Code box;
+    CodeReports reports(&box);
+    box.show();
     QTest::keyClick(&box, Qt::Key_Down);
-    QCOMPARE(reports.take(), QString("id=0 code=0 text=NULL id=0 code=0"));
+    QCOMPARE(reports.take(), QString("id=1 code=1 text=XNAS id=1 code=1"));
     box.prop_StockId_changed("02");
     QCOMPARE(reports.take(), QString("id=2 code=2 text=XETR"));
     box.prop_StockId_changed("4");
@@ -303,10 +427,17 @@ void StockSelectorTest::codeBox()
     box.lineEdit()->setText("xnas");
     QCOMPARE(reports.take(), QString("id=0 text= text=xnas"));
     box.lineEdit()->clear();
+    QCOMPARE(reports.take(), QString("id=0 text= text="));
     QCOMPARE(box.currentIndex(), -1);
+
+    connect(&box, &StockSelectorBox_Code::setProp_StockId,
+            [this] { QVERIFY(m_host->table("stocks").isLocked()); });
     box.populate();
     QVERIFY(reports.take().endsWith(" id=0"));
     QCOMPARE(box.currentIndex(), 0);
+    m_host->table("stocks").setRows({});
+    box.populate();
+    QCOMPARE(box.currentIndex(), -1);
 }
 
 QTEST_MAIN(StockSelectorTest)
