@@ -239,31 +239,48 @@ void BoardSelectorTest::conditions_data()
     };
     using Model = BoardSelectorFilteredModel;
     const char *const all = "2,3 1,9 1,8 1,10 1,7 2,7";
-    row("none", [](Model &) {}, all);
-    row("exchange", [](Model &m) { m.setStockCode("MX"); }, "1,9 1,8 1,10 1,7");
-    row("exchange in another case", [](Model &m) { m.setStockCode("mx"); }, "");
-    row("exchange by id", [](Model &m) { m.setStockId(2); }, "2,3 2,7");
-    row("unknown exchange", [](Model &m) { m.setStockId(77); }, all);
-    row("one flag", [](Model &m) { m.setBoardFlagsOnFilter(1); }, "2,3 1,9 1,7");
-    row("either flag", [](Model &m) { m.setBoardFlagsOnFilter(6); }, "1,9 1,8 2,7");
-    row("without a flag", [](Model &m) { m.setBoardFlagsOffFilter(1); }, "1,8 1,10 2,7");
-    row("flags that exclude each other", [](Model &m) {
+    row(
+        "none", [](Model &) {}, all);
+    row(
+        "exchange", [](Model &m) { m.setStockCode("MX"); }, "1,9 1,8 1,10 1,7");
+    row(
+        "exchange in another case", [](Model &m) { m.setStockCode("mx"); }, "");
+    row(
+        "exchange by id", [](Model &m) { m.setStockId(2); }, "2,3 2,7");
+    row(
+        "unknown exchange", [](Model &m) { m.setStockId(77); }, all);
+    row(
+        "one flag", [](Model &m) { m.setBoardFlagsOnFilter(1); }, "2,3 1,9 1,7");
+    row(
+        "either flag", [](Model &m) { m.setBoardFlagsOnFilter(6); }, "1,9 1,8 2,7");
+    row(
+        "without a flag", [](Model &m) { m.setBoardFlagsOffFilter(1); }, "1,8 1,10 2,7");
+    row(
+        "flags that exclude each other",
+        [](Model &m) {
             m.setBoardFlagsOnFilter(2);
             m.setBoardFlagsOffFilter(1);
         },
         "1,8");
-    row("one flag in both masks", [](Model &m) {
+    row(
+        "one flag in both masks",
+        [](Model &m) {
             m.setBoardFlagsOffFilter(1);
             m.setBoardFlagsOnFilter(1);
         },
         "");
-    row("flags taken away again", [](Model &m) {
+    row(
+        "flags taken away again",
+        [](Model &m) {
             m.setBoardFlagsOnFilter(8);
             m.setBoardFlagsOnFilter(0);
         },
         all);
-    row("security type", [](Model &m) { m.setSecTypeFilter('F'); }, all);
-    row("all at once", [](Model &m) {
+    row(
+        "security type", [](Model &m) { m.setSecTypeFilter('F'); }, all);
+    row(
+        "all at once",
+        [](Model &m) {
             m.setStockCode("MX");
             m.setBoardFlagsOnFilter(1);
             m.setBoardFlagsOffFilter(2);
@@ -312,79 +329,108 @@ void BoardSelectorTest::reports_data()
 
     row("new", nothing, nothing, "", "|0||-1|6");
     row("BoardId", nothing, chosen, "id=8 code=A text=Futures", "Futures|8|A|2|6");
-    row("BoardId that two exchanges have", nothing, [](Box &b, TestHost &) { b.setBoardId("7"); },
+    row(
+        "BoardId that two exchanges have", nothing, [](Box &b, TestHost &) { b.setBoardId("7"); },
         "id=7 code=B text=Shares", "Shares|7|B|4|6");
-    row("BoardId of none", chosen, [](Box &b, TestHost &) { b.setBoardId("77"); }, "",
+    row(
+        "BoardId of none", chosen, [](Box &b, TestHost &) { b.setBoardId("77"); }, "",
         "Futures|8|A|2|6");
-    row("BoardCode", chosen, [](Box &b, TestHost &) { b.setBoardCode("c"); },
+    row(
+        "BoardCode", chosen, [](Box &b, TestHost &) { b.setBoardCode("c"); },
         "id=3 code=C text=Auction", "Auction|3|C|0|6");
-    row("BoardCode that two have", nothing, [](Box &b, TestHost &) { b.setBoardCode("a"); },
+    row(
+        "BoardCode that two have", nothing, [](Box &b, TestHost &) { b.setBoardCode("a"); },
         "id=9 code=a text=Bonds", "Bonds|9|a|1|6");
 
-    row("another exchange", chosen, [](Box &b, TestHost &) { b.setStockCode("XE"); }, emptied,
+    row(
+        "another exchange", chosen, [](Box &b, TestHost &) { b.setStockCode("XE"); }, emptied,
         "|0||-1|2");
-    row("the choice's own exchange", chosen, [](Box &b, TestHost &) { b.setStockId("1"); },
+    row(
+        "the choice's own exchange", chosen, [](Box &b, TestHost &) { b.setStockId("1"); }, emptied,
+        "|0||-1|4");
+    row(
+        "another exchange, half a name", half, [](Box &b, TestHost &) { b.setStockCode("MX"); },
         emptied, "|0||-1|4");
-    row("another exchange, half a name", half, [](Box &b, TestHost &) { b.setStockCode("MX"); },
-        emptied, "|0||-1|4");
-    row("another exchange, nothing chosen", nothing,
+    row(
+        "another exchange, nothing chosen", nothing,
         [](Box &b, TestHost &) { b.setStockCode("MX"); }, "", "|0||-1|4");
-    row("the same exchange", [](Box &b, TestHost &) {
+    row(
+        "the same exchange",
+        [](Box &b, TestHost &) {
             b.setStockCode("MX");
             b.setBoardCode("B");
         },
         [](Box &b, TestHost &) { b.setStockId("1"); }, "", "Shares|7|B|3|4");
-    row("no exchange", [](Box &b, TestHost &) {
+    row(
+        "no exchange",
+        [](Box &b, TestHost &) {
             b.setStockCode("MX");
             b.setBoardCode("B");
         },
         [](Box &b, TestHost &) { b.setStockId("x"); }, emptied, "|0||-1|6");
 
-    row("flags that the choice has", chosen,
-        [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(2); }, "", "Futures|8|A|1|2");
-    row("flags that the choice lacks", chosen,
+    row(
+        "flags that the choice has", chosen, [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(2); },
+        "", "Futures|8|A|1|2");
+    row(
+        "flags that the choice lacks", chosen,
         [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, emptied, "|0||-1|1");
-    row("flags that the choice must not have", chosen,
+    row(
+        "flags that the choice must not have", chosen,
         [](Box &b, TestHost &) { b.setBoardFlagsOffFilter(2); }, emptied, "|0||-1|4");
-    row("flags under half a name", half, [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); },
-        "", "fut|0||-1|1");
-    row("flags that send a typed name away",
+    row(
+        "flags under half a name", half, [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, "",
+        "fut|0||-1|1");
+    row(
+        "flags that send a typed name away",
         [](Box &b, TestHost &) { QTest::keyClicks(&b, "Futures"); },
         [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, "id=0 code= text=Futures",
         "Futures|0||-1|1");
-    row("security type", chosen, [](Box &b, TestHost &) { b.setSecTypeFilter('O'); }, "",
+    row(
+        "security type", chosen, [](Box &b, TestHost &) { b.setSecTypeFilter('O'); }, "",
         "Futures|8|A|2|6");
 
-    row("typing a name", [](Box &b, TestHost &) { QTest::keyClicks(&b, "Bond"); },
+    row(
+        "typing a name", [](Box &b, TestHost &) { QTest::keyClicks(&b, "Bond"); },
         [](Box &b, TestHost &) { QTest::keyClicks(&b, "s"); }, "id=9 code=a text=Bonds",
         "Bonds|9|a|-1|6");
-    row("typing it in another case", nothing, [](Box &b, TestHost &) { b.setEditText("bonds"); },
+    row(
+        "typing it in another case", nothing, [](Box &b, TestHost &) { b.setEditText("bonds"); },
         "id=0 code= text=bonds", "bonds|9|a|-1|6");
-    row("Enter on it", [](Box &b, TestHost &) { b.setEditText("bonds"); },
-        [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Return); },
-        "id=9 code=a text=Bonds", "Bonds|9|a|1|6");
-    row("clearing", chosen,
+    row(
+        "Enter on it", [](Box &b, TestHost &) { b.setEditText("bonds"); },
+        [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Return); }, "id=9 code=a text=Bonds",
+        "Bonds|9|a|1|6");
+    row(
+        "clearing", chosen,
         [](Box &b, TestHost &) {
             connect(&b, &Box::boardIdChanged, &b, [&b] { QCOMPARE(b.currentIndex(), -1); });
             b.lineEdit()->clear();
         },
         emptied, "|0||-1|6");
-    row("a key", chosen, [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Down); },
+    row(
+        "a key", chosen, [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Down); },
         "id=10 code=A text=Options id=10 code=A", "Options|10|A|3|6");
 
-    row("population keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
+    row(
+        "population keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
         hostHas(boards), "", "Shares|7|B|5|6");
-    row("population moves the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
+    row(
+        "population moves the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
         hostHas({boards[4], boards[3]}), "", "Shares|7|B|1|2");
-    row("population drops the choice, a namesake stays",
+    row(
+        "population drops the choice, a namesake stays",
         [](Box &b, TestHost &) { b.setCurrentIndex(5); }, hostHas({boards[0]}), emptied,
         "|0||-1|1");
     row("population under half a name", half, hostHas({boards[0]}), "", "fut|0||-1|1");
-    row("another model keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
+    row(
+        "another model keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
         [](Box &b, TestHost &) { b.setSourceModel(new SharesOnly); }, "", "Shares|7|B|1|2");
-    row("another model lacks the choice", chosen,
+    row(
+        "another model lacks the choice", chosen,
         [](Box &b, TestHost &) { b.setSourceModel(new SharesOnly); }, emptied, "|0||-1|2");
-    row("the model dies", chosen,
+    row(
+        "the model dies", chosen,
         [](Box &b, TestHost &) { delete b.findChild<BoardSelectorModel *>(); }, emptied,
         "|0||-1|0");
 }

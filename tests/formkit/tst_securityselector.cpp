@@ -25,13 +25,11 @@ using Rows = QVector<QVariantList>;
 using Role = SecuritySelectorModel;
 
 // sec_id, stock_id, board_id, sec_code, sec_name, base_code, sess_id
-const Rows securities = {{10, 1, 7, "GA", "Gazprom", "ga", 20},
-                         {11, 1, 7, "GN", "Gazprom neft", "gn", 20},
-                         {12, 1, 7, "GA2", "Gazprom", "ga", 20},
-                         {13, 1, 8, "GAF", "Gazprom", "ga", 20},
-                         {14, 1, 8, "aF", "aeroflot", {}, 20},
-                         {15, 2, 7, "LS", "Lufthansa", "ls", 30},
-                         {16, 1, 8, "OLD", "Closed", "ol", 21}};
+const Rows securities = {
+    {10, 1, 7, "GA", "Gazprom", "ga", 20},  {11, 1, 7, "GN", "Gazprom neft", "gn", 20},
+    {12, 1, 7, "GA2", "Gazprom", "ga", 20}, {13, 1, 8, "GAF", "Gazprom", "ga", 20},
+    {14, 1, 8, "aF", "aeroflot", {}, 20},   {15, 2, 7, "LS", "Lufthansa", "ls", 30},
+    {16, 1, 8, "OLD", "Closed", "ol", 21}};
 
 QString column(const QAbstractItemModel &model, int role)
 {
@@ -140,9 +138,8 @@ void SecuritySelectorTest::init()
     StrictTest::init();
     m_host = std::make_unique<TestHost>();
     m_host->table("stocks").setRows({{1, "Moscow", "MX"}, {2, "Xetra", "XE"}});
-    m_host->table("boards").setRows({{7, 1, "TQ", "Shares", "S"},
-                                     {8, 1, "SP", "Futures", "F"},
-                                     {7, 2, "TQ", "Shares", "S"}});
+    m_host->table("boards").setRows(
+        {{7, 1, "TQ", "Shares", "S"}, {8, 1, "SP", "Futures", "F"}, {7, 2, "TQ", "Shares", "S"}});
     m_host->table("securities").setRows(securities);
     m_host->setSessions({{1, 20}, {2, 30}});
 }
@@ -254,13 +251,24 @@ void SecuritySelectorTest::narrowing_data()
     QTest::addColumn<QString>("board");
     QTest::addColumn<QString>("ids");
     const QString all = "14 13 12 10 11 15";
-    QTest::newRow("nothing set") << "" << "" << all;
-    QTest::newRow("exchange alone") << "MX" << "" << all;
-    QTest::newRow("board alone") << "" << "TQ" << all;
-    QTest::newRow("both") << "MX" << "TQ" << "12 10 11";
-    QTest::newRow("the other exchange") << "XE" << "TQ" << "15";
-    QTest::newRow("board in another case") << "MX" << "tq" << "";
-    QTest::newRow("unknown") << "MX" << "ZZ" << "";
+    QTest::newRow("nothing set") << ""
+                                 << "" << all;
+    QTest::newRow("exchange alone") << "MX"
+                                    << "" << all;
+    QTest::newRow("board alone") << ""
+                                 << "TQ" << all;
+    QTest::newRow("both") << "MX"
+                          << "TQ"
+                          << "12 10 11";
+    QTest::newRow("the other exchange") << "XE"
+                                        << "TQ"
+                                        << "15";
+    QTest::newRow("board in another case") << "MX"
+                                           << "tq"
+                                           << "";
+    QTest::newRow("unknown") << "MX"
+                             << "ZZ"
+                             << "";
 }
 
 void SecuritySelectorTest::narrowing()
@@ -308,18 +316,24 @@ void SecuritySelectorTest::reports_data()
     const QString emptied = "id=0 code= name=";
 
     row("new", nothing, nothing, "", "", "0|||-1|0");
-    row("StockId", nothing, [](Desk &d) { d.box.setStockId("1"); }, "", "", "0|||-1|0");
-    row("StockCode clears the choice", chosen, [](Desk &d) { d.box.setStockCode("MX"); },
+    row(
+        "StockId", nothing, [](Desk &d) { d.box.setStockId("1"); }, "", "", "0|||-1|0");
+    row(
+        "StockCode clears the choice", chosen, [](Desk &d) { d.box.setStockCode("MX"); },
         "id=0 code= name=", "", "0|||-1|0");
-    row("StockCode clears half a name", half, [](Desk &d) { d.box.setStockCode("XE"); },
+    row(
+        "StockCode clears half a name", half, [](Desk &d) { d.box.setStockCode("XE"); },
         "id=0 code= name=", "", "0|||-1|0");
-    row("BoardCode drops the choice from the list",
+    row(
+        "BoardCode drops the choice from the list",
         [](Desk &d) {
             d.box.setStockCode("MX");
             d.box.setSecurityId("10");
         },
         [](Desk &d) { d.box.setBoardId("8"); }, "id=0 code= name=", "", "0|||-1|0");
-    row("the same codes again", [](Desk &d) {
+    row(
+        "the same codes again",
+        [](Desk &d) {
             d.box.setStockCode("MX");
             d.box.setBoardCode("TQ");
             d.box.setSecurityId("10");
@@ -330,82 +344,116 @@ void SecuritySelectorTest::reports_data()
         },
         "", "Gazprom", "10|GA|Gazprom|1|7");
 
-    row("SecurityId", nothing, [](Desk &d) { d.box.setSecurityId("11"); },
+    row(
+        "SecurityId", nothing, [](Desk &d) { d.box.setSecurityId("11"); },
         "id=11 code=GN name=Gazprom neft name=Gazprom neft", "Gazprom neft",
         "11|GN|Gazprom neft|4|12");
-    row("SecurityId of none", chosen, [](Desk &d) { d.box.setSecurityId("99"); }, "", "Gazprom",
+    row(
+        "SecurityId of none", chosen, [](Desk &d) { d.box.setSecurityId("99"); }, "", "Gazprom",
         "10|GA|Gazprom|3|7");
-    row("SecurityId that is no number", chosen, [](Desk &d) { d.box.setSecurityId("x"); }, "",
+    row(
+        "SecurityId that is no number", chosen, [](Desk &d) { d.box.setSecurityId("x"); }, "",
         "Gazprom", "10|GA|Gazprom|3|7");
-    row("SecurityId of a namesake", chosen, [](Desk &d) { d.box.setSecurityId("13"); },
+    row(
+        "SecurityId of a namesake", chosen, [](Desk &d) { d.box.setSecurityId("13"); },
         "id=13 code=GAF name=Gazprom name=Gazprom", "Gazprom", "13|GAF|Gazprom|1|7");
-    row("SecurityCode", chosen, [](Desk &d) { d.box.setSecurityCode("ls"); },
+    row(
+        "SecurityCode", chosen, [](Desk &d) { d.box.setSecurityCode("ls"); },
         "id=15 code=LS name=Lufthansa name=Lufthansa", "Lufthansa", "15|LS|Lufthansa|5|9");
-    row("SecurityCode that is held", [chosen](Desk &d) { chosen(d); },
+    row(
+        "SecurityCode that is held", [chosen](Desk &d) { chosen(d); },
         [](Desk &d) { d.box.setSecurityCode("GA"); }, "", "Gazprom", "10|GA|Gazprom|3|7");
-    row("SecurityName", nothing, [](Desk &d) { d.box.setSecurityName("LUFTHANSA"); },
+    row(
+        "SecurityName", nothing, [](Desk &d) { d.box.setSecurityName("LUFTHANSA"); },
         "id=15 code=LS name=Lufthansa name=LUFTHANSA", "LUFTHANSA", "15|LS|Lufthansa|-1|9");
 
-    row("typing key by key", nothing, [](Desk &d) { d.type("aer"); },
+    row(
+        "typing key by key", nothing, [](Desk &d) { d.type("aer"); },
         "id=0 code= name=a id=0 code= name=ae id=0 code= name=aer", "aer", "0|||-1|3");
-    row("typing to the end of a name", [](Desk &d) { d.type("Aeroflo"); },
+    row(
+        "typing to the end of a name", [](Desk &d) { d.type("Aeroflo"); },
         [](Desk &d) { d.type("T"); }, "id=14 code=aF name=aeroflot name=AerofloT", "AerofloT",
         "14|aF|aeroflot|-1|8");
-    row("a typed namesake is the first", nothing, [](Desk &d) { d.box.setEditText("gazprom"); },
+    row(
+        "a typed namesake is the first", nothing, [](Desk &d) { d.box.setEditText("gazprom"); },
         "id=13 code=GAF name=Gazprom name=gazprom", "gazprom", "13|GAF|Gazprom|-1|7");
-    row("the chosen namesake, typed over",
+    row(
+        "the chosen namesake, typed over",
         [chosen](Desk &d) {
             chosen(d);
             d.type("x");
         },
         [](Desk &d) { d.press(Qt::Key_Backspace); }, "id=10 code=GA name=Gazprom name=Gazprom",
         "Gazprom", "10|GA|Gazprom|3|7");
-    row("clearing key by key", [](Desk &d) {
+    row(
+        "clearing key by key",
+        [](Desk &d) {
             d.box.setSecurityId("14");
             d.box.lineEdit()->setText("ae");
         },
         [](Desk &d) { d.press(Qt::Key_Backspace, 2); }, "id=0 code= name=a id=0 code= name=", "",
         "0|||-1|0");
 
-    row("leaving a name in another case",
+    row(
+        "leaving a name in another case",
         [](Desk &d) {
             d.show();
             d.type("aerofloT");
             d.press(Qt::Key_Escape);
         },
-        [](Desk &d) { d.next.setFocus(); }, "id=14 code=aF name=aeroflot name=aeroflot",
-        "aeroflot", "14|aF|aeroflot|0|8");
-    row("leaving a name that two have", [](Desk &d) {
+        [](Desk &d) { d.next.setFocus(); }, "id=14 code=aF name=aeroflot name=aeroflot", "aeroflot",
+        "14|aF|aeroflot|0|8");
+    row(
+        "leaving a name that two have",
+        [](Desk &d) {
             d.show();
             d.box.setEditText("gazprom");
         },
         [](Desk &d) { d.next.setFocus(); }, "", "gazprom", "13|GAF|Gazprom|-1|7");
-    row("Enter on half a name", [half](Desk &d) {
+    row(
+        "Enter on half a name",
+        [half](Desk &d) {
             d.show();
             half(d);
             d.press(Qt::Key_Escape);
         },
         [](Desk &d) { d.press(Qt::Key_Return); }, "", "gazp", "0|||-1|2");
 
-    row("new sessions keep the choice", chosen, [](Desk &d) { d.securitiesAre(securities); }, "",
+    row(
+        "new sessions keep the choice", chosen, [](Desk &d) { d.securitiesAre(securities); }, "",
         "Gazprom", "10|GA|Gazprom|3|7");
-    row("new sessions move the choice", chosen,
-        [](Desk &d) { d.securitiesAre({securities[0], {20, 1, 7, "AA", "Aa", {}, 20}}); }, "",
-        "Gazprom", "10|GA|Gazprom|1|7");
-    row("new sessions rename the choice", chosen,
-        [](Desk &d) { d.securitiesAre({{10, 1, 7, "GA", "Renamed", {}, 20}}); }, "", "Renamed",
-        "10|GA|Renamed|0|7");
-    row("new sessions drop the choice, a namesake stays", chosen,
-        [](Desk &d) { d.securitiesAre({securities[2], securities[3]}); }, qPrintable(emptied), "",
+    row(
+        "new sessions move the choice", chosen,
+        [](Desk &d) {
+            d.securitiesAre({securities[0], {20, 1, 7, "AA", "Aa", {}, 20}});
+        },
+        "", "Gazprom", "10|GA|Gazprom|1|7");
+    row(
+        "new sessions rename the choice", chosen,
+        [](Desk &d) {
+            d.securitiesAre({{10, 1, 7, "GA", "Renamed", {}, 20}});
+        },
+        "", "Renamed", "10|GA|Renamed|0|7");
+    row(
+        "new sessions drop the choice, a namesake stays", chosen,
+        [](Desk &d) {
+            d.securitiesAre({securities[2], securities[3]});
+        },
+        qPrintable(emptied), "", "0|||-1|0");
+    row(
+        "all is gone", chosen, [](Desk &d) { d.securitiesAre({}); }, qPrintable(emptied), "",
         "0|||-1|0");
-    row("all is gone", chosen, [](Desk &d) { d.securitiesAre({}); }, qPrintable(emptied), "",
-        "0|||-1|0");
-    row("new sessions under half a name", half, [](Desk &d) { d.securitiesAre({securities[4]}); },
+    row(
+        "new sessions under half a name", half, [](Desk &d) { d.securitiesAre({securities[4]}); },
         "", "gazp", "0|||-1|2");
-    row("half a name that a new security has", half,
-        [](Desk &d) { d.securitiesAre({{30, 1, 7, "GZ", "gazp", {}, 20}}); }, "", "gazp",
-        "30||gazp|-1|2");
-    row("leaving what a new security has",
+    row(
+        "half a name that a new security has", half,
+        [](Desk &d) {
+            d.securitiesAre({{30, 1, 7, "GZ", "gazp", {}, 20}});
+        },
+        "", "gazp", "30||gazp|-1|2");
+    row(
+        "leaving what a new security has",
         [half](Desk &d) {
             d.show();
             half(d);
@@ -414,14 +462,18 @@ void SecuritySelectorTest::reports_data()
         },
         [](Desk &d) { d.next.setFocus(); }, "id=30 code=GZ name=gazp name=gazp", "gazp",
         "30|GZ|gazp|0|2");
-    row("a typed name keeps its row before a new namesake",
-        [](Desk &d) { d.type("lufthansa"); },
-        [](Desk &d) { d.securitiesAre({securities[5], {9, 1, 7, "L1", "Lufthansa", {}, 20}}); },
+    row(
+        "a typed name keeps its row before a new namesake", [](Desk &d) { d.type("lufthansa"); },
+        [](Desk &d) {
+            d.securitiesAre({securities[5], {9, 1, 7, "L1", "Lufthansa", {}, 20}});
+        },
         "", "lufthansa", "15|LS|Lufthansa|1|9");
-    row("a typed name whose row goes", [](Desk &d) { d.type("lufthansa"); },
-        [](Desk &d) { d.securitiesAre({securities[0]}); }, "id=0 code= name=lufthansa",
-        "lufthansa", "0|||-1|9");
-    row("selected text stays selected",
+    row(
+        "a typed name whose row goes", [](Desk &d) { d.type("lufthansa"); },
+        [](Desk &d) { d.securitiesAre({securities[0]}); }, "id=0 code= name=lufthansa", "lufthansa",
+        "0|||-1|9");
+    row(
+        "selected text stays selected",
         [chosen](Desk &d) {
             chosen(d);
             d.box.lineEdit()->setSelection(5, -3);
@@ -431,7 +483,8 @@ void SecuritySelectorTest::reports_data()
             QCOMPARE(d.box.lineEdit()->selectedText(), QString("zpr"));
         },
         "", "Gazprom", "10|GA|Gazprom|3|2");
-    row("the host fails", chosen,
+    row(
+        "the host fails", chosen,
         [](Desk &d) {
             d.host->table("securities").failAtCell(9);
             QVERIFY_EXCEPTION_THROWN(d.model()->populate(), Exception);
@@ -441,7 +494,8 @@ void SecuritySelectorTest::reports_data()
     const auto showCodes = [](Desk &d) { d.model()->setDefaultDataRole(Role::SecurityCodeRole); };
     row("codes instead of names", chosen, showCodes, "id=10 code=GA name=GA name=GA", "GA",
         "10|GA|Gazprom|1|2");
-    row("codes under half a name",
+    row(
+        "codes under half a name",
         [half, chosen](Desk &d) {
             chosen(d);
             d.box.lineEdit()->clear();
@@ -450,20 +504,25 @@ void SecuritySelectorTest::reports_data()
         showCodes, "id=0 code= name=gazp", "gazp", "0|||-1|2");
     row("codes, nothing chosen", nothing, showCodes, "", "", "0|||-1|0");
 
-    row("another model has the choice", chosen,
+    row(
+        "another model has the choice", chosen,
         [](Desk &d) { d.box.setSourceModel(new SecuritySelectorModel); }, "", "Gazprom",
         "10|GA|Gazprom|3|7");
-    row("another model lacks the choice", chosen,
+    row(
+        "another model lacks the choice", chosen,
         [](Desk &d) {
             d.host->table("securities").setRows({securities[5]});
             d.box.setSourceModel(new SecuritySelectorModel);
         },
         qPrintable(emptied), "", "0|||-1|0");
-    row("no model", chosen, [](Desk &d) { d.box.setSourceModel(nullptr); }, "", "Gazprom",
+    row(
+        "no model", chosen, [](Desk &d) { d.box.setSourceModel(nullptr); }, "", "Gazprom",
         "10|GA|Gazprom|3|7");
-    row("the model dies", chosen, [](Desk &d) { delete d.model(); }, qPrintable(emptied), "",
+    row(
+        "the model dies", chosen, [](Desk &d) { delete d.model(); }, qPrintable(emptied), "",
         "0|||-1|0");
-    row("the model dies under half a name", half, [](Desk &d) { delete d.model(); }, "", "gazp",
+    row(
+        "the model dies under half a name", half, [](Desk &d) { delete d.model(); }, "", "gazp",
         "0|||-1|2");
 }
 
@@ -486,8 +545,9 @@ void SecuritySelectorTest::reports()
                           QString::number(box.lineEdit()->cursorPosition())})
                  .join('|'),
              state);
-    QVERIFY(box.currentIndex() < 0 || box.itemData(box.currentIndex(), Role::SecurityIdRole)
-                                              .toString() == box.getSecurityId());
+    QVERIFY(box.currentIndex() < 0 ||
+            box.itemData(box.currentIndex(), Role::SecurityIdRole).toString() ==
+                box.getSecurityId());
 }
 
 void SecuritySelectorTest::keys_data()
@@ -541,7 +601,8 @@ void SecuritySelectorTest::keys_data()
         "Lufthansa|5|-|-|box");
     row("a namesake from the list", open, press({Qt::Key_Up, Qt::Key_Enter}),
         "id=12 code=GA2 name=Gazprom", "Gazprom|2|-|-|box");
-    row("Enter on the choice over other text",
+    row(
+        "Enter on the choice over other text",
         [open](Desk &d) {
             open(d);
             d.press(Qt::Key_Escape);
@@ -549,18 +610,19 @@ void SecuritySelectorTest::keys_data()
             d.press(Qt::Key_F4);
         },
         press({Qt::Key_Return}),
-        "id=10 code=GA name=Gazprom name=Gazprom id=10 code=GA name=Gazprom",
-        "Gazprom|3|-|-|box");
-    row("Escape in the list", open, press({Qt::Key_Home, Qt::Key_Escape}), "",
-        "Gazprom|3|-|-|box");
+        "id=10 code=GA name=Gazprom name=Gazprom id=10 code=GA name=Gazprom", "Gazprom|3|-|-|box");
+    row("Escape in the list", open, press({Qt::Key_Home, Qt::Key_Escape}), "", "Gazprom|3|-|-|box");
     row("a letter in the list", open, press({Qt::Key_L}), "", "Gazprom|3|5|-|list");
-    row("new sessions under the open list",
+    row(
+        "new sessions under the open list",
         [open](Desk &d) {
             open(d);
             d.press(Qt::Key_Down);
         },
-        [](Desk &d) { d.securitiesAre({securities[0], securities[1]}); }, "",
-        "Gazprom|0|1|-|list");
+        [](Desk &d) {
+            d.securitiesAre({securities[0], securities[1]});
+        },
+        "", "Gazprom|0|1|-|list");
 
     row("typing completes", nothing, completing,
         "id=0 code= name=g id=0 code= name=ga id=0 code= name=gaz", "gaz|-1|-|-1 of 4|box");
@@ -570,27 +632,28 @@ void SecuritySelectorTest::keys_data()
         "id=11 code=GN name=Gazprom neft name=Gazprom neft id=11 code=GN name=Gazprom neft",
         "Gazprom neft|4|-|-|box");
     row("Tab on a completion", completing, press({Qt::Key_Up, Qt::Key_Tab}),
-        "id=11 code=GN name=Gazprom neft name=Gazprom neft",
-        "Gazprom neft|4|-|-|next");
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft", "Gazprom neft|4|-|-|next");
     row("Enter in the list without a choice", press({Qt::Key_F4}), press({Qt::Key_Return}), "",
         "|-1|-1|-|list");
     row("Enter on a completed namesake", completing,
         press({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}),
-        "id=13 code=GAF name=Gazprom name=Gazprom id=10 code=GA name=Gazprom",
-        "Gazprom|3|-|-|box");
+        "id=13 code=GAF name=Gazprom name=Gazprom id=10 code=GA name=Gazprom", "Gazprom|3|-|-|box");
     row("Escape in the completions", completing, press({Qt::Key_Escape}), "", "gaz|-1|-|-|box");
     row("Escape gives back what was typed", completing, press({Qt::Key_Up, Qt::Key_Escape}),
-        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=0 code= name=gaz",
-        "gaz|-1|-|-|box");
+        "id=11 code=GN name=Gazprom neft name=Gazprom neft id=0 code= name=gaz", "gaz|-1|-|-|box");
     row("typing on from a completion", completing, press({Qt::Key_Up, Qt::Key_Backspace}),
         "id=11 code=GN name=Gazprom neft name=Gazprom neft id=0 code= name=Gazprom nef",
         "Gazprom nef|-1|-|-1 of 1|box");
     row("nothing left to complete", completing, press({Qt::Key_X}), "id=0 code= name=gazx",
         "gazx|-1|-|-|box");
-    row("new sessions under the completions", completing,
-        [](Desk &d) { d.securitiesAre({securities[0], securities[1]}); }, "",
-        "gaz|-1|-|-1 of 2|box");
-    row("new sessions while a completion is tried",
+    row(
+        "new sessions under the completions", completing,
+        [](Desk &d) {
+            d.securitiesAre({securities[0], securities[1]});
+        },
+        "", "gaz|-1|-|-1 of 2|box");
+    row(
+        "new sessions while a completion is tried",
         [completing](Desk &d) {
             completing(d);
             d.press(Qt::Key_Up);
@@ -600,7 +663,8 @@ void SecuritySelectorTest::keys_data()
             d.press(Qt::Key_Escape);
         },
         "id=0 code= name=gaz", "gaz|1|-|-|box");
-    row("new sessions leave nothing to complete", completing,
+    row(
+        "new sessions leave nothing to complete", completing,
         [](Desk &d) { d.securitiesAre({securities[4]}); }, "", "gaz|-1|-|-|box");
 }
 
@@ -617,9 +681,8 @@ void SecuritySelectorTest::keys()
     when(desk);
     QCOMPARE(desk.reports.take(), reported);
     const QAbstractItemView *const popup = desk.box.completer()->popup();
-    const QString completions = QString("%1 of %2")
-                                    .arg(popup->currentIndex().row())
-                                    .arg(popup->model()->rowCount());
+    const QString completions =
+        QString("%1 of %2").arg(popup->currentIndex().row()).arg(popup->model()->rowCount());
     const bool isOpen = desk.list()->isVisible();
     QCOMPARE(QStringList({desk.box.currentText(), QString::number(desk.box.currentIndex()),
                           isOpen ? QString::number(desk.listRow()) : QString("-"),
@@ -643,8 +706,7 @@ void SecuritySelectorTest::farRows()
     const QAbstractItemView &list = *desk.list();
     const auto shows = [](const QAbstractItemView &view, int row) {
         const QRect place = view.visualRect(view.model()->index(row, 0));
-        return view.viewport()->rect().contains(place) &&
-               view.indexAt(place.center()).row() == row;
+        return view.viewport()->rect().contains(place) && view.indexAt(place.center()).row() == row;
     };
     desk.box.setSecurityId("90000");
     desk.press(Qt::Key_F4);
