@@ -24,7 +24,7 @@ bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
         return true;
     const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
     if (!securities)
-        return true;
+        return false;
     const SecuritySelectorModel::Data &row = securities->row(sourceRow);
     return row.stockCode == m_stockCode && row.boardCode == m_boardCode;
 }
