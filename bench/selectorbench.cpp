@@ -426,6 +426,16 @@ SelectorFigure measureMemory(const QString &side, const QString &operation)
             readRows(operation == QLatin1String("memoryShared") ? Texts::SharedWithHost
                                                                 : Texts::Own);
         });
+    {
+        // Fonts, style and the like, which Qt holds from its first box on.
+        QComboBox any;
+        any.setEditable(true);
+        any.addItem(QStringLiteral("any"));
+        any.show();
+        settle();
+        any.showPopup();
+        settle();
+    }
     return measureMemory([&] {
         const auto subject = makeShownSubject(side);
         subject->choose(Role::SecurityIdRole, QStringLiteral("77"));
