@@ -25,16 +25,17 @@ class ReferenceStore;
 // Records outlive the change. The host destroys no form: it must outlive them, and all
 // Records.
 //
-// A million securities is a normal size. They take about 0.2 GB, and twice that while a reload
-// has read the new ones and still lists the old.
+// A million securities is a normal size: some 200 bytes each with their texts, texts that
+// return often (base codes) kept once. A reload needs room for the new rows beside the old.
 class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 {
     Q_OBJECT
 
 public:
     explicit EmbeddedHost(QObject *parent = nullptr);
-    // Cancels a load and waits for its thread, which takes milliseconds; uninstalls itself
-    // when it is the installed core.
+    // Cancels a load and waits for its thread (milliseconds; up to a second when the file is
+    // locked by a writer or large and all but read); uninstalls itself when it is the installed
+    // core.
     ~EmbeddedHost() override;
 
     // Starts a load, which ends with one of the signals loaded(), failed() and cancelled(),

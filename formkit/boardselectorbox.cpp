@@ -6,17 +6,21 @@
 #include <hostapi/directories.h>
 
 BoardSelectorBox::BoardSelectorBox(QWidget *parent)
-    : SelectorBox(new BoardSelectorFilteredModel, {BoardSelectorModel::KeyRole}, parent)
+    : SelectorBox(new BoardSelectorFilteredModel, {BoardSelectorModel::KeyRole}, Qt::CaseSensitive,
+                  parent)
     , m_filtered(static_cast<BoardSelectorFilteredModel *>(list()))
 {
     list()->setKeyRoles({BoardSelectorModel::KeyRole, BoardSelectorModel::BoardIdRole,
                          BoardSelectorModel::BoardCodeRole});
-    setSourceModel(new BoardSelectorModel);
+    setSourceModel(new BoardSelectorModel(this));
     startReporting();
 }
 
 void BoardSelectorBox::setSourceModel(BoardSelectorModel *model)
 {
+    if (!model)
+        return;
+    model->setParent(this);
     model->populate();
     setListSource(model);
 }
@@ -82,7 +86,7 @@ void BoardSelectorBox::setBoardCode(const QString &code)
 
 void BoardSelectorBox::edit_changed(const QString &text)
 {
-    const int row = rowOfText(Qt::CaseSensitive);
+    const int row = rowOfTypedText();
     if (row >= 0) {
         item_activated(row);
     } else {

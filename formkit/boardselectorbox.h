@@ -27,7 +27,8 @@ public:
     explicit BoardSelectorBox(QWidget *parent = nullptr);
 
     // Puts another model in place, a subclass with a filter of its own for example. The box
-    // takes it over, populates it and deletes the one before.
+    // takes it over, populates it and deletes the one before. When populating throws, the box
+    // owns the model but goes on with the one before. Null is ignored.
     void setSourceModel(BoardSelectorModel *model);
 
     // Conditions on the list; see BoardSelectorFilteredModel. A choice that still fits stays.

@@ -52,6 +52,42 @@ void ComboBox::chooseRow(int row)
         setEditText(itemText(row));
 }
 
+void ComboBox::chooseWhenLeft()
+{
+    disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
+    connect(lineEdit(), &QLineEdit::editingFinished, this, &ComboBox::leave);
+}
+
+void ComboBox::leave()
+{
+    const QString text = currentText();
+    if (text.isEmpty() || (currentIndex() >= 0 && itemText(currentIndex()) == text))
+        return;
+    const TextRows rows = rowsOfText(text);
+    if (rows.count == 1)
+        chooseRow(rows.first);
+    markUnmatched(rows.count == 0);
+}
+
+ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
+{
+    TextRows rows{-1, 0};
+    for (int row = count() - 1; row >= 0; --row) {
+        if (itemText(row).compare(text, Qt::CaseInsensitive) == 0)
+            rows = {row, rows.count + 1};
+    }
+    return rows;
+}
+
+void ComboBox::markUnmatched(bool unmatched)
+{
+    if (unmatched == m_unmatched)
+        return;
+    m_unmatched = unmatched;
+    lineEdit()->setStyleSheet(unmatched ? QStringLiteral("color: red") : QString());
+    lineEdit()->setToolTip(unmatched ? tr("Not in the list") : QString());
+}
+
 void ComboBox::measureTexts(const QAbstractItemModel *model)
 {
     const auto byLength = [](const QString &a, const QString &b) { return a.size() > b.size(); };

@@ -42,9 +42,29 @@ protected:
     // another text had been typed. A row of -1 changes nothing.
     void chooseRow(int row);
 
+    // From now on, when the user leaves the box or presses Enter, a text that one row alone
+    // has, ignoring case, chooses that row. A text that no row has stays as it is, in red and
+    // with a tool tip that says so. (QComboBox would choose the first of several rows that
+    // differ in case alone.)
+    void chooseWhenLeft();
+    // Marks the text as one that no row has, or takes the mark away.
+    void markUnmatched(bool unmatched);
+
+    // The rows of a text, ignoring case.
+    struct TextRows
+    {
+        int first; // -1 for none
+        int count;
+    };
+    // Walks the rows, unless a subclass knows better.
+    virtual TextRows rowsOfText(const QString &text) const;
+
 private:
+    void leave();
+
     QPointer<ComboBoxValidator> m_validator;
     bool m_measured = false;
+    bool m_unmatched = false;
     // The texts of most characters, one of which is likely the widest.
     QStringList m_longest;
 };

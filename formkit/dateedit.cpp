@@ -26,6 +26,7 @@ DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
 
     const QString pattern = QLocale::system().dateFormat(QLocale::ShortFormat);
     const QString longest = shown(datetime(QDate(2028, 12, 28)));
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(qMax(pattern.size(), longest.size()));
     lineEdit()->setPlaceholderText(pattern);
     lineEdit()->setToolTip(tr("Дата в формате: %1").arg(pattern));

@@ -145,16 +145,30 @@ private:
 
 QString FoldedText::folded(const QString &text)
 {
-    if (hasPairs(text)) {
-        QVector<uint> characters = text.toUcs4();
-        for (uint &c : characters)
-            c = QChar::toCaseFolded(c);
-        return QString::fromUcs4(characters.constData(), characters.size());
-    }
     QString result(text.size(), Qt::Uninitialized);
     std::transform(text.begin(), text.end(), result.begin(),
                    [](QChar c) { return QChar(foldedUnit(c.unicode())); });
+    if (hasPairs(text)) {
+        for (int i = 1; i < text.size(); ++i) {
+            if (text.at(i).isLowSurrogate() && text.at(i - 1).isHighSurrogate()) {
+                const uint pair = QChar::surrogateToUcs4(text.at(i - 1), text.at(i));
+                result[i] = QChar(QChar::lowSurrogate(QChar::toCaseFolded(pair)));
+            }
+        }
+    }
     return result;
+}
+
+QString FoldedText::completionKey(const QString &text)
+{
+    constexpr ushort Caseless = 0x4e00;
+    QString key;
+    key.reserve(2 * text.size());
+    for (const QChar c : folded(text)) {
+        key += QChar(ushort(Caseless + c.row()));
+        key += QChar(ushort(Caseless + c.cell()));
+    }
+    return key;
 }
 
 size_t FoldedText::hash(const QString &text)

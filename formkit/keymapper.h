@@ -22,6 +22,7 @@ public:
     // The printable ASCII character that the event's key gives in the current keyboard layout
     // without modifiers ('a' for Shift+A), or event->key() when the event carries no text or the
     // key gives another character in that layout. The layout is that of macOS's current input
-    // source, or of the X server that $DISPLAY names; on other platforms it is event->key().
+    // source, or of the X server that $DISPLAY names, which is asked anew each time (a few
+    // milliseconds); on other platforms it is event->key().
     static int visibleKeycodeByNative(QKeyEvent *event);
 };

@@ -8,9 +8,9 @@
 
 namespace {
 
-// True when the text holds group separators that do not separate groups: one behind the point,
-// or a last one with more or fewer digits behind it than a group has. Separators at the ends are
-// what is left of a larger number, or blanks around it.
+// True when the last group separator in the text has more or fewer digits behind it, up to the
+// point or the end, than a group has. Separators at the ends are what is left of a larger number,
+// or blanks around it.
 bool isMisgrouped(QStringView text, const LocaleSymbols &symbols)
 {
     while (!text.isEmpty() && symbols.kindOf(text.back()) == LocaleSymbols::Group)
@@ -20,8 +20,6 @@ bool isMisgrouped(QStringView text, const LocaleSymbols &symbols)
     int digits = 0;
     for (const QChar c : text) {
         const LocaleSymbols::Kind kind = symbols.kindOf(c);
-        if (kind == LocaleSymbols::Group && behindPoint)
-            return true;
         if (kind == LocaleSymbols::Group) {
             behindSeparator = true;
             digits = 0;

@@ -1,13 +1,14 @@
 #include "partnerselectorbox.h"
 
+#include "editstate_p.h"
 #include "foldedtext_p.h"
 #include "partnerlinedelegate_p.h"
 #include "partnersindex_p.h"
+#include "rowlistview_p.h"
 
 #include <hostapi/table.h>
 
 #include <QCompleter>
-#include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QStandardItemModel>
 
@@ -29,7 +30,12 @@ QString displayLine(const QString &code, const QString &name)
 PartnerSelectorBox::PartnerSelectorBox(QWidget *parent) : ComboBox(parent)
 {
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    auto *const list = new RowListView;
+    list->setModelColumn(LineColumn);
+    setView(list);
     setItemDelegate(new PartnerLineDelegate(this));
+    completer()->setPopup(new RowListView);
+    chooseWhenLeft();
     populate();
     setEditText(QString());
     setStyleSheet(QStringLiteral("QComboBox QAbstractItemView {min-width: %1em;}").arg(PopupWidth));
@@ -66,30 +72,28 @@ QStandardItemModel *PartnerSelectorBox::readPartners()
 void PartnerSelectorBox::populate()
 {
     QStandardItemModel *const model = readPartners();
-    const QString text = currentText();
-    const int caret = lineEdit()->cursorPosition();
-    const bool wasChosen = !text.isEmpty() && currentIndex() >= 0 && codeAt(currentIndex()) == text;
-    bool isGone = false;
+    const EditState edit(lineEdit());
+    const QString text = edit.text();
+    const bool wasListed = !text.isEmpty() && m_rows.contains(text);
+    const bool wasChosen = wasListed && currentIndex() >= 0 && codeAt(currentIndex()) == text;
+    const bool isCompleting = completer()->popup()->isVisible();
+    const QString prefix = completer()->completionPrefix();
     {
         const QScopedValueRollback<bool> silent(m_silent, true);
         install(model);
-        const int row = text.isEmpty() ? -1 : rowOfCode(text, Qt::CaseSensitive);
-        isGone = wasChosen && row < 0;
-        if (row >= 0) {
-            setEditText(text);
-            setCurrentIndex(row);
-            m_partnerName = m_model->index(row, NameColumn).data().toString();
-        } else if (text.isEmpty() || isGone) {
-            setCurrentIndex(m_model->rowCount() > 0 ? 0 : -1);
-            setEditText(QString());
-        } else {
-            setCurrentIndex(-1);
-            setEditText(text);
-        }
-        lineEdit()->setCursorPosition(caret);
+        const bool isEmptied = text.isEmpty() || (wasChosen && !m_rows.contains(text));
+        setCurrentIndex(isEmptied && m_model->rowCount() > 0 ? 0 : m_rows.value(text, -1));
+        setEditText(isEmptied ? QString() : text);
+        edit.restoreCaret(lineEdit());
     }
-    if (isGone)
-        edit_changed(QString());
+    if (isCompleting) {
+        completer()->setCompletionPrefix(prefix);
+        completer()->complete();
+    }
+    if (wasListed && !m_rows.contains(text))
+        edit_changed(currentText());
+    else
+        m_partnerName = nameAt(m_rows.value(m_partner, -1));
 }
 
 void PartnerSelectorBox::install(QStandardItemModel *model)
@@ -99,16 +103,16 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
     for (int row = model->rowCount() - 1; row >= 0; --row) {
         const QString code = model->index(row, CodeColumn).data().toString();
         m_rows.insert(code, row);
-        m_foldedRows.insert(FoldedText::folded(code), row);
+        TextRows &rows = m_foldedRows[FoldedText::folded(code)];
+        rows = {row, rows.count + 1};
     }
-    QStandardItemModel *const before = m_model;
     m_model = model;
+    // QComboBox deletes the model before, as it is a child of the box.
     setModel(model);
     completer()->setModel(model);
     comboBoxValidator()->setModel(model);
-    setModelColumn(CodeColumn);
+    setModelColumn(view()->isVisible() ? LineColumn : CodeColumn);
     measureTexts(model);
-    delete before;
 }
 
 QString PartnerSelectorBox::codeAt(int row) const
@@ -116,10 +120,14 @@ QString PartnerSelectorBox::codeAt(int row) const
     return m_model ? m_model->index(row, CodeColumn).data().toString() : QString();
 }
 
-int PartnerSelectorBox::rowOfCode(const QString &code, Qt::CaseSensitivity sensitivity) const
+QString PartnerSelectorBox::nameAt(int row) const
 {
-    return sensitivity == Qt::CaseSensitive ? m_rows.value(code, -1)
-                                            : m_foldedRows.value(FoldedText::folded(code), -1);
+    return m_model ? m_model->index(row, NameColumn).data().toString() : QString();
+}
+
+ComboBox::TextRows PartnerSelectorBox::rowsOfText(const QString &text) const
+{
+    return m_foldedRows.value(FoldedText::folded(text), {-1, 0});
 }
 
 void PartnerSelectorBox::showPopup()
@@ -140,11 +148,10 @@ void PartnerSelectorBox::showColumn(Column column)
     if (modelColumn() == column)
         return;
     const QScopedValueRollback<bool> silent(m_silent, true);
-    const QString text = currentText();
-    const int caret = lineEdit()->cursorPosition();
+    const EditState edit(lineEdit());
     setModelColumn(column);
-    setEditText(text);
-    lineEdit()->setCursorPosition(caret);
+    setEditText(edit.text());
+    edit.restoreCaret(lineEdit());
 }
 
 void PartnerSelectorBox::setPartner(const QString &code)
@@ -152,7 +159,7 @@ void PartnerSelectorBox::setPartner(const QString &code)
     if (code == m_partner)
         return;
     m_partner = code;
-    const int row = rowOfCode(code, Qt::CaseInsensitive);
+    const int row = rowsOfText(code).first;
     if (row >= 0)
         chooseRow(row);
     else
@@ -163,7 +170,8 @@ void PartnerSelectorBox::edit_changed(const QString &text)
 {
     if (m_silent)
         return;
-    const int row = rowOfCode(text, Qt::CaseSensitive);
+    markUnmatched(false);
+    const int row = m_rows.value(text, -1);
     if (row >= 0) {
         item_activated(row);
         return;
@@ -178,7 +186,7 @@ void PartnerSelectorBox::edit_changed(const QString &text)
 
 void PartnerSelectorBox::item_activated(int index)
 {
-    m_partnerName = m_model->index(index, NameColumn).data().toString();
+    m_partnerName = nameAt(index);
     m_partner = codeAt(index);
     emit changedPartner(m_partner);
     emit changedPartnerName(m_partnerName);

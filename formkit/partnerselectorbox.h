@@ -14,7 +14,10 @@ class QStandardItemModel;
 // property is read at each population.
 //
 // A population keeps the partner that is chosen and a text that is half typed, and reports
-// nothing; only when the chosen partner is gone does the box empty itself and report that.
+// nothing. Only when the chosen partner is gone does the box empty itself and report that;
+// when a typed code was that partner's, it stays, and the box reports that it has no name.
+//
+// The box chooses when it is left (see ComboBox::chooseWhenLeft()).
 class FORMKIT_EXPORT PartnerSelectorBox : public ComboBox
 {
     Q_OBJECT
@@ -65,16 +68,17 @@ private:
     bool isRiskAddress() const;
     QStandardItemModel *readPartners();
     void install(QStandardItemModel *model);
+    TextRows rowsOfText(const QString &text) const override;
     void showColumn(Column column);
     QString codeAt(int row) const;
-    int rowOfCode(const QString &code, Qt::CaseSensitivity sensitivity) const;
+    QString nameAt(int row) const;
 
     QString m_partner;
     QString m_partnerName;
-    QStandardItemModel *m_model = nullptr;
-    // The first row of each code, and of each code folded to one case.
+    QPointer<QStandardItemModel> m_model;
+    // The first row of each code; the rows of each code folded to one case.
     QHash<QString, int> m_rows;
-    QHash<QString, int> m_foldedRows;
+    QHash<QString, TextRows> m_foldedRows;
     // True while the box itself changes what the edit field shows.
     bool m_silent = false;
 };

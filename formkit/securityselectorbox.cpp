@@ -9,17 +9,20 @@ SecuritySelectorBox::SecuritySelectorBox(QWidget *parent)
     : SelectorBox(new SecuritySelectorFilteredModel,
                   {SecuritySelectorModel::SecurityIdRole, SecuritySelectorModel::BoardIdRole,
                    SecuritySelectorModel::StockCodeRole},
-                  parent)
+                  Qt::CaseInsensitive, parent)
     , m_filtered(static_cast<SecuritySelectorFilteredModel *>(list()))
 {
     list()->setKeyRoles(
         {SecuritySelectorModel::SecurityIdRole, SecuritySelectorModel::SecurityCodeRole});
-    setSourceModel(new SecuritySelectorModel);
+    setSourceModel(new SecuritySelectorModel(this));
     startReporting();
 }
 
 void SecuritySelectorBox::setSourceModel(SecuritySelectorModel *model)
 {
+    if (!model)
+        return;
+    model->setParent(this);
     model->populate();
     setListSource(model);
 }
@@ -95,7 +98,7 @@ void SecuritySelectorBox::setSecurityName(const QString &text)
 
 void SecuritySelectorBox::edit_changed(const QString &text)
 {
-    const int row = rowOfText(Qt::CaseInsensitive);
+    const int row = rowOfTypedText();
     if (row >= 0) {
         item_activated(row);
     } else {

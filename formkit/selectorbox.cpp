@@ -1,37 +1,59 @@
 #include "selectorbox.h"
 
+#include "editstate_p.h"
 #include "rowlistview_p.h"
 #include "selectorcompleter_p.h"
 #include "selectorproxymodel.h"
 
-#include <QLineEdit>
+// What a refresh brings back.
+struct SelectorBox::Kept
+{
+    EditState edit;
+    bool wasChoice = false;
+    // The row that the edit text stood for.
+    QVariantList key;
+    // The row that the user was on in the open list.
+    QVariantList listKey;
+    bool completing = false;
+    QString prefix;
+};
 
-SelectorBox::SelectorBox(SelectorProxyModel *list, const QVector<int> &keyRoles, QWidget *parent)
-    : ComboBox(parent), m_list(list), m_keyRoles(keyRoles)
+SelectorBox::SelectorBox(SelectorProxyModel *list, const QVector<int> &keyRoles,
+                         Qt::CaseSensitivity typing, QWidget *parent)
+    : ComboBox(parent)
+    , m_list(list)
+    , m_keyRoles(keyRoles)
+    , m_typing(typing)
+    , m_kept(std::make_unique<Kept>())
 {
     m_list->setParent(this);
     setView(new RowListView);
+    // QComboBox answers to changed data by showing the current row's, between these two.
+    connect(m_list, &QAbstractItemModel::dataChanged, this, &SelectorBox::beginDataChange);
     setModel(m_list);
+    connect(m_list, &QAbstractItemModel::dataChanged, this, &SelectorBox::endDataChange);
     delete completer();
     setCompleter(new SelectorCompleter(m_list, this));
     comboBoxValidator()->setModel(m_list);
     setCurrentIndex(-1);
 
-    // QComboBox would choose the first of several rows that differ in case alone.
-    disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
-    connect(lineEdit(), &QLineEdit::editingFinished, this, &SelectorBox::leave);
+    chooseWhenLeft();
     // After the connections of QComboBox, its view and its completer, so that endRefresh()
     // finds them ready.
     connect(m_list, &QAbstractItemModel::modelAboutToBeReset, this, &SelectorBox::beginRefresh);
     connect(m_list, &QAbstractItemModel::modelReset, this, &SelectorBox::endRefresh);
+    connect(this, &QComboBox::editTextChanged, this, &SelectorBox::noteChoice);
+    connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &SelectorBox::noteIndex);
 }
+
+SelectorBox::~SelectorBox() = default;
 
 void SelectorBox::setListSource(QAbstractItemModel *model)
 {
     QAbstractItemModel *const before = m_list->sourceModel();
     if (before == model)
         return;
-    model->setParent(this);
     m_list->setSourceModel(model);
     m_list->sort(0, Qt::AscendingOrder);
     connect(model, &QAbstractItemModel::modelReset, this, [this, model] { measureTexts(model); });
@@ -51,19 +73,33 @@ void SelectorBox::report(const QString &text)
 {
     if (m_refreshing)
         return;
+    m_unreported = false;
     markUnmatched(false);
     edit_changed(text);
 }
 
-bool SelectorBox::isCurrentText(const QString &text) const
+void SelectorBox::noteChoice()
 {
-    return currentIndex() >= 0 && itemText(currentIndex()) == text;
+    if (!m_refreshing)
+        m_showsChoice = isCurrentText(Qt::CaseSensitive);
+}
+
+void SelectorBox::noteIndex()
+{
+    noteChoice();
+    if (m_showsChoice && m_unreported)
+        report(currentText());
+}
+
+bool SelectorBox::isCurrentText(Qt::CaseSensitivity sensitivity) const
+{
+    return currentIndex() >= 0 && itemText(currentIndex()).compare(currentText(), sensitivity) == 0;
 }
 
 int SelectorBox::rowOfText(Qt::CaseSensitivity sensitivity) const
 {
-    const QString text = currentText();
-    return isCurrentText(text) ? currentIndex() : m_list->rowOfText(text, sensitivity);
+    return isCurrentText(sensitivity) ? currentIndex()
+                                      : m_list->rowOfText(currentText(), sensitivity);
 }
 
 QVariant SelectorBox::dataOfText(int role) const
@@ -86,79 +122,86 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
 void SelectorBox::beginRefresh()
 {
     m_refreshing = true;
-    m_kept = Kept();
-    m_kept.text = currentText();
-    m_kept.caret = lineEdit()->cursorPosition();
-    m_kept.selectionStart = lineEdit()->selectionStart();
-    m_kept.selectionLength = lineEdit()->selectionLength();
-    m_kept.completing = completer()->popup()->isVisible();
-    if (isCurrentText(m_kept.text)) {
-        for (const int role : qAsConst(m_keyRoles))
-            m_kept.key.append(itemData(currentIndex(), role));
-    }
+    *m_kept = Kept();
+    m_kept->edit = EditState(lineEdit());
+    m_kept->wasChoice = m_showsChoice;
+    m_kept->completing = completer()->popup()->isVisible();
+    m_kept->prefix = completer()->completionPrefix();
+    // A source that was destroyed has nothing left to read.
+    if (!m_list->sourceModel())
+        return;
+    if (m_showsChoice || !currentText().isEmpty())
+        m_kept->key = keyOfRow(m_showsChoice ? currentIndex() : rowOfTypedText());
+    if (view()->isVisible())
+        m_kept->listKey = keyOfRow(view()->currentIndex().row());
 }
 
 void SelectorBox::endRefresh()
 {
-    const bool isGone = !m_kept.key.isEmpty() && rowOfKey(m_kept.key) < 0;
-    if (isGone)
-        setCurrentIndex(-1);
-    else
-        showKeptRow();
+    const int row = rowOfKey(m_kept->key);
+    // QComboBox has shown row 0 meanwhile.
+    setCurrentIndex(row);
+    if (!m_kept->wasChoice)
+        setEditText(m_kept->edit.text());
+    m_kept->edit.restoreCaret(lineEdit());
     m_refreshing = false;
-    if (isGone)
-        report(QString());
-}
+    noteChoice();
 
-// Brings back what stood there: QComboBox has shown row 0 meanwhile.
-void SelectorBox::showKeptRow()
-{
-    setCurrentIndex(m_kept.key.isEmpty() ? -1 : rowOfKey(m_kept.key));
-    if (m_kept.key.isEmpty())
-        setEditText(m_kept.text);
-    if (currentText() == m_kept.text) {
-        if (m_kept.selectionStart < 0)
-            lineEdit()->setCursorPosition(m_kept.caret);
-        else if (m_kept.caret == m_kept.selectionStart)
-            lineEdit()->setSelection(m_kept.selectionStart + m_kept.selectionLength,
-                                     -m_kept.selectionLength);
-        else
-            lineEdit()->setSelection(m_kept.selectionStart, m_kept.selectionLength);
-    }
-    if (m_kept.completing) {
-        completer()->setCompletionPrefix(currentText());
+    if (view()->isVisible())
+        view()->setCurrentIndex(m_list->index(rowOfKey(m_kept->listKey), 0));
+    if (m_kept->completing) {
+        completer()->setCompletionPrefix(m_kept->prefix);
         completer()->complete();
     }
+    const bool stoodForARow = m_kept->wasChoice || !m_kept->key.isEmpty();
+    if (stoodForARow && (row < 0 || rowOfTypedText() != row))
+        report(currentText());
+    else
+        m_unreported = !stoodForARow;
+}
+
+void SelectorBox::beginDataChange()
+{
+    m_refreshing = true;
+    m_kept->edit = EditState(lineEdit());
+}
+
+void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &bottomRight)
+{
+    const bool isTyped = !m_showsChoice && !m_kept->edit.text().isEmpty();
+    const QString shown = currentText();
+    if (isTyped)
+        setEditText(m_kept->edit.text());
+    m_kept->edit.restoreCaret(lineEdit());
+    m_refreshing = false;
+    noteChoice();
+    const bool isWholeList = topLeft.row() != bottomRight.row();
+    if (isTyped ? isWholeList : shown != m_kept->edit.text())
+        report(currentText());
+}
+
+QVariantList SelectorBox::keyOfRow(int row) const
+{
+    QVariantList key;
+    for (const int role : m_keyRoles) {
+        if (row >= 0)
+            key.append(itemData(row, role));
+    }
+    return key;
 }
 
 int SelectorBox::rowOfKey(const QVariantList &key) const
 {
+    if (key.isEmpty())
+        return -1;
     for (const int row : m_list->rowsOfKey(m_keyRoles.first(), key.first())) {
-        bool isSame = true;
-        for (int i = 1; i < key.size(); ++i)
-            isSame = isSame && itemData(row, m_keyRoles.at(i)) == key.at(i);
-        if (isSame)
+        if (keyOfRow(row) == key)
             return row;
     }
     return -1;
 }
 
-void SelectorBox::leave()
+ComboBox::TextRows SelectorBox::rowsOfText(const QString &text) const
 {
-    const QString text = currentText();
-    if (text.isEmpty() || isCurrentText(text))
-        return;
-    const int matches = m_list->countOfText(text);
-    if (matches == 1)
-        chooseRow(m_list->rowOfText(text, Qt::CaseInsensitive));
-    markUnmatched(matches == 0);
-}
-
-void SelectorBox::markUnmatched(bool unmatched)
-{
-    if (unmatched == m_unmatched)
-        return;
-    m_unmatched = unmatched;
-    lineEdit()->setStyleSheet(unmatched ? QStringLiteral("color: red") : QString());
-    lineEdit()->setToolTip(unmatched ? tr("Not in the list") : QString());
+    return {m_list->rowOfText(text, Qt::CaseInsensitive), m_list->countOfText(text)};
 }

@@ -2,6 +2,8 @@
 
 #include <formkit/combobox.h>
 
+#include <memory>
+
 class SelectorProxyModel;
 
 // What the boxes that select from a reference table have in common. Beside its own list each
@@ -9,32 +11,37 @@ class SelectorProxyModel;
 // - A refresh of the list (its model is populated anew, or the filter changes) keeps the
 //   choice: the same row by its key stays current, and a half-typed text stays as it is,
 //   caret and all; the box reports nothing. Only when the chosen row is gone does the box
-//   empty itself and report that.
+//   empty itself and report that. When it is a typed text that names the row, the text stays,
+//   and the box reports what it stands for now. A row that comes to match a half-typed text
+//   is not chosen before the user goes on typing or leaves the box.
 // - While the current row's text is the edit text, it is that row that the box answers for;
 //   otherwise the first row of that text.
-// - When the box is left, a text that one row alone has, ignoring case, chooses that row. A
-//   text that no row has stays as it is, in red and with a tool tip that says so.
+// - It chooses when it is left (see ComboBox::chooseWhenLeft()).
 class FORMKIT_EXPORT SelectorBox : public ComboBox
 {
     Q_OBJECT
 
 protected:
     // Takes the list over. `keyRoles` tell one row from every other, the first of them being
-    // one of the list's key roles.
-    SelectorBox(SelectorProxyModel *list, const QVector<int> &keyRoles, QWidget *parent);
+    // one of the list's key roles. `typing` is how typed text is compared with the rows'.
+    SelectorBox(SelectorProxyModel *list, const QVector<int> &keyRoles, Qt::CaseSensitivity typing,
+                QWidget *parent);
+    ~SelectorBox() override;
 
-    // Takes a model over, populated, as the source of the list; the one before is deleted.
+    // Makes a populated model of the box the source of the list; the one before is deleted.
     void setListSource(QAbstractItemModel *model);
     // To be called at the end of a subclass's construction: shows no choice and begins to
     // report what the user does.
     void startReporting();
 
-    // The row that the edit text stands for, -1 for none.
-    int rowOfText(Qt::CaseSensitivity sensitivity) const;
-    // The data of that row, any letter case; invalid for none.
+    // The row that typed text stands for, -1 for none.
+    int rowOfTypedText() const { return rowOfText(m_typing); }
+    // The data of the row of the edit text, in any letter case; invalid for none.
     QVariant dataOfText(int role) const;
     // Chooses the first row of a key, if there is one.
     void chooseKey(int role, const QVariant &key);
+
+    TextRows rowsOfText(const QString &text) const override;
 
     SelectorProxyModel *list() const { return m_list; }
 
@@ -45,28 +52,27 @@ protected slots:
     virtual void item_activated(int index) = 0;
 
 private:
-    struct Kept
-    {
-        QVariantList key;
-        QString text;
-        int caret = 0;
-        int selectionStart = -1;
-        int selectionLength = 0;
-        bool completing = false;
-    };
+    struct Kept;
 
     void beginRefresh();
     void endRefresh();
-    void showKeptRow();
+    void beginDataChange();
+    void endDataChange(const QModelIndex &topLeft, const QModelIndex &bottomRight);
+    void noteChoice();
+    void noteIndex();
+    QVariantList keyOfRow(int row) const;
     int rowOfKey(const QVariantList &key) const;
+    int rowOfText(Qt::CaseSensitivity sensitivity) const;
     void report(const QString &text);
-    void leave();
-    void markUnmatched(bool unmatched);
-    bool isCurrentText(const QString &text) const;
+    bool isCurrentText(Qt::CaseSensitivity sensitivity) const;
 
     SelectorProxyModel *m_list;
-    QVector<int> m_keyRoles;
-    Kept m_kept;
+    const QVector<int> m_keyRoles;
+    const Qt::CaseSensitivity m_typing;
+    std::unique_ptr<Kept> m_kept;
     bool m_refreshing = false;
-    bool m_unmatched = false;
+    // The edit text is that of the current row.
+    bool m_showsChoice = false;
+    // A refresh may have brought the row that the edit text names.
+    bool m_unreported = false;
 };

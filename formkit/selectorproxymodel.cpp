@@ -138,6 +138,11 @@ void SelectorProxyModel::invalidate()
     endResetModel();
 }
 
+bool SelectorProxyModel::filterAcceptsRow(int, const QModelIndex &) const
+{
+    return true;
+}
+
 SelectorProxyModel::RowRange SelectorProxyModel::candidateRows() const
 {
     return {0, sourceModel() ? sourceModel()->rowCount() : 0};
@@ -245,15 +250,23 @@ bool SelectorProxyModel::staysInPlace(int sourceRow) const
         return false;
     if (row < 0 || m->order == Mapping::Source)
         return true;
-    const auto inPlace = [this](int upper, int lower) {
-        if (upper < 0 || lower >= m->shown.size())
+    const bool ascending = m->order == Mapping::Ascending;
+    return isBetweenNeighbours(m->shown, row, ascending);
+}
+
+// Whether the row at a position of a list of source rows belongs between those beside it.
+bool SelectorProxyModel::isBetweenNeighbours(const QVector<int> &rows, int position,
+                                             bool ascending) const
+{
+    const auto textOf = [this](int row) { return sourceModel()->index(row, 0).data().toString(); };
+    const auto inOrder = [&](int upper, int lower) {
+        if (upper < 0 || lower >= rows.size())
             return true;
-        const int order = text(upper).compare(text(lower), Qt::CaseInsensitive);
-        if (order == 0)
-            return m->shown.at(upper) < m->shown.at(lower);
-        return (order < 0) == (m->order == Mapping::Ascending);
+        const int order =
+            textOf(rows.at(upper)).compare(textOf(rows.at(lower)), Qt::CaseInsensitive);
+        return order == 0 ? rows.at(upper) < rows.at(lower) : (order < 0) == ascending;
     };
-    return inPlace(row - 1, row) && inPlace(row, row + 1);
+    return inOrder(position - 1, position) && inOrder(position, position + 1);
 }
 
 void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
@@ -269,6 +282,10 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
         relayout();
         if (!isOneRow && !m->shown.isEmpty())
             emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), roles);
+    } else if (!m->sourceOrder.isEmpty() &&
+               !isBetweenNeighbours(m->sourceOrder, m->sourcePlaces.at(topLeft.row()), true)) {
+        // It would stand elsewhere among rows that the filter hides.
+        m->sourceOrder.clear();
     }
     const int row = isOneRow ? m->proxyRow(topLeft.row()) : -1;
     if (row >= 0)
@@ -463,8 +480,8 @@ QVariant SelectorProxyModel::data(const QModelIndex &index, int role) const
     const QModelIndex sourceIndex = mapToSource(index);
     if (!sourceIndex.isValid())
         return {};
-    if (role == FoldedRole)
-        return FoldedText::folded(sourceIndex.data().toString());
+    if (role == CompletionRole)
+        return FoldedText::completionKey(sourceIndex.data().toString());
     return sourceIndex.data(role);
 }
 

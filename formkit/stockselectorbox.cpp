@@ -4,15 +4,18 @@
 #include "stockselectormodel.h"
 
 StockSelectorBox::StockSelectorBox(QWidget *parent)
-    : SelectorBox(new SelectorProxyModel, {StockSelectorModel::IdRole}, parent)
+    : SelectorBox(new SelectorProxyModel, {StockSelectorModel::IdRole}, Qt::CaseSensitive, parent)
 {
     list()->setKeyRoles({StockSelectorModel::IdRole, StockSelectorModel::CodeRole});
-    setSourceModel(new StockSelectorModel);
+    setSourceModel(new StockSelectorModel(this));
     startReporting();
 }
 
 void StockSelectorBox::setSourceModel(StockSelectorModel *model)
 {
+    if (!model)
+        return;
+    model->setParent(this);
     model->populate();
     setListSource(model);
 }
@@ -44,7 +47,7 @@ void StockSelectorBox::setStockCode(const QString &code)
 
 void StockSelectorBox::edit_changed(const QString &text)
 {
-    const int row = rowOfText(Qt::CaseSensitive);
+    const int row = rowOfTypedText();
     if (row >= 0) {
         item_activated(row);
     } else {

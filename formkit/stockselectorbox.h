@@ -22,7 +22,8 @@ public:
     explicit StockSelectorBox(QWidget *parent = nullptr);
 
     // Puts another model in place, a subclass with a filter of its own for example. The box
-    // takes it over, populates it and deletes the one before.
+    // takes it over, populates it and deletes the one before. An exchange that was chosen
+    // stays so if the new model lists it; otherwise the box is empty.
     void setSourceModel(StockSelectorModel *model);
 
     // The id of the exchange that the text names, "0" for none.

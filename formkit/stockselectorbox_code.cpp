@@ -14,6 +14,7 @@ StockSelectorBox_Code::StockSelectorBox_Code(QWidget *parent) : ComboBox(parent)
     populate();
     setCurrentIndex(-1);
     setEditText(QString());
+    chooseWhenLeft();
     connect(this, &QComboBox::editTextChanged, this, &StockSelectorBox_Code::edit_changed);
     connect(this, QOverload<int>::of(&QComboBox::activated), this,
             &StockSelectorBox_Code::item_activated);
@@ -44,6 +45,7 @@ void StockSelectorBox_Code::prop_StockId_changed(const QString &id)
 
 void StockSelectorBox_Code::edit_changed(const QString &text)
 {
+    markUnmatched(false);
     const int row = findText(text, Qt::MatchExactly);
     if (row >= 0) {
         item_activated(row);

@@ -5,7 +5,7 @@
 // Selects an exchange by its code, for forms that wire their values by signal and slot: the
 // hub's walk binds nothing here. The list has the exchanges in the host's own order. An
 // item's text is the exchange code, its Qt::UserRole data the exchange id (int) and its
-// Qt::UserRole + 1 data the name.
+// Qt::UserRole + 1 data the name. It chooses when it is left (see ComboBox::chooseWhenLeft()).
 class FORMKIT_EXPORT StockSelectorBox_Code : public ComboBox
 {
     Q_OBJECT

@@ -201,7 +201,7 @@ void EmbeddedHostTest::refusedFiles()
     const QString bad = makeFile(content("b") << sql);
     QSignalSpy failed(&host, &EmbeddedHost::failed);
     host.load(bad);
-    QTRY_COMPARE(failed.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, 60000);
     QCOMPARE(failed.at(0).at(0).toString(), bad + ": " + error);
     QVERIFY(!host.loadNow(bad));
     QCOMPARE(host.errorText(), bad + ": " + error);
@@ -225,8 +225,11 @@ void EmbeddedHostTest::reloadUnderWalks()
     host.load(files.at(1));
     Table *securities = host.table("securities");
     std::vector<Record> held;
-    while (loads < 50) {
+    while (loads < 50 && host.errorText().isEmpty()) {
         QCoreApplication::processEvents();
+        // The directories and the sessions need no lock.
+        QVERIFY(host.boardDirectory()->isPositionById(2, 7));
+        QCOMPARE(host.currentSessions().size(), 1);
         const TableLock lock(securities);
         const QString tag = column(host.table("stocks"), "name").at(0).right(1);
         int rows = 0;
@@ -239,6 +242,7 @@ void EmbeddedHostTest::reloadUnderWalks()
         QCOMPARE(rows, 2000);
         held.push_back(securities->masterIndex()->at(loads));
     }
+    QCOMPARE(host.errorText(), QString());
     for (const Record &row : held)
         QCOMPARE(row.field(securities->columnIndex("sec_name")).toString().left(5),
                  QString("Name "));
@@ -261,13 +265,13 @@ void EmbeddedHostTest::endsOfALoad()
     host.load(largeFile);
     QVERIFY(host.isLoading());
     host.cancel();
-    QTRY_COMPARE(cancelled.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(cancelled.size(), 1, 60000);
     QVERIFY(!host.isLoading());
     QCOMPARE(host.liveRows(), 0);
 
     host.load(largeFile);
     host.load(file);
-    QTRY_COMPARE(loaded.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, 60000);
     QCOMPARE(cancelled.size(), 2);
     QCOMPARE(host.stockDirectory()->codeById(1), QString("XAs"));
     QVERIFY(progress.contains(QVariantList({"securities", 2000, 2000})));
@@ -277,9 +281,10 @@ void EmbeddedHostTest::endsOfALoad()
     QVERIFY(host.loadNow(file));
     QCOMPARE(cancelled.size(), 3);
     host.reload();
-    QTRY_COMPARE(loaded.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 3, 60000);
     host.load(m_folder.filePath("none"));
-    QTRY_COMPARE(host.errorText(), m_folder.filePath("none") + ": no such file");
+    QTRY_COMPARE_WITH_TIMEOUT(host.errorText(), m_folder.filePath("none") + ": no such file",
+                              60000);
     QVERIFY(!host.loadNow(QCoreApplication::applicationFilePath()));
     QVERIFY2(host.errorText().contains("not a database"), qPrintable(host.errorText()));
     QCOMPARE(host.liveRows(), Rows);
@@ -326,7 +331,7 @@ void EmbeddedHostTest::throwInAWalk()
     QVERIFY_EXCEPTION_THROWN(throwingWalk(host.table("stocks")), Exception);
     QSignalSpy loaded(&host, &EmbeddedHost::loaded);
     host.reload(); // needs the lock, on another thread
-    QTRY_COMPARE(loaded.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, 60000);
     QCOMPARE(host.liveRows(), Rows);
 }
 

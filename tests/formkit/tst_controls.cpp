@@ -3,8 +3,10 @@
 #include <formkit/groupbox.h>
 #include <formkit/label.h>
 #include <formkit/lineedit.h>
+#include <formkit/numbereditor.h>
 #include <formkit/properties.h>
 #include <formkit/pushbuttonsend.h>
+#include <formkit/quantityeditor.h>
 #include <formkit/radiobutton.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
@@ -30,6 +32,8 @@ const QMap<QString, QWidget *(*)(QWidget *)> makers = {
     {"RadioButton", makeOne<RadioButton>},
     {"PushButtonSend", makeOne<PushButtonSend>},
     {"DateEdit", makeOne<DateEdit>},
+    {"NumberEditor", makeOne<NumberEditor>},
+    {"QuantityEditor", makeOne<QuantityEditor>},
     {"StockSelectorBox", makeOne<StockSelectorBox>},
     {"StockSelectorBox_Code", makeOne<StockSelectorBox_Code>},
     {"GroupBox", makeOne<GroupBox>},
@@ -197,6 +201,8 @@ void ControlsTest::formFilledAndReadBack()
         {"RadioButton", {"1", "0"}},
         {"PushButtonSend", {"1", "0"}},
         {"DateEdit", {"2015.03.01 00:00:00.000", "1999.12.31 00:00:00.000"}},
+        {"NumberEditor", {"-1234567.50", "0.01"}},
+        {"QuantityEditor", {"1000", "0"}},
         {"StockSelectorBox", {"2", "1"}},
     };
     QWidget form;

@@ -1,0 +1,166 @@
+#include "formselector.h"
+
+#include "properties.h"
+#include "summator.h"
+
+#include <QDebug>
+#include <QLabel>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <functional>
+
+FormSelector::FormSelector(QWidget *parent) : FormSelector(nullptr, parent) {}
+
+FormSelector::FormSelector(Properties *hub, QWidget *parent)
+    : QWidget(parent), m_stack(new QStackedLayout(this)), m_hub(hub), m_emptyPage(new QLabel)
+{
+    m_stack->addWidget(m_emptyPage);
+}
+
+void FormSelector::setHub(Properties *hub)
+{
+    unbindPages();
+    m_hub = hub;
+    setWidget(m_shown);
+}
+
+void FormSelector::addWidget(boardid board, QWidget *form)
+{
+    if (!form)
+        return;
+    dropDeadPages();
+    if (!holderOf(form))
+        m_pages.append(Page{form, newHolder(form)});
+    m_boardForms.insert(board, form);
+    if (board == m_shown)
+        setWidget(board);
+}
+
+QWidget *FormSelector::newHolder(QWidget *form)
+{
+    auto *holder = new QWidget(this);
+    auto *column = new QVBoxLayout(holder);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(form);
+    if (QLayout *inner = form->layout()) {
+        const QMargins margins = inner->contentsMargins();
+        inner->setContentsMargins(margins.left(), 3, margins.right(), 2);
+    }
+    column->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
+    m_stack->addWidget(holder);
+    return holder;
+}
+
+QWidget *FormSelector::holderOf(const QWidget *form) const
+{
+    for (const Page &page : m_pages) {
+        if (form && page.form == form)
+            return page.holder;
+    }
+    return nullptr;
+}
+
+void FormSelector::dropDeadPages()
+{
+    const auto isAlive = [](const Page &page) { return page.form && page.holder; };
+    const auto firstDead = std::stable_partition(m_pages.begin(), m_pages.end(), isAlive);
+    const QVector<Page> dead(firstDead, m_pages.end());
+    m_pages.erase(firstDead, m_pages.end());
+    for (const Page &page : dead) {
+        // The stack would show a neighbour in place of a current page that goes.
+        if (page.holder && page.holder == m_stack->currentWidget())
+            m_stack->setCurrentWidget(m_emptyPage);
+        delete page.holder;
+    }
+}
+
+QList<QWidget *> FormSelector::getWidgetList() const
+{
+    QList<QWidget *> forms;
+    for (const Page &page : m_pages) {
+        if (page.form)
+            forms << page.form;
+    }
+    std::sort(forms.begin(), forms.end(), std::less<QWidget *>());
+    return forms;
+}
+
+void FormSelector::setStockId(const QString &text)
+{
+    const qint32 id = text.toInt();
+    if (id == m_current.stock_id)
+        return;
+    m_current.stock_id = id;
+    setWidget(m_current);
+}
+
+void FormSelector::setBoardId(const QString &text)
+{
+    const qint32 id = text.toInt();
+    if (id == m_current.board_id)
+        return;
+    m_current.board_id = id;
+    setWidget(m_current);
+}
+
+void FormSelector::setWidget(boardid board)
+{
+    m_shown = board;
+    if (m_moving)
+        return;
+    const QPointer<FormSelector> alive(this);
+    const QPointer<QWidget> page = moveBindings();
+    if (alive)
+        m_stack->setCurrentWidget(page ? page.data() : m_emptyPage);
+}
+
+// Binds the page of m_shown alone and answers it. A control that is bound may ask for another
+// board, or destroy the page or the selector. Pages that send each other away in a ring are
+// left alone, unbound, once each could have had a turn.
+QPointer<QWidget> FormSelector::moveBindings()
+{
+    const QPointer<FormSelector> alive(this);
+    QPointer<QWidget> page;
+    boardid bound;
+    int turns = m_pages.size() + 1;
+    m_moving = true;
+    do {
+        bound = m_shown;
+        page = holderOf(m_boardForms.value(bound));
+        unbindPages();
+        if (m_hub && m_hub->connectAll(page) && page)
+            reportSums(page);
+        if (!alive)
+            return nullptr;
+    } while (bound != m_shown && --turns > 0);
+    m_moving = false;
+    if (bound != m_shown) {
+        qWarning() << "FormSelector::setWidget: the sub-forms send each other away";
+        unbindPages();
+        return nullptr;
+    }
+    return page;
+}
+
+// A sum that changed while its page was hidden is not what the hub holds, and the hub cannot
+// write its own into it.
+void FormSelector::reportSums(QWidget *page)
+{
+    QVector<QPointer<Summator>> summators;
+    for (Summator *summator : page->findChildren<Summator *>())
+        summators << summator;
+    for (const QPointer<Summator> &summator : qAsConst(summators)) {
+        if (summator)
+            summator->report();
+    }
+}
+
+void FormSelector::unbindPages()
+{
+    if (!m_hub)
+        return;
+    for (const Page &page : qAsConst(m_pages))
+        m_hub->disconnectAll(page.holder);
+}

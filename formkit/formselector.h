@@ -1,0 +1,95 @@
+#pragma once
+
+#include <formkit/formkit_export.h>
+#include <hostapi/boardid.h>
+
+#include <QList>
+#include <QMap>
+#include <QPointer>
+#include <QVector>
+#include <QWidget>
+
+class Properties;
+class QLabel;
+class QStackedLayout;
+
+// Shows the sub-form of the trading board that is being entered, out of several, and keeps
+// the hub bound to that one alone. A connectAll() over the enclosing form binds `StockId` and
+// `BoardId`; from then on the sub-form follows the form's values. A board without a sub-form
+// shows an empty page.
+//
+// A sub-form that is shown takes over the values that the hub holds under its names and gives
+// the hub those that it introduces; all values stay in the hub when it leaves. What is left
+// of a sub-form that is not shown is what disconnectAll() leaves: controls with a "field" or
+// "fields" of their own still receive, so they are up to date, but the hub does not listen to
+// them; a control whose class hands its binding over to its base ("super") stays bound in
+// both directions. Coming back adds no second binding.
+//
+// Sub-forms may be added before or after the connectAll() over the enclosing form. It binds
+// what is there already, shown or not, and makes its names known to FormValidation at one go;
+// the next change of board, or setHub() with the same hub, then leaves only the shown one
+// bound. If hidden sub-forms hold members that report by themselves (a Summator), call
+// setHub() after connectAll().
+//
+// Without a hub it only shows. Hub and sub-forms may be destroyed at any time, also while a
+// board is being changed; a board whose sub-form is gone shows an empty page.
+class FORMKIT_EXPORT FormSelector : public QWidget
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "this")
+    Q_PROPERTY(QString StockId READ getStockId WRITE setStockId)
+    Q_PROPERTY(QString BoardId READ getBoardId WRITE setBoardId)
+
+public:
+    explicit FormSelector(QWidget *parent = nullptr);
+    explicit FormSelector(Properties *hub, QWidget *parent = nullptr);
+
+    // Hands the sub-forms over to another hub (not owned; may be null): all of them are
+    // unbound from the hub they had and from this one, then the shown one is bound.
+    void setHub(Properties *hub);
+
+    // Registers a sub-form for a board, in place of the one that the board had, and takes
+    // ownership. One sub-form may serve several boards. It stands at the top of its page; if
+    // it has a layout, that layout's margins become 3 above and 2 below. The sub-form of the
+    // board that is current is shown and bound at once. A null sub-form is ignored.
+    void addWidget(boardid board, QWidget *form);
+    // The sub-forms, each once, in no order that means anything.
+    QList<QWidget *> getWidgetList() const;
+
+    // The ids of the current board as decimal text, "0" at first.
+    QString getStockId() const { return QString::number(m_current.stock_id); }
+    QString getBoardId() const { return QString::number(m_current.board_id); }
+    // Change one id of the current board and show its sub-form. A text that is no number
+    // counts as 0. Nothing happens when the id is the current one.
+    void setStockId(const QString &text);
+    void setBoardId(const QString &text);
+
+    // Shows the sub-form of a board and moves the bindings to it, whatever the ids say. A
+    // call that comes while the bindings move (from a control that is bound) takes effect
+    // when they have moved.
+    void setWidget(boardid board);
+
+private:
+    struct Page
+    {
+        QPointer<QWidget> form;
+        QPointer<QWidget> holder;
+    };
+
+    QWidget *newHolder(QWidget *form);
+    QWidget *holderOf(const QWidget *form) const;
+    void dropDeadPages();
+    void unbindPages();
+    QPointer<QWidget> moveBindings();
+    static void reportSums(QWidget *page);
+
+    boardid m_current;
+    QMap<boardid, QPointer<QWidget>> m_boardForms;
+    QVector<Page> m_pages;
+    QStackedLayout *m_stack;
+    QPointer<Properties> m_hub;
+
+    QLabel *m_emptyPage;
+    boardid m_shown;
+    bool m_moving = false;
+};
