@@ -410,7 +410,8 @@ bool CFTPListParser::GetLong(const char *text, size_t length, long &value)
             return false;
         result = result * 10 + digit;
     }
-    value = result;
+    if (length > 0)
+        value = result;
     return length > 0;
 }
 
