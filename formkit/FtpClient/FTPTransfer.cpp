@@ -13,6 +13,8 @@ namespace nsFTP {
 
 namespace {
 
+constexpr int MostPreliminaries = 10;
+
 class TransferringScope
 {
 public:
@@ -374,11 +376,11 @@ bool CFTPClient::abortTransfer(IBlockingSocket &dataSocket) const
 void CFTPClient::sendAbort() const
 {
     CReply reply;
-    if (!SendCommand(CCommand::ABOR, {}) || !GetResponse(reply)) {
-        d->giveUpReplies();
-        return;
-    }
-    if (reply.Code().IsPositivePreliminaryReply() || reply.Code().IsTransientNegativeReply()) {
+    bool read = SendCommand(CCommand::ABOR, {}) && GetResponse(reply);
+    // Some go on about the transfer with a reply of class 1.
+    for (int i = 0; i < MostPreliminaries && read && reply.Code().IsPositivePreliminaryReply(); ++i)
+        read = GetResponse(reply);
+    if (!read || reply.Code().IsTransientNegativeReply()) {
         d->giveUpReplies();
         return;
     }

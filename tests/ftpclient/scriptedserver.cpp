@@ -88,6 +88,12 @@ QStringList ScriptedServer::commands() const
     return m_commands;
 }
 
+void ScriptedServer::settle() const
+{
+    for (int i = 0; i < 200 && !m_listens; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 QByteArray ScriptedServer::stored() const
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
@@ -164,8 +170,10 @@ void ScriptedServer::act(const std::string &action, const std::string &verb)
     } else if (word == "part") {
         move(verb, m_offset, size_t(std::stoi(rest)));
     } else if (word == "end") {
+        openData();
         closeSocket(m_data);
     } else if (word == "cut") {
+        openData();
         const linger reset = {1, 0};
         ::setsockopt(m_data, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
         closeSocket(m_data);
@@ -192,7 +200,9 @@ bool ScriptedServer::readLine(std::string &line)
             return true;
         }
         char bytes[4096];
+        m_listens = true;
         const ssize_t count = ::recv(m_control, bytes, sizeof bytes, 0);
+        m_listens = false;
         if (count <= 0)
             return false;
         m_received.append(bytes, size_t(count));

@@ -31,6 +31,9 @@ public:
     quint16 port() const { return m_port; }
     // The command lines that came so far.
     QStringList commands() const;
+    // Waits (a fifth of a second at most) until the server has done all that it was told to and
+    // listens again: what it sent is then there to be read.
+    void settle() const;
     // What the last upload brought.
     QByteArray stored() const;
 
@@ -61,6 +64,7 @@ private:
     size_t m_offset = 0;
     std::string m_received;
     std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_listens{false};
     mutable std::mutex m_mutex;
     QStringList m_commands;
     QByteArray m_stored;
