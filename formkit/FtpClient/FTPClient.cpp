@@ -268,8 +268,10 @@ bool CFTPClient::Private::takeText()
             count = control->Receive(buffer.data(), room,
                                      int(std::min<long long>(timeout(), left.count())));
             if (count <= 0) {
-                drop();
-                return false;
+                // Lines that came whole before the end are still good.
+                if (lines.empty())
+                    drop();
+                return !lines.empty();
             }
             if (responseDelay != 0)
                 std::this_thread::sleep_for(std::chrono::seconds(responseDelay));
@@ -284,6 +286,8 @@ bool CFTPClient::Private::takeText()
             partialLine.erase(0, begin);
         } while (count == room && control->CheckReadability());
     } catch (const CBlockingSocketException &exception) {
+        if (!lines.empty())
+            return true;
         report(exception, ReportAt::Receive);
         if (timedOut(exception) && Clock::now() < replyEnd)
             giveUpReplies();

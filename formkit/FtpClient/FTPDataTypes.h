@@ -24,7 +24,7 @@ public:
 class FORMKITFTP_EXPORT CCommand
 {
 public:
-    enum TCommandEnum {
+    enum TCommandEnum : int {
         ABOR,
         ACCT,
         ALLO,
@@ -64,10 +64,10 @@ public:
     };
 
     // How a command uses a data connection: the server sends, the client sends, none.
-    enum TTypeEnum { dataChannelRead = 0, dataChannelWrite = 1, noDataChannel = 2 };
+    enum TTypeEnum : int { dataChannelRead = 0, dataChannelWrite = 1, noDataChannel = 2 };
 
     // Where a command is defined.
-    enum TSpecificationEnum { noStandard = 0, rfc959 = 1, rfc3659 = 2 };
+    enum TSpecificationEnum : int { noStandard = 0, rfc959 = 1, rfc3659 = 2 };
 
     // The facts about one command.
     class FORMKITFTP_EXPORT IExtendedInfo
@@ -185,7 +185,7 @@ private:
 class FORMKITFTP_EXPORT CType
 {
 public:
-    enum TTypeEnum { ASCII = 0, EBCDIC = 1, Image = 2, LocalByte = 3 };
+    enum TTypeEnum : int { ASCII = 0, EBCDIC = 1, Image = 2, LocalByte = 3 };
     CType(TTypeEnum type) : m_enType(type) {}
     operator TTypeEnum() const { return m_enType; }
     // "A", "E", "I", "L".
@@ -199,7 +199,7 @@ private:
 class FORMKITFTP_EXPORT CTypeFormat
 {
 public:
-    enum TTypeFormatEnum { None = 0, NonPrint = 1, TelnetFormat = 2, CarriageControl = 3 };
+    enum TTypeFormatEnum : int { None = 0, NonPrint = 1, TelnetFormat = 2, CarriageControl = 3 };
     CTypeFormat(TTypeFormatEnum format) : m_enFormat(format) {}
     operator TTypeFormatEnum() const { return m_enFormat; }
     // "N", "T", "C". None has no text: asking for it is a programming error.
@@ -235,7 +235,7 @@ private:
 class FORMKITFTP_EXPORT CStructure
 {
 public:
-    enum TStructureEnum { File = 0, Record = 1, Page = 2 };
+    enum TStructureEnum : int { File = 0, Record = 1, Page = 2 };
     CStructure(TStructureEnum structure) : m_enStructure(structure) {}
     operator TStructureEnum() const { return m_enStructure; }
     // "F", "R", "P".
@@ -249,7 +249,7 @@ private:
 class FORMKITFTP_EXPORT CTransferMode
 {
 public:
-    enum TTransferModeEnum { Stream = 0, Block = 1, Compressed = 2 };
+    enum TTransferModeEnum : int { Stream = 0, Block = 1, Compressed = 2 };
     CTransferMode(TTransferModeEnum mode) : m_enMode(mode) {}
     operator TTransferModeEnum() const { return m_enMode; }
     // "S", "B", "C".
@@ -263,7 +263,7 @@ private:
 class FORMKITFTP_EXPORT CFirewallType
 {
 public:
-    enum TFirewallTypeEnum {
+    enum TFirewallTypeEnum : int {
         NoFirewall = 0,
         SiteHostName = 1,
         UserAfterLogon = 2,

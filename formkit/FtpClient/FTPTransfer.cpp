@@ -607,18 +607,21 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     if (!listening.passiveAddress(address) ||
         connecting.DataPort(dotted(address.sin_addr), ntohs(address.sin_port)) != 0)
         return false;
-    // The side that connects comes first: the other may not answer before it has a connection.
-    const bool connects = connecting.begin(passive ? CCommand::STOR : CCommand::RETR,
-                                           passive ? targetFile : sourceFile, 0);
-    if (connects && !listening.begin(passive ? CCommand::RETR : CCommand::STOR,
-                                     passive ? sourceFile : targetFile, 0)) {
-        connecting.sendAbort();
-        return false;
+    // The side that listens is told first, but may not answer before it has a connection.
+    const CCommand listens = passive ? CCommand::RETR : CCommand::STOR;
+    const CCommand connects = passive ? CCommand::STOR : CCommand::RETR;
+    CReply reply;
+    const bool begun = listening.SendCommand(listens, {passive ? sourceFile : targetFile}) &&
+                       connecting.begin(connects, passive ? targetFile : sourceFile, 0) &&
+                       listening.GetResponse(reply) && reply.Code().IsPositivePreliminaryReply();
+    for (const CFTPClient *client : {&listening, &connecting}) {
+        if (!begun && client->d->unanswered > 0)
+            client->sendAbort();
     }
     CReply sent;
     CReply stored;
-    const bool sourceEnds = connects && source.GetResponse(sent);
-    const bool targetEnds = connects && target.GetResponse(stored);
+    const bool sourceEnds = begun && source.GetResponse(sent);
+    const bool targetEnds = begun && target.GetResponse(stored);
     source.d->giveUpReplies();
     target.d->giveUpReplies();
     return sourceEnds && targetEnds && sent.Code().IsPositiveCompletionReply() &&

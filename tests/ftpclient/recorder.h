@@ -14,6 +14,8 @@ public:
     QStringList log;
     std::function<void()> afterBlock = [] {};
 
+    // The end of the log, for a message.
+    QString last() const { return log.mid(qMax(0, log.size() - 10)).join('\n') + '\n'; }
     QStringList errors() const { return log.filter(QRegularExpression("^!")); }
 
     void OnInternalError(const std::string &message, const std::string &source, int line) override

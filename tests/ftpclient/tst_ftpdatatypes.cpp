@@ -1,3 +1,4 @@
+#include "datafile.h"
 #include "support/stricttest.h"
 
 #include <formkit/FtpClient/FTPDataTypes.h>
@@ -9,87 +10,33 @@ class FtpDataTypesTest : public StrictTest
     Q_OBJECT
 
 private slots:
-    void commands_data();
     void commands();
     void commandLines();
-    void replies_data();
     void replies();
     void letters();
     void firewalls();
     void logonDefaults();
 };
 
-void FtpDataTypesTest::commands_data()
-{
-    QTest::addColumn<QString>("syntax");
-    QTest::addColumn<int>("parameters");
-    QTest::addColumn<int>("optional");
-    QTest::addColumn<QString>("channel");
-    QTest::addColumn<int>("rfc");
-    // In the order of the enumeration.
-    const char *const rows[] = {
-        "ABOR <CRLF>|0|0|none|959",
-        "ACCT <SP> <account-information> <CRLF>|1|0|none|959",
-        "ALLO <SP> <decimal-integer> [<SP> R <SP> <decimal-integer>] <CRLF>|3|2|none|959",
-        "APPE <SP> <pathname> <CRLF>|1|0|write|959",
-        "CDUP <CRLF>|0|0|none|959",
-        "CWD <SP> <pathname> <CRLF>|1|0|none|959",
-        "DELE <SP> <pathname> <CRLF>|1|0|none|959",
-        "HELP [<SP> <string>] <CRLF>|1|1|none|959",
-        "LIST [<SP> <pathname>] <CRLF>|1|1|read|959",
-        "MDTM <SP> <pathname> <CRLF>|1|0|none|3659",
-        "MKD <SP> <pathname> <CRLF>|1|0|none|959",
-        "MODE <SP> <mode-code> <CRLF>|1|0|none|959",
-        "NLST [<SP> <pathname>] <CRLF>|1|1|read|959",
-        "NOOP <CRLF>|0|0|none|959",
-        "OPEN <SP> <string> <CRLF>|1|0|none|0",
-        "PASS <SP> <password> <CRLF>|1|0|none|959",
-        "PASV <CRLF>|0|0|none|959",
-        "PORT <SP> <host-port> <CRLF>|1|0|none|959",
-        "PWD <CRLF>|0|0|none|959",
-        "QUIT <CRLF>|0|0|none|959",
-        "REIN <CRLF>|0|0|none|959",
-        "REST <SP> <marker> <CRLF>|1|0|none|959",
-        "RETR <SP> <pathname> <CRLF>|1|0|read|959",
-        "RMD <SP> <pathname> <CRLF>|1|0|none|959",
-        "RNFR <SP> <pathname> <CRLF>|1|0|none|959",
-        "RNTO <SP> <pathname> <CRLF>|1|0|none|959",
-        "SITE <SP> <string> <CRLF>|1|0|none|959",
-        "SIZE <SP> <pathname> <CRLF>|1|0|none|3659",
-        "SMNT <SP> <pathname> <CRLF>|1|0|none|959",
-        "STAT [<SP> <pathname>] <CRLF>|1|1|none|959",
-        "STOR <SP> <pathname> <CRLF>|1|0|write|959",
-        "STOU <CRLF>|0|0|write|959",
-        "STRU <SP> <structure-code> <CRLF>|1|0|none|959",
-        "SYST <CRLF>|0|0|none|959",
-        "TYPE <SP> <type-code> <CRLF>|1|0|none|959",
-        "USER <SP> <username> <CRLF>|1|0|none|959",
-    };
-    int number = 0;
-    for (const char *row : rows) {
-        const QStringList parts = QString(row).split('|');
-        QTest::addRow("%d", number++)
-            << parts[0] << parts[1].toInt() << parts[2].toInt() << parts[3] << parts[4].toInt();
-    }
-}
-
 void FtpDataTypesTest::commands()
 {
-    QFETCH(QString, syntax);
-    QFETCH(QString, channel);
-    const int number = QString(QTest::currentDataTag()).toInt();
-    const CCommand command = CCommand::TCommandEnum(number);
-    const CCommand::IExtendedInfo &info = command.GetExtendedInfo();
-    QCOMPARE(QString::fromStdString(info.GetCompleteServerStringSyntax()), syntax);
-    QCOMPARE(QString::fromStdString(command.AsString()), syntax.section(' ', 0, 0));
-    QTEST(int(info.GetNumberOfParameters()), "parameters");
-    QTEST(int(info.GetNumberOfOptionalParameters()), "optional");
-    const int standards[] = {0, 959, 3659};
-    QTEST(standards[info.GetSpecification()], "rfc");
-    QCOMPARE(command.IsDatachannelReadCommand(), channel == "read");
-    QCOMPARE(command.IsDatachannelWriteCommand(), channel == "write");
-    QCOMPARE(command.IsDatachannelCommand(), channel != "none");
-    QCOMPARE(int(info.GetType()), QStringList({"read", "write", "none"}).indexOf(channel));
+    int number = 0;
+    for (const QStringList &row : rowsOf("commands.txt")) {
+        const CCommand command = CCommand::TCommandEnum(number++);
+        const CCommand::IExtendedInfo &info = command.GetExtendedInfo();
+        const int standards[] = {0, 959, 3659};
+        const QStringList facts = {QString::fromStdString(info.GetCompleteServerStringSyntax()),
+                                   QString::number(info.GetNumberOfParameters()),
+                                   QString::number(info.GetNumberOfOptionalParameters()),
+                                   QStringList({"read", "write", "none"})[info.GetType()],
+                                   QString::number(standards[info.GetSpecification()])};
+        QCOMPARE(facts, row);
+        QCOMPARE(QString::fromStdString(info.GetServerString()), row[0].section(' ', 0, 0));
+        QCOMPARE(command.IsDatachannelReadCommand(), row[3] == "read");
+        QCOMPARE(command.IsDatachannelWriteCommand(), row[3] == "write");
+        QCOMPARE(command.IsDatachannelCommand(), row[3] != "none");
+    }
+    QCOMPARE(number, 36);
 }
 
 void FtpDataTypesTest::commandLines()
@@ -101,41 +48,20 @@ void FtpDataTypesTest::commandLines()
     QCOMPARE(CCommand(CCommand::CWD).AsMaskedString({"a"}), std::string("CWD a"));
 }
 
-void FtpDataTypesTest::replies_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("code");
-    QTest::newRow("ordinary") << "226 done"
-                              << "226";
-    QTest::newRow("code alone") << "150"
-                                << "150";
-    QTest::newRow("third is a letter") << "25x"
-                                       << "25x";
-    QTest::newRow("two characters") << "22"
-                                    << "";
-    QTest::newRow("class 6") << "600"
-                             << "";
-    QTest::newRow("class 0") << "000"
-                             << "";
-    QTest::newRow("second above 5") << "260"
-                                    << "";
-    QTest::newRow("second is a letter") << "2x0"
-                                        << "";
-    QTest::newRow("empty") << ""
-                           << "";
-}
-
 void FtpDataTypesTest::replies()
 {
-    QFETCH(QString, line);
-    QFETCH(QString, code);
-    CReply reply;
-    QVERIFY(reply.Set("553 earlier"));
-    QCOMPARE(reply.Set(line.toStdString()), !code.isEmpty());
-    QCOMPARE(QString::fromStdString(reply.Value()), line);
-    QCOMPARE(QString::fromStdString(reply.Code().Value()), code);
-    QCOMPARE(reply.Code().IsPositiveReply(), code.startsWith('1') || code.startsWith('2'));
-    QVERIFY(!reply.Code().IsNegativeReply());
+    const char *const rows[][2] = {{"226 done", "226"}, {"150", "150"}, {"25x", "25x"},
+                                   {"22", ""},          {"600", ""},    {"000", ""},
+                                   {"260", ""},         {"2x0", ""},    {"", ""}};
+    for (const auto &row : rows) {
+        CReply reply;
+        QVERIFY(reply.Set("553 earlier") && reply.Code().IsPermanentNegativeReply());
+        QCOMPARE(reply.Set(row[0]), *row[1] != '\0');
+        QCOMPARE(reply.Value(), std::string(row[0]));
+        QCOMPARE(reply.Code().Value(), std::string(row[1]));
+        QCOMPARE(reply.Code().IsPositiveReply(), *row[1] != '\0');
+        QVERIFY(!reply.Code().IsNegativeReply());
+    }
 }
 
 void FtpDataTypesTest::letters()

@@ -74,8 +74,7 @@ QByteArray read(const QString &name)
 
 #define START(session)                                                                             \
     QVERIFY2(session.server.failure().isEmpty(), qPrintable(session.server.failure()));            \
-    QVERIFY2(session.client.Login(session.server.logon()),                                         \
-             qPrintable(session.recorder.log.join('\n')))
+    QVERIFY2(session.client.Login(session.server.logon()), qPrintable(session.recorder.last()))
 
 const char *const Kinds[] = {"vsftpd", "pure-ftpd", "proftpd", "pyftpdlib", "ftp-proxy"};
 
@@ -215,7 +214,7 @@ void FtpRealServersTest::resumes()
     START(session);
     for (const int there : {0, 1, 50000, 100001}) {
         write(session.local, content.left(there));
-        QVERIFY2(session.get("f", passive), qPrintable(session.recorder.log.join('\n')));
+        QVERIFY2(session.get("f", passive), qPrintable(session.recorder.last()));
         COMPARE_FILES(read(session.local), content);
         const QString name = QString("up%1").arg(there);
         write(session.server.path(name), content.left(there));
@@ -250,11 +249,11 @@ void FtpRealServersTest::aborts()
             return answered == 10;
         return session.client.Login(session.server.logon());
     };
-    QVERIFY2(tenCommands(), qPrintable(session.recorder.log.join('\n')));
+    QVERIFY2(tenCommands(), qPrintable(session.recorder.last()));
     blocks = 0;
     write(session.local, content);
     QVERIFY(!session.put("up", passive));
-    QVERIFY2(tenCommands(), qPrintable(session.recorder.log.join('\n')));
+    QVERIFY2(tenCommands(), qPrintable(session.recorder.last()));
     // What the aborted transfers left is completed.
     QVERIFY(session.put("up", passive));
     COMPARE_FILES(read(session.server.path("up")), content);
@@ -287,7 +286,7 @@ void FtpRealServersTest::betweenServers()
             const std::string name = passive ? "p" : "a";
             QVERIFY2(CFTPClient::TransferFile(source.client, "f", target.client, name, CType::Image,
                                               passive),
-                     qPrintable(source.recorder.log.join('\n') + target.recorder.log.join('\n')));
+                     qPrintable(source.recorder.last() + target.recorder.last()));
             COMPARE_FILES(read(target.server.path(QString::fromStdString(name))), content);
         }
         QVERIFY(source.inStep() && target.inStep());
