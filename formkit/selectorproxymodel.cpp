@@ -125,9 +125,9 @@ void SelectorProxyModel::endRebuild()
 void SelectorProxyModel::rebuild()
 {
     m->sourceOrder.clear();
-    setKeyRoles(m->keys.keys().toVector());
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
+    setKeyRoles(m->keys.keys().toVector());
     m->setShown(inOrder(acceptedRows()));
 }
 
@@ -180,22 +180,20 @@ QVector<int> SelectorProxyModel::inOrder(QVector<int> accepted) const
                 ordered.append(row);
         }
     } else {
-        QVector<QString> texts;
-        texts.reserve(accepted.size());
+        const QVector<int> &order = sourceOrder();
+        ordered.reserve(accepted.size());
         for (const int row : qAsConst(accepted))
-            texts.append(sourceModel()->index(row, 0).data().toString());
-        for (const int position : FoldedText::ascending(texts))
-            ordered.append(accepted.at(position));
+            ordered.append(m->sourcePlaces.at(row));
+        std::sort(ordered.begin(), ordered.end());
+        for (int &place : ordered)
+            place = order.at(place);
     }
     if (m->order == Mapping::Descending) {
         std::reverse(ordered.begin(), ordered.end());
-        const auto textOf = [this](int row) {
-            return sourceModel()->index(row, 0).data().toString();
-        };
         for (auto run = ordered.begin(); run != ordered.end();) {
-            const QString runText = textOf(*run);
+            const QString runText = sourceText(*run);
             const auto next = std::find_if(run, ordered.end(), [&](int row) {
-                return textOf(row).compare(runText, Qt::CaseInsensitive) != 0;
+                return sourceText(row).compare(runText, Qt::CaseInsensitive) != 0;
             });
             std::reverse(run, next);
             run = next;
@@ -209,13 +207,35 @@ const QVector<int> &SelectorProxyModel::sourceOrder() const
     if (m->sourceOrder.isEmpty() && sourceModel()) {
         QVector<QString> texts(sourceModel()->rowCount());
         for (int row = 0; row < texts.size(); ++row)
-            texts[row] = sourceModel()->index(row, 0).data().toString();
+            texts[row] = sourceText(row);
         m->sourceOrder = FoldedText::ascending(texts);
         m->sourcePlaces.resize(texts.size());
         for (int place = 0; place < texts.size(); ++place)
             m->sourcePlaces[m->sourceOrder.at(place)] = place;
     }
     return m->sourceOrder;
+}
+
+// Brings a source row whose text may have changed to its place, be it shown or not.
+void SelectorProxyModel::moveInSourceOrder(int sourceRow)
+{
+    QVector<int> &order = m->sourceOrder;
+    if (order.isEmpty())
+        return;
+    const auto isBefore = [this](int a, int b) {
+        const int comparison = sourceText(a).compare(sourceText(b), Qt::CaseInsensitive);
+        return comparison != 0 ? comparison < 0 : a < b;
+    };
+    const int from = m->sourcePlaces.at(sourceRow);
+    const bool isBehind = from == 0 || isBefore(order.at(from - 1), sourceRow);
+    if (isBehind && (from == order.size() - 1 || isBefore(sourceRow, order.at(from + 1))))
+        return;
+    order.remove(from);
+    const auto next = std::lower_bound(order.begin(), order.end(), sourceRow, isBefore);
+    const int to = int(next - order.begin());
+    order.insert(to, sourceRow);
+    for (int place = qMin(from, to); place <= qMax(from, to); ++place)
+        m->sourcePlaces[order.at(place)] = place;
 }
 
 // True when a changed row is shown or hidden as it was, between neighbours that it still
@@ -254,8 +274,11 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
                                            const QVector<int> &roles)
 {
     const bool isOneRow = topLeft.row() == bottomRight.row();
-    if (!isOneRow || !staysInPlace(topLeft.row())) {
+    if (isOneRow)
+        moveInSourceOrder(topLeft.row());
+    else
         m->sourceOrder.clear();
+    if (!isOneRow || !staysInPlace(topLeft.row())) {
         relayout();
         if (!isOneRow && !m->shown.isEmpty())
             emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), roles);
@@ -296,9 +319,14 @@ void SelectorProxyModel::relayout()
     emit layoutChanged({}, VerticalSortHint);
 }
 
+QString SelectorProxyModel::sourceText(int sourceRow) const
+{
+    return sourceModel()->index(sourceRow, 0).data().toString();
+}
+
 QString SelectorProxyModel::text(int row) const
 {
-    return sourceModel()->index(m->shown.at(row), 0).data().toString();
+    return sourceText(m->shown.at(row));
 }
 
 // The first row whose text is not before the given one in the order shown; with `orEqual`,

@@ -108,11 +108,13 @@ private:
     void relayout();
     void sourceDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                            const QVector<int> &roles);
+    void moveInSourceOrder(int sourceRow);
     bool staysInPlace(int sourceRow) const;
     bool isBetweenNeighbours(const QVector<int> &rows, int position, bool ascending) const;
     QVector<int> acceptedRows() const;
     QVector<int> inOrder(QVector<int> accepted) const;
     const QVector<int> &sourceOrder() const;
+    QString sourceText(int sourceRow) const;
     QString text(int row) const;
     int firstNotBefore(const QString &text, bool orEqual) const;
 
