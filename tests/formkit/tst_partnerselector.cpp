@@ -236,6 +236,19 @@ void PartnerSelectorTest::reports_data()
     row("the second of a code from the list", chosen,
         press({Qt::Key_F4, Qt::Key_Down, Qt::Key_Return}), "partner=BB name=Second of a code",
         "BB|BB|Second of a code|2|2");
+    const auto second = [](Box &b, TestHost &) { b.setCurrentIndex(2); };
+    row("the second of a code by its row", nothing, second, "partner=BB name=Second of a code",
+        "BB|BB|Second of a code|2|2");
+    row("population keeps the second of a code", second,
+        hostHas({partners[1], partners[0], partners[6]}), "", "BB|BB|Second of a code|2|2");
+    row(
+        "typing over the second of a code", second,
+        [](Box &b, TestHost &) {
+            QTest::keyClicks(&b, "x");
+            QTest::keyClick(&b, Qt::Key_Backspace);
+        },
+        "partner=BBx name= partner=BB name=Second of a code", "BB|BB|Second of a code|2|2");
+
     row(
         "a completion", [](Box &b, TestHost &) { QTest::keyClicks(&b, "g"); },
         press({Qt::Key_Down, Qt::Key_Return}), "partner=GG name=Gamma partner=GG name=Gamma",
