@@ -188,6 +188,8 @@ void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &b
     m_refreshing = false;
     noteChoice();
     const bool isWholeList = topLeft.row() != bottomRight.row();
+    if (isWholeList)
+        measureTexts(m_list->sourceModel());
     if (isTyped ? isWholeList : shown != m_kept->edit.text())
         report(currentText());
 }
