@@ -60,7 +60,7 @@ void BoardSelectorBox::setStockCode(const QString &code)
     m_stockCode = code;
     if (m_filtered)
         m_filtered->setStockCode(code);
-    setCurrentIndex(-1);
+    clearChoice();
 }
 
 QString BoardSelectorBox::getBoardId() const

@@ -74,6 +74,8 @@ QStandardItemModel *PartnerSelectorBox::readPartners()
 void PartnerSelectorBox::populate()
 {
     QStandardItemModel *const model = readPartners();
+    const QString listCode = codeAt(view()->currentIndex().row());
+    const QString listName = nameAt(view()->currentIndex().row());
     const EditState edit(lineEdit());
     const QString text = edit.text();
     const bool wasListed = !text.isEmpty() && m_rows.contains(text);
@@ -91,6 +93,8 @@ void PartnerSelectorBox::populate()
         setEditText(isEmptied ? QString() : text);
         edit.restoreCaret(lineEdit());
     }
+    if (view()->isVisible())
+        view()->setCurrentIndex(m_model->index(rowOfPartner(listCode, listName), LineColumn));
     if (isCompleting) {
         completer()->setCompletionPrefix(prefix);
         completer()->complete();

@@ -68,7 +68,7 @@ void SecuritySelectorBox::narrow()
 {
     if (m_filtered)
         m_filtered->setStockBoard(m_stockCode, m_boardCode);
-    setCurrentIndex(-1);
+    clearChoice();
 }
 
 QString SecuritySelectorBox::getSecurityId() const

@@ -129,6 +129,13 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
         report(before);
 }
 
+void SelectorBox::clearChoice()
+{
+    if (completer())
+        completer()->popup()->hide();
+    setCurrentIndex(-1);
+}
+
 void SelectorBox::beginRefresh()
 {
     m_refreshing = true;
@@ -161,9 +168,12 @@ void SelectorBox::endRefresh()
 
     if (view()->isVisible())
         view()->setCurrentIndex(m_list->index(rowOfKey(m_kept->listKey), 0));
-    if (m_kept->completing) {
+    const bool isEmptied = m_kept->wasChoice && row < 0;
+    if (m_kept->completing && !isEmptied) {
         completer()->setCompletionPrefix(m_kept->prefix);
         completer()->complete();
+    } else if (m_kept->completing) {
+        completer()->popup()->hide();
     }
     const bool stoodForARow = m_kept->wasChoice || !m_kept->key.isEmpty();
     if (stoodForARow && (row < 0 || rowOfTypedText() != row))

@@ -36,6 +36,8 @@ protected:
 
     // The row that typed text stands for, -1 for none.
     int rowOfTypedText() const { return rowOfText(m_typing); }
+    // Shows no choice and an empty text.
+    void clearChoice();
     // The data of the row of the edit text, in any letter case; invalid for none.
     QVariant dataOfText(int role) const;
     // Chooses the first row of a key, if there is one.

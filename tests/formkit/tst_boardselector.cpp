@@ -5,7 +5,6 @@
 #include <formkit/stockselectorbox.h>
 #include <hostapi/exception.h>
 
-#include <support/reports.h>
 #include <support/stricttest.h>
 #include <support/testhost.h>
 
@@ -48,17 +47,6 @@ QString column(const QAbstractItemModel &model, int role)
     return texts.join(' ');
 }
 
-class BoxReports : public Reports<BoardSelectorBox>
-{
-public:
-    explicit BoxReports(BoardSelectorBox *box)
-        : Reports(box, {{"id", &BoardSelectorBox::boardIdChanged},
-                        {"code", &BoardSelectorBox::boardCodeChanged},
-                        {"text", &BoardSelectorBox::boardChanged}})
-    {
-    }
-};
-
 // Emissions of boardsChanged(), as texts.
 class SetReports : public QStringList
 {
@@ -74,8 +62,6 @@ public:
 
 } // namespace
 
-using Steps = std::function<void(BoardSelectorBox &, TestHost &)>;
-Q_DECLARE_METATYPE(Steps)
 using Condition = std::function<void(BoardSelectorFilteredModel &)>;
 Q_DECLARE_METATYPE(Condition)
 
@@ -95,8 +81,6 @@ private slots:
     void failingHost();
     void conditions_data();
     void conditions();
-    void reports_data();
-    void reports();
     void hub();
 
 private:
@@ -303,153 +287,6 @@ void BoardSelectorTest::conditions()
     condition(after);
     QCOMPARE(column(before, Role::KeyRole), keys);
     QCOMPARE(column(after, Role::KeyRole), keys);
-}
-
-void BoardSelectorTest::reports_data()
-{
-    QTest::addColumn<Steps>("given");
-    QTest::addColumn<Steps>("when");
-    QTest::addColumn<QString>("reported");
-    QTest::addColumn<QString>("state"); // text; getters' id and code; current index; rows
-    using Box = BoardSelectorBox;
-    const auto row = [](const char *name, const Steps &given, const Steps &when,
-                        const char *reported, const char *state) {
-        QTest::newRow(name) << given << when << reported << state;
-    };
-    const auto nothing = [](Box &, TestHost &) {};
-    const auto chosen = [](Box &b, TestHost &) { b.setBoardId("8"); };
-    const auto half = [](Box &b, TestHost &) { QTest::keyClicks(&b, "fut"); };
-    const char *const emptied = "id=0 code= text=";
-    const auto hostHas = [](const Rows &rows) {
-        return [rows](Box &b, TestHost &host) {
-            host.table("boards").setRows(rows);
-            b.findChild<BoardSelectorModel *>()->populate();
-        };
-    };
-
-    row("new", nothing, nothing, "", "|0||-1|6");
-    row("BoardId", nothing, chosen, "id=8 code=A text=Futures", "Futures|8|A|2|6");
-    row(
-        "BoardId that two exchanges have", nothing, [](Box &b, TestHost &) { b.setBoardId("7"); },
-        "id=7 code=B text=Shares", "Shares|7|B|4|6");
-    row(
-        "BoardId of none", chosen, [](Box &b, TestHost &) { b.setBoardId("77"); }, "",
-        "Futures|8|A|2|6");
-    row(
-        "BoardCode", chosen, [](Box &b, TestHost &) { b.setBoardCode("c"); },
-        "id=3 code=C text=Auction", "Auction|3|C|0|6");
-    row(
-        "BoardCode that two have", nothing, [](Box &b, TestHost &) { b.setBoardCode("a"); },
-        "id=9 code=a text=Bonds", "Bonds|9|a|1|6");
-
-    row(
-        "another exchange", chosen, [](Box &b, TestHost &) { b.setStockCode("XE"); }, emptied,
-        "|0||-1|2");
-    row(
-        "the choice's own exchange", chosen, [](Box &b, TestHost &) { b.setStockId("1"); }, emptied,
-        "|0||-1|4");
-    row(
-        "another exchange, half a name", half, [](Box &b, TestHost &) { b.setStockCode("MX"); },
-        emptied, "|0||-1|4");
-    row(
-        "another exchange, nothing chosen", nothing,
-        [](Box &b, TestHost &) { b.setStockCode("MX"); }, "", "|0||-1|4");
-    row(
-        "the same exchange",
-        [](Box &b, TestHost &) {
-            b.setStockCode("MX");
-            b.setBoardCode("B");
-        },
-        [](Box &b, TestHost &) { b.setStockId("1"); }, "", "Shares|7|B|3|4");
-    row(
-        "no exchange",
-        [](Box &b, TestHost &) {
-            b.setStockCode("MX");
-            b.setBoardCode("B");
-        },
-        [](Box &b, TestHost &) { b.setStockId("x"); }, emptied, "|0||-1|6");
-
-    row(
-        "flags that the choice has", chosen, [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(2); },
-        "", "Futures|8|A|1|2");
-    row(
-        "flags that the choice lacks", chosen,
-        [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, emptied, "|0||-1|1");
-    row(
-        "flags that the choice must not have", chosen,
-        [](Box &b, TestHost &) { b.setBoardFlagsOffFilter(2); }, emptied, "|0||-1|4");
-    row(
-        "flags under half a name", half, [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, "",
-        "fut|0||-1|1");
-    row(
-        "flags that send a typed name away",
-        [](Box &b, TestHost &) { QTest::keyClicks(&b, "Futures"); },
-        [](Box &b, TestHost &) { b.setBoardFlagsOnFilter(4); }, "id=0 code= text=Futures",
-        "Futures|0||-1|1");
-    row(
-        "security type", chosen, [](Box &b, TestHost &) { b.setSecTypeFilter('O'); }, "",
-        "Futures|8|A|2|6");
-
-    row(
-        "typing a name", [](Box &b, TestHost &) { QTest::keyClicks(&b, "Bond"); },
-        [](Box &b, TestHost &) { QTest::keyClicks(&b, "s"); }, "id=9 code=a text=Bonds",
-        "Bonds|9|a|-1|6");
-    row(
-        "typing it in another case", nothing, [](Box &b, TestHost &) { b.setEditText("bonds"); },
-        "id=0 code= text=bonds", "bonds|9|a|-1|6");
-    row(
-        "Enter on it", [](Box &b, TestHost &) { b.setEditText("bonds"); },
-        [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Return); }, "id=9 code=a text=Bonds",
-        "Bonds|9|a|1|6");
-    row(
-        "clearing", chosen,
-        [](Box &b, TestHost &) {
-            connect(&b, &Box::boardIdChanged, &b, [&b] { QCOMPARE(b.currentIndex(), -1); });
-            b.lineEdit()->clear();
-        },
-        emptied, "|0||-1|6");
-    row(
-        "a key", chosen, [](Box &b, TestHost &) { QTest::keyClick(&b, Qt::Key_Down); },
-        "id=10 code=A text=Options id=10 code=A", "Options|10|A|3|6");
-
-    row(
-        "population keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
-        hostHas(boards), "", "Shares|7|B|5|6");
-    row(
-        "population moves the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
-        hostHas({boards[4], boards[3]}), "", "Shares|7|B|1|2");
-    row(
-        "population drops the choice, a namesake stays",
-        [](Box &b, TestHost &) { b.setCurrentIndex(5); }, hostHas({boards[0]}), emptied,
-        "|0||-1|1");
-    row("population under half a name", half, hostHas({boards[0]}), "", "fut|0||-1|1");
-    row(
-        "another model keeps the choice", [](Box &b, TestHost &) { b.setCurrentIndex(5); },
-        [](Box &b, TestHost &) { b.setSourceModel(new SharesOnly); }, "", "Shares|7|B|1|2");
-    row(
-        "another model lacks the choice", chosen,
-        [](Box &b, TestHost &) { b.setSourceModel(new SharesOnly); }, emptied, "|0||-1|2");
-    row(
-        "the model dies", chosen,
-        [](Box &b, TestHost &) { delete b.findChild<BoardSelectorModel *>(); }, emptied,
-        "|0||-1|0");
-}
-
-void BoardSelectorTest::reports()
-{
-    QFETCH(Steps, given);
-    QFETCH(Steps, when);
-    QFETCH(QString, reported);
-    QFETCH(QString, state);
-    BoardSelectorBox box;
-    given(box, *m_host);
-    BoxReports reports(&box);
-    when(box, *m_host);
-    QCOMPARE(reports.take(), reported);
-    QCOMPARE(QStringList({box.getBoard(), box.getBoardId(), box.getBoardCode(),
-                          QString::number(box.currentIndex()), QString::number(box.count())})
-                 .join('|'),
-             state);
 }
 
 void BoardSelectorTest::hub()
