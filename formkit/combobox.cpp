@@ -45,11 +45,8 @@ void ComboBox::showPopup()
 
 void ComboBox::chooseRow(int row)
 {
-    if (row < 0)
-        return;
-    setCurrentIndex(row);
-    if (currentText() != itemText(row))
-        setEditText(itemText(row));
+    if (row >= 0)
+        setCurrentIndex(row);
 }
 
 void ComboBox::chooseWhenLeft()

@@ -13,8 +13,9 @@ class QCalendarWidget;
 // drops down (Down, Alt+Down, F4 or a click on the arrow open it).
 //
 // While the text is no complete date it is red and there is no value; a text that never
-// became one is cleared when the field is left. The value is the date in system form
-// ("2015.03.01 00:00:00.000"), empty for none.
+// became one is cleared when the field is left or Enter pressed. The value is the date in
+// system form ("2015.03.01 00:00:00.000"), empty for none; a time of day that the program sets
+// is not kept. Setting an empty value while there is none leaves half-typed text alone.
 //
 // Under a format with a two-digit year, typed dates lie in 2000 to 2099; a date set by the
 // program or picked from the calendar keeps its century, for as long as its text stands.

@@ -28,11 +28,13 @@ class QStackedLayout;
 // Sub-forms may be added before or after the connectAll() over the enclosing form. It binds
 // what is there already, shown or not, and makes its names known to FormValidation at one go;
 // the next change of board, or setHub() with the same hub, then leaves only the shown one
-// bound. If hidden sub-forms hold members that report by themselves (a Summator), call
-// setHub() after connectAll().
+// bound. Call setHub() after connectAll() if hidden sub-forms hold members that report by
+// themselves, such as a Summator. The sums of a sub-form are reported each time it is shown.
 //
-// Without a hub it only shows. Hub and sub-forms may be destroyed at any time, also while a
-// board is being changed; a board whose sub-form is gone shows an empty page.
+// Without a hub it only shows. Hub and sub-forms may be destroyed at any time, also while the
+// bindings move; a board whose sub-form is gone shows an empty page. Sub-forms whose controls
+// answer their binding with a change of board are followed, unless they send each other away
+// in a ring: then the empty page is shown, with a warning.
 class FORMKIT_EXPORT FormSelector : public QWidget
 {
     Q_OBJECT
@@ -53,7 +55,7 @@ public:
     // it has a layout, that layout's margins become 3 above and 2 below. The sub-form of the
     // board that is current is shown and bound at once. A null sub-form is ignored.
     void addWidget(boardid board, QWidget *form);
-    // The sub-forms, each once, in no order that means anything.
+    // The sub-forms, each once, ordered by address.
     QList<QWidget *> getWidgetList() const;
 
     // The ids of the current board as decimal text, "0" at first.

@@ -19,15 +19,6 @@
 using Make = QComboBox *(*)();
 Q_DECLARE_METATYPE(Make)
 
-namespace {
-
-template <typename Box> QComboBox *make()
-{
-    return new Box;
-}
-
-} // namespace
-
 class ComboBoxTest : public StrictTest
 {
     Q_OBJECT
@@ -37,8 +28,6 @@ private slots:
     void validator_data();
     void validator();
     void validatorOfADeadModel();
-    void validatorGoesWithTheLineEdit();
-    void completion();
     void popup();
     void manners_data();
     void manners();
@@ -47,13 +36,16 @@ private slots:
 void ComboBoxTest::newBox()
 {
     ComboBox box;
-    QVERIFY(box.isEditable());
     QCOMPARE(box.currentIndex(), -1);
-    QCOMPARE(box.currentText(), QString());
-    QCOMPARE(box.completer()->model(), box.model());
-    QCOMPARE(box.comboBoxValidator()->model(), box.model());
+    box.addItems({"Nasdaq", "Xetra"});
+    box.setCurrentIndex(-1);
+    QTest::keyClicks(&box, "xe");
+    QCOMPARE(box.completer()->currentCompletion(), QString("Xetra"));
     QCOMPARE(box.comboBoxValidator()->parent(), box.lineEdit());
     QVERIFY(!box.lineEdit()->validator());
+    box.setEditable(false);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!box.comboBoxValidator());
 }
 
 void ComboBoxTest::validator_data()
@@ -62,38 +54,29 @@ void ComboBoxTest::validator_data()
     QTest::addColumn<QString>("input");
     QTest::addColumn<int>("state");
     QTest::addColumn<QString>("fixed");
-    const auto row = [](const char *name, const char *rows, const QString &input,
-                        QValidator::State state, const QString &fixed) {
+    const auto row = [](const char *name, const char *rows, const char *input, int state,
+                        const char *fixed) {
         const QStringList list = QString(rows).split(' ', Qt::SkipEmptyParts);
-        QTest::newRow(name) << list << input << int(state) << fixed;
+        QTest::newRow(name) << list << input << state << fixed;
     };
     row("the first row that starts so decides", "ABC AB", "ab", QValidator::Intermediate, "ABC");
     row("whole row in another case", "ABC AB", "abc", QValidator::Acceptable, "ABC");
-    row("the equal row first", "AB ABC", "ab", QValidator::Acceptable, "AB");
-    row("no row", "ABC AB", "x", QValidator::Invalid, "x");
-    row("longer than any row", "ABC AB", "abcd", QValidator::Invalid, "abcd");
+    row("no row", "ABC AB", "abcd", QValidator::Invalid, "abcd");
     row("empty", "ABC AB", "", QValidator::Intermediate, "");
-    row("empty over no rows", "", "", QValidator::Intermediate, "");
     row("no rows", "", "a", QValidator::Invalid, "a");
-    row("not the first row", "Bx ABC", "a", QValidator::Intermediate, "ABC");
-    row("Cyrillic", "\u041c\u043e\u0441\u043a\u0432\u0430", u8"\u043c\u043e",
-        QValidator::Intermediate, u8"\u041c\u043e\u0441\u043a\u0432\u0430");
+    row("a later row", "Bx МИР", "ми", QValidator::Intermediate, "МИР");
 }
 
 void ComboBoxTest::validator()
 {
     QFETCH(QStringList, rows);
     QFETCH(QString, input);
-    QFETCH(int, state);
-    QFETCH(QString, fixed);
     ComboBox box;
     box.addItems(rows);
-    QString text = input;
     int pos = 0;
-    QCOMPARE(int(box.comboBoxValidator()->validate(text, pos)), state);
-    QCOMPARE(text, input);
-    box.comboBoxValidator()->fixup(text);
-    QCOMPARE(text, fixed);
+    QTEST(int(box.comboBoxValidator()->validate(input, pos)), "state");
+    box.comboBoxValidator()->fixup(input);
+    QTEST(input, "fixed");
 }
 
 void ComboBoxTest::validatorOfADeadModel()
@@ -101,37 +84,12 @@ void ComboBoxTest::validatorOfADeadModel()
     ComboBoxValidator validator;
     auto model = std::make_unique<QStandardItemModel>(3, 1);
     validator.setModel(model.get());
-    QString text = "a";
+    model.reset();
+    QString text;
     int pos = 0;
-    for (int i = 0; i < 2; ++i, model.reset()) {
-        QCOMPARE(validator.validate(text, pos), QValidator::Invalid);
-        validator.fixup(text);
-        QCOMPARE(text, QString("a"));
-    }
-    QVERIFY(!validator.model());
-    text.clear();
     QCOMPARE(validator.validate(text, pos), QValidator::Invalid);
-}
-
-void ComboBoxTest::validatorGoesWithTheLineEdit()
-{
-    ComboBox box;
-    box.setEditable(false);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!box.comboBoxValidator());
-    box.show();
-    box.showPopup();
-    box.hidePopup();
-}
-
-void ComboBoxTest::completion()
-{
-    ComboBox box;
-    box.addItems({"Nasdaq", "Xetra"});
-    box.setCurrentIndex(-1);
-    QTest::keyClicks(&box, "xe");
-    QCOMPARE(box.completer()->completionCount(), 1);
-    QCOMPARE(box.completer()->currentCompletion(), QString("Xetra"));
+    validator.fixup(text = "a");
+    QCOMPARE(text, QString("a"));
 }
 
 void ComboBoxTest::popup()
@@ -141,26 +99,22 @@ void ComboBoxTest::popup()
     box.setCurrentIndex(-1);
     QItemSelectionModel *const selection = box.view()->selectionModel();
     selection->select(box.model()->index(1, 0), QItemSelectionModel::Select);
+    QVector<bool> quiet;
+    connect(selection, &QItemSelectionModel::selectionChanged,
+            [&] { quiet << box.view()->signalsBlocked(); });
     box.show();
     box.showPopup();
-    QVERIFY(!selection->hasSelection());
-    QVERIFY(!box.view()->signalsBlocked());
-    box.hidePopup();
-    QCOMPARE(box.currentIndex(), -1);
-
-    box.view()->blockSignals(true);
-    box.showPopup();
-    QVERIFY(box.view()->signalsBlocked());
-    box.hidePopup();
+    QCOMPARE(quiet, QVector<bool>{true});
+    QVERIFY(!selection->hasSelection() && !box.view()->signalsBlocked());
 }
 
 void ComboBoxTest::manners_data()
 {
     QTest::addColumn<Make>("makeBox");
-    QTest::newRow("ComboBox") << Make(make<ComboBox>);
-    QTest::newRow("DateEdit") << Make(make<DateEdit>);
-    QTest::newRow("StockSelectorBox") << Make(make<StockSelectorBox>);
-    QTest::newRow("StockSelectorBox_Code") << Make(make<StockSelectorBox_Code>);
+    QTest::newRow("ComboBox") << Make([]() -> QComboBox * { return new ComboBox; });
+    QTest::newRow("DateEdit") << Make([]() -> QComboBox * { return new DateEdit; });
+    QTest::newRow("exchange") << Make([]() -> QComboBox * { return new StockSelectorBox; });
+    QTest::newRow("code") << Make([]() -> QComboBox * { return new StockSelectorBox_Code; });
 }
 
 void ComboBoxTest::manners()
@@ -168,54 +122,42 @@ void ComboBoxTest::manners()
     QFETCH(Make, makeBox);
     QWidget form;
     auto *const layout = new QVBoxLayout(&form);
-    QComboBox *const box = makeBox();
-    QLabel caption("B&uy && sell");
     QLineEdit before;
+    QLabel caption("B&uy && sell");
+    QComboBox *const box = makeBox();
     caption.setBuddy(box);
-    for (QWidget *widget : {static_cast<QWidget *>(&before), static_cast<QWidget *>(&caption),
-                            static_cast<QWidget *>(box)})
-        layout->addWidget(widget);
-    const auto inner = [box] {
+    layout->addWidget(&before);
+    layout->addWidget(&caption);
+    layout->addWidget(box);
+    const auto spoken = [box] {
         return QAccessible::queryAccessibleInterface(box->lineEdit())->text(QAccessible::Name);
     };
     form.show();
+    QCOMPARE(spoken(), QString("Buy & sell"));
     before.setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&form));
-    QCOMPARE(inner(), QString("Buy & sell"));
     caption.setText("Odd &");
     QTest::keyClick(&before, Qt::Key_Tab);
     QVERIFY(box->hasFocus());
-    QCOMPARE(inner(), QString("Odd "));
-    box->setAccessibleName("own name");
+    QCOMPARE(spoken(), QString("Odd "));
 
-    // Enter on a text of no row.
-    const int rows = box->count();
     QTest::keyClicks(box, "unheard");
     QTest::keyClick(box, Qt::Key_Return);
-    QCOMPARE(box->count(), rows);
-    QCOMPARE(box->findText("unheard"), -1);
+    QCOMPARE(box->count(), 0);
 
-    // The wheel turns the choice with the focus only.
-    if (qobject_cast<ComboBox *>(box)) {
-        box->setModel(new QStandardItemModel(3, 1, box));
-        box->setCurrentIndex(0);
-    }
-    const int chosen = box->currentIndex();
-    const auto turn = [box] {
+    box->setModel(new QStandardItemModel(3, 1, box));
+    box->setCurrentIndex(0);
+    const auto turnWheel = [box] {
         QWheelEvent event({1, 1}, box->mapToGlobal({1, 1}), {}, {0, -120}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(box, &event);
-        return event.isAccepted();
+        return box->currentIndex();
     };
     before.setFocus();
-    QVERIFY(!turn());
-    QCOMPARE(box->currentIndex(), chosen);
-    QVERIFY(before.hasFocus());
+    QCOMPARE(turnWheel(), 0);
     QVERIFY(!(box->focusPolicy() & ~Qt::StrongFocus));
     box->setFocus();
-    QCOMPARE(inner(), QString("own name"));
-    turn();
-    QCOMPARE(box->currentIndex(), chosen < 0 ? -1 : chosen + 1);
+    QCOMPARE(turnWheel(), 1);
 }
 
 QTEST_MAIN(ComboBoxTest)

@@ -1,0 +1,233 @@
+#include "orderwindow.h"
+
+#include "orderrules.h"
+#include "statementswindow.h"
+#include "tracelog.h"
+#include "ui_equitypage.h"
+#include "ui_futurespage.h"
+#include "ui_optionspage.h"
+#include "ui_orderwindow.h"
+
+#include <embeddedhost/embeddedhost.h>
+#include <formkit/boardselectormodel.h>
+#include <formkit/securityselectormodel.h>
+#include <formkit/state.h>
+#include <formkit/stockselectormodel.h>
+#include <formkit/summator.h>
+#include <hostapi/fieldconstvalue.h>
+
+#include <utility>
+
+namespace {
+
+template <typename Page> QWidget *makePage(QWidget *parent)
+{
+    auto *page = new QWidget(parent);
+    Page().setupUi(page);
+    return page;
+}
+
+const QString equities = QStringLiteral("S");
+
+} // namespace
+
+OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::OrderWindow>())
+    , m_host(host)
+    , m_stocks(new StockSelectorModel(this))
+    , m_boards(new BoardSelectorModel(this))
+    , m_securities(new SecuritySelectorModel(this))
+{
+    m_ui->setupUi(this);
+    m_ui->exchange->setSourceModel(m_stocks);
+    m_ui->board->setSourceModel(m_boards);
+    m_ui->security->setSourceModel(m_securities);
+    makeSubForms();
+    makeSum();
+
+    m_hub.connectAll(m_ui->form);
+    m_validation.setupPropWidgets(m_hub, m_ui->form);
+    m_ui->details->setHub(&m_hub);
+    connect(&m_hub, &Properties::hasChanged, this, &OrderWindow::showValues);
+
+    makeStates();
+    connectHost();
+    connect(m_ui->check, &QPushButton::clicked, this, &OrderWindow::check);
+    connect(m_ui->place, &QPushButton::clicked, this, &OrderWindow::send);
+    connect(m_ui->withdraw, &QPushButton::clicked, this, &OrderWindow::send);
+    connect(m_ui->statements, &QPushButton::clicked, this, [this] {
+        if (!m_statements)
+            m_statements = new StatementsWindow(this);
+        m_statements->show();
+        m_statements->raise();
+    });
+    refresh();
+    showValues();
+}
+
+OrderWindow::~OrderWindow()
+{
+    // The log line of the last state would find the trace gone.
+    m_machine.stop();
+    disconnect(&m_machine, nullptr, this, nullptr);
+}
+
+QWidget *OrderWindow::control(const char *name) const
+{
+    return findChild<QWidget *>(QLatin1String(name));
+}
+
+void OrderWindow::makeSubForms()
+{
+    m_subForms.insert(equities, makePage<Ui::EquityPage>(m_ui->details));
+    m_subForms.insert(SecTypes::Futures.toString(), makePage<Ui::FuturesPage>(m_ui->details));
+    m_subForms.insert(SecTypes::Option.toString(), makePage<Ui::OptionsPage>(m_ui->details));
+    // Boards that no exchange has: the sub-forms stand in the form before any board is read.
+    boardid place;
+    for (QWidget *subForm : qAsConst(m_subForms)) {
+        --place.board_id;
+        m_ui->details->addWidget(place, subForm);
+    }
+}
+
+void OrderWindow::makeSum()
+{
+    auto *sum = new Summator(m_ui->form);
+    sum->setProperty("fields", QStringLiteral("Price=Summand Offset=Addendum Total=Value"));
+}
+
+void OrderWindow::makeStates()
+{
+    auto *log = new TraceLog(this);
+    connect(log, &TraceLog::line, m_ui->trace, &QPlainTextEdit::appendPlainText);
+
+    const QString prefix = QStringLiteral("Order");
+    auto *open = new State(prefix, QStringLiteral("Open"));
+    auto *editing = new State(prefix, QStringLiteral("Editing"), open);
+    auto *valid = new State(prefix, QStringLiteral("Valid"), open);
+    auto *invalid = new State(prefix, QStringLiteral("Invalid"), open);
+    auto *done = new State(prefix, QStringLiteral("Sent"), open);
+    for (State *state : {valid, invalid, done})
+        state->addTransition(&m_hub, SIGNAL(hasChanged()), editing);
+    for (State *state : {editing, valid, invalid, done}) {
+        state->addTransition(this, SIGNAL(accepted()), valid);
+        state->addTransition(this, SIGNAL(rejected()), invalid);
+    }
+    valid->addTransition(this, SIGNAL(sent()), done);
+    open->setInitialState(editing);
+    m_machine.addState(open);
+    m_machine.setInitialState(open);
+    m_machine.start();
+}
+
+void OrderWindow::connectHost()
+{
+    connect(m_host, &EmbeddedHost::progress, this, &OrderWindow::showProgress);
+    connect(m_host, &EmbeddedHost::loaded, this, [this] {
+        refresh();
+        endProgress(tr("Reference data loaded"));
+    });
+    connect(m_host, &EmbeddedHost::failed, this, &OrderWindow::endProgress);
+    connect(m_host, &EmbeddedHost::cancelled, this, [this] { endProgress(tr("Cancelled")); });
+    connect(m_ui->reload, &QPushButton::clicked, m_host, &EmbeddedHost::reload);
+    connect(m_ui->cancelLoad, &QPushButton::clicked, m_host, &EmbeddedHost::cancel);
+    connect(m_ui->newSessions, &QPushButton::clicked, this, &OrderWindow::announceSessions);
+    endProgress(QString());
+}
+
+void OrderWindow::refresh()
+{
+    m_stocks->populate();
+    m_boards->populate();
+    m_securities->aNewSessions();
+    m_ui->partner->populate();
+
+    const Table *table = ICore::instance()->table(QStringLiteral("boards"));
+    for (int row = 0; row < m_boards->rowCount(); ++row) {
+        const Record board = m_boards->at(row);
+        const auto cell = [&](const char *name) {
+            return board.field(table->columnIndex(QLatin1String(name)));
+        };
+        QWidget *const subForm = m_subForms.value(cell("sectype").toString());
+        m_ui->details->addWidget({cell("stock_id").toInteger(), cell("board_id").toInteger()},
+                                 subForm ? subForm : m_subForms.value(equities));
+    }
+}
+
+void OrderWindow::fill(const Values &values)
+{
+    for (const char *name : {"StockId", "StockCode", "BoardId", "BoardCode"}) {
+        const auto value = values.constFind(QLatin1String(name));
+        if (value != values.constEnd())
+            m_hub.setValue(value.key(), value->toString());
+    }
+    m_hub.setValues(values);
+}
+
+void OrderWindow::showValues()
+{
+    m_ui->values->show(m_hub.values());
+}
+
+void OrderWindow::check()
+{
+    const QMap<QString, QString> reasons = rejectedFields(m_hub.values());
+    m_validation.set(reasons.keys());
+    const QList<QLabel *> captions = m_ui->form->findChildren<QLabel *>();
+    for (QLabel *caption : captions) {
+        QStringList texts;
+        for (const QString &name : m_hub.objectProperty(caption->buddy())) {
+            if (reasons.contains(name))
+                texts << reasons.value(name);
+        }
+        caption->setToolTip(texts.join(QLatin1Char('\n')));
+    }
+    if (reasons.isEmpty())
+        emit accepted();
+    else
+        emit rejected();
+}
+
+void OrderWindow::send()
+{
+    if (m_hub.values()["Action"] == QLatin1String("place")) {
+        check();
+        if (!rejectedFields(m_hub.values()).isEmpty())
+            return;
+    }
+    emit sent();
+}
+
+// Closes all but the first session of each exchange, or opens them again.
+void OrderWindow::announceSessions()
+{
+    if (!m_allSessions.isEmpty()) {
+        m_host->setSessions(std::exchange(m_allSessions, {}));
+        return;
+    }
+    m_allSessions = m_host->currentSessions();
+    QVector<SessionId> first;
+    for (const SessionId &session : qAsConst(m_allSessions)) {
+        if (session.sess_id == 1)
+            first.append(session);
+    }
+    m_host->setSessions(first);
+}
+
+void OrderWindow::showProgress(const QString &table, int rows, int total)
+{
+    m_ui->loadingText->setText(tr("Reading %1").arg(table));
+    m_ui->progress->setMaximum(total);
+    m_ui->progress->setValue(rows);
+    m_ui->progress->show();
+    m_ui->cancelLoad->show();
+}
+
+void OrderWindow::endProgress(const QString &text)
+{
+    m_ui->loadingText->setText(text);
+    m_ui->loadingText->setToolTip(text);
+    m_ui->progress->hide();
+    m_ui->cancelLoad->hide();
+}

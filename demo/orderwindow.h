@@ -1,0 +1,70 @@
+#pragma once
+
+#include <formkit/formvalidation.h>
+#include <formkit/properties.h>
+#include <hostapi/icore.h>
+
+#include <QHash>
+#include <QStateMachine>
+#include <QWidget>
+
+#include <memory>
+
+class BoardSelectorModel;
+class EmbeddedHost;
+class SecuritySelectorModel;
+class StatementsWindow;
+class StockSelectorModel;
+
+namespace Ui {
+class OrderWindow;
+}
+
+// The order-entry dialog: the form on the left, what arrives in its Values on the right.
+class OrderWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OrderWindow(EmbeddedHost *host, QWidget *parent = nullptr);
+    ~OrderWindow() override;
+
+    Properties *hub() { return &m_hub; }
+    // A control of the form by its name in the form designer, sub-forms included.
+    QWidget *control(const char *name) const;
+    // Fills the form; exchange, board and security in that order, as each narrows the next.
+    void fill(const Values &values);
+
+signals:
+    void accepted();
+    void rejected();
+    void sent();
+
+private:
+    void makeSubForms();
+    void makeSum();
+    void makeStates();
+    void connectHost();
+    // Reads the host's tables anew, after they have changed.
+    void refresh();
+    void showValues();
+    void check();
+    void send();
+    void announceSessions();
+    void showProgress(const QString &table, int rows, int total);
+    void endProgress(const QString &text);
+
+    std::unique_ptr<Ui::OrderWindow> m_ui;
+    EmbeddedHost *m_host;
+    StatementsWindow *m_statements = nullptr;
+    StockSelectorModel *m_stocks;
+    BoardSelectorModel *m_boards;
+    SecuritySelectorModel *m_securities;
+    // By the security type of the boards that they serve.
+    QHash<QString, QWidget *> m_subForms;
+    Properties m_hub;
+    FormValidation m_validation;
+    QStateMachine m_machine;
+    // What was open before the button "New sessions" closed some; empty while all are open.
+    QVector<SessionId> m_allSessions;
+};

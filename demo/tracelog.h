@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+
+// Catches what the states of the dialog log, and passes every other message on.
+class TraceLog : public QObject
+{
+    Q_OBJECT
+
+public:
+    // One at a time.
+    explicit TraceLog(QObject *parent = nullptr);
+    ~TraceLog() override;
+
+signals:
+    void line(const QString &text);
+};
