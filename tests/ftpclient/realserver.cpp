@@ -135,6 +135,11 @@ void RealServer::start(const QString &program, const QStringList &arguments)
     }
 }
 
+bool RealServer::needsRoot() const
+{
+    return m_kind == "pure-ftpd" && ::getuid() != 0;
+}
+
 nsFTP::CLogonInfo RealServer::logon() const
 {
     if (!m_behind)
