@@ -139,16 +139,16 @@ int main(int argc, char **argv)
     const QString command = words.value(0);
     const bool moves = command == "get" || command == "put";
     Host host;
+    const unsigned int timeout = options.value("timeout").toUInt();
     if (!(moves || command == "list" || command == "names") || !readHost(words.value(1), host) ||
-        (moves && words.size() < 3))
+        (moves && words.size() < 3) || timeout == 0)
         options.showHelp(WrongUsage);
     CLogonInfo logon(host.name, host.port, options.value("user").toStdString(),
                      qgetenv("FTP_PASSWORD").toStdString());
     if (!readFirewall(options, logon))
         options.showHelp(WrongUsage);
 
-    CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(),
-                      options.value("timeout").toUInt(), 256 * 1024);
+    CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), timeout, 256 * 1024);
     // No data to or from third hosts, and nothing appended unless asked for.
     client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
     client.SetAcceptOnlyControlPeer(true);

@@ -13,7 +13,6 @@ private slots:
     void commands();
     void commandLines();
     void replies();
-    void letters();
     void firewalls();
     void logonDefaults();
 };
@@ -62,24 +61,6 @@ void FtpDataTypesTest::replies()
         QCOMPARE(reply.Code().IsPositiveReply(), *row[1] != '\0');
         QVERIFY(!reply.Code().IsNegativeReply());
     }
-}
-
-void FtpDataTypesTest::letters()
-{
-    const auto join = [](auto... values) { return (values.AsString() + ...); };
-    QCOMPARE(join(CType(CType::ASCII), CType(CType::EBCDIC), CType(CType::Image),
-                  CType(CType::LocalByte)),
-             std::string("AEIL"));
-    QCOMPARE(join(CTypeFormat(CTypeFormat::NonPrint), CTypeFormat(CTypeFormat::TelnetFormat),
-                  CTypeFormat(CTypeFormat::CarriageControl)),
-             std::string("NTC"));
-    QCOMPARE(join(CStructure(CStructure::File), CStructure(CStructure::Record),
-                  CStructure(CStructure::Page)),
-             std::string("FRP"));
-    QCOMPARE(join(CTransferMode(CTransferMode::Stream), CTransferMode(CTransferMode::Block),
-                  CTransferMode(CTransferMode::Compressed)),
-             std::string("SBC"));
-    QVERIFY(CRepresentation(CType::ASCII) != CRepresentation(CType::ASCII, CTypeFormat::NonPrint));
 }
 
 void FtpDataTypesTest::firewalls()
