@@ -119,6 +119,7 @@ private slots:
     void values_data();
     void values();
     void settingIsSilent();
+    void questions();
     void settingsThatChange();
 };
 
@@ -368,6 +369,19 @@ void NumberEditorTest::settingIsSilent()
     type(editor, ".");
     QCOMPARE(editor.getValue(), QString("0012"));
     QCOMPARE(changed.count(), 0);
+}
+
+// What is asked about the text that is shown changes nothing, whatever is selected.
+void NumberEditorTest::questions()
+{
+    NumberEditor editor;
+    type(editor, "12345.6");
+    editor.setSelection(1, 4);
+    QVERIFY(editor.hasAcceptableInput());
+    editor.setValue("1,5");
+    QVERIFY(!editor.hasAcceptableInput());
+    type(editor, "0");
+    QCOMPARE(editor.text(), QString("1,5"));
 }
 
 void NumberEditorTest::settingsThatChange()
