@@ -84,9 +84,6 @@ public:
     using Closed::Closed;
 };
 
-using Make = QObject *(*)();
-Q_DECLARE_METATYPE(Make)
-
 struct Form
 {
     std::unique_ptr<Properties> hub = std::make_unique<Properties>();
@@ -95,124 +92,66 @@ struct Form
 
     ~Form() { qDeleteAll(controls); }
 };
-using Mischief = std::function<void(Form &, Control *)>;
-Q_DECLARE_METATYPE(Mischief)
 
 class PropertiesTest : public StrictTest
 {
     Q_OBJECT
 
 private slots:
-    void walk_data();
     void walk();
-    void walkOfNothing();
     void firstBindingGivesAndLaterOnesTake();
-    void editGoesToTheOthersOnly();
     void hasChangedOnceATurn();
     void bindingTwice();
     void comingAndGoing();
     void disconnectAllIsNoMirror();
     void unknownProperty();
     void debugOutput();
-    void mischief_data();
     void mischief();
-    void normalForms();
-    void contradiction();
-    void hubDeletedByItsListener();
+    void answers();
     void addressUsedAgain();
-    void valuesThroughQueuedSignals();
+    void emptyValues();
 };
 
-void PropertiesTest::walk_data()
-{
-    QTest::addColumn<Make>("make");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("fields");
-    QTest::addColumn<QString>("own");
-    QTest::addColumn<QString>("childs");
-
-    const Make open = [] { return static_cast<QObject *>(new Control); };
-    const Make closed = [] { return static_cast<QObject *>(new Closed); };
-    const Make super = [] { return static_cast<QObject *>(new Super); };
-    const Make heir = [] { return static_cast<QObject *>(new Heir); };
-    const Make widget = [] { return static_cast<QObject *>(new QWidget); };
-    const QString all = "Value Plain Fixed";
-
-    QTest::newRow("this") << open << ""
-                          << "" << all << all;
-    QTest::newRow("thisOnly ends the walk") << closed << ""
-                                            << ""
-                                            << "Inner"
-                                            << "";
-    QTest::newRow("super: the base's properties and rule") << super << ""
-                                                           << ""
-                                                           << "Inner"
-                                                           << "";
-    QTest::newRow("inherited entry, no own properties") << heir << ""
-                                                        << ""
-                                                        << ""
-                                                        << "";
-    QTest::newRow("no entry passes the walk on") << widget << ""
-                                                 << ""
-                                                 << "" << all;
-    QTest::newRow("field names the user property") << open << "Price"
-                                                   << ""
-                                                   << "Price Plain Fixed" << all;
-    QTest::newRow("fields") << open << ""
-                            << "A=Value B=Plain"
-                            << "A B Fixed" << all;
-    QTest::newRow("fields overrides field") << open << "Price"
-                                            << "A=Value"
-                                            << "A Plain Fixed" << all;
-    QTest::newRow("both names alike") << open << ""
-                                      << "A=Value A=Plain"
-                                      << "A Fixed" << all;
-    QTest::newRow("garbage in fields") << open << ""
-                                       << "  = == x =Value=1 A= B=Nothing \xe2\x82\xac C=Plain=2"
-                                       << "C Fixed" << all;
-}
-
+// The names under which an object and the child inside it are bound.
 void PropertiesTest::walk()
 {
-    QFETCH(Make, make);
-    QFETCH(QString, field);
-    QFETCH(QString, fields);
-    QFETCH(QString, own);
-    QFETCH(QString, childs);
-    const QScopedPointer<QObject> object(make());
-    Control child("of the child");
-    if (object->isWidgetType())
-        (new QWidget(static_cast<QWidget *>(object.data())))->setObjectName("between");
-    QObject *const parent = object->isWidgetType() ? object->children().first() : object.data();
-    child.setParent(parent);
-    if (!field.isEmpty())
-        object->setProperty("field", field);
-    if (!fields.isEmpty())
-        object->setProperty("fields", fields);
-
-    Properties hub;
-    const auto bound = [&hub](QObject *of) {
-        QStringList names = hub.objectProperty(of);
-        std::reverse(names.begin(), names.end());
-        names.removeAll(QString());
-        return names.join(' ');
+    const auto open = [] { return static_cast<QObject *>(new Control); };
+    const auto closed = [] { return static_cast<QObject *>(new Closed); };
+    const auto super = [] { return static_cast<QObject *>(new Super); };
+    const auto heir = [] { return static_cast<QObject *>(new Heir); };
+    const auto widget = [] { return static_cast<QObject *>(new QWidget); };
+    const char *all = "Value Plain Fixed";
+    const char *garbage = "  = == x =Value=1 A= B=Nothing \xe2\x82\xac C=Plain=2";
+    const std::tuple<QObject *(*)(), QString, QString, QString, QString> rows[] = {
+        {open, "", "", all, all},
+        {closed, "", "", "Inner", ""},
+        {super, "", "", "Inner", ""},
+        {heir, "", "", "", ""},
+        {widget, "", "", "", all},
+        {open, "Price", "", "Price Plain Fixed", all},
+        {open, "", "A=Value B=Plain", "A B Fixed", all},
+        {open, "Price", "A=Value", "A Plain Fixed", all},
+        {open, "", "A=Value A=Plain", "A Fixed", all},
+        {open, "", garbage, "C Fixed", all},
     };
-    QCOMPARE(hub.connectAll(object.data()), !(own + childs).isEmpty());
-    QCOMPARE(bound(object.data()), own);
-    QCOMPARE(bound(&child), childs);
-    child.setParent(nullptr);
-}
-
-void PropertiesTest::walkOfNothing()
-{
-    Properties hub;
-    QVERIFY(!hub.connectAll(nullptr));
-    QVERIFY(!hub.disconnectAll(nullptr));
-    hub.setValue("Absent", "");
-    QVERIFY(hub.values().isEmpty());
-    const Values values;
-    QCOMPARE(values["Absent"], QString());
-    QVERIFY(values.isEmpty());
+    for (const auto &[make, field, fields, own, inner] : rows) {
+        const QScopedPointer<QObject> object(make());
+        auto *const child = new Control({}, new QObject(object.data()));
+        if (!field.isEmpty())
+            object->setProperty("field", field);
+        if (!fields.isEmpty())
+            object->setProperty("fields", fields);
+        Properties hub;
+        const auto bound = [&hub](QObject *of) {
+            QStringList names = hub.objectProperty(of);
+            std::reverse(names.begin(), names.end());
+            names.removeAll(QString());
+            return names.join(' ');
+        };
+        QCOMPARE(hub.connectAll(object.data()), !(own + inner).isEmpty());
+        QCOMPARE(bound(object.data()), own);
+        QCOMPARE(bound(child), inner);
+    }
 }
 
 void PropertiesTest::firstBindingGivesAndLaterOnesTake()
@@ -221,33 +160,22 @@ void PropertiesTest::firstBindingGivesAndLaterOnesTake()
     const QSignalSpy changes(&hub, &Properties::hasChanged);
     Control first("one"), second("two"), silent;
     silent.plain = "kept to itself";
-
     QVERIFY(hub.connectOne("Silent", &silent, "Plain"));
-    QVERIFY(hub.connectOne("Price", &first, "Value"));
-    QVERIFY(hub.connectOne("Price", &second, "Value"));
+    for (Control *control : {&first, &second})
+        QVERIFY(hub.connectOne("Price", control, "Value"));
     QVERIFY(hub.connectOne("Price", &silent, "Plain"));
     QCOMPARE(hub.values().keys(), QStringList("Price"));
-    QCOMPARE(hub.values()["Price"].toString(), QString("one"));
-    QCOMPARE(second.value(), QString("one"));
-    QCOMPARE(silent.plain, QString("one"));
-    QCOMPARE(first.writes, 0);
+    QCOMPARE(second.value() + silent.plain, QString("oneone"));
     QCoreApplication::processEvents();
     QCOMPARE(changes.count(), 0);
-}
 
-void PropertiesTest::editGoesToTheOthersOnly()
-{
-    Properties hub;
-    Control first, second;
-    hub.connectOne("Price", &first, "Value");
+    // An edit goes to the others only, not into another property of its own object either.
     hub.connectOne("Price", &first, "Plain");
-    hub.connectOne("Price", &second, "Value");
-    first.writes = second.writes = 0;
-
+    first.plain.clear();
     first.edit("1.5");
     QCOMPARE(hub.values().value("Price").toString(), QString("1.5"));
     QCOMPARE(second.value(), QString("1.5"));
-    QCOMPARE(second.writes, 1);
+    QCOMPARE(second.writes, 2);
     QCOMPARE(first.writes, 0);
     QCOMPARE(first.plain, QString());
 }
@@ -259,16 +187,15 @@ void PropertiesTest::hasChangedOnceATurn()
     Control control;
     hub.connectOne("Price", &control, "Value");
     const auto turn = [&changes] {
+        const int early = changes.count();
         QCoreApplication::processEvents();
-        const int count = changes.count();
+        const int count = changes.count() - 10 * early;
         changes.clear();
         return count;
     };
-
     hub.setValue("Price", "1");
     hub.setValue("Other", "2");
     control.edit("3");
-    QCOMPARE(changes.count(), 0);
     QCOMPARE(turn(), 1);
     QCOMPARE(turn(), 0);
     control.writes = 0;
@@ -277,22 +204,17 @@ void PropertiesTest::hasChangedOnceATurn()
     QCOMPARE(turn(), 1);
     control.edit("3");
     QCOMPARE(turn(), 1);
-
-    connect(&hub, &Properties::hasChanged, &hub, [&hub] { hub.setValue("Price", "again"); });
-    hub.setValue("Price", "4");
-    QTRY_VERIFY(control.value() == "again" && changes.count() >= 2);
 }
 
 void PropertiesTest::bindingTwice()
 {
     Properties hub;
     Control control;
-    hub.connectOne("Price", &control, "Value");
-    hub.connectOne("Price", &control, "Value");
+    for (int i = 0; i < 2; ++i)
+        hub.connectOne("Price", &control, "Value");
     control.writes = 0;
     hub.setValue("Price", "1");
     QCOMPARE(control.writes, 2);
-
     QVERIFY(hub.disconnectOne("Price", &control, "Value"));
     hub.setValue("Price", "2");
     control.edit("3");
@@ -311,7 +233,6 @@ void PropertiesTest::comingAndGoing()
         hub.setValue("Price", QString::number(visit));
         QCOMPARE(form.writes, 1);
         form.edit("typed");
-        QCOMPARE(hub.values()["Price"].toString(), QString("typed"));
         QVERIFY(hub.disconnectAll(&form));
         form.edit("unheard");
         QCOMPARE(hub.values()["Price"].toString(), QString("typed"));
@@ -322,18 +243,15 @@ void PropertiesTest::disconnectAllIsNoMirror()
 {
     Properties hub;
     QObject form;
-    Super *const super = new Super({}, &form);
-    Control *const named = new Control({}, &form);
-    Control *const plain = new Control({}, &form);
+    auto *const super = new Super({}, &form);
+    auto *const named = new Control({}, &form);
+    auto *const plain = new Control({}, &form);
     named->setProperty("field", "Alias");
     hub.connectAll(&form);
     QVERIFY(hub.disconnectAll(&form));
-
     for (const char *name : {"Inner", "Alias", "Value"})
         hub.setValue(name, "late");
-    QCOMPARE(super->inner, QString("late"));
-    QCOMPARE(named->value(), QString("late"));
-    QCOMPARE(plain->value(), QString());
+    QCOMPARE(super->inner + '/' + named->value() + '/' + plain->value(), QString("late/late/"));
     named->edit("unheard");
     QCOMPARE(hub.values()["Alias"].toString(), QString("late"));
     QCOMPARE(hub.objectProperty(plain), QStringList({"Fixed", "Plain", "Value"}));
@@ -343,12 +261,13 @@ void PropertiesTest::unknownProperty()
 {
     Properties hub;
     Control control;
-    expectWarning(
-        "Properties::connect: property \"Nothing\" not found for object Control\\(0x.*\\)");
-    expectWarning(
-        "Properties::disconnect: property \"Nothing\" not found for object Control\\(0x.*\\)");
+    for (const char *deed : {"connect", "disconnect"})
+        expectWarning(QString("Properties::%1: property \"Nothing\" not found for object "
+                              "Control\\(0x.*\\)")
+                          .arg(deed));
     QVERIFY(!hub.connectOne(&control, "Nothing"));
     QVERIFY(!hub.disconnectOne(&control, "Nothing"));
+    QVERIFY(!hub.connectAll(nullptr) && !hub.disconnectAll(nullptr));
     QVERIFY(hub.connectOne("Price", &control, "Fixed"));
     hub.setValue("Price", "refused by Qt");
     QCOMPARE(hub.values()["Price"].toString(), QString("refused by Qt"));
@@ -358,160 +277,132 @@ void PropertiesTest::debugOutput()
 {
     Properties hub;
     Closed control;
-    control.setObjectName("price");
     hub.connectAll(&control);
     hub.dumpObjProp();
-    const QStringList lines = messages();
-    QCOMPARE(lines.size(), 2);
-    QVERIFY(lines[0].startsWith("Properties::dumpObjProp Properties(0x"));
-    QVERIFY(lines[1].startsWith("objProp4: Closed(0x"));
-    QVERIFY(lines[1].endsWith("name = \"price\") (\"Inner\")"));
-}
-
-void PropertiesTest::mischief_data()
-{
-    QTest::addColumn<Mischief>("mischief");
-    const auto row = [](const char *name, const Mischief &mischief) {
-        QTest::newRow(name) << mischief;
-    };
-    row("deletes itself", [](Form &, Control *self) { delete self; });
-    row("deletes its neighbours", [](Form &form, Control *self) {
-        for (const QPointer<Control> &other : form.controls) {
-            if (other != self)
-                delete other;
-        }
-    });
-    row("deletes everybody", [](Form &form, Control *) { qDeleteAll(form.controls); });
-    row("deletes the hub", [](Form &form, Control *) { form.hub.reset(); });
-    row("deletes the hub and itself", [](Form &form, Control *self) {
-        form.hub.reset();
-        delete self;
-    });
-    row("unbinds everybody", [](Form &form, Control *) {
-        for (const QPointer<Control> &other : form.controls)
-            form.hub->disconnectOne(other, "Value");
-    });
-    row("binds everybody again", [](Form &form, Control *self) {
-        self->written = nullptr;
-        for (const QPointer<Control> &other : form.controls) {
-            form.hub->disconnectOne(other, "Value");
-            form.hub->connectAll(other);
-        }
-    });
-    row("binds a newcomer", [](Form &form, Control *) { form.hub->connectAll(&form.newcomer); });
-    row("sets another value", [](Form &form, Control *) { form.hub->setValue("Value", "last"); });
-    row("sets another value and the old one", [](Form &form, Control *self) {
-        self->written = nullptr;
-        form.hub->setValue("Value", "last");
-        form.hub->setValue("Value", "set");
-    });
+    const QRegularExpression lines("^Properties::dumpObjProp Properties\\(0x\\w+\\)\n"
+                                   "objProp4: Closed\\(0x\\w+\\) \\(\"Inner\"\\)$");
+    QVERIFY(lines.match(messages().join('\n')).hasMatch());
 }
 
 // Whatever a control does while it is written, whichever of them it is and from wherever the
 // value comes: nobody dead is written, and all that live and are bound agree at the end.
 void PropertiesTest::mischief()
 {
-    QFETCH(Mischief, mischief);
-    for (const QString road : {"setValue", "setValues", "edit", "connectOne", "connectAll"}) {
-        for (int culprit = 0; culprit < 3; ++culprit) {
-            Form form;
-            for (int i = 0; i < 3; ++i) {
-                form.controls << new Control("initial");
-                form.hub->connectAll(form.controls.last());
+    const std::function<void(Form &, Control *)> deeds[] = {
+        [](Form &, Control *self) { delete self; },
+        [](Form &form, Control *self) {
+            for (const QPointer<Control> &other : form.controls) {
+                if (other != self)
+                    delete other;
             }
-            Control *const self = form.controls[culprit];
-            self->written = [&form, self, mischief] { mischief(form, self); };
-
-            if (road == "setValue") {
-                form.hub->setValue("Value", "set");
-            } else if (road == "setValues") {
-                Values values;
-                for (const char *name : {"Another", "Value", "Zero"})
-                    values.insert(name, "set");
-                form.hub->setValues(values);
-            } else if (road == "edit") {
-                Control outsider;
-                form.hub->connectOne("Value", &outsider, "Value");
-                outsider.edit("set");
-            } else if (road == "connectOne") {
-                form.hub->connectOne("Value", self, "Value");
-            } else {
-                form.hub->connectAll(self);
+        },
+        [](Form &form, Control *) { qDeleteAll(form.controls); },
+        [](Form &form, Control *) { form.hub.reset(); },
+        [](Form &form, Control *self) {
+            form.hub.reset();
+            delete self;
+        },
+        [](Form &form, Control *self) {
+            self->written = nullptr;
+            for (const QPointer<Control> &other : form.controls) {
+                form.hub->disconnectOne(other, "Value");
+                form.hub->connectAll(other);
             }
-            QCoreApplication::processEvents();
-
-            if (!form.hub || QLatin1String(QTest::currentDataTag()) == "unbinds everybody")
-                continue;
-            for (const QPointer<Control> &control : qAsConst(form.controls)) {
-                if (control)
-                    QCOMPARE(control->value(), form.hub->values()["Value"].toString());
+        },
+        [](Form &form, Control *) { form.hub->connectAll(&form.newcomer); },
+        [](Form &form, Control *) { form.hub->setValue("Value", "last"); },
+        [](Form &form, Control *self) {
+            self->written = nullptr;
+            form.hub->setValue("Value", "last");
+            form.hub->setValue("Value", "set");
+        },
+    };
+    const auto edit = [](Form &form, Control *) {
+        Control outsider;
+        form.hub->connectOne("Value", &outsider, "Value");
+        outsider.edit("set");
+    };
+    const auto setValues = [](Form &form, Control *) {
+        Values values;
+        for (const char *name : {"Another", "Value", "Zero"})
+            values.insert(name, "set");
+        form.hub->setValues(values);
+    };
+    const std::function<void(Form &, Control *)> roads[] = {
+        edit,
+        setValues,
+        [](Form &form, Control *) { form.hub->setValue("Value", "set"); },
+        [](Form &form, Control *self) { form.hub->connectOne("Value", self, "Value"); },
+        [](Form &form, Control *self) { form.hub->connectAll(self); },
+    };
+    for (const auto &deed : deeds) {
+        for (const auto &road : roads) {
+            for (int culprit = 0; culprit < 3; ++culprit) {
+                Form form;
+                for (int i = 0; i < 3; ++i) {
+                    form.controls << new Control("initial");
+                    form.hub->connectAll(form.controls.last());
+                }
+                Control *const self = form.controls[culprit];
+                self->written = [&form, self, &deed] { deed(form, self); };
+                road(form, self);
+                QCoreApplication::processEvents();
+                for (const QPointer<Control> &control : qAsConst(form.controls)) {
+                    if (control && form.hub)
+                        QCOMPARE(control->value(), form.hub->values()["Value"].toString());
+                }
             }
         }
     }
 }
 
-void PropertiesTest::normalForms()
-{
-    Properties hub;
-    Control plain[2];
-    Control upper;
-    upper.normal = [](const QString &text) { return text.toUpper(); };
-    hub.connectOne("Code", &plain[0], "Value");
-    hub.connectOne("Code", &upper, "Value");
-    hub.connectOne("Code", &plain[1], "Value");
-    hub.setValue("Code", "xetr");
-    QCOMPARE(hub.values()["Code"].toString(), QString("XETR"));
-    for (const Control *control : {&plain[0], &plain[1], &upper})
-        QCOMPARE(control->value(), QString("XETR"));
-}
-
-void PropertiesTest::contradiction()
+// A control may answer with a form of its own, which goes to all; two may disagree for ever.
+void PropertiesTest::answers()
 {
     Properties hub;
     Control controls[6];
-    for (int i = 0; i < 6; ++i) {
-        controls[i].normal = [i](const QString &text) {
-            return i % 2 ? text.toUpper() : text.toLower();
-        };
-        hub.connectOne("Code", &controls[i], "Value");
-    }
+    for (Control &control : controls)
+        hub.connectOne("Code", &control, "Value");
+    controls[2].normal = [](const QString &text) { return text.toUpper(); };
+    hub.setValue("Code", "xetr");
+    QCOMPARE(hub.values()["Code"].toString(), QString("XETR"));
+    for (const Control &control : controls)
+        QCOMPARE(control.value(), QString("XETR"));
+    for (Control *control : {&controls[1], &controls[4]})
+        control->normal = [](const QString &text) { return text.toLower(); };
     expectWarning("Properties::setValue: the properties bound to \"Code\" disagree");
-    hub.setValue("Code", "Xetr");
-    QCOMPARE(hub.values()["Code"].toString().toLower(), QString("xetr"));
-}
-
-void PropertiesTest::hubDeletedByItsListener()
-{
-    auto *const hub = new Properties;
-    const QPointer<Properties> alive(hub);
-    connect(hub, &Properties::hasChanged, [hub] { delete hub; });
-    hub->setValue("Price", "1");
-    QTRY_VERIFY(!alive);
+    hub.setValue("Code", "Xnas");
+    QCOMPARE(hub.values()["Code"].toString().toLower(), QString("xnas"));
 }
 
 void PropertiesTest::addressUsedAgain()
 {
-    Properties hub;
+    auto *const hub = new Properties;
     alignas(Control) char place[sizeof(Control)];
     auto *control = new (place) Control;
-    hub.connectAll(control);
+    hub->connectAll(control);
     control->~Control();
     control = new (place) Control("stranger");
-    hub.setValue("Value", "1");
+    hub->setValue("Value", "1");
     control->edit("stranger's own");
     QCOMPARE(control->writes, 0);
-    QCOMPARE(hub.values()["Value"].toString(), QString("1"));
-    QCOMPARE(hub.objectProperty(control), QStringList());
+    QCOMPARE(hub->values()["Value"].toString(), QString("1"));
+    QCOMPARE(hub->objectProperty(control), QStringList());
     control->~Control();
+    // The hub may be destroyed by its listener, too.
+    const QPointer<Properties> alive(hub);
+    connect(hub, &Properties::hasChanged, [hub] { delete hub; });
+    QTRY_VERIFY(!alive);
 }
 
-void PropertiesTest::valuesThroughQueuedSignals()
+void PropertiesTest::emptyValues()
 {
     QCOMPARE(QByteArray(QMetaType::typeName(QMetaType::type("Values"))), QByteArray("Values"));
-    Values values;
-    values.insert("Price", "1.5");
-    const Values copy = QVariant::fromValue(values).value<Values>();
-    QCOMPARE(copy["Price"], QString("1.5"));
+    Properties hub;
+    hub.setValue("Absent", "");
+    const Values values = hub.values();
+    QCOMPARE(values["Absent"], QString());
+    QVERIFY(values.isEmpty());
 }
 
 QTEST_MAIN(PropertiesTest)
