@@ -27,32 +27,28 @@ private slots:
 void FormHelpersTest::sum()
 {
     const QString largest("9223372036854775807");
-    const QVector<QStringList> rows = {
-        {"two scales", "10.5", "0.25", "10.75"},
-        {"zeros stay", "0.999", "0.001", "1.000"},
-        {"below zero", "0.1", "-0.35", "-0.25"},
-        {"beyond a double", "90071992547409.93", "0.01", "90071992547409.94"},
-        {"comma in the addendum", "1", "1,5", "1"},
-        {"comma in the summand", "1,5", "1", "1,5"},
-        {"lone minus", "-", "1", "-"},
-        {"empty addendum", "1.50", "", "1.50"},
-        {"empty summand", "", "1", ""},
-        {"exponent", "1", "1e5", "1"},
-        {"sum too large", largest, "1", largest},
-        {"sum too small", '-' + largest, "-2", '-' + largest},
-        {"summand too large for the scale", largest, "0.1", largest},
-        {"text too long", largest + '0', "1", largest + '0'},
+    const QStringList rows[] = {
+        {"10.5", "0.25", "10.75"},
+        {"0.999", "0.001", "1.000"},
+        {"0.1", "-0.35", "-0.25"},
+        {"90071992547409.93", "0.01", "90071992547409.94"},
+        {"1", "1,5", "1"},
+        {"1,5", "1", "1,5"},
+        {"-", "1", "-"},
+        {"1.50", "", "1.50"},
+        {"", "1", ""},
+        {largest, "1", largest},
+        {largest, "0.1", largest},
+        {largest + '0', "1", largest + '0'},
     };
     for (const QStringList &row : rows) {
         Properties hub;
         Summator summator;
         summator.setProperty("fields", "Price=Summand Offset=Addendum Total=Value");
         hub.connectAll(&summator);
-        hub.setValue("Price", row[1]);
-        hub.setValue("Offset", row[2]);
-        const QString total = hub.values().value("Total").toString();
-        QCOMPARE(QStringList({row[0], row[1], row[2], total}), row);
-        QCOMPARE(summator.getValue(), total);
+        hub.setValue("Price", row[0]);
+        hub.setValue("Offset", row[1]);
+        QCOMPARE(hub.values().value("Total").toString(), row[2]);
     }
 }
 
@@ -92,13 +88,11 @@ void FormHelpersTest::captionsOfRejectedNames()
     FormValidation validation;
     validation.setupPropWidgets(hub, nullptr);
     validation.setupPropWidgets(hub, &form);
-    const QVector<QPair<QStringList, QString>> steps = {
-        {{"Value"}, "0"},   {{"BoardId"}, "1"}, {{"StockId", "BoardId", "Value"}, "01"},
-        {{"StockId"}, "1"}, {{"Price"}, ""},    {{"Value", "Value"}, "0"},
-        {{}, ""},
-    };
+    const QPair<QString, QString> steps[] = {{"Value", "0"},   {"StockId BoardId Value", "01"},
+                                             {"BoardId", "1"}, {"Price", ""},
+                                             {"StockId", "1"}, {"", ""}};
     for (const auto &[names, invalid] : steps) {
-        validation.set(names);
+        validation.set(names.split(' ', Qt::SkipEmptyParts));
         QCOMPARE(red(), invalid);
     }
     validation.setInvalidWidgets({price, nullptr, captions[0], captions[1]});
