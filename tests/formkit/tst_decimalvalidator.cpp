@@ -11,7 +11,6 @@ private slots:
     void judging();
     void completeTexts();
     void textsThatAreNoNumbers();
-    void everyLocaleReadsWhatItWrites();
 };
 
 // The limits of digits, whether a minus and a zero are allowed, what is typed, the verdict, and
@@ -99,25 +98,6 @@ void DecimalValidatorTest::textsThatAreNoNumbers()
     }
     for (const char *text : {"", "-", ".", "1.0000000000000000000", "99999999999999999999"})
         QVERIFY_EXCEPTION_THROWN(validator.textToDecimal(text), Exception);
-}
-
-void DecimalValidatorTest::everyLocaleReadsWhatItWrites()
-{
-    DecimalValidator validator(4, true, true);
-    for (const QLocale &locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
-        validator.setLocale(locale);
-        for (const QString number :
-             {"-123456789012345.678", "90071992547409.93", "0.5000", "-0.05", "1234"}) {
-            const QString written = validator.decimalToText(decimal(number));
-            QCOMPARE(validator.textToDecimal(written).toString(), number);
-            QString text = written;
-            int pos = text.size();
-            const bool fits = QString(number).remove('-').size() <= 16;
-            QCOMPARE(validator.validate(text, pos) == QValidator::Acceptable, fits);
-            QVERIFY2(!fits || (text == written && pos == text.size()), qPrintable(written));
-        }
-    }
 }
 
 QTEST_GUILESS_MAIN(DecimalValidatorTest)

@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <limits>
-#include <random>
 
 namespace {
 
@@ -46,7 +45,6 @@ private slots:
     void texts();
     void arithmetic();
     void writesLikeEveryLocale();
-    void randomTexts();
 };
 
 // What comes of a text of the locale (of the system form where none is named) at a scale.
@@ -143,36 +141,6 @@ void DecimalTest::writesLikeEveryLocale()
             QCOMPARE(decimal::fromLocaleString(keyed, locale, 2).word(), word);
         }
     }
-}
-
-// Whatever is typed: what reads at all reads back equal from what is written of it.
-void DecimalTest::randomTexts()
-{
-    std::mt19937 random(20260305);
-    const auto below = [&random](int limit) { return int(random() % uint(limit)); };
-    int read = 0;
-    for (int i = 0; i < 20000; ++i) {
-        const LocaleSymbols symbols(everyLocale.at(below(everyLocale.size())));
-        const QString letters = QString("01234567890123456789000999,..'- +−’\u00a0\u202fe٣") +
-                                symbols.digit(below(10)) + symbols.group() + symbols.point() +
-                                symbols.minus() + QChar(ushort(below(0x10000)));
-        QString text;
-        for (int left = below(22); left > 0; --left)
-            text += letters.at(below(letters.size()));
-        const int scale = below(19);
-        const bool readable = decimal::canConvert(text, false, symbols);
-        try {
-            const decimal number = decimal::fromLocaleString(text, symbols, scale);
-            QVERIFY2(readable, qPrintable(text));
-            const QString shown = number.toSystemString(symbols);
-            QCOMPARE(decimal::fromLocaleString(shown, symbols, scale).word(), number.word());
-            QCOMPARE(decimal(number.toString()).word(), number.word());
-            ++read;
-        } catch (const Exception &failure) {
-            QCOMPARE(readable, failure.text() == "Decimal overflow.");
-        }
-    }
-    QVERIFY(read > 1000);
 }
 
 QTEST_GUILESS_MAIN(DecimalTest)
