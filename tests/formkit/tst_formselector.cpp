@@ -233,15 +233,12 @@ void FormSelectorTest::hubs()
     order.selector->setHub(nullptr);
     order.selector->setBoardId("2");
     QCOMPARE(order.state(), QString("1/"));
-
     Properties other;
     other.setValue("Value", "of the other");
     order.selector->setHub(&other);
     QCOMPARE(order.pages[1].plain->value(), QString("of the other"));
     order.selector->setHub(order.hub);
-    delete order.hub;
-    order.selector->setBoardId("3");
-    QCOMPARE(order.state(), QString("2/"));
+    QCOMPARE(order.state(), QString("1/1"));
 }
 
 QTEST_MAIN(FormSelectorTest)

@@ -304,19 +304,6 @@ void NumberEditorTest::settingIsSilent()
     QCOMPARE(changed.count(), 0);
 }
 
-// What is asked about the text that is shown changes nothing, whatever is selected.
-void NumberEditorTest::questions()
-{
-    NumberEditor editor;
-    type(editor, "12345.6");
-    editor.setSelection(1, 4);
-    QVERIFY(editor.hasAcceptableInput());
-    editor.setValue("1,5");
-    QVERIFY(!editor.hasAcceptableInput());
-    type(editor, "0");
-    QCOMPARE(editor.text(), QString("1,5"));
-}
-
 void NumberEditorTest::settingsThatChange()
 {
     QuantityEditor editor;
@@ -331,6 +318,19 @@ void NumberEditorTest::settingsThatChange()
     editor.setCanBeZero(false);
     type(editor, "A0");
     QVERIFY(!editor.hasAcceptableInput());
+}
+
+// What is asked about the text that is shown changes nothing, whatever is selected.
+void NumberEditorTest::questions()
+{
+    NumberEditor editor;
+    type(editor, "12345.6");
+    editor.setSelection(1, 4);
+    QVERIFY(editor.hasAcceptableInput());
+    editor.setValue("1,5");
+    QVERIFY(!editor.hasAcceptableInput());
+    type(editor, "0");
+    QCOMPARE(editor.text(), QString("1,5"));
 }
 
 int main(int argc, char **argv)
