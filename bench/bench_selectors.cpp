@@ -12,8 +12,9 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QLocale>
-#include <QMap>
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -30,8 +31,10 @@ struct Operation
 
 constexpr Operation Operations[] = {
     {"type", "a key of a typed name", false},
-    {"board", "changing the board", false},
-    {"clear", "clearing the board", false},
+    {"typeAlike", "a key of a name with 7 letters as all have", false},
+    {"narrow", "changing the board, all rows to one board", false},
+    {"board", "changing the board, one to another", false},
+    {"clear", "clearing the board, one board to all rows", false},
     {"openFirst", "opening the list, first row", false},
     {"openFar", "opening the list, far row", false},
     {"id", "choosing by id", false},
@@ -71,8 +74,6 @@ Result run(const QString &side, const QString &operation, const QString &databas
 
 void makeDatabase(const QString &file, int securities)
 {
-    if (QFile::exists(file))
-        return;
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedChannels);
     process.start(QStringLiteral(MKDB),
@@ -80,6 +81,38 @@ void makeDatabase(const QString &file, int securities)
                    QStringLiteral("--per-board"), QStringLiteral("1000"), file});
     if (!process.waitForFinished(-1) || process.exitCode() != 0)
         throw std::runtime_error("no database could be made");
+}
+
+// Names that differ in their last seven characters alone: series of one underlying, for example.
+void makeNamesAlike(const QString &file)
+{
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), file);
+        database.setDatabaseName(file);
+        if (!database.open() ||
+            !database
+                 .exec(QStringLiteral("UPDATE securities SET sec_name = "
+                                      "substr('SERIES Series series ', 1 + 7 * (sec_id % 3), 7)"
+                                      " || printf('%07d', sec_id * 7919 % 1000003)"))
+                 .isActive())
+            throw std::runtime_error("the names could not be made alike");
+    }
+    QSqlDatabase::removeDatabase(file);
+}
+
+QString databaseFor(const QString &operation, int size, const QString &folder)
+{
+    const bool namesAlike = operation == QLatin1String("typeAlike");
+    const QString file = QStringLiteral("%1/%2%3.sqlite")
+                             .arg(folder)
+                             .arg(size)
+                             .arg(QLatin1String(namesAlike ? "-alike" : ""));
+    if (!QFile::exists(file)) {
+        makeDatabase(file, size);
+        if (namesAlike)
+            makeNamesAlike(file);
+    }
+    return file;
 }
 
 bool isMemory(const QString &operation)
@@ -124,8 +157,7 @@ void compare(const QVector<int> &sizes, const QStringList &operations, const QSt
         if (!operations.isEmpty() && !operations.contains(name))
             continue;
         for (const int size : sizes) {
-            const QString database = QStringLiteral("%1/%2.sqlite").arg(folder).arg(size);
-            makeDatabase(database, size);
+            const QString database = databaseFor(name, size, folder);
             const auto measure = [&](const char *side) {
                 return run(QLatin1String(side), name, database, seconds);
             };

@@ -214,6 +214,20 @@ QStringList namesToType(const SecuritySelectorModel &source)
     return names;
 }
 
+// What a box has behind it by the time that a board is changed: its list was opened, a name
+// was begun.
+void useOnce(Subject &subject)
+{
+    subject.box()->showPopup();
+    settle();
+    subject.box()->hidePopup();
+    press(0, QStringLiteral("a"));
+    settle();
+    subject.box()->completer()->popup()->hide();
+    subject.box()->clearEditText();
+    settle();
+}
+
 SelectorFigure measureTyping(Subject &subject)
 {
     const QStringList names = namesToType(*subject.source());
@@ -259,6 +273,18 @@ SelectorFigure measureBoards(Subject &subject)
     show(0);
     settle();
     return repeat(31, [&](int i) { return millisecondsOf([&] { show(i + 1); }); });
+}
+
+SelectorFigure measureNarrowing(Subject &subject)
+{
+    const auto boards = boardsOf(*subject.source());
+    return repeat(15, [&](int i) {
+        const auto &board = boards.at(i % boards.size());
+        const double time = millisecondsOf([&] { subject.setBoard(board.first, board.second); });
+        subject.setBoard(board.first, QString());
+        settle();
+        return time;
+    });
 }
 
 SelectorFigure measureClearing(Subject &subject)
@@ -400,6 +426,16 @@ SelectorFigure measureMemory(const QString &side, const QString &operation)
             readRows(operation == QLatin1String("memoryShared") ? Texts::SharedWithHost
                                                                 : Texts::Own);
         });
+    {
+        // Fonts, style and the like, which Qt holds from its first box on.
+        QComboBox any;
+        any.setEditable(true);
+        any.addItem(QStringLiteral("any"));
+        any.show();
+        settle();
+        any.showPopup();
+        settle();
+    }
     return measureMemory([&] {
         const auto subject = makeShownSubject(side);
         subject->choose(Role::SecurityIdRole, QStringLiteral("77"));
@@ -414,8 +450,11 @@ SelectorFigure measureMemory(const QString &side, const QString &operation)
 SelectorFigure measureBox(const QString &side, const QString &operation)
 {
     const auto subject = makeShownSubject(side);
-    if (operation == QLatin1String("type"))
+    useOnce(*subject);
+    if (operation.startsWith(QLatin1String("type")))
         return measureTyping(*subject);
+    if (operation == QLatin1String("narrow"))
+        return measureNarrowing(*subject);
     if (operation == QLatin1String("board"))
         return measureBoards(*subject);
     if (operation == QLatin1String("clear"))

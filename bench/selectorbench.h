@@ -17,7 +17,7 @@ struct SelectorFigure
 
 // Sides:      "ours" the selector box, "stock" Qt's own classes wired as a box, "bare" a loop
 //             that reads the rows into a vector and sorts it.
-// Operations: "type", "board", "clear", "openFirst", "openFar", "id", "code", "populate",
+// Operations: "type", "typeAlike", "board", "narrow", "clear", "openFirst", "openFar", "id", "code", "populate",
 //             "memory", "memoryShared" and "memoryRefreshed"; of them a bare loop has those about
 //             populating and memory.
 SelectorFigure measureSelector(const QString &side, const QString &operation,

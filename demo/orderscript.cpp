@@ -1,6 +1,7 @@
 #include "orderscript.h"
 
 #include "orderwindow.h"
+#include "statementswindow.h"
 #include "valuesjson.h"
 
 #include <formkit/boardselectormodel.h>
@@ -14,6 +15,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -172,11 +174,37 @@ void OrderScript::fillIn(const char *control, const QString &text)
     press(Qt::Key_Tab, QStringLiteral("\t"));
 }
 
-bool OrderScript::takePicture(const QString &name)
+bool OrderScript::fetchStatement(const QUrl &url)
+{
+    StatementsServer server;
+    server.host = url.host();
+    server.port = quint16(url.port(server.port));
+    server.user = url.userName().isEmpty() ? QStringLiteral("anonymous") : url.userName();
+    server.password = url.password();
+    server.folder = url.path();
+
+    StatementsWindow window;
+    window.show();
+    const auto wait = [&window] {
+        QEventLoop loop;
+        QObject::connect(&window, &StatementsWindow::finished, &loop, &QEventLoop::quit);
+        loop.exec();
+    };
+    window.open(server);
+    wait();
+    if (!takePicture(QStringLiteral("statements"), &window))
+        return false;
+    window.downloadTo(QDir(m_folder).filePath(QStringLiteral("statement")));
+    wait();
+    return takePicture(QStringLiteral("statement-saved"), &window);
+}
+
+bool OrderScript::takePicture(const QString &name, QWidget *window)
 {
     QApplication::processEvents();
     const QString file = QDir(m_folder).absoluteFilePath(m_prefix + name + QStringLiteral(".png"));
-    if (!withPopups(m_window).save(file))
+    const QPixmap picture = window ? window->grab() : withPopups(m_window);
+    if (!picture.save(file))
         return fail(QStringLiteral("%1: cannot write the picture").arg(file));
     m_pictures << file;
     return true;

@@ -1,6 +1,7 @@
 #include "orderwindow.h"
 
 #include "orderrules.h"
+#include "statementswindow.h"
 #include "tracelog.h"
 #include "ui_equitypage.h"
 #include "ui_futurespage.h"
@@ -55,6 +56,12 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
     connect(m_ui->check, &QPushButton::clicked, this, &OrderWindow::check);
     connect(m_ui->place, &QPushButton::clicked, this, &OrderWindow::send);
     connect(m_ui->withdraw, &QPushButton::clicked, this, &OrderWindow::send);
+    connect(m_ui->statements, &QPushButton::clicked, this, [this] {
+        if (!m_statements)
+            m_statements = new StatementsWindow(this);
+        m_statements->show();
+        m_statements->raise();
+    });
     refresh();
     showValues();
 }

@@ -13,6 +13,7 @@
 class BoardSelectorModel;
 class EmbeddedHost;
 class SecuritySelectorModel;
+class StatementsWindow;
 class StockSelectorModel;
 
 namespace Ui {
@@ -55,6 +56,7 @@ private:
 
     std::unique_ptr<Ui::OrderWindow> m_ui;
     EmbeddedHost *m_host;
+    StatementsWindow *m_statements = nullptr;
     StockSelectorModel *m_stocks;
     BoardSelectorModel *m_boards;
     SecuritySelectorModel *m_securities;

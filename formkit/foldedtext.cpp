@@ -1,6 +1,8 @@
 #include "foldedtext_p.h"
 
 #include <algorithm>
+#include <numeric>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -12,94 +14,161 @@ ushort foldedUnit(ushort unit)
     return QChar::isSurrogate(unit) ? unit : ushort(QChar::toCaseFolded(uint(unit)));
 }
 
-// A text's row and the four of its folded characters that are being sorted by.
-struct Item
-{
-    quint64 key;
-    int row;
-};
-
-bool operator<(const Item &a, const Item &b)
-{
-    return a.key != b.key ? a.key < b.key : a.row < b.row;
-}
-
 bool hasPairs(const QString &text)
 {
     return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
 }
 
-// Sorts by four characters at a time, going on into the runs that are equal so far.
+int compare(const QString &a, const QString &b)
+{
+    return QString::compare(a, b, Qt::CaseInsensitive);
+}
+
+// Numbers the characters that occur in the texts, in their folded order and from 1 on, so that
+// many of them fit one number.
+class Alphabet
+{
+public:
+    explicit Alphabet(const QVector<QString> &texts) : m_codes(UnitCount)
+    {
+        for (const QString &text : texts) {
+            for (const QChar c : text)
+                m_codes[c.unicode()] = 1;
+        }
+        std::vector<ushort> letters;
+        for (uint unit = 0; unit < UnitCount; ++unit) {
+            if (m_codes[unit] != 0)
+                letters.push_back(foldedUnit(ushort(unit)));
+        }
+        std::sort(letters.begin(), letters.end());
+        letters.erase(std::unique(letters.begin(), letters.end()), letters.end());
+        for (uint unit = 0; unit < UnitCount; ++unit) {
+            if (m_codes[unit] != 0)
+                m_codes[unit] = codeIn(letters, foldedUnit(ushort(unit)));
+        }
+        while (letters.size() >> m_bits != 0)
+            ++m_bits;
+    }
+
+    int charactersPerKey() const { return 64 / m_bits; }
+    bool hasPairs() const
+    {
+        const auto first = m_codes.begin() + 0xd800;
+        return std::any_of(first, first + 0x800, [](ushort code) { return code != 0; });
+    }
+
+    // The characters of a text from a position on, 0 where it has ended.
+    quint64 key(const QString &text, int position) const
+    {
+        const QChar *const units = text.constData();
+        const int last = position + charactersPerKey();
+        quint64 key = 0;
+        for (int i = position; i < last; ++i)
+            key = key << m_bits | (i < text.size() ? m_codes[units[i].unicode()] : 0);
+        return key;
+    }
+    bool hasEnded(quint64 key) const { return (key & ((1u << m_bits) - 1)) == 0; }
+
+private:
+    static constexpr uint UnitCount = 0x10000;
+
+    static ushort codeIn(const std::vector<ushort> &letters, ushort letter)
+    {
+        const auto found = std::lower_bound(letters.begin(), letters.end(), letter);
+        return ushort(found - letters.begin() + 1);
+    }
+
+    std::vector<ushort> m_codes;
+    int m_bits = 1;
+};
+
+// A text's row and those of its characters that are being sorted by.
+struct Item
+{
+    quint64 key;
+    quint64 nextKey;
+    int row;
+
+    bool operator<(const Item &other) const
+    {
+        return std::tie(key, nextKey, row) < std::tie(other.key, other.nextKey, other.row);
+    }
+    bool hasKeysOf(const Item &other) const { return key == other.key && nextKey == other.nextKey; }
+};
+
+// Sorts by as many characters at a time as two keys hold, going on into the runs that are
+// equal so far.
 class PrefixSort
 {
 public:
-    explicit PrefixSort(const QVector<QString> &texts) : m_texts(texts) {}
+    PrefixSort(const QVector<QString> &texts, const Alphabet &alphabet)
+        : m_texts(texts), m_alphabet(alphabet)
+    {
+    }
 
     void sort(Item *begin, Item *end, int depth) const
     {
-        if (end - begin < SmallRun || depth >= DeepestPrefix) {
+        if (depth >= DeepestPrefix) {
             std::sort(begin, end, [this](const Item &a, const Item &b) { return less(a, b); });
             return;
         }
-        for (Item *item = begin; item != end; ++item)
-            item->key = key(m_texts.at(item->row), depth);
+        const int perKey = m_alphabet.charactersPerKey();
+        for (Item *item = begin; item != end; ++item) {
+            const QString &text = m_texts.at(item->row);
+            item->key = m_alphabet.key(text, depth);
+            item->nextKey = m_alphabet.key(text, depth + perKey);
+        }
         std::sort(begin, end);
         for (Item *run = begin; run != end;) {
             Item *const next =
-                std::find_if(run, end, [run](const Item &i) { return i.key != run->key; });
-            if (next - run > 1 && !allEqual(run, next, depth + UnitsPerKey))
-                sort(run, next, depth + UnitsPerKey);
+                std::find_if(run, end, [run](const Item &i) { return !i.hasKeysOf(*run); });
+            if (next - run > 1 && !m_alphabet.hasEnded(run->nextKey))
+                sort(run, next, depth + 2 * perKey);
             run = next;
         }
     }
 
 private:
-    static constexpr int SmallRun = 24;
-    static constexpr int UnitsPerKey = 4;
     static constexpr int DeepestPrefix = 64;
-
-    static quint64 key(const QString &text, int depth)
-    {
-        const QChar *const units = text.constData();
-        quint64 key = 0;
-        for (int i = depth; i < depth + UnitsPerKey; ++i)
-            key = key << 16 | (i < text.size() ? foldedUnit(units[i].unicode()) : 0);
-        return key;
-    }
-
-    // True when texts that are equal up to the depth have nothing behind it.
-    bool allEqual(const Item *begin, const Item *end, int depth) const
-    {
-        const int size = m_texts.at(begin->row).size();
-        return size <= depth && std::all_of(begin, end, [this, size](const Item &item) {
-                   return m_texts.at(item.row).size() == size;
-               });
-    }
 
     bool less(const Item &a, const Item &b) const
     {
-        const int order =
-            QString::compare(m_texts.at(a.row), m_texts.at(b.row), Qt::CaseInsensitive);
+        const int order = compare(m_texts.at(a.row), m_texts.at(b.row));
         return order != 0 ? order < 0 : a.row < b.row;
     }
 
     const QVector<QString> &m_texts;
+    const Alphabet &m_alphabet;
 };
 
 } // namespace
 
 QString FoldedText::folded(const QString &text)
 {
-    if (hasPairs(text)) {
-        QVector<uint> characters = text.toUcs4();
-        for (uint &c : characters)
-            c = QChar::toCaseFolded(c);
-        return QString::fromUcs4(characters.constData(), characters.size());
-    }
     QString result(text.size(), Qt::Uninitialized);
     std::transform(text.begin(), text.end(), result.begin(),
                    [](QChar c) { return QChar(foldedUnit(c.unicode())); });
+    if (hasPairs(text)) {
+        for (int i = 1; i < text.size(); ++i) {
+            if (text.at(i).isLowSurrogate() && text.at(i - 1).isHighSurrogate()) {
+                const uint pair = QChar::surrogateToUcs4(text.at(i - 1), text.at(i));
+                result[i] = QChar(QChar::lowSurrogate(QChar::toCaseFolded(pair)));
+            }
+        }
+    }
     return result;
+}
+
+QString FoldedText::completionKey(const QString &text)
+{
+    constexpr ushort Caseless = 0x4e00;
+    QString key;
+    key.reserve(2 * text.size());
+    for (const QChar c : folded(text)) {
+        key += QChar(ushort(Caseless + c.row()));
+        key += QChar(ushort(Caseless + c.cell()));
+    }
+    return key;
 }
 
 size_t FoldedText::hash(const QString &text)
@@ -116,16 +185,18 @@ size_t FoldedText::hash(const QString &text)
 
 QVector<int> FoldedText::ascending(const QVector<QString> &texts)
 {
-    std::vector<Item> items(size_t(texts.size()));
-    for (int row = 0; row < texts.size(); ++row)
-        items[size_t(row)] = {0, row};
-    if (std::none_of(texts.begin(), texts.end(), hasPairs))
-        PrefixSort(texts).sort(items.data(), items.data() + items.size(), 0);
-    else
-        std::stable_sort(items.begin(), items.end(), [&texts](const Item &a, const Item &b) {
-            return QString::compare(texts.at(a.row), texts.at(b.row), Qt::CaseInsensitive) < 0;
-        });
     QVector<int> rows(texts.size());
+    std::iota(rows.begin(), rows.end(), 0);
+    const Alphabet alphabet(texts);
+    if (alphabet.hasPairs()) {
+        std::stable_sort(rows.begin(), rows.end(),
+                         [&texts](int a, int b) { return compare(texts.at(a), texts.at(b)) < 0; });
+        return rows;
+    }
+    std::vector<Item> items(size_t(texts.size()));
+    for (const int row : qAsConst(rows))
+        items[size_t(row)].row = row;
+    PrefixSort(texts, alphabet).sort(items.data(), items.data() + items.size(), 0);
     std::transform(items.begin(), items.end(), rows.begin(), [](const Item &i) { return i.row; });
     return rows;
 }

@@ -12,6 +12,11 @@ namespace FoldedText {
 // their folded forms are so letter for letter.
 QString folded(const QString &text);
 
+// A key for QCompleter that orders and begins as the folded text does. QCompleter remembers
+// what it found by QString::toLower(), which is another folding (of İ it makes two characters);
+// the key is spelt in characters that have no case.
+QString completionKey(const QString &text);
+
 // Equal for texts that are equal ignoring case.
 size_t hash(const QString &text);
 

@@ -106,14 +106,13 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
         TextRows &rows = m_foldedRows[FoldedText::folded(code)];
         rows = {row, rows.count + 1};
     }
-    QStandardItemModel *const before = m_model;
     m_model = model;
+    // QComboBox deletes the model before, as it is a child of the box.
     setModel(model);
     completer()->setModel(model);
     comboBoxValidator()->setModel(model);
     setModelColumn(view()->isVisible() ? LineColumn : CodeColumn);
     measureTexts(model);
-    delete before;
 }
 
 QString PartnerSelectorBox::codeAt(int row) const

@@ -75,7 +75,7 @@ private:
 
     QString m_partner;
     QString m_partnerName;
-    QStandardItemModel *m_model = nullptr;
+    QPointer<QStandardItemModel> m_model;
     // The first row of each code; the rows of each code folded to one case.
     QHash<QString, int> m_rows;
     QHash<QString, TextRows> m_foldedRows;

@@ -32,7 +32,10 @@ size_t RowIndex::hash(const QVariant &value)
         isNumber = true;
     } else {
         const QString text = value.toString();
-        number = text.toLongLong(&isNumber);
+        // Most codes begin with a letter, which spares them the attempt.
+        const bool isWord = !text.isEmpty() && text.at(0) > QLatin1Char('9');
+        if (!isWord)
+            number = text.toLongLong(&isNumber);
         isNumber = isNumber && QString::number(number) == text;
         if (!isNumber)
             return FoldedText::hash(text);

@@ -212,3 +212,10 @@ void RowListView::changeEvent(QEvent *event)
         m_rowHeight = 0;
     QAbstractItemView::changeEvent(event);
 }
+
+// QAbstractItemView would make the first row current, unlit, and Enter would choose it.
+void RowListView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
+}

@@ -30,6 +30,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void updateGeometries() override;
     void changeEvent(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void rowsInserted(const QModelIndex &parent, int start, int end) override;
 
 private:

@@ -22,9 +22,11 @@ bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
 {
     if (sourceParent.isValid() || showsAll())
         return true;
-    const QModelIndex row = sourceModel()->index(sourceRow, 0);
-    return row.data(SecuritySelectorModel::StockCodeRole).toString() == m_stockCode &&
-           row.data(SecuritySelectorModel::BoardCodeRole).toString() == m_boardCode;
+    const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
+    if (!securities)
+        return false;
+    const SecuritySelectorModel::Data &row = securities->row(sourceRow);
+    return row.stockCode == m_stockCode && row.boardCode == m_boardCode;
 }
 
 SelectorProxyModel::RowRange SecuritySelectorFilteredModel::candidateRows() const

@@ -20,11 +20,6 @@ BoardKey boardOf(const SecuritySelectorModel::Data &data)
     return {data.stockCode, data.boardCode};
 }
 
-bool byName(const SecuritySelectorModel::Data &a, const SecuritySelectorModel::Data &b)
-{
-    return a.secName < b.secName;
-}
-
 } // namespace
 
 bool SecuritySelectorModel::Data::operator<(const Data &other) const
@@ -121,18 +116,20 @@ void SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
         first = last;
     }
 
-    QVector<Data> sorted;
-    sorted.reserve(rows->size());
+    const auto byName = [rows](int a, int b) { return rows->at(a).secName < rows->at(b).secName; };
+    std::vector<int> order;
+    order.reserve(size_t(rows->size()));
     m_groups.clear();
     for (auto board = runs.cbegin(); board != runs.cend(); ++board) {
-        const int first = sorted.size();
-        for (const RowRange &run : *board)
-            std::move(rows->begin() + run.first, rows->begin() + run.last,
-                      std::back_inserter(sorted));
-        TableWalk::sortLaterFirst(sorted.begin() + first, sorted.end(), byName);
-        m_groups.append({board.key().first, board.key().second, {first, sorted.size()}});
+        const int first = int(order.size());
+        for (const RowRange &run : *board) {
+            for (int row = run.first; row < run.last; ++row)
+                order.push_back(row);
+        }
+        TableWalk::sortLaterFirst(order.begin() + first, order.end(), byName);
+        m_groups.append({board.key().first, board.key().second, {first, int(order.size())}});
     }
-    *rows = sorted;
+    TableWalk::arrange(rows, std::move(order));
 }
 
 SecuritySelectorModel::RowRange SecuritySelectorModel::rowsOfBoard(const QString &stockCode,

@@ -11,7 +11,7 @@ SelectorCompleter::SelectorCompleter(SelectorProxyModel *model, QObject *parent)
     : QCompleter(parent)
 {
     setCaseSensitivity(Qt::CaseInsensitive);
-    setCompletionRole(SelectorProxyModel::FoldedRole);
+    setCompletionRole(SelectorProxyModel::CompletionRole);
     setModelSorting(QCompleter::CaseInsensitivelySortedModel);
     setPopup(new RowListView);
     setModel(model);
@@ -19,7 +19,7 @@ SelectorCompleter::SelectorCompleter(SelectorProxyModel *model, QObject *parent)
 
 QStringList SelectorCompleter::splitPath(const QString &path) const
 {
-    return {FoldedText::folded(path)};
+    return {FoldedText::completionKey(path)};
 }
 
 QString SelectorCompleter::pathFromIndex(const QModelIndex &index) const

@@ -125,9 +125,9 @@ void SelectorProxyModel::endRebuild()
 void SelectorProxyModel::rebuild()
 {
     m->sourceOrder.clear();
-    setKeyRoles(m->keys.keys().toVector());
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
+    setKeyRoles(m->keys.keys().toVector());
     m->setShown(inOrder(acceptedRows()));
 }
 
@@ -136,6 +136,11 @@ void SelectorProxyModel::invalidate()
     beginResetModel();
     m->setShown(inOrder(acceptedRows()));
     endResetModel();
+}
+
+bool SelectorProxyModel::filterAcceptsRow(int, const QModelIndex &) const
+{
+    return true;
 }
 
 SelectorProxyModel::RowRange SelectorProxyModel::candidateRows() const
@@ -175,22 +180,20 @@ QVector<int> SelectorProxyModel::inOrder(QVector<int> accepted) const
                 ordered.append(row);
         }
     } else {
-        QVector<QString> texts;
-        texts.reserve(accepted.size());
+        const QVector<int> &order = sourceOrder();
+        ordered.reserve(accepted.size());
         for (const int row : qAsConst(accepted))
-            texts.append(sourceModel()->index(row, 0).data().toString());
-        for (const int position : FoldedText::ascending(texts))
-            ordered.append(accepted.at(position));
+            ordered.append(m->sourcePlaces.at(row));
+        std::sort(ordered.begin(), ordered.end());
+        for (int &place : ordered)
+            place = order.at(place);
     }
     if (m->order == Mapping::Descending) {
         std::reverse(ordered.begin(), ordered.end());
-        const auto textOf = [this](int row) {
-            return sourceModel()->index(row, 0).data().toString();
-        };
         for (auto run = ordered.begin(); run != ordered.end();) {
-            const QString runText = textOf(*run);
+            const QString runText = sourceText(*run);
             const auto next = std::find_if(run, ordered.end(), [&](int row) {
-                return textOf(row).compare(runText, Qt::CaseInsensitive) != 0;
+                return sourceText(row).compare(runText, Qt::CaseInsensitive) != 0;
             });
             std::reverse(run, next);
             run = next;
@@ -204,13 +207,35 @@ const QVector<int> &SelectorProxyModel::sourceOrder() const
     if (m->sourceOrder.isEmpty() && sourceModel()) {
         QVector<QString> texts(sourceModel()->rowCount());
         for (int row = 0; row < texts.size(); ++row)
-            texts[row] = sourceModel()->index(row, 0).data().toString();
+            texts[row] = sourceText(row);
         m->sourceOrder = FoldedText::ascending(texts);
         m->sourcePlaces.resize(texts.size());
         for (int place = 0; place < texts.size(); ++place)
             m->sourcePlaces[m->sourceOrder.at(place)] = place;
     }
     return m->sourceOrder;
+}
+
+// Brings a source row whose text may have changed to its place, be it shown or not.
+void SelectorProxyModel::moveInSourceOrder(int sourceRow)
+{
+    QVector<int> &order = m->sourceOrder;
+    if (order.isEmpty())
+        return;
+    const auto isBefore = [this](int a, int b) {
+        const int comparison = sourceText(a).compare(sourceText(b), Qt::CaseInsensitive);
+        return comparison != 0 ? comparison < 0 : a < b;
+    };
+    const int from = m->sourcePlaces.at(sourceRow);
+    const bool isBehind = from == 0 || isBefore(order.at(from - 1), sourceRow);
+    if (isBehind && (from == order.size() - 1 || isBefore(sourceRow, order.at(from + 1))))
+        return;
+    order.remove(from);
+    const auto next = std::lower_bound(order.begin(), order.end(), sourceRow, isBefore);
+    const int to = int(next - order.begin());
+    order.insert(to, sourceRow);
+    for (int place = qMin(from, to); place <= qMax(from, to); ++place)
+        m->sourcePlaces[order.at(place)] = place;
 }
 
 // True when a changed row is shown or hidden as it was, between neighbours that it still
@@ -225,15 +250,23 @@ bool SelectorProxyModel::staysInPlace(int sourceRow) const
         return false;
     if (row < 0 || m->order == Mapping::Source)
         return true;
-    const auto inPlace = [this](int upper, int lower) {
-        if (upper < 0 || lower >= m->shown.size())
+    const bool ascending = m->order == Mapping::Ascending;
+    return isBetweenNeighbours(m->shown, row, ascending);
+}
+
+// Whether the row at a position of a list of source rows belongs between those beside it.
+bool SelectorProxyModel::isBetweenNeighbours(const QVector<int> &rows, int position,
+                                             bool ascending) const
+{
+    const auto textOf = [this](int row) { return sourceModel()->index(row, 0).data().toString(); };
+    const auto inOrder = [&](int upper, int lower) {
+        if (upper < 0 || lower >= rows.size())
             return true;
-        const int order = text(upper).compare(text(lower), Qt::CaseInsensitive);
-        if (order == 0)
-            return m->shown.at(upper) < m->shown.at(lower);
-        return (order < 0) == (m->order == Mapping::Ascending);
+        const int order =
+            textOf(rows.at(upper)).compare(textOf(rows.at(lower)), Qt::CaseInsensitive);
+        return order == 0 ? rows.at(upper) < rows.at(lower) : (order < 0) == ascending;
     };
-    return inPlace(row - 1, row) && inPlace(row, row + 1);
+    return inOrder(position - 1, position) && inOrder(position, position + 1);
 }
 
 void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
@@ -241,11 +274,18 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
                                            const QVector<int> &roles)
 {
     const bool isOneRow = topLeft.row() == bottomRight.row();
-    if (!isOneRow || !staysInPlace(topLeft.row())) {
+    if (isOneRow)
+        moveInSourceOrder(topLeft.row());
+    else
         m->sourceOrder.clear();
+    if (!isOneRow || !staysInPlace(topLeft.row())) {
         relayout();
         if (!isOneRow && !m->shown.isEmpty())
             emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), roles);
+    } else if (!m->sourceOrder.isEmpty() &&
+               !isBetweenNeighbours(m->sourceOrder, m->sourcePlaces.at(topLeft.row()), true)) {
+        // It would stand elsewhere among rows that the filter hides.
+        m->sourceOrder.clear();
     }
     const int row = isOneRow ? m->proxyRow(topLeft.row()) : -1;
     if (row >= 0)
@@ -279,9 +319,14 @@ void SelectorProxyModel::relayout()
     emit layoutChanged({}, VerticalSortHint);
 }
 
+QString SelectorProxyModel::sourceText(int sourceRow) const
+{
+    return sourceModel()->index(sourceRow, 0).data().toString();
+}
+
 QString SelectorProxyModel::text(int row) const
 {
-    return sourceModel()->index(m->shown.at(row), 0).data().toString();
+    return sourceText(m->shown.at(row));
 }
 
 // The first row whose text is not before the given one in the order shown; with `orEqual`,
@@ -435,8 +480,8 @@ QVariant SelectorProxyModel::data(const QModelIndex &index, int role) const
     const QModelIndex sourceIndex = mapToSource(index);
     if (!sourceIndex.isValid())
         return {};
-    if (role == FoldedRole)
-        return FoldedText::folded(sourceIndex.data().toString());
+    if (role == CompletionRole)
+        return FoldedText::completionKey(sourceIndex.data().toString());
     return sourceIndex.data(role);
 }
 

@@ -24,8 +24,8 @@ class FORMKIT_EXPORT SelectorProxyModel : public QSortFilterProxyModel
 
 public:
     enum ItemDataRole {
-        // The display text folded to one case, on which type-ahead completes.
-        FoldedRole = Qt::UserRole + 0x1000
+        // A key made of the display text, on which type-ahead completes.
+        CompletionRole = Qt::UserRole + 0x1000
     };
 
     explicit SelectorProxyModel(QObject *parent = nullptr);
@@ -86,6 +86,9 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 protected:
+    // Whether a row is shown; every row, unless a subclass says otherwise.
+    bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
+
     // A run of source rows, `first` to `last` - 1, outside which filterAcceptsRow() accepts
     // none; the whole source unless a subclass knows better. It is what makes a narrow filter
     // cheap.
@@ -105,10 +108,13 @@ private:
     void relayout();
     void sourceDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                            const QVector<int> &roles);
+    void moveInSourceOrder(int sourceRow);
     bool staysInPlace(int sourceRow) const;
+    bool isBetweenNeighbours(const QVector<int> &rows, int position, bool ascending) const;
     QVector<int> acceptedRows() const;
     QVector<int> inOrder(QVector<int> accepted) const;
     const QVector<int> &sourceOrder() const;
+    QString sourceText(int sourceRow) const;
     QString text(int row) const;
     int firstNotBefore(const QString &text, bool orEqual) const;
 

@@ -5,6 +5,8 @@
 #include <QVector>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 // What every selector model does with its table.
 namespace TableWalk {
@@ -28,6 +30,25 @@ void sortLaterFirst(Iterator begin, Iterator end, Less less)
 {
     std::reverse(begin, end);
     std::stable_sort(begin, end, less);
+}
+
+// Brings to each place the row that stands at the position which `order` names for it.
+template <typename Row> void arrange(QVector<Row> *rows, std::vector<int> order)
+{
+    Row *const at = rows->data();
+    for (int start = 0; start < rows->size(); ++start) {
+        if (order[size_t(start)] == start)
+            continue;
+        Row lifted = std::move(at[start]);
+        int place = start;
+        for (int from = order[size_t(place)]; from != start; from = order[size_t(place)]) {
+            at[place] = std::move(at[from]);
+            order[size_t(place)] = place;
+            place = from;
+        }
+        at[place] = std::move(lifted);
+        order[size_t(place)] = place;
+    }
 }
 
 } // namespace TableWalk

@@ -4,6 +4,7 @@
 #include <formkit/stockselectormodel.h>
 #include <hostapi/exception.h>
 
+#include <support/reports.h>
 #include <support/stricttest.h>
 #include <support/testhost.h>
 
@@ -45,30 +46,6 @@ QString column(const QAbstractItemModel &model, int role)
         texts << model.index(row, 0).data(role).toString();
     return texts.join(' ');
 }
-
-// What a box reports, in order.
-template <typename Box> class Reports
-{
-public:
-    using Report = void (Box::*)(const QString &);
-
-    Reports(Box *box, const QMap<QString, Report> &reports)
-    {
-        for (auto report = reports.cbegin(); report != reports.cend(); ++report)
-            QObject::connect(box, *report, box, [this, name = report.key()](const QString &text) {
-                m_log << name + '=' + text;
-            });
-    }
-    QString take()
-    {
-        const QString log = m_log.join(' ');
-        m_log.clear();
-        return log;
-    }
-
-private:
-    QStringList m_log;
-};
 
 class BoxReports : public Reports<StockSelectorBox>
 {

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "statementsworker.h"
+
+#include <QThread>
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class StatementsWindow;
+}
+
+// Fetches statements from an FTP server while the order form stays alive.
+class StatementsWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit StatementsWindow(QWidget *parent = nullptr);
+    // Cancels what is under way and waits for it, at most one of the server's time-outs.
+    ~StatementsWindow() override;
+
+    // Fills the fields and connects.
+    void open(const StatementsServer &server);
+    // Fetches the chosen file without asking where to.
+    void downloadTo(const QString &localFile);
+
+signals:
+    // For the worker's thread.
+    void openRequested(const StatementsServer &server);
+    void downloadRequested(const Statement &statement, const QString &localFile);
+    // The list is there, or the download, or neither.
+    void finished();
+
+private:
+    enum Phase { Idle, Connecting, Downloading };
+
+    StatementsServer enteredServer() const;
+    void showStatements(const QVector<Statement> &statements);
+    void showProgress(qint64 received, qint64 total, qint64 elapsed);
+    void askAndDownload();
+    void enter(Phase phase, const QString &text);
+    void leave(const QString &text);
+
+    std::unique_ptr<Ui::StatementsWindow> m_ui;
+    QThread m_thread;
+    StatementsWorker *m_worker;
+    QVector<Statement> m_statements;
+};

@@ -1,0 +1,402 @@
+#include "formkit/FtpClient/BlockingSocket.h"
+
+#include "formkit/FtpClient/FTPAssert_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <netdb.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace nsSocket {
+
+namespace {
+
+constexpr socklen_t AddressLength = 16;
+static_assert(sizeof(sockaddr_in) == AddressLength, "IPv4 addresses have sixteen bytes");
+
+constexpr int ReadAhead = 1000;
+
+#ifdef MSG_NOSIGNAL
+constexpr int SendFlags = MSG_NOSIGNAL;
+#else
+constexpr int SendFlags = 0; // SO_NOSIGPIPE is set on the handle instead
+#endif
+
+[[noreturn]] void fail(const char *operation, int error)
+{
+    errno = error;
+    throw CBlockingSocketException(operation);
+}
+
+bool wouldBlock(int error)
+{
+    return error == EAGAIN || error == EWOULDBLOCK;
+}
+
+// select()'s answer for one handle: 1 ready, 0 the time is over, -1 refused. A negative time
+// waits for ever.
+int waitFor(int descriptor, short events, int seconds)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr long long LongestPoll = 1000000000;
+    const Clock::time_point end = Clock::now() + std::chrono::seconds(std::max(seconds, 0));
+    pollfd entry = {descriptor, events, 0};
+    for (;;) {
+        long long left = LongestPoll;
+        if (seconds >= 0)
+            left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        const int wait = int(std::clamp(left, 0LL, LongestPoll));
+        const int result = ::poll(&entry, 1, wait);
+        if (result > 0 && (entry.revents & POLLNVAL)) {
+            errno = EBADF;
+            return -1;
+        }
+        if (result > 0 || (result < 0 && errno != EINTR))
+            return result;
+        if (result == 0 && seconds >= 0 && wait == left)
+            return 0;
+        if (seconds >= 0 && left <= 0)
+            return 0;
+    }
+}
+
+// Runs a transfer call on a non-blocking handle, waiting when it asks for that. A wait that
+// fails is not treated specially: the call that follows reports.
+template <typename Call>
+int transfer(int descriptor, short events, int seconds, const char *timeout, const char *operation,
+             Call call)
+{
+    bool waited = false;
+    for (;;) {
+        const ssize_t count = call();
+        if (count >= 0)
+            return int(count);
+        if (errno == EINTR)
+            continue;
+        if (!wouldBlock(errno) || waited)
+            throw CBlockingSocketException(operation);
+        const int ready = waitFor(descriptor, events, std::max(seconds, 0));
+        if (ready == 0)
+            fail(timeout, 0);
+        waited = ready < 0;
+    }
+}
+
+// What every handle is set to: waits are ours to bound, children do not inherit it, and a
+// closed peer raises no signal.
+void prepare(int descriptor)
+{
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+#ifdef SO_NOSIGPIPE
+    const int on = 1;
+    ::setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+#endif
+}
+
+} // namespace
+
+CBlockingSocketException::CBlockingSocketException(const char *message) : m_nError(errno)
+{
+    FTP_ASSERT(message, "pchMessage != NULL");
+    m_strMessage = message;
+}
+
+CBlockingSocketException::~CBlockingSocketException() = default;
+
+bool CBlockingSocketException::GetErrorMessage(char *buffer, unsigned int size,
+                                               unsigned int * /*helpContext*/) const
+{
+    const size_t needed = m_strMessage.size() + (m_nError != 0 ? 18 : 7);
+    if (size < needed)
+        return false;
+    if (m_nError != 0)
+        std::snprintf(buffer, size, "%s error 0x%08x", m_strMessage.c_str(), unsigned(m_nError));
+    else
+        std::snprintf(buffer, size, "%s error", m_strMessage.c_str());
+    return true;
+}
+
+std::string CBlockingSocketException::GetErrorMessage(unsigned int *helpContext) const
+{
+    std::array<char, 512> text = {};
+    GetErrorMessage(text.data(), unsigned(text.size()), helpContext);
+    return text.data();
+}
+
+IBlockingSocket::~IBlockingSocket() = default;
+
+void IBlockingSocket::SetWaitLimit(int /*seconds*/) {}
+
+CBlockingSocket::~CBlockingSocket()
+{
+    CBlockingSocket::Cleanup();
+}
+
+int CBlockingSocket::descriptor() const
+{
+    FTP_ASSERT(m_hSocket != INVALID_SOCKET, "m_hSocket!=INVALID_SOCKET");
+    return int(m_hSocket);
+}
+
+IBlockingSocket *CBlockingSocket::CreateInstance() const
+{
+    auto *instance = new CBlockingSocket;
+    instance->SetWaitLimit(m_nWaitLimit);
+    return instance;
+}
+
+void CBlockingSocket::Create(int type)
+{
+    FTP_ASSERT(m_hSocket == INVALID_SOCKET, "m_hSocket==INVALID_SOCKET");
+    const int made = ::socket(AF_INET, type, 0);
+    if (made < 0)
+        throw CBlockingSocketException("Create");
+    prepare(made);
+    m_hSocket = SOCKET(made);
+}
+
+void CBlockingSocket::Bind(const sockaddr *psa) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(psa, "psa != NULL");
+    if (::bind(handle, psa, AddressLength) != 0)
+        throw CBlockingSocketException("Bind");
+}
+
+void CBlockingSocket::Listen() const
+{
+    if (::listen(descriptor(), 5) != 0)
+        throw CBlockingSocketException("Listen");
+}
+
+bool CBlockingSocket::Accept(IBlockingSocket &connected, sockaddr *psa) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(psa, "psa != NULL");
+    FTP_ASSERT(connected.operator SOCKET() == INVALID_SOCKET,
+               "sConnect.operator SOCKET() == INVALID_SOCKET");
+    auto *target = dynamic_cast<CBlockingSocket *>(&connected);
+    FTP_ASSERT(target, "pConnect != NULL");
+    for (;;) {
+        socklen_t length = AddressLength;
+        const int made = ::accept(handle, psa, &length);
+        if (made >= 0) {
+            prepare(made);
+            target->m_hSocket = SOCKET(made);
+            return true;
+        }
+        if (errno == EINTR)
+            return false;
+        if (!wouldBlock(errno))
+            throw CBlockingSocketException("Accept");
+        const int ready = waitFor(handle, POLLIN, m_nWaitLimit);
+        if (ready <= 0)
+            fail("Accept", ready == 0 ? ETIMEDOUT : errno);
+    }
+}
+
+void CBlockingSocket::Connect(const sockaddr *psa) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(psa, "psa != NULL");
+    if (::connect(handle, psa, AddressLength) == 0)
+        return;
+    if (errno != EINPROGRESS && errno != EINTR)
+        throw CBlockingSocketException("Connect");
+    const int ready = waitFor(handle, POLLOUT, m_nWaitLimit);
+    if (ready <= 0)
+        fail("Connect", ready == 0 ? ETIMEDOUT : errno);
+    int error = 0;
+    socklen_t length = sizeof error;
+    if (::getsockopt(handle, SOL_SOCKET, SO_ERROR, &error, &length) != 0 || error != 0)
+        fail("Connect", error != 0 ? error : errno);
+}
+
+void CBlockingSocket::Close()
+{
+    if (m_hSocket == INVALID_SOCKET)
+        return;
+    // An interrupted close has let go of the handle: closing again could hit another's.
+    if (::close(int(m_hSocket)) != 0 && errno != EINTR)
+        throw CBlockingSocketException("Close");
+    m_hSocket = INVALID_SOCKET;
+}
+
+void CBlockingSocket::Cleanup()
+{
+    if (m_hSocket != INVALID_SOCKET)
+        ::close(int(m_hSocket));
+    m_hSocket = INVALID_SOCKET;
+}
+
+int CBlockingSocket::Write(const char *data, int size, int seconds) const
+{
+    int sent = 0;
+    while (sent < size)
+        sent += Send(data + sent, size - sent, seconds);
+    return sent;
+}
+
+int CBlockingSocket::Send(const char *data, int size, int seconds) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(data, "pch != NULL");
+    return transfer(handle, POLLOUT, seconds, "Send timeout", "Send",
+                    [=] { return ::send(handle, data, size_t(std::max(size, 0)), SendFlags); });
+}
+
+int CBlockingSocket::Receive(char *buffer, int size, int seconds) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(buffer, "pch != NULL");
+    if (size <= 0)
+        return 0;
+    return transfer(handle, POLLIN, seconds, "Receive timeout", "Receive",
+                    [=] { return ::recv(handle, buffer, size_t(size), 0); });
+}
+
+int CBlockingSocket::ReceiveDatagram(char *buffer, int size, sockaddr *psa, int seconds) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(buffer, "pch != NULL");
+    FTP_ASSERT(psa, "psa != NULL");
+    return transfer(handle, POLLIN, seconds, "Receive timeout", "ReceiveDatagram", [=] {
+        socklen_t length = AddressLength;
+        return ::recvfrom(handle, buffer, size_t(std::max(size, 0)), 0, psa, &length);
+    });
+}
+
+int CBlockingSocket::SendDatagram(const char *data, int size, const sockaddr *psa,
+                                  int seconds) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(data, "pch != NULL");
+    FTP_ASSERT(psa, "psa != NULL");
+    return transfer(handle, POLLOUT, seconds, "Send timeout", "SendDatagram", [=] {
+        return ::sendto(handle, data, size_t(std::max(size, 0)), SendFlags, psa, AddressLength);
+    });
+}
+
+void CBlockingSocket::GetPeerAddr(sockaddr *psa) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(psa, "psa != NULL");
+    socklen_t length = AddressLength;
+    if (::getpeername(handle, psa, &length) != 0)
+        throw CBlockingSocketException("GetPeerName");
+}
+
+void CBlockingSocket::GetSockAddr(sockaddr *psa) const
+{
+    const int handle = descriptor();
+    FTP_ASSERT(psa, "psa != NULL");
+    socklen_t length = AddressLength;
+    if (::getsockname(handle, psa, &length) != 0)
+        throw CBlockingSocketException("GetSockName");
+}
+
+bool CBlockingSocket::CheckReadability() const
+{
+    const int ready = waitFor(descriptor(), POLLIN, 0);
+    if (ready < 0)
+        throw CBlockingSocketException("Socket Error");
+    return ready == 1;
+}
+
+sockaddr_in CBlockingSocket::GetHostByName(const char *name, unsigned short port)
+{
+    FTP_ASSERT(name, "pchName != NULL");
+    addrinfo wanted = {};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    errno = 0;
+    const int error = ::getaddrinfo(name, nullptr, &wanted, &found);
+    if (error != 0 || !found)
+        fail("GetHostByName", error == EAI_SYSTEM ? errno : 0);
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, ::freeaddrinfo);
+    sockaddr_in first = {};
+    std::memcpy(&first, found->ai_addr, sizeof first);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr = first.sin_addr;
+    return address;
+}
+
+const char *CBlockingSocket::GetHostByAddr(const sockaddr *psa)
+{
+    FTP_ASSERT(psa, "psa != NULL");
+    static thread_local std::array<char, NI_MAXHOST> name;
+    sockaddr_in given = {};
+    std::memcpy(&given, psa, sizeof given);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr = given.sin_addr;
+    errno = 0;
+    const int error = ::getnameinfo(reinterpret_cast<const sockaddr *>(&address), AddressLength,
+                                    name.data(), name.size(), nullptr, 0, NI_NAMEREQD);
+    if (error != 0)
+        fail("GetHostByAddr", error == EAI_SYSTEM ? errno : 0);
+    return name.data();
+}
+
+CHttpBlockingSocket::CHttpBlockingSocket() : m_pReadBuf(new char[ReadAhead]()) {}
+
+CHttpBlockingSocket::~CHttpBlockingSocket() = default;
+
+int CHttpBlockingSocket::ReadHttpHeaderLine(char *line, int size, int seconds)
+{
+    FTP_ASSERT(line, "pch != NULL");
+    if (size < 1)
+        return 0;
+    char *const begin = m_pReadBuf.get();
+    char *lineFeed = std::find(begin, begin + m_nBytes, '\n');
+    while (lineFeed == begin + m_nBytes) {
+        const int count = Receive(begin + m_nBytes, ReadAhead - m_nBytes, seconds);
+        if (count < 1)
+            fail("ReadHeaderLine", 0);
+        m_nBytes += count;
+        lineFeed = std::find(lineFeed, begin + m_nBytes, '\n');
+    }
+    if (lineFeed == begin || lineFeed[-1] != '\r')
+        fail("ReadHeaderLine", 0);
+    const int length = int(lineFeed - begin) + 1;
+    const int copied = std::min(length, size - 1);
+    std::memcpy(line, begin, size_t(copied));
+    line[copied] = '\0';
+    std::memmove(begin, begin + length, size_t(m_nBytes - length));
+    // By what was copied, also when the line was cut: callers rely on the count.
+    m_nBytes -= copied;
+    return copied;
+}
+
+int CHttpBlockingSocket::ReadHttpResponse(char *buffer, int size, int seconds)
+{
+    FTP_ASSERT(buffer, "pch != NULL");
+    int total = std::clamp(size, 0, m_nBytes);
+    std::memcpy(buffer, m_pReadBuf.get(), size_t(total));
+    m_nBytes -= total;
+    std::memmove(m_pReadBuf.get(), m_pReadBuf.get() + total, size_t(m_nBytes));
+    int count = 0;
+    do {
+        count = Receive(buffer + total, std::min(ReadAhead, size - total), seconds);
+        total += std::max(count, 0);
+    } while (count > 0);
+    return total;
+}
+
+std::shared_ptr<IBlockingSocket> CreateDefaultBlockingSocketInstance()
+{
+    return std::make_shared<CBlockingSocket>();
+}
+
+} // namespace nsSocket

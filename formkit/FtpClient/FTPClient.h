@@ -1,0 +1,283 @@
+#pragma once
+
+#include "formkit/FtpClient/BlockingSocket.h"
+#include "formkit/FtpClient/FTPDataTypes.h"
+#include "formkit/FtpClient/FTPListParse.h"
+#include "formkit/FtpClient/FTPStreams.h"
+#include "formkit/FtpClient/formkitftp_export.h"
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace nsFTP {
+
+// A blocking FTP client: one control connection, one data connection at a time.
+//
+//     CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), 30);
+//     if (client.Login({"ftp.example.org", 21, "user", "password"}))
+//         client.DownloadFile("statement.pdf", "statement.pdf", CType::Image, true);
+//     client.Logout();
+//
+// Every operation runs on the caller's thread and returns when the exchange is over. Nothing is
+// thrown (what an observer throws passes through). Results of type int are those of a command:
+// 0 for a positive completion reply, 1 for a negative one, -1 for a reply that is neither and
+// for none. One client serves one thread; only Abort() and IsTransferringData() may be called
+// from another one meanwhile.
+//
+// What may be relied on
+// - Every wait (connecting, accepting the server's data connection, each receive and send) is
+//   bounded by the receive time-out; looking up a host name takes as long as the system's
+//   resolver does. One reply as a whole is bounded to four times the receive time-out plus
+//   response delay, 100,000 lines and 8 MiB: what goes beyond closes the session. A transfer as
+//   a whole is not bounded while bytes come: Abort() ends it. A listing is bounded to 64 MiB.
+// - A reply belongs to its command. What a command that timed out, was aborted or broke off is
+//   still owed is read (and reported) before the next command goes out, and so is what a server
+//   sends unasked; when an owed reply does not come in time, when a reply is no reply (no three
+//   digits), and when the peer closes, the session is closed: IsConnected() is false, and
+//   commands give -1 until the next Login().
+// - CR, LF and NUL in an argument of a command, in logon data or in a host name are refused
+//   before a byte is sent; the report names the command.
+// - Paths and names are bytes, sent and given as they are.
+class FORMKITFTP_EXPORT CFTPClient
+{
+public:
+    using IFileListParser = nsFTP::IFileListParser;
+    using ITransferNotification = nsFTP::ITransferNotification;
+
+    // An observer, called synchronously on the client's thread; several of one client in the
+    // order of their addresses. A client or observer that is destroyed leaves all its partners.
+    // From within a call an observer may attach and detach and may call Abort(); it must not
+    // send commands or destroy the client.
+    class FORMKITFTP_EXPORT CNotification
+    {
+    public:
+        CNotification() = default;
+        CNotification(const CNotification &) = delete;
+        CNotification &operator=(const CNotification &) = delete;
+        virtual ~CNotification();
+
+        // Something failed. The source is the name of a unit ("formkit/FtpClient/FTPClient"),
+        // the line a number that stands for a place there: it stays the same in all versions.
+        virtual void OnInternalError(const std::string &message, const std::string &source,
+                                     int line);
+        // Data are about to be received.
+        virtual void OnBeginReceivingData();
+        // The first count bytes of buffer arrived.
+        virtual void OnBytesReceived(const std::vector<char> &buffer, long count);
+        // No more data come: the server ended them, or the transfer was aborted. Not called
+        // when receiving failed. The final reply is still to come.
+        virtual void OnEndReceivingData(long long total);
+        // The first count bytes of buffer were sent.
+        virtual void OnBytesSent(const std::vector<char> &buffer, long count);
+        // An upload is about to begin: the names, the local size in bytes (-1 when unknown) and
+        // the offset from which the local bytes are sent.
+        virtual void OnBeginSendingData(const std::string &localName, const std::string &remoteFile,
+                                        long long localSize, long long offset);
+        // A command is about to be sent, with its arguments, secrets included: logs for other
+        // eyes use CCommand::AsMaskedString().
+        virtual void OnSendCommand(const CCommand &command, const CArg &arguments);
+        // A complete reply came.
+        virtual void OnResponse(const CReply &reply);
+
+    private:
+        friend class CFTPClient;
+        std::set<CFTPClient *> m_Clients;
+    };
+
+    using TObserverSet = std::set<CNotification *>;
+
+    // What to do with an address in a PASV reply that is not the control connection's peer.
+    enum class TPassiveAddress {
+        Use,            // connect there (the default)
+        UseControlHost, // connect to the control connection's peer instead, at the port given
+        Refuse          // give the transfer up
+    };
+
+    // receiveTimeout: seconds for each wait; 0 takes only what is there already.
+    // bufferSize: bytes of the transfer buffer, taken as 2 when less and as 1 GiB when more.
+    // responseDelay: seconds to sleep after every receive of reply text.
+    // initialDirectory: entered after each logon; "." stays where the server begins. An empty
+    // one is a programming error at Login().
+    explicit CFTPClient(const std::shared_ptr<nsSocket::IBlockingSocket> &socket,
+                        unsigned int receiveTimeout = 30, unsigned int bufferSize = 65536,
+                        unsigned int responseDelay = 0, const std::string &initialDirectory = ".");
+    CFTPClient(const CFTPClient &) = delete;
+    CFTPClient &operator=(const CFTPClient &) = delete;
+    // Detaches the observers. Does not log out; the connection ends with the socket.
+    ~CFTPClient();
+
+    void AttachObserver(CNotification *observer);
+    void DetachObserver(CNotification *observer);
+    const TObserverSet &GetObservers() const;
+
+    // Replaces the parser of List(); a CFTPListParser at first.
+    void SetFileListParser(const std::shared_ptr<IFileListParser> &parser);
+    // Whether transfers go on where an earlier one ended; on at first.
+    void SetResumeMode(bool resume);
+    bool IsResumeModeEnabled() const;
+    // Behind a router that translates addresses UseControlHost helps; it and Refuse keep a
+    // server from sending the client to a third host.
+    void SetPassiveAddressPolicy(TPassiveAddress policy);
+    // On: active mode takes the data connection from the control connection's peer only; others
+    // are reported and turned away while the time-out runs. Off at first.
+    void SetAcceptOnlyControlPeer(bool only);
+    // True while data are moved.
+    bool IsTransferringData() const;
+    // True when the control connection is open, as far as is known.
+    bool IsConnected() const;
+
+    // Connects, logs on (see docs/ftp.md for the commands of each firewall) and enters the
+    // initial directory. An open session is logged out first. After a failure the connection
+    // stays open unless it broke.
+    bool Login(const CLogonInfo &logon);
+    // Sends QUIT and closes the connection whatever the reply.
+    int Logout() const;
+
+    // Sends a command; its reply is read with GetResponse().
+    bool SendCommand(const CCommand &command, const CArg &arguments) const;
+    // Sends a command and reads its reply; true when a reply with a code came, whatever it says.
+    bool SendCommand(const CCommand &command, const CArg &arguments, CReply &reply) const;
+    // Reads one reply. After a reply of class 1 a caller reads on for the final one.
+    bool GetResponse(CReply &reply) const;
+    static int SimpleErrorCheck(const CReply &reply);
+
+    int ChangeWorkingDirectory(const std::string &directory) const;
+    int ChangeToParentDirectory() const;
+    int PrintWorkingDirectory() const;
+    int System() const;
+    int Noop() const;
+    int MakeDirectory(const std::string &directory) const;
+    int RemoveDirectory(const std::string &directory) const;
+    int Delete(const std::string &file) const;
+    int SiteParameters(const std::string &text) const;
+    int Help(const std::string &topic = {}) const;
+    int Status(const std::string &path = {}) const;
+    int StructureMount(const std::string &path) const;
+    int Reinitialize() const;
+    int FileStructure(const CStructure &structure) const;
+    int TransferMode(const CTransferMode &mode) const;
+    // "ALLO 100", with a record size "ALLO 100 R 80".
+    int Allocate(int bytes, const int *recordSize = nullptr) const;
+    // Sends TYPE unless this type and format are set already: "TYPE A", "TYPE A N", "TYPE I",
+    // "TYPE L 8". The size goes with L only, as 8 when it is 0; L with another size than the one
+    // set is not sent again.
+    int RepresentationType(const CRepresentation &representation, unsigned int size = 0) const;
+    // RNTO goes out only after a 3xx reply to RNFR; any other reply to that gives 1 when it is
+    // negative, else -1.
+    int Rename(const std::string &from, const std::string &to) const;
+    int Move(const std::string &from, const std::string &to) const;
+    // Gives the time in seconds since 1970-01-01 UTC; -1 and no time when a positive reply
+    // holds none.
+    int FileModificationTime(const std::string &path, long long &seconds) const;
+    // Gives the size in bytes, beyond 4 GiB too; -1 and no size when a positive reply holds no
+    // number that fits. Many servers refuse to tell while the type is ASCII.
+    int FileSize(const std::string &path, long &size) const;
+
+    // Listings are asked for in ASCII. On failure the result is left as it was. Entries that
+    // the parser does not know are dropped; lists of strings hold the lines without line ends,
+    // empty ones left out.
+    bool List(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
+              bool passive) const;
+    bool List(const std::string &path, std::vector<std::string> &result, bool passive) const;
+    // Entries of names only: name and path are set, and an entry may be a directory or a file.
+    bool NameList(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
+                  bool passive) const;
+    bool NameList(const std::string &path, std::vector<std::string> &result, bool passive) const;
+
+    // A transfer is good only when the data ended cleanly and the final reply is positive.
+    //
+    // A download with resume mode on goes on behind the local file's last byte (REST) when the
+    // representation is Image or LocalByte; offsets of ASCII mean something else on each server,
+    // so that such a file is fetched from its beginning. A local file longer than the remote
+    // one, or longer than 32 bits can tell, is refused, and so is a server that refuses REST;
+    // the local file is then untouched. When a server accepts REST and sends the file from its
+    // beginning nevertheless, the download fails and the local file is cut back to what it was.
+    // A download that fails otherwise leaves what arrived.
+    bool DownloadFile(const std::string &remoteFile, const std::string &localFile,
+                      const CRepresentation &representation, bool passive) const;
+    // The same into a stream, whose GetLocalStreamSize() is where a resumed download begins.
+    bool DownloadFile(const std::string &remoteFile, ITransferNotification &notification,
+                      const CRepresentation &representation, bool passive) const;
+    // From this client's server to another client's; see TransferFile().
+    bool DownloadFile(const std::string &sourceFile, const CFTPClient &targetClient,
+                      const std::string &targetFile, const CRepresentation &representation,
+                      bool passive) const;
+
+    // An upload with resume mode on asks for the remote file's size and, when that is above 0,
+    // appends (APPE) the local bytes behind it: an existing remote file is completed, not
+    // replaced. A remote file longer than the local one is refused. storeUnique asks the server
+    // for a name of its own (STOU).
+    bool UploadFile(const std::string &localFile, const std::string &remoteFile, bool storeUnique,
+                    const CRepresentation &representation, bool passive) const;
+    bool UploadFile(ITransferNotification &notification, const std::string &remoteFile,
+                    bool storeUnique, const CRepresentation &representation, bool passive) const;
+    // From another client's server to this client's; see TransferFile().
+    bool UploadFile(const CFTPClient &sourceClient, const std::string &sourceFile,
+                    const std::string &targetFile, const CRepresentation &representation,
+                    bool passive) const;
+    // Lets one server send a file straight to another, from its beginning. passive: the source
+    // listens and the target connects; else the other way round. Both clients must be logged
+    // on; the time-outs must cover the whole transfer. Servers often refuse such transfers.
+    static bool TransferFile(const CFTPClient &source, const std::string &sourceFile,
+                             const CFTPClient &target, const std::string &targetFile,
+                             const CRepresentation &representation, bool passive);
+
+    // While a transfer runs: asks it to stop after the block in hand and gives 0; the transfer
+    // then closes the data connection, sends ABOR and fails. (A transfer that has not come to
+    // its data yet ends before them.) Else sends ABOR. May be called from another thread, which
+    // it never blocks: it gives -1 and does nothing while a command of another kind runs.
+    int Abort() const;
+
+    // The steps of a transfer, for callers that put one together themselves.
+
+    // Runs one data-channel command with the path as its argument; an offset above 0 is sent as
+    // REST before RETR, STOR and APPE when resume mode is on. False also when a transfer runs.
+    bool ExecuteDatachannelCommand(const CCommand &command, const std::string &path,
+                                   const CRepresentation &representation, bool passive,
+                                   unsigned int offset, ITransferNotification &notification) const;
+    bool OpenPassiveDataConnection(nsSocket::IBlockingSocket &dataSocket, const CCommand &command,
+                                   const std::string &path, unsigned int offset) const;
+    bool OpenActiveDataConnection(nsSocket::IBlockingSocket &dataSocket, const CCommand &command,
+                                  const std::string &path, unsigned int offset) const;
+    bool TransferData(const CCommand &command, ITransferNotification &notification,
+                      nsSocket::IBlockingSocket &dataSocket) const;
+    bool SendData(ITransferNotification &notification, nsSocket::IBlockingSocket &dataSocket) const;
+    bool ReceiveData(ITransferNotification &notification,
+                     nsSocket::IBlockingSocket &dataSocket) const;
+    // Sends PASV; the address and port are in host byte order. -1 when a positive reply holds
+    // none.
+    int Passive(unsigned int &ipAddress, unsigned short &port) const;
+    // Sends PORT for a dotted address.
+    int DataPort(const std::string &hostIp, unsigned short port) const;
+    // Sends REST: 0 also for a 3xx reply, which is how a server agrees.
+    int Restart(unsigned int position) const;
+    // Finds six numbers of 0 to 255 parted by commas, blanks around them allowed, with or
+    // without parentheses and on any line of a reply. False, and nothing set, when there are
+    // none, more than six in a row, or a port of 0.
+    static bool GetIpAddressFromResponse(const std::string &reply, unsigned int &ipAddress,
+                                         unsigned short &port);
+
+private:
+    struct Private;
+    class DataCommand;
+
+    int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr) const;
+    bool busy() const;
+    bool execute(const CCommand &command, const std::string &path,
+                 const CRepresentation &representation, bool passive, unsigned int offset,
+                 ITransferNotification &notification) const;
+    bool passiveAddress(sockaddr_in &address) const;
+    bool begin(const CCommand &command, const std::string &path, unsigned int offset) const;
+    bool accept(nsSocket::IBlockingSocket &listener, nsSocket::IBlockingSocket &dataSocket) const;
+    bool abortTransfer(nsSocket::IBlockingSocket &dataSocket) const;
+    void sendAbort() const;
+    bool listLines(const CCommand &command, const std::string &path,
+                   std::vector<std::string> &result, bool passive) const;
+    bool openLocal(CFile &file, CFile::TDirection direction) const;
+
+    std::unique_ptr<Private> d;
+};
+
+} // namespace nsFTP

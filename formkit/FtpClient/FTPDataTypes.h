@@ -1,0 +1,335 @@
+#pragma once
+
+#include "formkit/FtpClient/formkitftp_export.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The vocabulary of FTP as plain values: commands and the facts about them, arguments, replies,
+// the parameters of TYPE, STRU and MODE, firewall and logon data.
+namespace nsFTP {
+
+constexpr char ANONYMOUS_USER[] = "anonymous";
+
+// The arguments of a command, in order.
+class CArg : public std::vector<std::string>
+{
+public:
+    using std::vector<std::string>::vector;
+};
+
+// One command of the protocol.
+class FORMKITFTP_EXPORT CCommand
+{
+public:
+    enum TCommandEnum : int {
+        ABOR,
+        ACCT,
+        ALLO,
+        APPE,
+        CDUP,
+        CWD,
+        DELE,
+        HELP,
+        LIST,
+        MDTM,
+        MKD,
+        MODE,
+        NLST,
+        NOOP,
+        OPEN,
+        PASS,
+        PASV,
+        PORT,
+        PWD,
+        QUIT,
+        REIN,
+        REST,
+        RETR,
+        RMD,
+        RNFR,
+        RNTO,
+        SITE,
+        SIZE,
+        SMNT,
+        STAT,
+        STOR,
+        STOU,
+        STRU,
+        SYST,
+        TYPE,
+        USER
+    };
+
+    // How a command uses a data connection: the server sends, the client sends, none.
+    enum TTypeEnum : int { dataChannelRead = 0, dataChannelWrite = 1, noDataChannel = 2 };
+
+    // Where a command is defined.
+    enum TSpecificationEnum : int { noStandard = 0, rfc959 = 1, rfc3659 = 2 };
+
+    // The facts about one command.
+    class FORMKITFTP_EXPORT IExtendedInfo
+    {
+    public:
+        virtual ~IExtendedInfo();
+        // What goes over the line: "RETR".
+        virtual const std::string &GetServerString() const = 0;
+        // The syntax in the notation of RFC 959: "RETR <SP> <pathname> <CRLF>".
+        virtual const std::string &GetCompleteServerStringSyntax() const = 0;
+        virtual unsigned int GetNumberOfParameters() const = 0;
+        // How many of the parameters may be left out.
+        virtual unsigned int GetNumberOfOptionalParameters() const = 0;
+        virtual TSpecificationEnum GetSpecification() const = 0;
+        virtual TTypeEnum GetType() const = 0;
+    };
+
+    class FORMKITFTP_EXPORT CExtendedInfo : public IExtendedInfo
+    {
+    public:
+        CExtendedInfo(const std::string &serverString, const std::string &syntax,
+                      unsigned int parameters, unsigned int optionalParameters,
+                      TSpecificationEnum specification, TTypeEnum type);
+        const std::string &GetServerString() const override { return m_strServerString; }
+        const std::string &GetCompleteServerStringSyntax() const override { return m_strSyntax; }
+        unsigned int GetNumberOfParameters() const override { return m_nParameters; }
+        unsigned int GetNumberOfOptionalParameters() const override { return m_nOptional; }
+        TSpecificationEnum GetSpecification() const override { return m_enSpecification; }
+        TTypeEnum GetType() const override { return m_enType; }
+
+    private:
+        std::string m_strServerString;
+        std::string m_strSyntax;
+        unsigned int m_nParameters;
+        unsigned int m_nOptional;
+        TSpecificationEnum m_enSpecification;
+        TTypeEnum m_enType;
+    };
+
+    // The table of all commands, built on first use.
+    class FORMKITFTP_EXPORT CCmd2Info
+        : public std::map<TCommandEnum, std::shared_ptr<CExtendedInfo>>
+    {
+    public:
+        // A value outside the enumeration is a programming error.
+        static const IExtendedInfo &Get(TCommandEnum command);
+
+    private:
+        CCmd2Info();
+        static const CCmd2Info &GetInstance();
+        void Insert(TCommandEnum command, const std::string &parameters, unsigned int count,
+                    unsigned int optional, TTypeEnum type, TSpecificationEnum specification);
+    };
+
+    CCommand(TCommandEnum command) : m_enCommand(command) {}
+    operator TCommandEnum() const { return m_enCommand; }
+
+    const IExtendedInfo &GetExtendedInfo() const { return CCmd2Info::Get(m_enCommand); }
+    // The command alone: "RETR".
+    std::string AsString() const;
+    // The command and each argument that is not empty, parted by single blanks, without a line
+    // end. This is what goes over the line: PASS and ACCT show their secrets.
+    std::string AsString(const CArg &arguments) const;
+    // The same for eyes and files: the arguments of PASS and ACCT are shown as "****".
+    std::string AsMaskedString(const CArg &arguments) const;
+
+    bool IsDatachannelReadCommand() const;
+    bool IsDatachannelWriteCommand() const;
+    bool IsDatachannelCommand() const;
+
+private:
+    TCommandEnum m_enCommand;
+};
+
+// A server's reply: its text (lines joined by CR LF, the code included, any byte a server may
+// send) and its code.
+class FORMKITFTP_EXPORT CReply
+{
+public:
+    // The three characters of a reply's code. All questions are answered false when there is
+    // no code.
+    class FORMKITFTP_EXPORT CCode
+    {
+    public:
+        const std::string &Value() const { return m_strValue; }
+        bool IsPositivePreliminaryReply() const { return IsClass('1'); }
+        bool IsPositiveCompletionReply() const { return IsClass('2'); }
+        bool IsPositiveIntermediateReply() const { return IsClass('3'); }
+        bool IsTransientNegativeReply() const { return IsClass('4'); }
+        bool IsPermanentNegativeReply() const { return IsClass('5'); }
+        // One of the three positive classes.
+        bool IsPositiveReply() const;
+        bool IsNegativeReply() const;
+
+    private:
+        friend class CReply;
+        bool IsClass(char digit) const { return !m_strValue.empty() && m_strValue[0] == digit; }
+        std::string m_strValue;
+    };
+
+    // Stores the text and takes the code from its first three characters. False, and no code,
+    // unless the first is a digit from 1 to 5 and the second one from 0 to 5; the third may be
+    // any character.
+    bool Set(const std::string &line);
+    const std::string &Value() const { return m_strValue; }
+    const CCode &Code() const { return m_Code; }
+
+private:
+    std::string m_strValue;
+    CCode m_Code;
+};
+
+// The representation type of TYPE. A value outside the enumeration is a programming error in
+// each AsString() of this file.
+class FORMKITFTP_EXPORT CType
+{
+public:
+    enum TTypeEnum : int { ASCII = 0, EBCDIC = 1, Image = 2, LocalByte = 3 };
+    CType(TTypeEnum type) : m_enType(type) {}
+    operator TTypeEnum() const { return m_enType; }
+    // "A", "E", "I", "L".
+    std::string AsString() const;
+
+private:
+    TTypeEnum m_enType;
+};
+
+// The format control that may follow the types A and E.
+class FORMKITFTP_EXPORT CTypeFormat
+{
+public:
+    enum TTypeFormatEnum : int { None = 0, NonPrint = 1, TelnetFormat = 2, CarriageControl = 3 };
+    CTypeFormat(TTypeFormatEnum format) : m_enFormat(format) {}
+    operator TTypeFormatEnum() const { return m_enFormat; }
+    // "N", "T", "C". None has no text: asking for it is a programming error.
+    std::string AsString() const;
+
+private:
+    TTypeFormatEnum m_enFormat;
+};
+
+// What TYPE sets: a type and its format control.
+class CRepresentation
+{
+public:
+    CRepresentation(CType::TTypeEnum type) : m_Type(type), m_Format(CTypeFormat::None) {}
+    CRepresentation(const CType &type, const CTypeFormat &format = CTypeFormat::None)
+        : m_Type(type), m_Format(format)
+    {
+    }
+    const CType &Type() const { return m_Type; }
+    const CTypeFormat &Format() const { return m_Format; }
+    bool operator==(const CRepresentation &other) const
+    {
+        return m_Type == other.m_Type && m_Format == other.m_Format;
+    }
+    bool operator!=(const CRepresentation &other) const { return !(*this == other); }
+
+private:
+    CType m_Type;
+    CTypeFormat m_Format;
+};
+
+// The file structure of STRU.
+class FORMKITFTP_EXPORT CStructure
+{
+public:
+    enum TStructureEnum : int { File = 0, Record = 1, Page = 2 };
+    CStructure(TStructureEnum structure) : m_enStructure(structure) {}
+    operator TStructureEnum() const { return m_enStructure; }
+    // "F", "R", "P".
+    std::string AsString() const;
+
+private:
+    TStructureEnum m_enStructure;
+};
+
+// The transfer mode of MODE.
+class FORMKITFTP_EXPORT CTransferMode
+{
+public:
+    enum TTransferModeEnum : int { Stream = 0, Block = 1, Compressed = 2 };
+    CTransferMode(TTransferModeEnum mode) : m_enMode(mode) {}
+    operator TTransferModeEnum() const { return m_enMode; }
+    // "S", "B", "C".
+    std::string AsString() const;
+
+private:
+    TTransferModeEnum m_enMode;
+};
+
+// How to log on through a firewall; the commands that each kind sends stand in docs/ftp.md.
+class FORMKITFTP_EXPORT CFirewallType
+{
+public:
+    enum TFirewallTypeEnum : int {
+        NoFirewall = 0,
+        SiteHostName = 1,
+        UserAfterLogon = 2,
+        ProxyOpen = 3,
+        Transparent = 4,
+        UserWithNoLogon = 5,
+        UserFireIDatRemotehost = 6,
+        UserRemoteIDatRemoteHostFireID = 7,
+        UserRemoteIDatFireIDatRemoteHost = 8
+    };
+    CFirewallType(TFirewallTypeEnum type = NoFirewall) : m_enType(type) {}
+    operator TFirewallTypeEnum() const { return m_enType; }
+    // The text for a user: "proxy OPEN".
+    std::string AsDisplayString() const;
+    // The text for settings: "PROXY_OPEN".
+    std::string AsStorageString() const;
+    // Replaces the vector's content by all nine kinds, in the order of their values.
+    static void GetAllTypes(std::vector<CFirewallType> &types);
+
+private:
+    TFirewallTypeEnum m_enType;
+};
+
+// Where and as whom to log on. CR, LF and NUL have no place in any field: Login() refuses them.
+class FORMKITFTP_EXPORT CLogonInfo
+{
+public:
+    // Port 21, user "anonymous", no firewall (its port 21), all else empty.
+    CLogonInfo();
+    CLogonInfo(const std::string &host, unsigned short port = 21,
+               const std::string &user = ANONYMOUS_USER, const std::string &password = {},
+               const std::string &account = {});
+    CLogonInfo(const std::string &host, unsigned short port, const std::string &user,
+               const std::string &password, const std::string &account,
+               const std::string &firewallHost, const std::string &firewallUser,
+               const std::string &firewallPassword, unsigned short firewallPort,
+               const CFirewallType &firewallType);
+
+    void SetHost(const std::string &host, unsigned short port = 21,
+                 const std::string &user = ANONYMOUS_USER, const std::string &password = {},
+                 const std::string &account = {});
+    void SetFirewall(const std::string &host, const std::string &user, const std::string &password,
+                     unsigned short port, const CFirewallType &type);
+
+    const std::string &HostName() const { return m_strHostName; }
+    unsigned short HostPort() const { return m_nHostPort; }
+    const std::string &UserName() const { return m_strUserName; }
+    const std::string &Password() const { return m_strPassword; }
+    const std::string &Account() const { return m_strAccount; }
+    const std::string &FirewallHost() const { return m_strFirewallHost; }
+    const std::string &FirewallUser() const { return m_strFirewallUser; }
+    const std::string &FirewallPassword() const { return m_strFirewallPassword; }
+    unsigned short FirewallPort() const { return m_nFirewallPort; }
+    const CFirewallType &FirewallType() const { return m_FirewallType; }
+
+private:
+    std::string m_strHostName;
+    unsigned short m_nHostPort = 21;
+    std::string m_strUserName = ANONYMOUS_USER;
+    std::string m_strPassword;
+    std::string m_strAccount;
+    std::string m_strFirewallHost;
+    std::string m_strFirewallUser;
+    std::string m_strFirewallPassword;
+    unsigned short m_nFirewallPort = 21;
+    CFirewallType m_FirewallType;
+};
+
+} // namespace nsFTP

@@ -1,0 +1,128 @@
+#include "formkit/FtpClient/FTPStreams.h"
+
+namespace nsFTP {
+
+ITransferNotification::~ITransferNotification() = default;
+
+COutputStream::COutputStream(const std::string &name, size_t limit)
+    : m_strName(name), m_nLimit(limit)
+{
+}
+
+bool COutputStream::GetNextLine(std::string &line)
+{
+    if (m_nRead >= m_strText.size())
+        return false;
+    const size_t end = std::min(m_strText.find('\n', m_nRead), m_strText.size());
+    line.assign(m_strText, m_nRead, end - m_nRead);
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
+    m_nRead = end + 1;
+    return true;
+}
+
+void COutputStream::OnBytesReceived(const std::vector<char> &buffer, long count)
+{
+    m_bGood = m_bGood && size_t(count) <= m_nLimit - m_strText.size();
+    if (m_bGood)
+        m_strText.append(buffer.data(), size_t(count));
+}
+
+void COutputStream::OnPreBytesSend(char * /*buffer*/, unsigned long /*bufferSize*/,
+                                   unsigned long &bytesToSend)
+{
+    bytesToSend = 0;
+}
+
+long long COutputStream::GetLocalStreamSize() const
+{
+    return static_cast<long long>(m_strText.size());
+}
+
+bool COutputStream::SetLocalStreamOffset(long long offset)
+{
+    if (offset < 0 || size_t(offset) > m_strText.size())
+        return false;
+    m_strText.resize(size_t(offset));
+    return true;
+}
+
+CFile::CFile(const std::string &name) : m_File(QFile::decodeName(name.c_str())) {}
+
+CFile::~CFile()
+{
+    if (m_File.isOpen())
+        Close(false);
+}
+
+bool CFile::Open(TDirection direction)
+{
+    m_enDirection = direction;
+    m_bMade = direction == receive && !m_File.exists();
+    const QIODevice::OpenMode mode = direction == send ? QIODevice::ReadOnly : QIODevice::ReadWrite;
+    return m_File.open(mode | QIODevice::Unbuffered);
+}
+
+bool CFile::Close(bool transferIsGood)
+{
+    // Bytes that a receiver asked to be forgotten go too.
+    if (m_enDirection == receive && m_bOffsetPending && (transferIsGood || m_bTouched))
+        goToOffset();
+    m_File.close();
+    if (m_bMade && !m_bTouched && !transferIsGood)
+        m_File.remove();
+    return m_bGood;
+}
+
+std::string CFile::GetErrorText() const
+{
+    return m_File.errorString().toStdString();
+}
+
+void CFile::goToOffset()
+{
+    m_bOffsetPending = false;
+    m_bTouched = true;
+    if (!m_File.isSequential())
+        m_bGood = m_File.resize(m_nOffset) && m_File.seek(m_nOffset) && m_bGood;
+}
+
+void CFile::OnBytesReceived(const std::vector<char> &buffer, long count)
+{
+    if (m_bOffsetPending)
+        goToOffset();
+    m_bGood = m_bGood && m_File.write(buffer.data(), count) == count;
+}
+
+void CFile::OnPreBytesSend(char *buffer, unsigned long bufferSize, unsigned long &bytesToSend)
+{
+    const qint64 count = m_File.read(buffer, qint64(bufferSize));
+    m_bGood = m_bGood && count >= 0;
+    bytesToSend = static_cast<unsigned long>(std::max<qint64>(count, 0));
+}
+
+std::string CFile::GetLocalStreamName() const
+{
+    return _tstring(m_File.fileName());
+}
+
+long long CFile::GetLocalStreamSize() const
+{
+    return m_File.isSequential() ? -1 : m_File.size();
+}
+
+bool CFile::SetLocalStreamOffset(long long offset)
+{
+    if (offset < 0 || (m_File.isSequential() && offset != 0))
+        return false;
+    m_nOffset = offset;
+    m_bOffsetPending = m_enDirection == receive;
+    return m_bOffsetPending || m_File.isSequential() || m_File.seek(offset);
+}
+
+std::string _tstring(const QString &name)
+{
+    return QFile::encodeName(name).toStdString();
+}
+
+} // namespace nsFTP

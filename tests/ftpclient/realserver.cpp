@@ -1,0 +1,227 @@
+#include "realserver.h"
+
+#include <formkit/FtpClient/BlockingSocket.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <csignal>
+
+#include <grp.h>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace {
+
+// joe's, whose password is "secret".
+const QString Hash = "$6$formkit$X/3mZaNUB1rGyxJCl9bxnMMfrVvEGBjkuz2HmX1Bhe/"
+                     "LeRIaCYQ9lCn43oUoE/PdIEB5Of1yH8By9nHDa6NzY1";
+
+const QString Vsftpd = R"(
+listen=YES
+listen_address=127.0.0.1
+listen_port=%port
+background=NO
+run_as_launching_user=YES
+nopriv_user=%user
+ftp_username=%user
+anonymous_enable=YES
+anon_root=%files
+write_enable=YES
+anon_upload_enable=YES
+anon_mkdir_write_enable=YES
+anon_other_write_enable=YES
+anon_world_readable_only=NO
+anon_umask=022
+allow_writeable_chroot=YES
+secure_chroot_dir=%folder/empty
+seccomp_sandbox=NO
+xferlog_enable=NO
+connect_from_port_20=NO
+async_abor_enable=YES
+mdtm_write=NO
+)";
+
+const QString Proftpd = R"(
+ServerType standalone
+DefaultAddress 127.0.0.1
+UseIPv6 off
+Port %port
+User %user
+Group %group
+AuthOrder mod_auth_file.c
+AuthUserFile %folder/passwd
+RequireValidShell off
+RootLogin on
+WtmpLog off
+TransferLog none
+SystemLog none
+PidFile %folder/pid
+ScoreboardFile %folder/scoreboard
+DelayEngine off
+AllowOverwrite on
+AllowStoreRestart on
+AllowRetrieveRestart on
+UseReverseDNS off
+)";
+
+const QString Pyftpdlib = R"(
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import FTPHandler
+from pyftpdlib.servers import FTPServer
+import logging
+logging.basicConfig(level=logging.CRITICAL)
+FTPHandler.authorizer = DummyAuthorizer()
+FTPHandler.authorizer.add_user('joe', 'secret', '%files', perm='elradfmwMT')
+FTPServer(('127.0.0.1', %port), FTPHandler).serve_forever()
+)";
+
+const QString FtpProxy = R"(
+[-Global-]
+AllowMagicUser yes
+ActiveMinDataPort 40000
+ActiveMaxDataPort 49999
+DestinationAddress 127.0.0.1
+ForkLimit 1000
+Listen 127.0.0.1
+Port %port
+PidFile %folder/pid
+LogDestination %folder/log
+)";
+
+sockaddr_in loopback(quint16 port)
+{
+    return nsSocket::CBlockingSocket().GetHostByName("127.0.0.1", port);
+}
+
+bool answers(quint16 port)
+{
+    try {
+        nsSocket::CBlockingSocket socket;
+        socket.Create();
+        sockaddr_in address = loopback(port);
+        socket.Connect(reinterpret_cast<const sockaddr *>(&address));
+    } catch (const nsSocket::CBlockingSocketException &) {
+        return false;
+    }
+    return true;
+}
+
+quint16 freePort()
+{
+    nsSocket::CBlockingSocket socket;
+    socket.Create();
+    sockaddr_in address = loopback(0);
+    socket.Bind(reinterpret_cast<sockaddr *>(&address));
+    socket.GetSockAddr(reinterpret_cast<sockaddr *>(&address));
+    return ntohs(address.sin_port);
+}
+
+void killTree(const QByteArray &process)
+{
+    QFile children("/proc/" + process + "/task/" + process + "/children");
+    if (children.open(QIODevice::ReadOnly)) {
+        const QList<QByteArray> pids = children.readAll().simplified().split(' ');
+        for (const QByteArray &child : pids) {
+            if (!child.isEmpty())
+                killTree(child);
+        }
+    }
+    ::kill(process.toInt(), SIGKILL);
+}
+
+} // namespace
+
+RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
+{
+    QDir(m_folder.path()).mkdir("empty");
+    QDir(m_folder.path()).mkdir("files");
+    // pure-ftpd serves no files as root: whoever runs the tests, its user may write.
+    const QFile::Permissions everything(0x7777);
+    QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7755));
+    QFile::setPermissions(path(""), everything);
+    const QString ids = QString(":%1:%2:").arg(::getuid()).arg(::getgid());
+    const QString virtualIds = ::getuid() == 0 ? QString(":1000:1000:") : ids;
+    const QString bin = SERVERS_FOLDER "/usr/sbin/";
+    if (kind == "vsftpd") {
+        write("conf", Vsftpd);
+        QFile::setPermissions(m_folder.filePath("conf"), QFile::ReadOwner);
+        start(bin + "vsftpd", {m_folder.filePath("conf")});
+    } else if (kind == "proftpd") {
+        write("conf", Proftpd);
+        write("passwd", "joe:" + Hash + ids + ":%files:/bin/sh\n");
+        start(bin + "proftpd", {"-n", "-q", "-c", m_folder.filePath("conf")});
+    } else if (kind == "pure-ftpd") {
+        write("passwd", "joe:" + Hash + virtualIds + ":%files::::::::::::\n");
+        QProcess::execute(SERVERS_FOLDER "/usr/bin/pure-pw",
+                          {"mkdb", m_folder.filePath("pdb"), "-f", m_folder.filePath("passwd")});
+        start(bin + "pure-ftpd",
+              {"-S", QString("127.0.0.1,%1").arg(m_port), "-l",
+               "puredb:" + m_folder.filePath("pdb"), "-H", "-g", m_folder.filePath("pid")});
+    } else if (kind == "pyftpdlib") {
+        write("server.py", Pyftpdlib);
+        start("/usr/bin/python3", {"-W", "ignore", m_folder.filePath("server.py")});
+    } else {
+        m_behind = std::make_unique<RealServer>("pyftpdlib");
+        write("conf", FtpProxy);
+        start(bin + "ftp-proxy", {"-n", "-d", "-f", m_folder.filePath("conf")});
+    }
+}
+
+void RealServer::write(const QString &name, const QString &text) const
+{
+    QString filledIn = text;
+    filledIn.replace("%port", QString::number(m_port))
+        .replace("%files", m_folder.filePath("files"))
+        .replace("%folder", m_folder.path())
+        .replace("%user", ::getpwuid(::getuid())->pw_name)
+        .replace("%group", ::getgrgid(::getgid())->gr_name);
+    QFile file(m_folder.filePath(name));
+    file.open(QIODevice::WriteOnly);
+    file.write(filledIn.toUtf8());
+    file.close();
+    QFile::setPermissions(file.fileName(), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void RealServer::start(const QString &program, const QStringList &arguments)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LD_LIBRARY_PATH",
+                       SERVERS_FOLDER "/lib/" MULTIARCH ":" SERVERS_FOLDER "/usr/lib/" MULTIARCH);
+    environment.insert("PYTHONPATH", SERVERS_FOLDER "/usr/lib/python3/dist-packages");
+    // A sanitizer that a test is run with is no business of the server's.
+    environment.remove("LD_PRELOAD");
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+    m_process.start(program, arguments, QIODevice::ReadOnly);
+    QElapsedTimer timer;
+    timer.start();
+    while (!answers(m_port)) {
+        if (timer.elapsed() > 20000 || m_process.waitForFinished(20)) {
+            m_failure = program + ": " + m_process.errorString() + "\n" + m_process.readAll();
+            return;
+        }
+    }
+}
+
+nsFTP::CLogonInfo RealServer::logon() const
+{
+    if (!m_behind)
+        return {"127.0.0.1", m_port, m_kind == "vsftpd" ? "anonymous" : "joe", "secret"};
+    nsFTP::CLogonInfo logon = m_behind->logon();
+    logon.SetFirewall("127.0.0.1", "", "", m_port, nsFTP::CFirewallType::UserWithNoLogon);
+    return logon;
+}
+
+QString RealServer::path(const QString &file) const
+{
+    return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
+}
+
+void RealServer::kill()
+{
+    if (m_process.state() != QProcess::NotRunning)
+        killTree(QByteArray::number(m_process.processId()));
+    m_process.waitForFinished();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <formkit/FtpClient/FTPDataTypes.h>
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// An FTP server of the unpacked packages, as an ordinary process on loopback with a folder of its
+// own, which is killed with its children in the end.
+class RealServer
+{
+public:
+    // vsftpd, pure-ftpd, proftpd, pyftpdlib, or ftp-proxy in front of a pyftpdlib of its own.
+    explicit RealServer(const QString &kind);
+    ~RealServer() { kill(); }
+
+    // Empty when the server answers, else what went wrong.
+    QString failure() const { return m_failure; }
+    nsFTP::CLogonInfo logon() const;
+    QString path(const QString &file) const;
+    // As a machine that loses its power: the processes that serve connections too.
+    void kill();
+
+private:
+    void write(const QString &name, const QString &text) const;
+    void start(const QString &program, const QStringList &arguments);
+
+    QString m_kind;
+    QTemporaryDir m_folder;
+    quint16 m_port;
+    std::unique_ptr<RealServer> m_behind;
+    QProcess m_process;
+    QString m_failure;
+};
