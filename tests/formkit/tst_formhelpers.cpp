@@ -69,43 +69,37 @@ void FormHelpersTest::sumReportsChangesOnly()
 void FormHelpersTest::captionsOfRejectedNames()
 {
     QWidget form;
-    auto *price = new LineEdit(&form);
-    auto *board = new FormSelector(&form); // bound as StockId and as BoardId
-    QPointer<QLabel> captions[] = {new QLabel(&form), new QLabel(&form)};
-    captions[0]->setBuddy(price);
-    captions[1]->setBuddy(board);
-    const auto red = [&captions] {
-        QString found;
-        for (int i = 0; i < 2; ++i) {
-            if (captions[i] && captions[i]->styleSheet() == QLatin1String("color: red"))
-                found += QString::number(i);
-        }
-        return found;
-    };
+    LineEdit price(&form);
+    FormSelector board(&form); // bound as StockId and as BoardId
+    auto *caption = new QLabel(&form);
+    QLabel other(&form);
+    other.setBuddy(&board);
     Properties hub;
     hub.connectAll(&form);
     FormValidation validation;
+    const auto learn = [&](QLabel *label) {
+        label->setBuddy(&price);
+        validation.setupPropWidgets(hub, &form);
+    };
+    const auto check = [&](const char *names, const QString &first, const QString &second) {
+        validation.set(QString(names).split(' ', Qt::SkipEmptyParts));
+        QCOMPARE(caption->styleSheet() + '/' + other.styleSheet(), first + '/' + second);
+    };
+    const QString red("color: red");
     validation.setupPropWidgets(hub, nullptr);
-    validation.setupPropWidgets(hub, &form);
-    const QPair<QString, QString> steps[] = {{"Value", "0"},   {"StockId BoardId Value", "01"},
-                                             {"BoardId", "1"}, {"Price", ""},
-                                             {"StockId", "1"}, {"", ""}};
-    for (const auto &[names, invalid] : steps) {
-        validation.set(names.split(' ', Qt::SkipEmptyParts));
-        QCOMPARE(red(), invalid);
-    }
-    validation.setInvalidWidgets({price, nullptr, captions[0], captions[1]});
-    QCOMPARE(red(), QString("01"));
-    QVERIFY(price->styleSheet().isEmpty());
-
-    delete captions[0];
+    learn(caption);
+    check("Value", red, "");
+    check("BoardId", "", red);
+    check("StockId BoardId Value", red, red);
+    check("Price", "", "");
+    validation.setInvalidWidgets({&price, nullptr, caption, &other});
+    QCOMPARE(caption->styleSheet() + price.styleSheet(), red);
+    check("", "", "");
+    delete caption;
     validation.set({"Value"});
-    QCOMPARE(red(), QString());
-    captions[0] = new QLabel(&form);
-    captions[0]->setBuddy(price);
-    validation.setupPropWidgets(hub, &form);
-    validation.set({"Value", "StockId"});
-    QCOMPARE(red(), QString("01"));
+    caption = new QLabel(&form);
+    learn(caption);
+    check("Value StockId", red, red);
 }
 
 void FormHelpersTest::stateTrace()

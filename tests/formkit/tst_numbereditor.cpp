@@ -162,9 +162,7 @@ void NumberEditorTest::editing()
 // What is typed leaves the caret in front of the same characters, unless some fall away.
 void NumberEditorTest::randomEdits()
 {
-    const quint32 seed = 20240229;
-    qDebug() << "seed" << seed;
-    QRandomGenerator random(seed);
+    QRandomGenerator random(20240229);
     const QString keys = "<>^$DBWSAZY<>SSSDBDB";
     for (const QLocale &locale :
          QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
@@ -285,7 +283,6 @@ void NumberEditorTest::settingIsSilent()
 {
     NumberEditor editor;
     QSignalSpy changed(&editor, &NumberEditor::changedValue);
-    QCOMPARE(editor.metaObject()->userProperty().name(), "Value");
     editor.setProperty("Value", "1234.5");
     editor.setValue(decimal(u"-1234.50"));
     QCOMPARE(editor.text(), QString("-1,234.50"));
@@ -296,8 +293,6 @@ void NumberEditorTest::settingIsSilent()
     changed.clear();
     editor.setValue("-1234");
     QCOMPARE(seen(editor), QString("-1,234.|"));
-    type(editor, "B");
-    QCOMPARE(seen(editor), QString("-1,234|"));
     editor.setValue("0012");
     type(editor, ".");
     QCOMPARE(editor.getValue(), QString("0012"));

@@ -56,6 +56,7 @@ void DecimalTest::texts()
         {"", "-0.00", 2, "0.00"},
         {"", "05.", 0, "5"},
         {"", "9.223372036854775807", 18, "9.223372036854775807"},
+        {"", "2.5", 0, "3"},
         {"", "-2.5", 0, "-3"},
         {"", "-0.500000000000000000", 0, "-1"},
         {"", "-922337203685477580", 1, "-922337203685477580.0"},
@@ -97,7 +98,6 @@ void DecimalTest::arithmetic()
     const QString overflow = "Decimal overflow.";
     QCOMPARE(outcome([] { return decimal(Max, 0) + 1; }), overflow);
     QCOMPARE(outcome([] { return -decimal(Min); }), overflow);
-    QCOMPARE(outcome([] { return decimal(Min) - decimal(Min); }), QString("0"));
     QCOMPARE(outcome([] { return decimal(10) + decimal(1, 18); }), overflow);
     std::vector<decimal> numbers;
     for (const short scale : {0, 1, 2, 9, 17, 18}) {
