@@ -111,6 +111,7 @@ void ControlsTest::buttonsOfOneName()
     Properties hub;
     hub.connectAll(&form);
     QSignalSpy changes(&market, &PushButtonSend::changedValue);
+    QSignalSpy sides(&buy, &RadioButton::changedValue);
     for (const char *side : {"Sell", "Buy", "Sell"}) {
         hub.setValue("Side", side);
         QVERIFY(buttons[side]->isChecked() && buy.isChecked() != sell.isChecked());
@@ -119,6 +120,7 @@ void ControlsTest::buttonsOfOneName()
     hub.setValue("Type", "Limit");
     QVERIFY(limit.isDefault() && !limit.icon().isNull() && market.icon().isNull());
     QTest::keyClick(&buy, Qt::Key_Space);
+    QCOMPARE(sides.takeFirst()[0].toString(), QString("Buy"));
     for (int click = 0; click < 2; ++click) {
         QCOMPARE(changes.count(), click);
         market.click();
