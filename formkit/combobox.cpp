@@ -6,6 +6,7 @@
 #include <QCompleter>
 #include <QItemSelectionModel>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 
@@ -38,8 +39,10 @@ void ComboBox::showPopup()
 {
     {
         const QSignalBlocker quiet(view());
-        view()->selectionModel()->clearSelection();
+        if (QItemSelectionModel *const selection = view()->selectionModel())
+            selection->clearSelection();
     }
+    const QScopedValueRollback<bool> opening(m_opening, true);
     QComboBox::showPopup();
 }
 
@@ -57,6 +60,9 @@ void ComboBox::chooseWhenLeft()
 
 void ComboBox::leave()
 {
+    // The line edit loses the focus to the list of the box too.
+    if (m_opening || view()->isVisible())
+        return;
     const QString text = currentText();
     if (text.isEmpty() || (currentIndex() >= 0 && itemText(currentIndex()) == text))
         return;
@@ -78,7 +84,7 @@ ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
 
 void ComboBox::markUnmatched(bool unmatched)
 {
-    if (unmatched == m_unmatched)
+    if (unmatched == m_unmatched || !lineEdit())
         return;
     m_unmatched = unmatched;
     lineEdit()->setStyleSheet(unmatched ? QStringLiteral("color: red") : QString());

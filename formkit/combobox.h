@@ -64,6 +64,7 @@ private:
 
     QPointer<ComboBoxValidator> m_validator;
     bool m_measured = false;
+    bool m_opening = false;
     bool m_unmatched = false;
     // The texts of most characters, one of which is likely the widest.
     QStringList m_longest;

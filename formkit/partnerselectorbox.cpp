@@ -42,6 +42,8 @@ PartnerSelectorBox::PartnerSelectorBox(QWidget *parent) : ComboBox(parent)
     connect(this, &QComboBox::editTextChanged, this, &PartnerSelectorBox::edit_changed);
     connect(this, QOverload<int>::of(&QComboBox::activated), this,
             &PartnerSelectorBox::item_activated);
+    connect(this, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &PartnerSelectorBox::noteIndex);
 }
 
 bool PartnerSelectorBox::isRiskAddress() const
@@ -76,13 +78,16 @@ void PartnerSelectorBox::populate()
     const QString text = edit.text();
     const bool wasListed = !text.isEmpty() && m_rows.contains(text);
     const bool wasChosen = wasListed && currentIndex() >= 0 && codeAt(currentIndex()) == text;
-    const bool isCompleting = completer()->popup()->isVisible();
-    const QString prefix = completer()->completionPrefix();
+    const bool isCompleting = completer() && completer()->popup()->isVisible();
+    const QString prefix = isCompleting ? completer()->completionPrefix() : QString();
     {
         const QScopedValueRollback<bool> silent(m_silent, true);
         install(model);
         const bool isEmptied = text.isEmpty() || (wasChosen && !m_rows.contains(text));
-        setCurrentIndex(isEmptied && m_model->rowCount() > 0 ? 0 : m_rows.value(text, -1));
+        if (isEmptied)
+            setCurrentIndex(m_model->rowCount() > 0 ? 0 : -1);
+        else
+            setCurrentIndex(wasListed ? rowOfPartner(text, m_partnerName) : -1);
         setEditText(isEmptied ? QString() : text);
         edit.restoreCaret(lineEdit());
     }
@@ -93,7 +98,8 @@ void PartnerSelectorBox::populate()
     if (wasListed && !m_rows.contains(text))
         edit_changed(currentText());
     else
-        m_partnerName = nameAt(m_rows.value(m_partner, -1));
+        m_partnerName = nameAt(rowOfPartner(m_partner, m_partnerName));
+    m_unreported = !wasListed && m_rows.contains(text);
 }
 
 void PartnerSelectorBox::install(QStandardItemModel *model)
@@ -109,8 +115,10 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
     m_model = model;
     // QComboBox deletes the model before, as it is a child of the box.
     setModel(model);
-    completer()->setModel(model);
-    comboBoxValidator()->setModel(model);
+    if (lineEdit()) {
+        completer()->setModel(model);
+        comboBoxValidator()->setModel(model);
+    }
     setModelColumn(view()->isVisible() ? LineColumn : CodeColumn);
     measureTexts(model);
 }
@@ -118,6 +126,16 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
 QString PartnerSelectorBox::codeAt(int row) const
 {
     return m_model ? m_model->index(row, CodeColumn).data().toString() : QString();
+}
+
+int PartnerSelectorBox::rowOfPartner(const QString &code, const QString &name) const
+{
+    const int first = m_rows.value(code, -1);
+    for (int row = first; row >= 0 && codeAt(row) == code; ++row) {
+        if (nameAt(row) == name)
+            return row;
+    }
+    return first;
 }
 
 QString PartnerSelectorBox::nameAt(int row) const
@@ -170,8 +188,10 @@ void PartnerSelectorBox::edit_changed(const QString &text)
 {
     if (m_silent)
         return;
+    m_unreported = false;
     markUnmatched(false);
-    const int row = m_rows.value(text, -1);
+    const bool isCurrent = currentIndex() >= 0 && codeAt(currentIndex()) == text;
+    const int row = isCurrent ? currentIndex() : m_rows.value(text, -1);
     if (row >= 0) {
         item_activated(row);
         return;
@@ -184,8 +204,16 @@ void PartnerSelectorBox::edit_changed(const QString &text)
     emit changedPartnerName(m_partnerName);
 }
 
+// A typed code that a population has brought is chosen: the text, which would tell, stays.
+void PartnerSelectorBox::noteIndex(int index)
+{
+    if (!m_silent && m_unreported && codeAt(index) == currentText())
+        item_activated(index);
+}
+
 void PartnerSelectorBox::item_activated(int index)
 {
+    m_unreported = false;
     m_partnerName = nameAt(index);
     m_partner = codeAt(index);
     emit changedPartner(m_partner);

@@ -15,7 +15,9 @@ class QStandardItemModel;
 //
 // A population keeps the partner that is chosen and a text that is half typed, and reports
 // nothing. Only when the chosen partner is gone does the box empty itself and report that;
-// when a typed code was that partner's, it stays, and the box reports that it has no name.
+// when a typed code was that partner's, it stays, and the box reports that it has no name. The
+// name of a partner that comes to match a typed code is reported when the user goes on typing
+// or leaves the box.
 //
 // The box chooses when it is left (see ComboBox::chooseWhenLeft()).
 class FORMKIT_EXPORT PartnerSelectorBox : public ComboBox
@@ -70,8 +72,11 @@ private:
     void install(QStandardItemModel *model);
     TextRows rowsOfText(const QString &text) const override;
     void showColumn(Column column);
+    void noteIndex(int index);
     QString codeAt(int row) const;
     QString nameAt(int row) const;
+    // The row of that code and name, else the first of that code, -1 for none.
+    int rowOfPartner(const QString &code, const QString &name) const;
 
     QString m_partner;
     QString m_partnerName;
@@ -81,4 +86,6 @@ private:
     QHash<QString, TextRows> m_foldedRows;
     // True while the box itself changes what the edit field shows.
     bool m_silent = false;
+    // A population has brought the partner whose code was typed.
+    bool m_unreported = false;
 };

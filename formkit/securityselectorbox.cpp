@@ -66,7 +66,8 @@ void SecuritySelectorBox::setBoardCode(const QString &code)
 
 void SecuritySelectorBox::narrow()
 {
-    m_filtered->setStockBoard(m_stockCode, m_boardCode);
+    if (m_filtered)
+        m_filtered->setStockBoard(m_stockCode, m_boardCode);
     setCurrentIndex(-1);
 }
 

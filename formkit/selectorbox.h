@@ -43,7 +43,7 @@ protected:
 
     TextRows rowsOfText(const QString &text) const override;
 
-    SelectorProxyModel *list() const { return m_list; }
+    SelectorProxyModel *list() const;
 
 protected slots:
     // The edit text has changed, by whatever means but a refresh.
@@ -66,7 +66,8 @@ private:
     void report(const QString &text);
     bool isCurrentText(Qt::CaseSensitivity sensitivity) const;
 
-    SelectorProxyModel *m_list;
+    // Null once the host has set a model past setListSource().
+    QPointer<SelectorProxyModel> m_list;
     const QVector<int> m_keyRoles;
     const Qt::CaseSensitivity m_typing;
     std::unique_ptr<Kept> m_kept;

@@ -236,12 +236,21 @@ void PartnerSelectorTest::reports_data()
     row("the second of a code from the list", chosen,
         press({Qt::Key_F4, Qt::Key_Down, Qt::Key_Return}), "partner=BB name=Second of a code",
         "BB|BB|Second of a code|2|2");
+    const auto second = [](Box &b, TestHost &) { b.setCurrentIndex(2); };
+    row("the second of a code by its row", nothing, second, "partner=BB name=Second of a code",
+        "BB|BB|Second of a code|2|2");
+    row("population keeps the second of a code", second,
+        hostHas({partners[1], partners[0], partners[6]}), "", "BB|BB|Second of a code|2|2");
     row(
-        "a completion",
+        "typing over the second of a code", second,
         [](Box &b, TestHost &) {
-            b.show();
-            QTest::keyClicks(&b, "g");
+            QTest::keyClicks(&b, "x");
+            QTest::keyClick(&b, Qt::Key_Backspace);
         },
+        "partner=BBx name= partner=BB name=Second of a code", "BB|BB|Second of a code|2|2");
+
+    row(
+        "a completion", [](Box &b, TestHost &) { QTest::keyClicks(&b, "g"); },
         press({Qt::Key_Down, Qt::Key_Return}), "partner=GG name=Gamma partner=GG name=Gamma",
         "GG|GG|Gamma|3|2");
 
@@ -267,7 +276,16 @@ void PartnerSelectorTest::reports_data()
             QTest::keyClicks(&b, "x");
         },
         populate, "", "BBx|BBx||-1|3");
-    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "", "Bx|Bx|New|0|1");
+    row("population names a typed code", half, hostHas({{"New", "C", "Bx"}}), "", "Bx|Bx|New|-1|1");
+    row(
+        "Enter on a code that a population has brought",
+        [half](Box &b, TestHost &host) {
+            half(b, host);
+            host.table("gx.diler").setRows({{"New", "C", "Bx"}});
+            b.completer()->popup()->hide();
+            b.populate();
+        },
+        press({Qt::Key_Return}), "partner=Bx name=New", "Bx|Bx|New|0|1");
     row(
         "population drops a typed code", [](Box &b, TestHost &) { QTest::keyClicks(&b, "GG"); },
         hostHas({partners[0]}), "partner=GG name=", "GG|GG||-1|2");
@@ -285,11 +303,7 @@ void PartnerSelectorTest::reports_data()
         },
         "", "BB|BB|Beta Bank|1|2");
     row(
-        "population under the completions",
-        [](Box &b, TestHost &) {
-            b.show();
-            QTest::keyClicks(&b, "b");
-        },
+        "population under the completions", [](Box &b, TestHost &) { QTest::keyClicks(&b, "b"); },
         [](Box &b, TestHost &host) {
             host.table("gx.diler").addRow({"Third", "C", "bc"});
             b.populate();
@@ -306,6 +320,9 @@ void PartnerSelectorTest::reports()
     QFETCH(QString, reported);
     QFETCH(QString, state);
     PartnerSelectorBox box;
+    box.show();
+    QVERIFY(QTest::qWaitForWindowActive(&box));
+    box.setFocus();
     given(box, *m_host);
     BoxReports reports(&box);
     when(box, *m_host);

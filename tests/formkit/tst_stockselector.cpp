@@ -162,6 +162,7 @@ void StockSelectorTest::failingHost()
     StockSelectorBox_Code box;
     m_host->table("stocks").failAtCell(5);
     QVERIFY_EXCEPTION_THROWN(box.populate(), Exception);
+    QCOMPARE(box.count(), 4);
     QVERIFY(!m_host->table("stocks").isLocked());
 }
 
