@@ -72,19 +72,18 @@ public:
             return DecimalValidator::validate(input, pos);
         QString text = input;
         int caret = pos;
-        State state =
-            refuses(insertedPart(input, pos)) ? Invalid : DecimalValidator::validate(text, caret);
+        State state = isMisread(input, pos) ? Invalid : DecimalValidator::validate(text, caret);
         if (state != Invalid) {
             input = text;
             pos = caret;
         } else if (mayStay(input)) {
             state = Intermediate;
+        } else {
+            return Invalid;
         }
-        if (state != Invalid) {
-            if (input != m_shown)
-                m_selected = 0;
-            m_shown = input;
-        }
+        if (input != m_shown)
+            m_selected = 0;
+        m_shown = input;
         return state;
     }
 
@@ -94,17 +93,12 @@ private:
     // Undoing leads back to what was shown before.
     bool isUndone() const { return m_editor->isRedoAvailable(); }
 
-    // Single characters are typed; the groups move around them.
-    bool refuses(QStringView inserted) const
-    {
-        return inserted.size() > 1 && isMisgrouped(inserted, LocaleSymbols(locale()));
-    }
-
     bool refusesShown() const
     {
         QString shown = m_shown;
         int pos = 0;
-        return refuses(m_shown) || DecimalValidator::validate(shown, pos) == Invalid;
+        return isMisgrouped(shown, LocaleSymbols(locale())) ||
+               DecimalValidator::validate(shown, pos) == Invalid;
     }
 
     bool mayStay(const QString &text) const
@@ -112,16 +106,22 @@ private:
         return isOfProgram() || isUndone() || (isRemainder(text, m_shown) && refusesShown());
     }
 
-    // What one edit put in front of the caret in place of the selection; the whole text when a
-    // value is shown or a refused text is edited.
-    QStringView insertedPart(const QString &text, int pos) const
+    // Whether separators out of place would be dropped, and make another number: anywhere in a
+    // value that is given, in a text that is asked about again and in a refused one that is
+    // edited; otherwise in what one edit put in front of the caret in place of the selection.
+    // Single characters are typed; the groups move around them.
+    bool isMisread(const QString &text, int pos) const
     {
+        const LocaleSymbols symbols(locale());
+        if (m_isGiven || text == m_shown)
+            return isMisgrouped(text, symbols);
         if (isOfProgram())
-            return m_isGiven ? QStringView(text) : QStringView();
+            return false;
         if (refusesShown())
-            return text;
+            return isMisgrouped(text, symbols);
         const int size = text.size() - (m_shown.size() - m_selected);
-        return size > 0 && size <= pos ? QStringView(text).mid(pos - size, size) : QStringView();
+        return size > 1 && size <= pos &&
+               isMisgrouped(QStringView(text).mid(pos - size, size), symbols);
     }
 
     QLineEdit *m_editor;

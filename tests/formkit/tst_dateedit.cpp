@@ -43,17 +43,12 @@ class DateEditTest : public StrictTest
 
 private slots:
     void newEdit();
-    void setByProgram_data();
     void setByProgram();
     void onlyChangesAreReported();
-    void typing_data();
     void typing();
-    void halfADate_data();
     void halfADate();
-    void calendarByKeyboard_data();
     void calendarByKeyboard();
     void calendarByMouse();
-    void calendarStaysOnTheScreen_data();
     void calendarStaysOnTheScreen();
 };
 
@@ -71,45 +66,41 @@ void DateEditTest::newEdit()
         QVERIFY(edit.lineEdit()->width() > edit.lineEdit()->fontMetrics().horizontalAdvance(text));
 }
 
-void DateEditTest::setByProgram_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QDate>("date");
-    QTest::newRow("system form") << "2015.03.01 00:00:00.000" << QDate(2015, 3, 1);
-    QTest::newRow("other form") << "2015-03-01" << QDate(2015, 3, 1);
-    QTest::newRow("with a time of day") << "2015.03.01 12:30:00.000" << QDate(2015, 3, 1);
-    QTest::newRow("last day of the other century") << "1999.12.31" << QDate(1999, 12, 31);
-    QTest::newRow("leap day of year 00") << "2000.02.29" << QDate(2000, 2, 29);
-    QTest::newRow("next century") << "2100.01.01" << QDate(2100, 1, 1);
-    QTest::newRow("no such day") << "2015.02.29" << QDate();
-    QTest::newRow("the null date") << "1970.01.01" << QDate();
-}
-
 // The date is shown, keeps its value and century, and comes back the same through the hub.
 void DateEditTest::setByProgram()
 {
-    QFETCH(QString, text);
-    QFETCH(QDate, date);
-    DateEdit edit, twin;
-    Properties hub;
-    hub.connectOne("Date", &edit, "Value");
-    hub.connectOne("Date", &twin, "Value");
-    hub.setValue("Date", "2010.10.10");
-    hub.setValue("Date", text);
-    for (const DateEdit *each : {&edit, &twin}) {
-        QCOMPARE(each->getValue(), datetime(date).toString());
-        QCOMPARE(each->currentText(), shown(date));
-        QCOMPARE(each->lineEdit()->styleSheet(), QString());
-    }
-    QCOMPARE(hub.values().value("Date").toString(), edit.getValue());
+    const QPair<QString, QDate> rows[] = {
+        {"2015-03-01", {2015, 3, 1}},
+        {"2015.03.01 12:30:00.000", {2015, 3, 1}},
+        {"1999.12.31", {1999, 12, 31}},
+        {"2000.02.29", {2000, 2, 29}},
+        {"2100.01.01", {2100, 1, 1}},
+        {"2015.02.29", {}},
+        {"1970.01.01", {}},
+    };
+    for (const auto &[text, date] : rows) {
+        DateEdit edit, twin;
+        Properties hub;
+        hub.connectOne("Date", &edit, "Value");
+        hub.connectOne("Date", &twin, "Value");
+        hub.setValue("Date", "2010.10.10");
+        hub.setValue("Date", text);
+        for (const DateEdit *each : {&edit, &twin}) {
+            QCOMPARE(each->getValue(), datetime(date).toString());
+            QCOMPARE(each->currentText(), shown(date));
+            QCOMPARE(each->lineEdit()->styleSheet(), QString());
+        }
+        QCOMPARE(hub.values().value("Date").toString(), edit.getValue());
 
-    // Typed again, a two-digit year is one of this century.
-    if (date.isValid() && !QLocale::system().dateFormat(QLocale::ShortFormat).contains("yyyy"))
-        date.setDate(2000 + date.year() % 100, date.month(), date.day());
-    edit.lineEdit()->clear();
-    QCOMPARE(edit.getValue(), QString());
-    edit.lineEdit()->setText(shown(date));
-    QCOMPARE(edit.getValue(), datetime(date).toString());
+        // Typed again, a two-digit year is one of this century.
+        QDate again = date;
+        if (date.isValid() && !QLocale::system().dateFormat(QLocale::ShortFormat).contains("yyyy"))
+            again.setDate(2000 + date.year() % 100, date.month(), date.day());
+        edit.lineEdit()->clear();
+        QCOMPARE(edit.getValue(), QString());
+        edit.lineEdit()->setText(shown(again));
+        QCOMPARE(edit.getValue(), datetime(again).toString());
+    }
 }
 
 void DateEditTest::onlyChangesAreReported()
@@ -125,10 +116,8 @@ void DateEditTest::onlyChangesAreReported()
     QCOMPARE(edit.currentText(), shown({2015, 3, 1}));
 }
 
-void DateEditTest::typing_data()
+void DateEditTest::typing()
 {
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QDate>("date");
     const QMap<QString, QStringList> texts = {
         {"C", {"1 Mar 2015", "29 Feb 2000"}},    {"de_DE", {"01.03.15", "29.02.00"}},
         {"en_US", {"3/1/15", "2/29/00"}},        {"ru_RU", {"01.03.2015", "29.02.2000"}},
@@ -137,87 +126,68 @@ void DateEditTest::typing_data()
     };
     const QStringList typed = texts[qEnvironmentVariable("LC_ALL").section('.', 0, 0)];
     QCOMPARE(typed.size(), 2);
-    QTest::newRow("a day") << typed[0] << QDate(2015, 3, 1);
-    QTest::newRow("leap day") << typed[1] << QDate(2000, 2, 29);
-}
-
-void DateEditTest::typing()
-{
-    QFETCH(QString, keys);
-    QFETCH(QDate, date);
-    DateEdit edit;
-    QTest::keyClicks(&edit, keys);
-    QCOMPARE(edit.getValue(), datetime(date).toString());
-    QCOMPARE(edit.currentText(), keys);
-    QCOMPARE(edit.lineEdit()->styleSheet(), QString());
-}
-
-void DateEditTest::halfADate_data()
-{
-    QTest::addColumn<int>("leavingKey");
-    QTest::newRow("by Tab") << int(Qt::Key_Tab);
-    QTest::newRow("by Enter") << int(Qt::Key_Return);
+    for (int i = 0; i < 2; ++i) {
+        DateEdit edit;
+        QTest::keyClicks(&edit, typed[i]);
+        QCOMPARE(edit.getValue(), datetime(i ? QDate(2000, 2, 29) : QDate(2015, 3, 1)).toString());
+        QCOMPARE(edit.currentText(), typed[i]);
+        QCOMPARE(edit.lineEdit()->styleSheet(), QString());
+    }
 }
 
 void DateEditTest::halfADate()
 {
-    QFETCH(int, leavingKey);
-    QWidget form;
-    DateEdit edit(&form);
-    QLineEdit next(&form);
-    form.show();
-    edit.setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(&form));
-    edit.setValue("2015-03-01");
-    QSignalSpy changes(&edit, &DateEdit::changedValue);
-    edit.lineEdit()->end(false);
-    for (int i = 0; i < 3; ++i)
-        QTest::keyClick(&edit, Qt::Key_Backspace);
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(edit.getValue(), QString());
-    QCOMPARE(edit.currentText(), shown({2015, 3, 1}).chopped(3));
-    QCOMPARE(edit.lineEdit()->styleSheet(), QString("color: red"));
-    QTest::keyClick(&edit, Qt::Key(leavingKey));
-    QCOMPARE(edit.currentText() + edit.lineEdit()->styleSheet(), QString());
-    QCOMPARE(changes.count(), 1);
-}
-
-void DateEditTest::calendarByKeyboard_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifier");
-    QTest::newRow("Down") << int(Qt::Key_Down) << int(Qt::NoModifier);
-    QTest::newRow("Alt+Down") << int(Qt::Key_Down) << int(Qt::AltModifier);
-    QTest::newRow("F4") << int(Qt::Key_F4) << int(Qt::NoModifier);
+    for (const Qt::Key leavingKey : {Qt::Key_Tab, Qt::Key_Return}) {
+        QWidget form;
+        DateEdit edit(&form);
+        QLineEdit next(&form);
+        form.show();
+        edit.setFocus();
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        edit.setValue("2015-03-01");
+        QSignalSpy changes(&edit, &DateEdit::changedValue);
+        edit.lineEdit()->end(false);
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(&edit, Qt::Key_Backspace);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(edit.getValue(), QString());
+        QCOMPARE(edit.currentText(), shown({2015, 3, 1}).chopped(3));
+        QCOMPARE(edit.lineEdit()->styleSheet(), QString("color: red"));
+        QTest::keyClick(&edit, leavingKey);
+        QCOMPARE(edit.currentText() + edit.lineEdit()->styleSheet(), QString());
+        QCOMPARE(changes.count(), 1);
+    }
 }
 
 void DateEditTest::calendarByKeyboard()
 {
-    QFETCH(int, key);
-    QFETCH(int, modifier);
-    QWidget form;
-    DateEdit edit(&form);
-    form.show();
-    edit.setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(&form));
-    const auto press = [](int inCalendar) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key(inCalendar));
-    };
-    QTest::keyClick(&edit, Qt::Key(key), Qt::KeyboardModifiers(modifier));
-    QVERIFY(openCalendar());
-    QCOMPARE(openCalendar()->selectedDate(), QDate::currentDate());
-    QCOMPARE(openCalendar()->firstDayOfWeek(), QLocale::system().firstDayOfWeek());
-    press(Qt::Key_Escape);
-    QVERIFY(!openCalendar() && edit.hasFocus());
+    const QPair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
+        {Qt::Key_Down, {}}, {Qt::Key_Down, Qt::AltModifier}, {Qt::Key_F4, {}}};
+    for (const auto &key : keys) {
+        QWidget form;
+        DateEdit edit(&form);
+        form.show();
+        edit.setFocus();
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        const auto press = [](int inCalendar) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key(inCalendar));
+        };
+        QTest::keyClick(&edit, key.first, key.second);
+        QVERIFY(openCalendar());
+        QCOMPARE(openCalendar()->selectedDate(), QDate::currentDate());
+        QCOMPARE(openCalendar()->firstDayOfWeek(), QLocale::system().firstDayOfWeek());
+        press(Qt::Key_Escape);
+        QVERIFY(!openCalendar() && edit.hasFocus());
 
-    edit.setValue("1999.12.30 00:00:00.000");
-    QSignalSpy changes(&edit, &DateEdit::changedValue);
-    QTest::keyClick(&edit, Qt::Key(key), Qt::KeyboardModifiers(modifier));
-    press(Qt::Key_Right);
-    press(Qt::Key_Return);
-    QVERIFY(!openCalendar() && edit.hasFocus());
-    QCOMPARE(edit.getValue(), QString("1999.12.31 00:00:00.000"));
-    QCOMPARE(changes.count(), 1);
+        edit.setValue("1999.12.30 00:00:00.000");
+        QSignalSpy changes(&edit, &DateEdit::changedValue);
+        QTest::keyClick(&edit, key.first, key.second);
+        press(Qt::Key_Right);
+        press(Qt::Key_Return);
+        QVERIFY(!openCalendar() && edit.hasFocus());
+        QCOMPARE(edit.getValue(), QString("1999.12.31 00:00:00.000"));
+        QCOMPARE(changes.count(), 1);
+    }
 }
 
 void DateEditTest::calendarByMouse()
@@ -241,27 +211,21 @@ void DateEditTest::calendarByMouse()
     QVERIFY(!calendar);
 }
 
-void DateEditTest::calendarStaysOnTheScreen_data()
-{
-    QTest::addColumn<QPoint>("corner");
-    QTest::newRow("top left") << QPoint(0, 0);
-    QTest::newRow("bottom right") << QPoint(1, 1);
-}
-
 void DateEditTest::calendarStaysOnTheScreen()
 {
-    QFETCH(QPoint, corner);
-    DateEdit edit;
-    edit.setWindowFlag(Qt::FramelessWindowHint);
-    edit.show();
-    const QRect area = edit.screen()->availableGeometry();
-    edit.move(corner.x() * area.width() - edit.width() / 2,
-              corner.y() * (area.height() - edit.height()));
-    edit.showPopup();
-    // The offscreen platform shifts pop-ups by a frame of two pixels.
-    const QRect calendar = openCalendar()->geometry().translated(-2, -2);
-    QVERIFY(area.contains(calendar));
-    QVERIFY(!calendar.intersects(edit.geometry().adjusted(0, 2, 0, -2)));
+    for (const QPoint corner : {QPoint(0, 0), QPoint(1, 1)}) {
+        DateEdit edit;
+        edit.setWindowFlag(Qt::FramelessWindowHint);
+        edit.show();
+        const QRect area = edit.screen()->availableGeometry();
+        edit.move(corner.x() * area.width() - edit.width() / 2,
+                  corner.y() * (area.height() - edit.height()));
+        edit.showPopup();
+        // The offscreen platform shifts pop-ups by a frame of two pixels.
+        const QRect calendar = openCalendar()->geometry().translated(-2, -2);
+        QVERIFY(area.contains(calendar));
+        QVERIFY(!calendar.intersects(edit.geometry().adjusted(0, 2, 0, -2)));
+    }
 }
 
 QTEST_MAIN(DateEditTest)

