@@ -607,13 +607,16 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     if (!listening.passiveAddress(address) ||
         connecting.DataPort(dotted(address.sin_addr), ntohs(address.sin_port)) != 0)
         return false;
-    // The side that listens is told first, but may not answer before it has a connection.
-    const CCommand listens = passive ? CCommand::RETR : CCommand::STOR;
-    const CCommand connects = passive ? CCommand::STOR : CCommand::RETR;
+    // The target is told first: some servers connect as soon as they know the address, and lose
+    // what arrives before they are told to store it. A target that listens may not answer before
+    // it has a connection.
     CReply reply;
-    const bool begun = listening.SendCommand(listens, {passive ? sourceFile : targetFile}) &&
-                       connecting.begin(connects, passive ? targetFile : sourceFile, 0) &&
-                       listening.GetResponse(reply) && reply.Code().IsPositivePreliminaryReply();
+    const bool begun = passive ? target.begin(CCommand::STOR, targetFile, 0) &&
+                                     source.begin(CCommand::RETR, sourceFile, 0)
+                               : target.SendCommand(CCommand::STOR, {targetFile}) &&
+                                     source.begin(CCommand::RETR, sourceFile, 0) &&
+                                     target.GetResponse(reply) &&
+                                     reply.Code().IsPositivePreliminaryReply();
     for (const CFTPClient *client : {&listening, &connecting}) {
         if (!begun && client->d->unanswered > 0)
             client->sendAbort();

@@ -4,6 +4,12 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
 // The rows of a table beside the tests: columns parted by tabs, "-" for nothing, lines that begin
 // with '#' left out; \t, \r and \n are read as such, and %long as many characters.
 inline QList<QStringList> rowsOf(const QString &name)
@@ -26,4 +32,29 @@ inline QList<QStringList> rowsOf(const QString &name)
         rows << cells;
     }
     return rows;
+}
+
+// Checks many rows at a time, as most of them wait most of the time. A check returns what is
+// wrong; the result tells it of every row.
+inline QByteArray faultsOf(const QList<QStringList> &rows,
+                           const std::function<QString(const QStringList &)> &check,
+                           int threadCount = 16)
+{
+    std::atomic<int> next{0};
+    std::mutex mutex;
+    QStringList faults;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&] {
+            for (int at = next++; at < rows.size(); at = next++) {
+                const QString fault = check(rows[at]);
+                const std::lock_guard<std::mutex> guard(mutex);
+                if (!fault.isEmpty())
+                    faults << rows[at].join(" | ").left(200) + ": " + fault;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    return faults.join('\n').toUtf8();
 }

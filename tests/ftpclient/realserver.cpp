@@ -154,6 +154,20 @@ QString RealServer::path(const QString &file) const
     return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
 }
 
+void RealServer::put(const QString &name, const QByteArray &content) const
+{
+    QFile file(path(name));
+    file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    file.write(content);
+    file.setPermissions(QFile::Permissions(0x6666));
+}
+
+QByteArray RealServer::get(const QString &name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
+}
+
 void RealServer::kill()
 {
     if (m_process.state() != QProcess::NotRunning)

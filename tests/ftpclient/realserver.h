@@ -21,11 +21,14 @@ public:
     // pure-ftpd lets nobody in unless root has started it.
     bool needsRoot() const;
     nsFTP::CLogonInfo logon() const;
-    QString path(const QString &file) const;
+    // Lays a file down for everybody, and reads one.
+    void put(const QString &file, const QByteArray &content) const;
+    QByteArray get(const QString &file) const;
     // As a machine that loses its power: the processes that serve connections too.
     void kill();
 
 private:
+    QString path(const QString &file) const;
     void write(const QString &name, const QString &text) const;
     void start(const QString &program, const QStringList &arguments);
 

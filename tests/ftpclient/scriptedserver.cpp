@@ -48,8 +48,12 @@ int listenOnLoopback(quint16 &port)
     return listener;
 }
 
+// Held while sockets are closed or shut: a number that is given back is another server's at once.
+std::mutex closing;
+
 void closeSocket(std::atomic<int> &socket)
 {
+    const std::lock_guard<std::mutex> guard(closing);
     const int old = socket.exchange(-1);
     if (old >= 0)
         ::close(old);
@@ -77,8 +81,11 @@ ScriptedServer::ScriptedServer(const QString &script, bool byteByByte) : m_byteB
 ScriptedServer::~ScriptedServer()
 {
     m_stop = true;
-    for (const int socket : {m_listener, m_control.load(), m_passive.load(), m_data.load()})
-        ::shutdown(socket, SHUT_RDWR);
+    {
+        const std::lock_guard<std::mutex> guard(closing);
+        for (const int socket : {m_listener, m_control.load(), m_passive.load(), m_data.load()})
+            ::shutdown(socket, SHUT_RDWR);
+    }
     m_thread.join();
     ::close(m_listener);
 }

@@ -3,7 +3,6 @@
 #include <formkit/FtpClient/BlockingSocket.h>
 
 #include <array>
-#include <atomic>
 #include <csignal>
 #include <functional>
 #include <memory>
@@ -23,7 +22,7 @@ sockaddr *generic(sockaddr_in &address)
 }
 
 // Two ends of a connection over loopback.
-template <typename Socket> struct Pair
+struct Pair
 {
     Pair()
     {
@@ -35,13 +34,13 @@ template <typename Socket> struct Pair
         listener.Listen();
         far.Create();
         far.Connect(generic(address));
-        accepted = listener.Accept(near, generic(peer));
+        listener.Accept(near, generic(peer));
     }
 
-    Socket near;
+    CHttpBlockingSocket near;
     CBlockingSocket far;
     sockaddr_in peer = {};
-    bool accepted = false;
+    std::array<char, 3000> buffer = {};
 };
 
 QString failureOf(const std::function<void()> &operation)
@@ -49,7 +48,7 @@ QString failureOf(const std::function<void()> &operation)
     try {
         operation();
     } catch (const CBlockingSocketException &exception) {
-        return QString::fromStdString(exception.GetErrorMessage());
+        return QString::fromStdString(exception.GetErrorMessage()).section(" 0x", 0, 0);
     }
     return "none";
 }
@@ -61,8 +60,7 @@ class BlockingSocketTest : public StrictTest
     Q_OBJECT
 
 private slots:
-    void connectsAndTellsAddresses();
-    void writesInPieces();
+    void addresses();
     void failures();
     void closedPeerRaisesNoSignal();
     void interruptedWaitGoesOn();
@@ -70,17 +68,11 @@ private slots:
     void datagrams();
     void errorTexts();
     void headerLines();
-    void headerFaults();
-    void responses();
 };
 
-void BlockingSocketTest::connectsAndTellsAddresses()
+void BlockingSocketTest::addresses()
 {
-    const std::shared_ptr<IBlockingSocket> socket = CreateDefaultBlockingSocketInstance();
-    QCOMPARE(socket->operator SOCKET(), INVALID_SOCKET);
-    QVERIFY(std::unique_ptr<IBlockingSocket>(socket->CreateInstance()));
-    Pair<CBlockingSocket> pair;
-    QVERIFY(pair.accepted);
+    Pair pair;
     sockaddr_in own = {};
     sockaddr_in other = {};
     pair.far.GetSockAddr(generic(own));
@@ -95,82 +87,56 @@ void BlockingSocketTest::connectsAndTellsAddresses()
     QVERIFY(::fcntl(int(pair.near.operator SOCKET()), F_GETFD) & FD_CLOEXEC);
     pair.far.Close();
     pair.far.Close();
-    char byte = 0;
-    QCOMPARE(pair.near.Receive(&byte, 1, 5), 0);
+    QCOMPARE(pair.near.Receive(pair.buffer.data(), 1, 5), 0);
     QVERIFY(pair.near.CheckReadability());
-}
-
-void BlockingSocketTest::writesInPieces()
-{
-    Pair<CBlockingSocket> pair;
-    std::string sent;
-    sent.resize(20000000, 'x');
-    std::string received;
-    std::thread reader([&] {
-        std::vector<char> block(100000);
-        while (const int n = pair.far.Receive(block.data(), int(block.size()), 10))
-            received.append(block.data(), size_t(n));
-    });
-    QCOMPARE(pair.near.Write(sent.data(), int(sent.size()), 10), int(sent.size()));
-    QCOMPARE(pair.near.Write(sent.data(), 0, 10), 0);
-    pair.near.Close();
-    reader.join();
-    QCOMPARE(received.size(), sent.size());
 }
 
 void BlockingSocketTest::failures()
 {
-    Pair<CBlockingSocket> pair;
-    CBlockingSocket unconnected;
-    unconnected.Create();
+    Pair pair;
+    CBlockingSocket lone;
+    lone.Create();
     sockaddr_in address = {};
     address.sin_family = AF_INET;
-    char byte = 0;
-    std::string much;
-    much.resize(50000000, 'x');
-    QCOMPARE(failureOf([&] { pair.near.Receive(&byte, 1, 0); }), "Receive timeout error");
+    const std::string much(50000000, 'x');
+    const auto receive = [&] { pair.near.Receive(pair.buffer.data(), 1, 0); };
+    QCOMPARE(failureOf(receive), "Receive timeout error");
     QCOMPARE(failureOf([&] { pair.near.Write(much.data(), int(much.size()), 0); }),
              "Send timeout error");
-    QVERIFY(failureOf([&] { unconnected.Receive(&byte, 1, 1); }).startsWith("Receive error 0x"));
-    QVERIFY(failureOf([&] {
-                unconnected.GetPeerAddr(generic(address));
-            }).startsWith("GetPeerName error 0x"));
-    QVERIFY(failureOf([&] { pair.near.Bind(generic(address)); }).startsWith("Bind error 0x"));
-    QVERIFY(failureOf([&] { CBlockingSocket().Create(-1); }).startsWith("Create error 0x"));
-    QCOMPARE(failureOf([&] { unconnected.GetHostByName(""); }), "GetHostByName error");
+    QCOMPARE(failureOf([&] { lone.Receive(pair.buffer.data(), 1, 1); }), "Receive error");
+    QCOMPARE(failureOf([&] { lone.GetPeerAddr(generic(address)); }), "GetPeerName error");
+    QCOMPARE(failureOf([&] { pair.near.Bind(generic(address)); }), "Bind error");
+    QCOMPARE(failureOf([&] { CBlockingSocket().Create(-1); }), "Create error");
+    QCOMPARE(failureOf([&] { lone.GetHostByName(""); }), "GetHostByName error");
     // Nobody connects: the wait is over when its limit is.
-    unconnected.Bind(generic(address));
-    unconnected.Listen();
-    unconnected.SetWaitLimit(0);
+    lone.Bind(generic(address));
+    lone.Listen();
+    lone.SetWaitLimit(0);
     CBlockingSocket none;
-    QCOMPARE(failureOf([&] { unconnected.Accept(none, generic(address)); }),
-             QString("Accept error 0x%1").arg(ETIMEDOUT, 8, 16, QChar('0')));
+    QCOMPARE(failureOf([&] { lone.Accept(none, generic(address)); }), "Accept error");
     // Closed behind the object's back.
-    ::close(int(unconnected.operator SOCKET()));
-    QVERIFY(failureOf([&] { unconnected.Listen(); }).startsWith("Listen error 0x"));
-    QVERIFY(failureOf([&] { unconnected.CheckReadability(); }).startsWith("Socket Error error 0x"));
-    const SOCKET handle = unconnected;
-    QVERIFY(failureOf([&] { unconnected.Close(); }).startsWith("Close error 0x"));
-    QCOMPARE(unconnected.operator SOCKET(), handle);
-    unconnected.Cleanup();
-    QCOMPARE(unconnected.operator SOCKET(), INVALID_SOCKET);
+    ::close(int(lone.operator SOCKET()));
+    QCOMPARE(failureOf([&] { lone.Listen(); }), "Listen error");
+    QCOMPARE(failureOf([&] { lone.CheckReadability(); }), "Socket Error error");
+    QCOMPARE(failureOf([&] { lone.Close(); }), "Close error");
+    QVERIFY(lone.operator SOCKET() != INVALID_SOCKET);
+    lone.Cleanup();
+    QCOMPARE(lone.operator SOCKET(), INVALID_SOCKET);
 }
 
 void BlockingSocketTest::closedPeerRaisesNoSignal()
 {
-    Pair<CBlockingSocket> pair;
+    Pair pair;
     const linger reset = {1, 0};
     ::setsockopt(int(pair.far.operator SOCKET()), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
     pair.far.Close();
-    const std::string block(100000, 'x');
-    const auto write = [&] { pair.near.Write(block.data(), int(block.size()), 1); };
-    QVERIFY(failureOf(write).startsWith("Send error 0x"));
-    QVERIFY(failureOf(write).startsWith("Send error 0x"));
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(failureOf([&] { pair.near.Write(pair.buffer.data(), 3000, 1); }), "Send error");
 }
 
 void BlockingSocketTest::interruptedWaitGoesOn()
 {
-    Pair<CBlockingSocket> pair;
+    Pair pair;
     struct sigaction action = {};
     action.sa_handler = [](int) {};
     ::sigaction(SIGUSR1, &action, nullptr);
@@ -182,11 +148,9 @@ void BlockingSocketTest::interruptedWaitGoesOn()
         }
         pair.far.Write("x", 1, 5);
     });
-    char byte = 0;
-    const QString failure = failureOf([&] { pair.near.Receive(&byte, 1, 30); });
+    const QString failure = failureOf([&] { pair.near.Receive(pair.buffer.data(), 1, 30); });
     disturber.join();
     QCOMPARE(failure, "none");
-    QCOMPARE(byte, 'x');
 }
 
 void BlockingSocketTest::handlesAbove1023()
@@ -195,21 +159,16 @@ void BlockingSocketTest::handlesAbove1023()
     ::getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
     ::setrlimit(RLIMIT_NOFILE, &limit);
-    const int taken = ::fcntl(STDERR_FILENO, F_DUPFD, 1024);
-    if (taken < 0)
-        QSKIP("the system allows no handle above 1023");
-    std::vector<int> fillers;
-    while (fillers.empty() || fillers.back() < 1024)
+    std::vector<int> fillers = {::dup(STDERR_FILENO)};
+    while (fillers.back() >= 0 && fillers.back() < 1024)
         fillers.push_back(::dup(STDERR_FILENO));
-    {
-        Pair<CBlockingSocket> pair;
-        QVERIFY(pair.near.operator SOCKET() > 1023);
-        char byte = 0;
-        QCOMPARE(failureOf([&] { pair.near.Receive(&byte, 1, 0); }), "Receive timeout error");
-        pair.far.Write("x", 1, 5);
-        QCOMPARE(pair.near.Receive(&byte, 1, 5), 1);
-    }
-    fillers.push_back(taken);
+    if (fillers.back() < 0)
+        QSKIP("the system allows no handle above 1023");
+    Pair pair;
+    pair.far.Write("x", 1, 5);
+    QCOMPARE(pair.near.Receive(pair.buffer.data(), 1, 5), 1);
+    QCOMPARE(failureOf([&] { pair.near.Receive(pair.buffer.data(), 1, 0); }),
+             "Receive timeout error");
     for (const int filler : fillers)
         ::close(filler);
 }
@@ -225,88 +184,61 @@ void BlockingSocketTest::datagrams()
     one.GetSockAddr(generic(address));
     QCOMPARE(two.SendDatagram("hello", 5, generic(address), 5), 5);
     sockaddr_in sender = {};
-    sockaddr_in own = {};
     std::array<char, 10> buffer = {};
     QCOMPARE(one.ReceiveDatagram(buffer.data(), 10, generic(sender), 5), 5);
-    two.GetSockAddr(generic(own));
-    QCOMPARE(sender.sin_port, own.sin_port);
+    two.GetSockAddr(generic(address));
+    QCOMPARE(sender.sin_port, address.sin_port);
     QCOMPARE(failureOf([&] { one.ReceiveDatagram(buffer.data(), 10, generic(sender), 0); }),
              "Receive timeout error");
-    const std::string tooLong(70000, 'x');
-    QVERIFY(failureOf([&] {
-                two.SendDatagram(tooLong.data(), 70000, generic(address), 1);
-            }).startsWith("SendDatagram error 0x"));
 }
 
 void BlockingSocketTest::errorTexts()
 {
-    errno = ENOENT;
-    const CBlockingSocketException numbered("Send");
-    errno = 0;
-    const CBlockingSocketException plain("Receive timeout");
-    std::array<char, 32> buffer;
-    buffer.fill('?');
-    QVERIFY(!numbered.GetErrorMessage(buffer.data(), 4 + 17));
-    QCOMPARE(buffer[0], '?');
-    QVERIFY(numbered.GetErrorMessage(buffer.data(), 4 + 18));
-    QCOMPARE(QString(buffer.data()), "Send error 0x00000002");
-    QVERIFY(!plain.GetErrorMessage(buffer.data(), 15 + 6));
-    QVERIFY(plain.GetErrorMessage(buffer.data(), 15 + 7));
-    QCOMPARE(QString(buffer.data()), "Receive timeout error");
+    std::array<char, 32> buffer = {};
+    for (const bool numbered : {true, false}) {
+        errno = numbered ? ENOENT : 0;
+        const CBlockingSocketException exception("Send");
+        const unsigned int enough = numbered ? 4 + 18 : 4 + 7;
+        QVERIFY(!exception.GetErrorMessage(buffer.data(), enough - 1));
+        QVERIFY(exception.GetErrorMessage(buffer.data(), enough));
+        QCOMPARE(QString(buffer.data()), numbered ? "Send error 0x00000002" : "Send error");
+    }
     QCOMPARE(CBlockingSocketException(std::string(600, 'x').c_str()).GetErrorMessage(),
              std::string());
 }
 
 void BlockingSocketTest::headerLines()
 {
-    Pair<CHttpBlockingSocket> pair;
-    std::array<char, 32> line = {};
+    Pair pair;
+    char *line = pair.buffer.data();
     pair.far.Write("one\r\ntwo\r\nthree\r\nrest", 21, 5);
-    QCOMPARE(pair.near.ReadHttpHeaderLine(line.data(), 32, 5), 5);
-    QCOMPARE(QByteArray(line.data()), "one\r\n");
+    QCOMPARE(pair.near.ReadHttpHeaderLine(line, 32, 5), 5);
+    QCOMPARE(QByteArray(line), "one\r\n");
     // The second comes from the buffer.
     pair.far.Close();
-    QCOMPARE(pair.near.ReadHttpHeaderLine(line.data(), 32, 5), 5);
-    QCOMPARE(QByteArray(line.data()), "two\r\n");
-    QCOMPARE(pair.near.ReadHttpHeaderLine(line.data(), 0, 5), 0);
+    QCOMPARE(pair.near.ReadHttpHeaderLine(line, 32, 5), 5);
+    QCOMPARE(QByteArray(line), "two\r\n");
     // Cut: the count drops by two bytes only, so that five more seem to be held.
-    QCOMPARE(pair.near.ReadHttpHeaderLine(line.data(), 3, 5), 2);
-    QCOMPARE(QByteArray(line.data()), "th");
-    QCOMPARE(pair.near.ReadHttpResponse(line.data(), 32, 5), 9);
-    QCOMPARE(QByteArray(line.data(), 4), "rest");
-}
-
-void BlockingSocketTest::headerFaults()
-{
-    // No carriage return, a line feed first, the end before the line, longer than the buffer.
+    QCOMPARE(pair.near.ReadHttpHeaderLine(line, 3, 5), 2);
+    QCOMPARE(QByteArray(line), "th");
+    QCOMPARE(pair.near.ReadHttpResponse(line, 32, 5), 9);
+    QCOMPARE(QByteArray(line, 4), "rest");
     for (const QByteArray &bytes : {QByteArray("line\n"), QByteArray("\n"), QByteArray("line"),
                                     QByteArray(3000, 'x') + "\r\n"}) {
-        Pair<CHttpBlockingSocket> pair;
-        pair.far.Write(bytes.constData(), bytes.size(), 5);
-        pair.far.Close();
-        std::array<char, 32> line = {};
-        QCOMPARE(failureOf([&] { pair.near.ReadHttpHeaderLine(line.data(), 32, 5); }),
+        Pair other;
+        other.far.Write(bytes.constData(), bytes.size(), 5);
+        other.far.Close();
+        QCOMPARE(failureOf([&] { other.near.ReadHttpHeaderLine(line, 32, 5); }),
                  "ReadHeaderLine error");
     }
-}
-
-void BlockingSocketTest::responses()
-{
-    Pair<CHttpBlockingSocket> pair;
-    const std::string body(2500, 'b');
-    const std::string text = "head\r\n" + body;
-    pair.far.Write(text.data(), int(text.size()), 5);
-    pair.far.Close();
-    std::vector<char> buffer(3000);
-    QCOMPARE(pair.near.ReadHttpHeaderLine(buffer.data(), 100, 5), 6);
     // Full before the end, and smaller than what is held.
-    QCOMPARE(pair.near.ReadHttpResponse(buffer.data(), 10, 5), 10);
-    QCOMPARE(pair.near.ReadHttpResponse(buffer.data(), 1500, 5), 1500);
-    QCOMPARE(pair.near.ReadHttpResponse(buffer.data(), 3000, 5), 990);
-    QCOMPARE(buffer[989], 'b');
-    Pair<CHttpBlockingSocket> silent;
-    QCOMPARE(failureOf([&] { silent.near.ReadHttpResponse(buffer.data(), 10, 0); }),
-             "Receive timeout error");
+    Pair response;
+    const QByteArray text = "head\r\n" + QByteArray(2500, 'b');
+    response.far.Write(text.constData(), text.size(), 5);
+    response.far.Close();
+    QCOMPARE(response.near.ReadHttpHeaderLine(line, 100, 5), 6);
+    for (const auto &[room, count] : {std::pair(10, 10), {1500, 1500}, {3000, 990}})
+        QCOMPARE(response.near.ReadHttpResponse(line, room, 5), count);
 }
 
 QTEST_GUILESS_MAIN(BlockingSocketTest)
