@@ -19,74 +19,40 @@ namespace {
 
 struct Kind
 {
-    std::function<ComboBox *(QWidget *form, QString *log)> make;
+    ComboBox *(*make)(QWidget *form);
     QVector<QByteArray> properties;
     // Where the model has what tells its rows apart.
     int idRole;
-    int idColumn = 0;
+    int idColumn;
 };
 
-template <typename Box> auto maker(const QMap<QString, void (Box::*)(const QString &)> &reports)
+template <typename Box> ComboBox *make(QWidget *form)
 {
-    return [reports](QWidget *form, QString *log) {
-        auto *const box = new Box(form);
-        for (auto report = reports.cbegin(); report != reports.cend(); ++report)
-            QObject::connect(box, *report, box, [log, name = report.key()](const QString &text) {
-                *log += ' ' + name + '=' + text;
-            });
-        return box;
-    };
+    return new Box(form);
 }
 
-const Kind stock = {maker<StockSelectorBox>({{"id", &StockSelectorBox::stockIdChanged},
-                                             {"code", &StockSelectorBox::stockCodeChanged},
-                                             {"text", &StockSelectorBox::stockChanged}}),
-                    {"StockId", "StockCode"},
-                    StockSelectorModel::IdRole};
-
+const Kind stock = {make<StockSelectorBox>, {"StockId", "StockCode"}, Qt::UserRole + 1, 0};
 const QMap<QString, Kind> kinds = {
     {"stock", stock},
     {"twin", stock},
-    {"codes",
-     {maker<StockSelectorBox_Code>({{"id", &StockSelectorBox_Code::setProp_StockId},
-                                    {"code", &StockSelectorBox_Code::setProp_StockCode},
-                                    {"text", &StockSelectorBox_Code::setProp_Stock}}),
-      {},
-      Qt::UserRole}},
-    {"board",
-     {maker<BoardSelectorBox>({{"id", &BoardSelectorBox::boardIdChanged},
-                               {"code", &BoardSelectorBox::boardCodeChanged},
-                               {"text", &BoardSelectorBox::boardChanged}}),
-      {"BoardId", "BoardCode"},
-      BoardSelectorModel::KeyRole}},
+    {"codes", {make<StockSelectorBox_Code>, {}, Qt::UserRole, 0}},
+    {"board", {make<BoardSelectorBox>, {"BoardId", "BoardCode"}, Qt::UserRole + 1, 0}},
     {"security",
-     {maker<SecuritySelectorBox>({{"id", &SecuritySelectorBox::securityIdChanged},
-                                  {"code", &SecuritySelectorBox::securityChanged},
-                                  {"name", &SecuritySelectorBox::securityNameChanged}}),
+     {make<SecuritySelectorBox>,
       {"SecurityId", "Security", "SecurityName"},
-      SecuritySelectorModel::SecurityIdRole}},
-    {"partner",
-     {maker<PartnerSelectorBox>({{"partner", &PartnerSelectorBox::changedPartner},
-                                 {"name", &PartnerSelectorBox::changedPartnerName}}),
-      {"Partner", "PartnerName"},
-      Qt::DisplayRole,
-      PartnerSelectorBox::NameColumn}}};
+      SecuritySelectorModel::SecurityIdRole,
+      0}},
+    {"partner", {make<PartnerSelectorBox>, {"Partner", "PartnerName"}, Qt::DisplayRole, 2}}};
+
+// What the signals are called in a story.
+const QMap<QByteArray, QString> reports = {
+    {"stockIdChanged", "id"},        {"stockCodeChanged", "code"},  {"stockChanged", "text"},
+    {"setProp_StockId", "id"},       {"setProp_StockCode", "code"}, {"setProp_Stock", "text"},
+    {"boardIdChanged", "id"},        {"boardCodeChanged", "code"},  {"boardChanged", "text"},
+    {"securityIdChanged", "id"},     {"securityChanged", "code"},   {"changedPartner", "partner"},
+    {"securityNameChanged", "name"}, {"changedPartnerName", "name"}};
 
 const QStringList worldWords = {"boxes", "row", "later", "sessions"};
-
-// A model that leaves one name out.
-template <typename Model> class Without : public Model
-{
-public:
-    explicit Without(const QString &name) : m_name(name) {}
-    bool filter(const Record &record) const override
-    {
-        return record.field(record.table()->columnIndex("name")).toString() != m_name;
-    }
-
-private:
-    QString m_name;
-};
 
 QString word(const QString &words, int place)
 {
@@ -121,12 +87,11 @@ void populate(ComboBox *box)
 
 void changeModel(ComboBox *box, const QString &how)
 {
-    const QString left = how.section(' ', 1);
     const bool isNone = how == "none";
     if (auto *const stocks = qobject_cast<StockSelectorBox *>(box))
-        stocks->setSourceModel(isNone ? nullptr : new Without<StockSelectorModel>(left));
+        stocks->setSourceModel(isNone ? nullptr : new StockSelectorModel);
     if (auto *const boards = qobject_cast<BoardSelectorBox *>(box))
-        boards->setSourceModel(isNone ? nullptr : new Without<BoardSelectorModel>(left));
+        boards->setSourceModel(isNone ? nullptr : new BoardSelectorModel);
     if (auto *const securities = qobject_cast<SecuritySelectorBox *>(box))
         securities->setSourceModel(isNone ? nullptr : new SecuritySelectorModel);
 }
@@ -180,8 +145,12 @@ void SelectorDesk::makeBoxes(const QStringList &boxes)
 {
     auto *const layout = new QVBoxLayout(&m_form);
     for (const QString &kind : boxes) {
-        ComboBox *const box = kinds[kind].make(&m_form, &m_log);
+        ComboBox *const box = kinds[kind].make(&m_form);
         box->setObjectName(kind);
+        for (const QByteArray &name : reports.keys()) {
+            if (box->metaObject()->indexOfSignal(name + "(QString)") >= 0)
+                connect(box, '2' + name + "(QString)", this, SLOT(note(QString)));
+        }
         layout->addWidget(box);
     }
     layout->addWidget(m_next = new QLineEdit);
@@ -193,6 +162,12 @@ void SelectorDesk::makeBoxes(const QStringList &boxes)
     m_log.clear();
 }
 
+void SelectorDesk::note(const QString &text)
+{
+    const QByteArray signal = sender()->metaObject()->method(senderSignalIndex()).name();
+    m_log += ' ' + reports[signal] + '=' + text;
+}
+
 void SelectorDesk::learnHandling()
 {
     m_steps["at"] = [this](const QString &kind) {
@@ -200,16 +175,15 @@ void SelectorDesk::learnHandling()
         m_box->setFocus();
     };
     m_steps["set"] = [=](const QString &words) {
-        QVERIFY2(m_box->metaObject()->indexOfProperty(word(words, 0).toLatin1()) >= 0,
-                 qPrintable(words));
-        m_box->setProperty(word(words, 0).toLatin1(), words.section(' ', 1));
+        const QByteArray name = word(words, 0).toLatin1();
+        const QString value = words.section(' ', 1);
+        if (m_box->metaObject()->indexOfProperty(name) >= 0)
+            m_box->setProperty(name, value);
+        else
+            QVERIFY(QMetaObject::invokeMethod(m_box, name, Q_ARG(QString, value)));
     };
     m_steps["hub"] = [this](const QString &words) {
         m_hub.setValue(words.section(' ', 0, 0), words.section(' ', 1));
-    };
-    m_steps["call"] = [=](const QString &words) {
-        QVERIFY(QMetaObject::invokeMethod(m_box, word(words, 0).toLatin1(),
-                                          Q_ARG(QString, words.section(' ', 1))));
     };
     m_steps["type"] = [this](const QString &keys) { QTest::keyClicks(m_box, keys); };
     m_steps["press"] = [this](const QString &keys) {

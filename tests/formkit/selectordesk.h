@@ -21,8 +21,10 @@
 //     shows     text|properties of that kind of box|current row|caret
 //     lit       row in the open list|completion of how many|where the focus is
 //     and more expectations: see learnAnswers().
-class SelectorDesk
+class SelectorDesk : public QObject
 {
+    Q_OBJECT
+
 public:
     SelectorDesk(TestHost *host, const QString &file);
     static QList<DataRow> storiesOf(const QString &file);
@@ -41,6 +43,9 @@ public:
     // Answers an expectation ("shows"), which may name what it is about.
     QString answer(const QString &verb, const QString &about = {}) const;
     QString takeReports();
+
+private slots:
+    void note(const QString &text);
 
 private:
     void fillHost(const QString &file);
