@@ -68,7 +68,6 @@ private slots:
     void boardCheckList();
     void boardRecords();
     void decoders();
-    void displayRole();
     void failingHost_data();
     void failingHost();
     void noHost();
@@ -224,23 +223,6 @@ void SelectorsTest::decoders()
     SecuritySelectorModel alone;
     alone.populate();
     QCOMPARE(alone.rowCount(), 1);
-}
-
-void SelectorsTest::displayRole()
-{
-    const SelectorDesk desk(m_host.get(), "selectors/security.txt");
-    SecuritySelectorModel model;
-    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-    model.setDefaultDataRole(SecuritySelectorModel::BaseCodeRole);
-    model.populate();
-    model.setDefaultDataRole(SecuritySelectorModel::BaseCodeRole);
-    QCOMPARE(changes.count(), 0);
-    QCOMPARE(model.index(3).data(), QVariant("ga"));
-    model.setDefaultDataRole(SecuritySelectorModel::SecurityCodeRole);
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes[0][0].toModelIndex(), model.index(0));
-    QCOMPARE(changes[0][1].toModelIndex(), model.index(5));
-    QVERIFY(changes[0][2].value<QVector<int>>().isEmpty());
 }
 
 void SelectorsTest::failingHost_data()
