@@ -228,8 +228,9 @@ void SelectorsTest::decoders()
 void SelectorsTest::failingHost_data()
 {
     QTest::addColumn<QStringList>("words");
-    for (const QString words : {"stock stocks StockId 5", "board boards BoardId 8",
-                                "security securities SecurityId 10", "partner gx.diler Partner BB"})
+    for (const QString words :
+         {"stock stocks StockId 5", "board boards BoardId 8", "security securities SecurityId 10",
+          "partner gx.diler Partner BB", "codes stocks prop_StockId_changed 2"})
         QTest::newRow(qPrintable(words.section(' ', 0, 0))) << words.split(' ');
 }
 
@@ -247,7 +248,8 @@ void SelectorsTest::failingHost()
     desk.act("populate");
     const int cells = rows.cellReads() - before;
     QVERIFY(cells > 0);
-    const QString refreshes[] = {"populate", words[0] == "partner" ? "populate" : "model new"};
+    const QString refreshes[] = {
+        "populate", words[0] == "partner" || words[0] == "codes" ? "populate" : "model new"};
     for (int cell = 1; cell <= cells; ++cell) {
         for (const QString &refresh : refreshes) {
             rows.failAtCell(cell);
