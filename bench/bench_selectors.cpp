@@ -37,6 +37,7 @@ constexpr Operation Operations[] = {
     {"clear", "clearing the board, one board to all rows", false},
     {"openFirst", "opening the list, first row", false},
     {"openFar", "opening the list, far row", false},
+    {"search", "a letter typed in the open list", false},
     {"id", "choosing by id", false},
     {"code", "choosing by code", false},
     {"populate", "populating", true},

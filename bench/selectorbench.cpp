@@ -192,7 +192,9 @@ SelectorFigure repeat(int enough, const std::function<double(int)> &sample)
 void press(int key, const QString &text = QString())
 {
     QWidget *const popup = QApplication::activePopupWidget();
-    QWidget *const target = popup ? popup : QApplication::focusWidget();
+    QWidget *target = popup ? popup->focusWidget() : QApplication::focusWidget();
+    if (!target)
+        target = popup;
     QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
     QCoreApplication::sendEvent(target, &down);
     QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
@@ -312,6 +314,22 @@ SelectorFigure measureOpening(const QString &side, double place)
         const QAbstractItemView *const view = box->view();
         if (!view->viewport()->rect().intersects(view->visualRect(view->currentIndex())))
             throw std::runtime_error("opening: the current row is not shown");
+        return time;
+    });
+}
+
+// A letter that few names begin with, typed into the open list.
+SelectorFigure measureSearching(const QString &side)
+{
+    return repeat(7, [&](int) {
+        const auto subject = makeShownSubject(side);
+        subject->box()->setCurrentIndex(0);
+        subject->box()->showPopup();
+        settle();
+        const double time = millisecondsOf([&] { press(Qt::Key_Z, QStringLiteral("z")); });
+        const QString found = subject->box()->view()->currentIndex().data().toString();
+        if (!found.startsWith('z', Qt::CaseInsensitive))
+            throw std::runtime_error("searching: the row is not found");
         return time;
     });
 }
@@ -498,5 +516,7 @@ SelectorFigure measureSelector(const QString &side, const QString &operation,
         return measureOpening(side, 0);
     if (operation == QLatin1String("openFar"))
         return measureOpening(side, 0.9);
+    if (operation == QLatin1String("search"))
+        return measureSearching(side);
     return measureBox(side, operation);
 }

@@ -17,8 +17,8 @@ struct SelectorFigure
 
 // Sides:      "ours" the selector box, "stock" Qt's own classes wired as a box, "bare" a loop
 //             that reads the rows into a vector and sorts it.
-// Operations: "type", "typeAlike", "board", "narrow", "clear", "openFirst", "openFar", "id", "code", "populate",
-//             "memory", "memoryShared" and "memoryRefreshed"; of them a bare loop has those about
-//             populating and memory.
+// Operations: "type", "typeAlike", "narrow", "board", "clear", "openFirst", "openFar", "search",
+//             "id", "code", "populate", "memory", "memoryShared" and "memoryRefreshed"; a bare
+//             loop has those about populating and memory.
 SelectorFigure measureSelector(const QString &side, const QString &operation,
                                const QString &database);

@@ -27,17 +27,20 @@ void BoardSelectorBox::setSourceModel(BoardSelectorModel *model)
 
 void BoardSelectorBox::setSecTypeFilter(const QChar &secType)
 {
-    m_filtered->setSecTypeFilter(secType);
+    if (m_filtered)
+        m_filtered->setSecTypeFilter(secType);
 }
 
 void BoardSelectorBox::setBoardFlagsOnFilter(qlonglong boardFlagsOn)
 {
-    m_filtered->setBoardFlagsOnFilter(boardFlagsOn);
+    if (m_filtered)
+        m_filtered->setBoardFlagsOnFilter(boardFlagsOn);
 }
 
 void BoardSelectorBox::setBoardFlagsOffFilter(qlonglong boardFlagsOff)
 {
-    m_filtered->setBoardFlagsOffFilter(boardFlagsOff);
+    if (m_filtered)
+        m_filtered->setBoardFlagsOffFilter(boardFlagsOff);
 }
 
 QString BoardSelectorBox::getStockId() const
@@ -55,8 +58,9 @@ void BoardSelectorBox::setStockCode(const QString &code)
     if (code == m_stockCode)
         return;
     m_stockCode = code;
-    m_filtered->setStockCode(code);
-    setCurrentIndex(-1);
+    if (m_filtered)
+        m_filtered->setStockCode(code);
+    clearChoice();
 }
 
 QString BoardSelectorBox::getBoardId() const

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <formkit/boardselectorfilteredmodel.h>
 #include <formkit/selectorbox.h>
 
-class BoardSelectorFilteredModel;
 class BoardSelectorModel;
 
 // Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
@@ -65,5 +65,5 @@ private slots:
 
 private:
     QString m_stockCode;
-    BoardSelectorFilteredModel *m_filtered;
+    QPointer<BoardSelectorFilteredModel> m_filtered;
 };

@@ -39,7 +39,8 @@ void ComboBox::showPopup()
 {
     {
         const QSignalBlocker quiet(view());
-        view()->selectionModel()->clearSelection();
+        if (QItemSelectionModel *const selection = view()->selectionModel())
+            selection->clearSelection();
     }
     const QScopedValueRollback<bool> opening(m_opening, true);
     QComboBox::showPopup();
@@ -83,7 +84,7 @@ ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
 
 void ComboBox::markUnmatched(bool unmatched)
 {
-    if (unmatched == m_unmatched)
+    if (unmatched == m_unmatched || !lineEdit())
         return;
     m_unmatched = unmatched;
     lineEdit()->setStyleSheet(unmatched ? QStringLiteral("color: red") : QString());

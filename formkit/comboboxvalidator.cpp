@@ -14,11 +14,10 @@ QString ComboBoxValidator::rowText(int row) const
 
 int ComboBoxValidator::firstRowStartingWith(const QString &input) const
 {
-    for (int row = 0; row < m_model->rowCount(); ++row) {
-        if (rowText(row).startsWith(input, Qt::CaseInsensitive))
-            return row;
-    }
-    return -1;
+    // The model's own search, which may know better than to walk.
+    const QModelIndexList found =
+        m_model->match(m_model->index(0, 0), Qt::DisplayRole, input, 1, Qt::MatchStartsWith);
+    return found.isEmpty() ? -1 : found.first().row();
 }
 
 QValidator::State ComboBoxValidator::validate(QString &input, int &) const

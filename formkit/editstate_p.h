@@ -2,18 +2,20 @@
 
 #include <QLineEdit>
 
-// The text, caret and selection of a line edit, which a refresh of a box's list disturbs and
-// then puts back.
+// The text, caret and selection of a box's line edit, which a refresh of the list disturbs and
+// then puts back. A box that was made not editable has none.
 class EditState
 {
 public:
     EditState() = default;
     explicit EditState(const QLineEdit *edit)
-        : m_text(edit->text())
-        , m_caret(edit->cursorPosition())
-        , m_selectionStart(edit->selectionStart())
-        , m_selectionLength(edit->selectionLength())
     {
+        if (!edit)
+            return;
+        m_text = edit->text();
+        m_caret = edit->cursorPosition();
+        m_selectionStart = edit->selectionStart();
+        m_selectionLength = edit->selectionLength();
     }
 
     QString text() const { return m_text; }
@@ -21,7 +23,7 @@ public:
     // Puts caret and selection back, if the edit shows the text.
     void restoreCaret(QLineEdit *edit) const
     {
-        if (edit->text() != m_text)
+        if (!edit || edit->text() != m_text)
             return;
         if (m_selectionStart < 0)
             edit->setCursorPosition(m_caret);

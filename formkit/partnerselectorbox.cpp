@@ -74,12 +74,14 @@ QStandardItemModel *PartnerSelectorBox::readPartners()
 void PartnerSelectorBox::populate()
 {
     QStandardItemModel *const model = readPartners();
+    const QString listCode = codeAt(view()->currentIndex().row());
+    const QString listName = nameAt(view()->currentIndex().row());
     const EditState edit(lineEdit());
     const QString text = edit.text();
     const bool wasListed = !text.isEmpty() && m_rows.contains(text);
     const bool wasChosen = wasListed && currentIndex() >= 0 && codeAt(currentIndex()) == text;
-    const bool isCompleting = completer()->popup()->isVisible();
-    const QString prefix = completer()->completionPrefix();
+    const bool isCompleting = completer() && completer()->popup()->isVisible();
+    const QString prefix = isCompleting ? completer()->completionPrefix() : QString();
     {
         const QScopedValueRollback<bool> silent(m_silent, true);
         install(model);
@@ -87,10 +89,12 @@ void PartnerSelectorBox::populate()
         if (isEmptied)
             setCurrentIndex(m_model->rowCount() > 0 ? 0 : -1);
         else
-            setCurrentIndex(wasListed ? m_rows.value(text, -1) : -1);
+            setCurrentIndex(wasListed ? rowOfPartner(text, m_partnerName) : -1);
         setEditText(isEmptied ? QString() : text);
         edit.restoreCaret(lineEdit());
     }
+    if (view()->isVisible())
+        view()->setCurrentIndex(m_model->index(rowOfPartner(listCode, listName), LineColumn));
     if (isCompleting) {
         completer()->setCompletionPrefix(prefix);
         completer()->complete();
@@ -98,7 +102,7 @@ void PartnerSelectorBox::populate()
     if (wasListed && !m_rows.contains(text))
         edit_changed(currentText());
     else
-        m_partnerName = nameAt(m_rows.value(m_partner, -1));
+        m_partnerName = nameAt(rowOfPartner(m_partner, m_partnerName));
     m_unreported = !wasListed && m_rows.contains(text);
 }
 
@@ -115,8 +119,10 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
     m_model = model;
     // QComboBox deletes the model before, as it is a child of the box.
     setModel(model);
-    completer()->setModel(model);
-    comboBoxValidator()->setModel(model);
+    if (lineEdit()) {
+        completer()->setModel(model);
+        comboBoxValidator()->setModel(model);
+    }
     setModelColumn(view()->isVisible() ? LineColumn : CodeColumn);
     measureTexts(model);
 }
@@ -124,6 +130,16 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
 QString PartnerSelectorBox::codeAt(int row) const
 {
     return m_model ? m_model->index(row, CodeColumn).data().toString() : QString();
+}
+
+int PartnerSelectorBox::rowOfPartner(const QString &code, const QString &name) const
+{
+    const int first = m_rows.value(code, -1);
+    for (int row = first; row >= 0 && codeAt(row) == code; ++row) {
+        if (nameAt(row) == name)
+            return row;
+    }
+    return first;
 }
 
 QString PartnerSelectorBox::nameAt(int row) const
@@ -178,7 +194,8 @@ void PartnerSelectorBox::edit_changed(const QString &text)
         return;
     m_unreported = false;
     markUnmatched(false);
-    const int row = m_rows.value(text, -1);
+    const bool isCurrent = currentIndex() >= 0 && codeAt(currentIndex()) == text;
+    const int row = isCurrent ? currentIndex() : m_rows.value(text, -1);
     if (row >= 0) {
         item_activated(row);
         return;

@@ -75,6 +75,8 @@ private:
     void noteIndex(int index);
     QString codeAt(int row) const;
     QString nameAt(int row) const;
+    // The row of that code and name, else the first of that code, -1 for none.
+    int rowOfPartner(const QString &code, const QString &name) const;
 
     QString m_partner;
     QString m_partnerName;

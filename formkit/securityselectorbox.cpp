@@ -66,8 +66,9 @@ void SecuritySelectorBox::setBoardCode(const QString &code)
 
 void SecuritySelectorBox::narrow()
 {
-    m_filtered->setStockBoard(m_stockCode, m_boardCode);
-    setCurrentIndex(-1);
+    if (m_filtered)
+        m_filtered->setStockBoard(m_stockCode, m_boardCode);
+    clearChoice();
 }
 
 QString SecuritySelectorBox::getSecurityId() const

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <formkit/securityselectorfilteredmodel.h>
 #include <formkit/selectorbox.h>
 
-class SecuritySelectorFilteredModel;
 class SecuritySelectorModel;
 
 // Selects a security of one board of one exchange by what its model shows (the name, unless
@@ -80,5 +80,5 @@ private:
     qint32 m_stockId = 0;
     QString m_boardCode;
     QString m_securityCode;
-    SecuritySelectorFilteredModel *m_filtered;
+    QPointer<SecuritySelectorFilteredModel> m_filtered;
 };

@@ -5,6 +5,8 @@
 #include "selectorcompleter_p.h"
 #include "selectorproxymodel.h"
 
+#include <QCompleter>
+
 // What a refresh brings back.
 struct SelectorBox::Kept
 {
@@ -49,9 +51,14 @@ SelectorBox::SelectorBox(SelectorProxyModel *list, const QVector<int> &keyRoles,
 
 SelectorBox::~SelectorBox() = default;
 
+SelectorProxyModel *SelectorBox::list() const
+{
+    return m_list;
+}
+
 void SelectorBox::setListSource(QAbstractItemModel *model)
 {
-    QAbstractItemModel *const before = m_list->sourceModel();
+    QAbstractItemModel *const before = m_list ? m_list->sourceModel() : model;
     if (before == model)
         return;
     m_list->setSourceModel(model);
@@ -98,8 +105,9 @@ bool SelectorBox::isCurrentText(Qt::CaseSensitivity sensitivity) const
 
 int SelectorBox::rowOfText(Qt::CaseSensitivity sensitivity) const
 {
-    return isCurrentText(sensitivity) ? currentIndex()
-                                      : m_list->rowOfText(currentText(), sensitivity);
+    if (isCurrentText(sensitivity))
+        return currentIndex();
+    return m_list ? m_list->rowOfText(currentText(), sensitivity) : -1;
 }
 
 QVariant SelectorBox::dataOfText(int role) const
@@ -110,6 +118,8 @@ QVariant SelectorBox::dataOfText(int role) const
 
 void SelectorBox::chooseKey(int role, const QVariant &key)
 {
+    if (!m_list)
+        return;
     const int row = m_list->rowsOfKey(role, key).value(0, -1);
     const QString before = currentText();
     const bool isOther = row != currentIndex();
@@ -119,14 +129,23 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
         report(before);
 }
 
+void SelectorBox::clearChoice()
+{
+    if (completer())
+        completer()->popup()->hide();
+    setCurrentIndex(-1);
+}
+
 void SelectorBox::beginRefresh()
 {
     m_refreshing = true;
     *m_kept = Kept();
     m_kept->edit = EditState(lineEdit());
     m_kept->wasChoice = m_showsChoice;
-    m_kept->completing = completer()->popup()->isVisible();
-    m_kept->prefix = completer()->completionPrefix();
+    if (completer()) {
+        m_kept->completing = completer()->popup()->isVisible();
+        m_kept->prefix = completer()->completionPrefix();
+    }
     // A source that was destroyed has nothing left to read.
     if (!m_list->sourceModel())
         return;
@@ -149,9 +168,12 @@ void SelectorBox::endRefresh()
 
     if (view()->isVisible())
         view()->setCurrentIndex(m_list->index(rowOfKey(m_kept->listKey), 0));
-    if (m_kept->completing) {
+    const bool isEmptied = m_kept->wasChoice && row < 0;
+    if (m_kept->completing && !isEmptied) {
         completer()->setCompletionPrefix(m_kept->prefix);
         completer()->complete();
+    } else if (m_kept->completing) {
+        completer()->popup()->hide();
     }
     const bool stoodForARow = m_kept->wasChoice || !m_kept->key.isEmpty();
     if (stoodForARow && (row < 0 || rowOfTypedText() != row))
@@ -176,6 +198,8 @@ void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &b
     m_refreshing = false;
     noteChoice();
     const bool isWholeList = topLeft.row() != bottomRight.row();
+    if (isWholeList)
+        measureTexts(m_list->sourceModel());
     if (isTyped ? isWholeList : shown != m_kept->edit.text())
         report(currentText());
 }
@@ -203,5 +227,7 @@ int SelectorBox::rowOfKey(const QVariantList &key) const
 
 ComboBox::TextRows SelectorBox::rowsOfText(const QString &text) const
 {
+    if (!m_list)
+        return ComboBox::rowsOfText(text);
     return {m_list->rowOfText(text, Qt::CaseInsensitive), m_list->countOfText(text)};
 }

@@ -36,6 +36,8 @@ protected:
 
     // The row that typed text stands for, -1 for none.
     int rowOfTypedText() const { return rowOfText(m_typing); }
+    // Shows no choice and an empty text.
+    void clearChoice();
     // The data of the row of the edit text, in any letter case; invalid for none.
     QVariant dataOfText(int role) const;
     // Chooses the first row of a key, if there is one.
@@ -43,7 +45,7 @@ protected:
 
     TextRows rowsOfText(const QString &text) const override;
 
-    SelectorProxyModel *list() const { return m_list; }
+    SelectorProxyModel *list() const;
 
 protected slots:
     // The edit text has changed, by whatever means but a refresh.
@@ -66,7 +68,8 @@ private:
     void report(const QString &text);
     bool isCurrentText(Qt::CaseSensitivity sensitivity) const;
 
-    SelectorProxyModel *m_list;
+    // Null once the host has set a model past setListSource().
+    QPointer<SelectorProxyModel> m_list;
     const QVector<int> m_keyRoles;
     const Qt::CaseSensitivity m_typing;
     std::unique_ptr<Kept> m_kept;

@@ -227,8 +227,7 @@ void SelectorProxyModel::moveInSourceOrder(int sourceRow)
         return comparison != 0 ? comparison < 0 : a < b;
     };
     const int from = m->sourcePlaces.at(sourceRow);
-    const bool isBehind = from == 0 || isBefore(order.at(from - 1), sourceRow);
-    if (isBehind && (from == order.size() - 1 || isBefore(sourceRow, order.at(from + 1))))
+    if (isBetweenNeighbours(order, from, true))
         return;
     order.remove(from);
     const auto next = std::lower_bound(order.begin(), order.end(), sourceRow, isBefore);
@@ -258,12 +257,11 @@ bool SelectorProxyModel::staysInPlace(int sourceRow) const
 bool SelectorProxyModel::isBetweenNeighbours(const QVector<int> &rows, int position,
                                              bool ascending) const
 {
-    const auto textOf = [this](int row) { return sourceModel()->index(row, 0).data().toString(); };
     const auto inOrder = [&](int upper, int lower) {
         if (upper < 0 || lower >= rows.size())
             return true;
         const int order =
-            textOf(rows.at(upper)).compare(textOf(rows.at(lower)), Qt::CaseInsensitive);
+            sourceText(rows.at(upper)).compare(sourceText(rows.at(lower)), Qt::CaseInsensitive);
         return order == 0 ? rows.at(upper) < rows.at(lower) : (order < 0) == ascending;
     };
     return inOrder(position - 1, position) && inOrder(position, position + 1);
@@ -273,6 +271,8 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
                                            const QModelIndex &bottomRight,
                                            const QVector<int> &roles)
 {
+    if (!topLeft.isValid() || !bottomRight.isValid())
+        return;
     const bool isOneRow = topLeft.row() == bottomRight.row();
     if (isOneRow)
         moveInSourceOrder(topLeft.row());
@@ -282,10 +282,6 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
         relayout();
         if (!isOneRow && !m->shown.isEmpty())
             emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), roles);
-    } else if (!m->sourceOrder.isEmpty() &&
-               !isBetweenNeighbours(m->sourceOrder, m->sourcePlaces.at(topLeft.row()), true)) {
-        // It would stand elsewhere among rows that the filter hides.
-        m->sourceOrder.clear();
     }
     const int row = isOneRow ? m->proxyRow(topLeft.row()) : -1;
     if (row >= 0)
@@ -359,6 +355,20 @@ int SelectorProxyModel::rowOfText(const QString &wanted, Qt::CaseSensitivity sen
     return -1;
 }
 
+// The first row from one on that starts with a text, ignoring case; such rows stand together.
+int SelectorProxyModel::rowStartingWith(const QString &beginning, int from, bool wrap) const
+{
+    const int first = firstNotBefore(beginning, false);
+    const auto starts = [&](int row) {
+        return row < m->shown.size() && text(row).startsWith(beginning, Qt::CaseInsensitive);
+    };
+    if (!starts(first))
+        return -1;
+    if (from > first && starts(from))
+        return from;
+    return from <= first || wrap ? first : -1;
+}
+
 int SelectorProxyModel::countOfText(const QString &wanted) const
 {
     if (m->order != Mapping::Source)
@@ -387,6 +397,12 @@ QModelIndexList SelectorProxyModel::match(const QModelIndex &start, int role, co
                                           int hits, Qt::MatchFlags flags) const
 {
     const auto type = flags & 0x0f;
+    if (type == Qt::MatchStartsWith && role == Qt::DisplayRole && hits == 1 && start.isValid() &&
+        start.column() == 0 && !(flags & Qt::MatchCaseSensitive) &&
+        m->order == Mapping::Ascending) {
+        const int row = rowStartingWith(value.toString(), start.row(), flags & Qt::MatchWrap);
+        return row < 0 ? QModelIndexList() : QModelIndexList{index(row, 0)};
+    }
     const bool wholeText = type == Qt::MatchExactly || type == Qt::MatchFixedString;
     const bool indexed = start.row() == 0 && start.column() == 0 && hits == 1 && wholeText;
     const bool isText = value.userType() == QMetaType::QString;

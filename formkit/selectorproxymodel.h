@@ -77,7 +77,8 @@ public:
     bool removeColumns(int column, int count, const QModelIndex &parent = QModelIndex()) override;
     bool canFetchMore(const QModelIndex &parent) const override;
     void fetchMore(const QModelIndex &parent) override;
-    // Whole-text and key look-ups of one hit from the first row on do not walk the list.
+    // Look-ups of one hit do not walk the list: of a whole text or key from the first row on,
+    // of a beginning of the text, ignoring case, from any row on.
     QModelIndexList match(const QModelIndex &start, int role, const QVariant &value, int hits = 1,
                           Qt::MatchFlags flags = Qt::MatchFlags(Qt::MatchStartsWith |
                                                                 Qt::MatchWrap)) const override;
@@ -117,6 +118,7 @@ private:
     QString sourceText(int sourceRow) const;
     QString text(int row) const;
     int firstNotBefore(const QString &text, bool orEqual) const;
+    int rowStartingWith(const QString &beginning, int from, bool wrap) const;
 
     std::unique_ptr<Mapping> m;
 };

@@ -1,5 +1,7 @@
 #include "stockselectorbox_code.h"
 
+#include "stockselectormodel.h"
+
 #include <hostapi/icore.h>
 
 namespace {
@@ -28,10 +30,14 @@ void StockSelectorBox_Code::populate()
     const int codeColumn = table->columnIndex(QStringLiteral("stock_code"));
 
     const TableLock lock(table);
+    QVector<StockSelectorModel::Data> rows;
+    for (const Record &record : *table->masterIndex())
+        rows.append({true, record.field(idColumn).toInteger(), record.field(nameColumn).toString(),
+                     record.field(codeColumn).toString()});
     clear();
-    for (const Record &record : *table->masterIndex()) {
-        addItem(record.field(codeColumn).toString(), record.field(idColumn).toInteger());
-        setItemData(count() - 1, record.field(nameColumn).toString(), NameRole);
+    for (const StockSelectorModel::Data &row : qAsConst(rows)) {
+        addItem(row.code, row.id);
+        setItemData(count() - 1, row.name, NameRole);
     }
     if (count() > 0)
         setCurrentIndex(0);

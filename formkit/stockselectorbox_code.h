@@ -14,7 +14,8 @@ public:
     explicit StockSelectorBox_Code(QWidget *parent = nullptr);
 
     // Reads the host's table "stocks" anew, under its lock. The first exchange becomes
-    // current; setProp_StockId("0") is emitted all the same.
+    // current; setProp_StockId("0") is emitted all the same. What the host throws passes
+    // through, with the lock given back and the list left as it was.
     void populate();
 
 signals:

@@ -148,7 +148,8 @@ private:
     int m_nWaitLimit = -1;
 };
 
-// A socket with a read-ahead buffer of 1000 bytes for replies that come in lines.
+// A socket with a read-ahead buffer of 1000 bytes for replies that come in lines. Sockets that it
+// creates are plain CBlockingSockets.
 class FORMKITFTP_EXPORT CHttpBlockingSocket : public CBlockingSocket
 {
 public:

@@ -19,7 +19,7 @@ namespace {
 constexpr char SourceName[] = "formkit/FtpClient/FTPClient";
 
 constexpr size_t MaxReplyLines = 100000;
-constexpr size_t MaxReplyBytes = 8U * 1024 * 1024;
+constexpr size_t MaxReplyBytes = size_t(8) << 20;
 constexpr int MaxUnaskedReplies = 100;
 
 // The logon of each firewall type, in steps of three: what to send, and the step that follows a
@@ -282,6 +282,8 @@ bool CFTPClient::Private::takeText()
             while ((end = partialLine.find('\n', end)) != std::string::npos) {
                 lines.push_back(partialLine.substr(begin, ++end - begin));
                 begin = end;
+                if (limitPassed(lines.size(), replyBytes))
+                    return false;
             }
             partialLine.erase(0, begin);
         } while (count == room && control->CheckReadability());

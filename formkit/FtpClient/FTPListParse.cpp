@@ -95,6 +95,20 @@ void setTime(CFTPFileStatus &status, int type, long long seconds)
 const char *const CFTPListParser::m_Months[12] = {"jan", "feb", "mar", "apr", "may", "jun",
                                                   "jul", "aug", "sep", "oct", "nov", "dec"};
 
+void CFTPFileStatus::Reset()
+{
+    // Cleared in place: strings keep their memory for the next line.
+    for (std::string *text : {&name, &path, &attributes, &owner, &group, &links, &id})
+        text->clear();
+    tryCwd = false;
+    tryRetrieve = false;
+    sizeType = sizeUnknown;
+    size = -1;
+    mtimeType = timeUnknown;
+    mtime = 0;
+    idType = idUnknown;
+}
+
 bool CFTPFileStatus::operator==(const CFTPFileStatus &other) const
 {
     const auto fields = [](const CFTPFileStatus &s) {
@@ -406,7 +420,8 @@ bool CFTPListParser::GetLong(const char *text, size_t length, long &value)
         if (!isDigit(text[i]))
             return false;
         const long digit = text[i] - '0';
-        if (result > (Largest - digit) / 10)
+        // Eighteen digits always fit.
+        if (i >= 18 && result > (Largest - digit) / 10)
             return false;
         result = result * 10 + digit;
     }

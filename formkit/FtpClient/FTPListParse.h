@@ -19,7 +19,7 @@ public:
     enum TIdType { idUnknown = 0, idFull = 1 };
 
     // Back to the values that stand beside the members.
-    void Reset() { *this = CFTPFileStatus(); }
+    void Reset();
     bool operator==(const CFTPFileStatus &other) const;
     bool operator!=(const CFTPFileStatus &other) const { return !(*this == other); }
 

@@ -42,7 +42,7 @@ public:
 class FORMKITFTP_EXPORT COutputStream : public ITransferNotification
 {
 public:
-    static constexpr size_t DefaultLimit = 64U * 1024 * 1024;
+    static constexpr size_t DefaultLimit = size_t(64) << 20;
 
     explicit COutputStream(const std::string &name, size_t limit = DefaultLimit);
 

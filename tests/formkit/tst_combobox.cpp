@@ -1,5 +1,8 @@
+#include <formkit/boardselectorbox.h>
 #include <formkit/combobox.h>
 #include <formkit/dateedit.h>
+#include <formkit/partnerselectorbox.h>
+#include <formkit/securityselectorbox.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
 
@@ -10,6 +13,7 @@
 #include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSortFilterProxyModel>
 #include <QStandardItemModel>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -31,6 +35,8 @@ private slots:
     void popup();
     void manners_data();
     void manners();
+    void takenApart_data() { manners_data(); }
+    void takenApart();
 };
 
 void ComboBoxTest::newBox()
@@ -115,6 +121,9 @@ void ComboBoxTest::manners_data()
     QTest::newRow("DateEdit") << Make([]() -> QComboBox * { return new DateEdit; });
     QTest::newRow("exchange") << Make([]() -> QComboBox * { return new StockSelectorBox; });
     QTest::newRow("code") << Make([]() -> QComboBox * { return new StockSelectorBox_Code; });
+    QTest::newRow("board") << Make([]() -> QComboBox * { return new BoardSelectorBox; });
+    QTest::newRow("security") << Make([]() -> QComboBox * { return new SecuritySelectorBox; });
+    QTest::newRow("partner") << Make([]() -> QComboBox * { return new PartnerSelectorBox; });
 }
 
 void ComboBoxTest::manners()
@@ -158,6 +167,41 @@ void ComboBoxTest::manners()
     QVERIFY(!(box->focusPolicy() & ~Qt::StrongFocus));
     box->setFocus();
     QCOMPARE(turnWheel(), 1);
+}
+
+// A box whose model, line edit or source a host has replaced or destroyed.
+void ComboBoxTest::takenApart()
+{
+    QFETCH(Make, makeBox);
+    const auto use = [](QComboBox *box) {
+        box->show();
+        for (const char *const property : {"StockId", "BoardId", "SecurityId", "Partner"}) {
+            box->setProperty(property, "1");
+            QVERIFY(box->property(property).toString().size() <= 1);
+        }
+        QTest::keyClicks(box, "x");
+        QTest::keyClick(box, Qt::Key_Return);
+        box->showPopup();
+        box->hidePopup();
+    };
+    using Change = void (*)(QComboBox *);
+    for (const Change change :
+         {Change([](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); }),
+          Change([](QComboBox *box) { delete box->model(); }), Change([](QComboBox *box) {
+              auto *const proxy = qobject_cast<QAbstractProxyModel *>(box->model());
+              delete (proxy ? proxy->sourceModel() : nullptr);
+          }),
+          Change([](QComboBox *box) { box->setEditable(false); })}) {
+        const std::unique_ptr<QComboBox> box(makeBox());
+        const QPointer<QAbstractItemModel> model = box->model();
+        change(box.get());
+        use(box.get());
+        if (auto *const proxy = qobject_cast<QSortFilterProxyModel *>(model.data()))
+            proxy->setSourceModel(new QStandardItemModel(3, 1, proxy));
+        if (auto *const partner = qobject_cast<PartnerSelectorBox *>(box.get()))
+            partner->populate();
+        use(box.get());
+    }
 }
 
 QTEST_MAIN(ComboBoxTest)

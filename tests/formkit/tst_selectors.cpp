@@ -241,13 +241,13 @@ void SelectorsTest::failingHost()
     const QString file = QString("selectors/%1.txt").arg(words[0]);
     SelectorDesk desk(m_host.get(), file);
     TestTable &rows = m_host->table(words[1]);
-    desk.act("set " + words[2] + ' ' + words[3]);
-    desk.takeReports();
-    const QString shown = desk.answer("shows") + desk.answer("ids") + desk.answer("source");
     const int before = rows.cellReads();
     desk.act("populate");
     const int cells = rows.cellReads() - before;
     QVERIFY(cells > 0);
+    desk.act("set " + words[2] + ' ' + words[3]);
+    desk.takeReports();
+    const QString shown = desk.answer("shows") + desk.answer("ids") + desk.answer("source");
     const QString refreshes[] = {
         "populate", words[0] == "partner" || words[0] == "codes" ? "populate" : "model new"};
     for (int cell = 1; cell <= cells; ++cell) {

@@ -18,78 +18,6 @@ namespace {
 const QString Hash = "$6$formkit$X/3mZaNUB1rGyxJCl9bxnMMfrVvEGBjkuz2HmX1Bhe/"
                      "LeRIaCYQ9lCn43oUoE/PdIEB5Of1yH8By9nHDa6NzY1";
 
-const QString Vsftpd = R"(
-listen=YES
-listen_address=127.0.0.1
-listen_port=%port
-background=NO
-run_as_launching_user=YES
-nopriv_user=%user
-ftp_username=%user
-anonymous_enable=YES
-anon_root=%files
-write_enable=YES
-anon_upload_enable=YES
-anon_mkdir_write_enable=YES
-anon_other_write_enable=YES
-anon_world_readable_only=NO
-anon_umask=022
-allow_writeable_chroot=YES
-secure_chroot_dir=%folder/empty
-seccomp_sandbox=NO
-xferlog_enable=NO
-connect_from_port_20=NO
-async_abor_enable=YES
-mdtm_write=NO
-)";
-
-const QString Proftpd = R"(
-ServerType standalone
-DefaultAddress 127.0.0.1
-UseIPv6 off
-Port %port
-User %user
-Group %group
-AuthOrder mod_auth_file.c
-AuthUserFile %folder/passwd
-RequireValidShell off
-RootLogin on
-WtmpLog off
-TransferLog none
-SystemLog none
-PidFile %folder/pid
-ScoreboardFile %folder/scoreboard
-DelayEngine off
-AllowOverwrite on
-AllowStoreRestart on
-AllowRetrieveRestart on
-UseReverseDNS off
-)";
-
-const QString Pyftpdlib = R"(
-from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler
-from pyftpdlib.servers import FTPServer
-import logging
-logging.basicConfig(level=logging.CRITICAL)
-FTPHandler.authorizer = DummyAuthorizer()
-FTPHandler.authorizer.add_user('joe', 'secret', '%files', perm='elradfmwMT')
-FTPServer(('127.0.0.1', %port), FTPHandler).serve_forever()
-)";
-
-const QString FtpProxy = R"(
-[-Global-]
-AllowMagicUser yes
-ActiveMinDataPort 40000
-ActiveMaxDataPort 49999
-DestinationAddress 127.0.0.1
-ForkLimit 1000
-Listen 127.0.0.1
-Port %port
-PidFile %folder/pid
-LogDestination %folder/log
-)";
-
 sockaddr_in loopback(quint16 port)
 {
     return nsSocket::CBlockingSocket().GetHostByName("127.0.0.1", port);
@@ -144,12 +72,14 @@ RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
     const QString ids = QString(":%1:%2:").arg(::getuid()).arg(::getgid());
     const QString virtualIds = ::getuid() == 0 ? QString(":1000:1000:") : ids;
     const QString bin = SERVERS_FOLDER "/usr/sbin/";
+    QFile file(DATA_FOLDER "/servers/" + kind);
+    const QByteArray settings = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (kind == "vsftpd") {
-        write("conf", Vsftpd);
+        write("conf", settings);
         QFile::setPermissions(m_folder.filePath("conf"), QFile::ReadOwner);
         start(bin + "vsftpd", {m_folder.filePath("conf")});
     } else if (kind == "proftpd") {
-        write("conf", Proftpd);
+        write("conf", settings);
         write("passwd", "joe:" + Hash + ids + ":%files:/bin/sh\n");
         start(bin + "proftpd", {"-n", "-q", "-c", m_folder.filePath("conf")});
     } else if (kind == "pure-ftpd") {
@@ -160,11 +90,11 @@ RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
               {"-S", QString("127.0.0.1,%1").arg(m_port), "-l",
                "puredb:" + m_folder.filePath("pdb"), "-H", "-g", m_folder.filePath("pid")});
     } else if (kind == "pyftpdlib") {
-        write("server.py", Pyftpdlib);
+        write("server.py", settings);
         start("/usr/bin/python3", {"-W", "ignore", m_folder.filePath("server.py")});
     } else {
         m_behind = std::make_unique<RealServer>("pyftpdlib");
-        write("conf", FtpProxy);
+        write("conf", settings);
         start(bin + "ftp-proxy", {"-n", "-d", "-f", m_folder.filePath("conf")});
     }
 }
@@ -203,6 +133,11 @@ void RealServer::start(const QString &program, const QStringList &arguments)
             return;
         }
     }
+}
+
+bool RealServer::needsRoot() const
+{
+    return m_kind == "pure-ftpd" && ::getuid() != 0;
 }
 
 nsFTP::CLogonInfo RealServer::logon() const

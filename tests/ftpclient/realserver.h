@@ -18,6 +18,8 @@ public:
 
     // Empty when the server answers, else what went wrong.
     QString failure() const { return m_failure; }
+    // pure-ftpd lets nobody in unless root has started it.
+    bool needsRoot() const;
     nsFTP::CLogonInfo logon() const;
     QString path(const QString &file) const;
     // As a machine that loses its power: the processes that serve connections too.

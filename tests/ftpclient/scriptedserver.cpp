@@ -40,8 +40,9 @@ int listenOnLoopback(quint16 &port)
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
-    ::bind(listener, reinterpret_cast<sockaddr *>(&address), length);
-    ::listen(listener, 5);
+    if (::bind(listener, reinterpret_cast<sockaddr *>(&address), length) != 0 ||
+        ::listen(listener, 5) != 0)
+        qFatal("nothing to listen on");
     ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
     port = ntohs(address.sin_port);
     return listener;
@@ -254,11 +255,12 @@ bool ScriptedServer::openData()
         address.sin_family = AF_INET;
         address.sin_addr.s_addr =
             connectFrom.isEmpty() ? htonl(INADDR_LOOPBACK) : ::inet_addr(connectFrom.constData());
-        ::bind(data, reinterpret_cast<sockaddr *>(&address), sizeof address);
+        if (::bind(data, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
+            qFatal("no address to connect from");
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         address.sin_port = htons(m_active);
-        ::connect(data, reinterpret_cast<sockaddr *>(&address), sizeof address);
         m_data = data;
+        return ::connect(data, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
     }
     return m_data >= 0;
 }

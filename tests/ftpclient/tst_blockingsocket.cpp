@@ -104,7 +104,8 @@ void BlockingSocketTest::connectsAndTellsAddresses()
 void BlockingSocketTest::writesInPieces()
 {
     Pair<CBlockingSocket> pair;
-    const std::string sent(20000000, 'x');
+    std::string sent;
+    sent.resize(20000000, 'x');
     std::string received;
     std::thread reader([&] {
         std::vector<char> block(100000);
@@ -126,7 +127,8 @@ void BlockingSocketTest::failures()
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     char byte = 0;
-    const std::string much(50000000, 'x');
+    std::string much;
+    much.resize(50000000, 'x');
     QCOMPARE(failureOf([&] { pair.near.Receive(&byte, 1, 0); }), "Receive timeout error");
     QCOMPARE(failureOf([&] { pair.near.Write(much.data(), int(much.size()), 0); }),
              "Send timeout error");

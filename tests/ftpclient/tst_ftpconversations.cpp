@@ -12,7 +12,7 @@ using Operation = std::function<long long(Session &, const Arguments &)>;
 
 long long told(int result, long long value)
 {
-    return result == 0 ? value : result * 1000 + value;
+    return result == 0 ? value : result * 1000LL + value;
 }
 
 long long good(bool result)

@@ -73,8 +73,11 @@ QByteArray read(const QString &name)
 #define COMPARE_FILES(actual, expected) QVERIFY2((actual) == (expected), #actual)
 
 #define START(session)                                                                             \
-    QVERIFY2(session.server.failure().isEmpty(), qPrintable(session.server.failure()));            \
-    QVERIFY2(session.client.Login(session.server.logon()), qPrintable(session.recorder.last()))
+    if ((session).server.needsRoot())                                                              \
+        QSKIP("NOT TRIED: only root can start pure-ftpd so that it lets anybody in");              \
+    QVERIFY2((session).server.failure().isEmpty(), qPrintable((session).server.failure()));        \
+    QVERIFY2((session).client.Login((session).server.logon()),                                     \
+             qPrintable((session).recorder.last()))
 
 const char *const Kinds[] = {"vsftpd", "pure-ftpd", "proftpd", "pyftpdlib", "ftp-proxy"};
 
