@@ -17,8 +17,8 @@ constexpr int Securities = 10000;
 constexpr int Announcements = 200;
 constexpr int IdRole = SecuritySelectorModel::SecurityIdRole;
 
-// In the table's order. Ids stay; so do names, but for every 19th, which comes in two
-// versions; a tenth is missing.
+// In the table's order. An id stays that of one security; so do names, but for every 19th, which
+// comes in two versions; a tenth is missing.
 Rows securitiesOf(int round)
 {
     Rows rows;
@@ -179,13 +179,16 @@ void SelectorStormTest::storm()
     TestHost host;
     StormForm form(&host);
     host.table("stocks").setRows({{1, "One", "S1"}, {2, "Two", "S2"}, {3, "Three", "S3"}});
+    host.table("boards").setRows(boardsOf(0));
+    host.table("securities").setRows(securitiesOf(0));
+    emit host.decoder()->aNewSessions();
     const TestWriter writer([&host](int round) {
         host.table("boards").setRows(boardsOf(round));
         host.table("gx.diler").setRows({{"Partner", "C", QString(1 + round % 3, 'P')}});
         host.setSessions({{1, round % 3}, {2, 0}, {2, 1}, {3, 2}, {4, round % 2}});
         if (round % 8 == 0)
             host.table("securities").setRows(securitiesOf(round));
-        host.table("securities").addRow({Securities + round, 1, 1, "N", "New"});
+        host.table("securities").addRow({Securities + 1 + round, 1, 1, "N", "New"});
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     });
     for (int i = 0; i < Announcements && !QTest::currentTestFailed(); ++i) {
