@@ -158,9 +158,15 @@ void SelectorProxyTest::changes()
             source->insertRow(odd.bounded(rows + 1), new QStandardItem(odd.next(3)));
         else if (act < 3)
             source->removeRow(odd.bounded(rows));
-        else if (act < 5)
+        else if (act == 3)
             source->item(odd.bounded(rows))->setText(odd.next(2));
-        else if (act == 5)
+        else if (act == 4 && proxy.rowCount() > 1) {
+            // As its neighbour but for case.
+            const int row = odd.bounded(proxy.rowCount() - 1);
+            proxy.setData(proxy.index(row + 1, 0), proxy.index(row, 0).data().toString().toUpper());
+            const QString swapped = proxy.index(row + 1, 0).data().toString().toLower();
+            proxy.setData(proxy.index(row, 0), swapped);
+        } else if (act == 5)
             source->sort(0);
         else if (act == 6)
             proxy.setPrefix(prefix = QStringList({"", "a", "b"}).at(odd.bounded(3)));
