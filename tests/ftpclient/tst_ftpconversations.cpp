@@ -1,4 +1,4 @@
-#include "datafile.h"
+#include "support/datafile.h"
 #include "session.h"
 #include "support/stricttest.h"
 
@@ -96,10 +96,12 @@ QString FtpConversationsTest::badServer(const QStringList &row)
 
 void FtpConversationsTest::badServers()
 {
-    QList<QStringList> rows = rowsOf("badservers.txt");
+    QList<DataRow> rows = rowsOf("badservers.txt");
     for (int i = rows.size() - 1; i >= 0; --i) {
-        if (!rows[i][0].endsWith("at once"))
-            rows << rows[i] + QStringList("byte by byte");
+        if (!rows[i][0].endsWith("at once")) {
+            rows << rows[i];
+            rows.last() << "byte by byte";
+        }
     }
     compare(faultsOf(rows, badServer));
 }

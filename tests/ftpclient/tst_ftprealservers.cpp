@@ -1,4 +1,4 @@
-#include "datafile.h"
+#include "support/datafile.h"
 #include "realserver.h"
 #include "session.h"
 #include "support/stricttest.h"

@@ -1,4 +1,4 @@
-#include "datafile.h"
+#include "support/datafile.h"
 #include "support/stricttest.h"
 
 #include <formkit/FtpClient/FTPDataTypes.h>

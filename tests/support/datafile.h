@@ -10,33 +10,47 @@
 #include <thread>
 #include <vector>
 
-// The rows of a table beside the tests: columns parted by tabs, "-" for nothing, lines that begin
-// with '#' left out; \t, \r and \n are read as such, and %long as many characters.
-inline QList<QStringList> rowsOf(const QString &name)
+// A row of a table beside the tests.
+struct DataRow : QStringList
+{
+    QString file;
+    int line = 0; // where it begins
+};
+
+// The rows of a file: columns parted by tabs, "-" for nothing, lines that begin with '#' left out;
+// \t, \r and \n are read as such, and %long as many characters. A line that begins with a tab goes
+// on with the row before.
+inline QList<DataRow> rowsOf(const QString &name)
 {
     QFile file(DATA_FOLDER "/" + name);
-    QList<QStringList> rows;
+    QList<DataRow> rows;
     if (!file.open(QIODevice::ReadOnly))
         qFatal("no %s", qPrintable(file.fileName()));
-    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
-    for (const QString &line : lines) {
-        if (line.startsWith('#'))
+    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString &line = lines.at(i);
+        if (line.isEmpty() || line.startsWith('#'))
             continue;
-        QStringList cells = line.split('\t');
-        for (QString &cell : cells) {
+        const bool goesOn = line.startsWith('\t') && !rows.isEmpty();
+        if (!goesOn) {
+            rows << DataRow();
+            rows.last().file = name;
+            rows.last().line = i + 1;
+        }
+        const QStringList cells = line.mid(goesOn ? 1 : 0).split('\t');
+        for (QString cell : cells) {
             if (cell == "-")
                 cell.clear();
             cell.replace("\\t", "\t").replace("\\r", "\r").replace("\\n", "\n");
-            cell.replace("%long", QString(20000, 'x'));
+            rows.last() << cell.replace("%long", QString(20000, 'x'));
         }
-        rows << cells;
     }
     return rows;
 }
 
 // Checks many rows at a time, as most of them wait most of the time. A check returns what is
 // wrong; the result tells it of every row.
-inline QByteArray faultsOf(const QList<QStringList> &rows,
+inline QByteArray faultsOf(const QList<DataRow> &rows,
                            const std::function<QString(const QStringList &)> &check,
                            int threadCount = 16)
 {
@@ -50,7 +64,7 @@ inline QByteArray faultsOf(const QList<QStringList> &rows,
                 const QString fault = check(rows[at]);
                 const std::lock_guard<std::mutex> guard(mutex);
                 if (!fault.isEmpty())
-                    faults << rows[at].join(" | ").left(200) + ": " + fault;
+                    faults << QString("%1:%2: ").arg(rows[at].file).arg(rows[at].line) + fault;
             }
         });
     }
