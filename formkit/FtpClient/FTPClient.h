@@ -90,7 +90,7 @@ public:
 
     // What to do with an address in a PASV reply that is not the control connection's peer.
     enum class TPassiveAddress {
-        Use,            // connect there (the default)
+        Use,            // connect there (the default); 0.x.x.x is no address and refused
         UseControlHost, // connect to the control connection's peer instead, at the port given
         Refuse          // give the transfer up
     };
@@ -193,7 +193,8 @@ public:
     // so that such a file is fetched from its beginning. A local file longer than the remote
     // one, or longer than 32 bits can tell, is refused, and so is a server that refuses REST;
     // the local file is then untouched. When a server accepts REST and sends the file from its
-    // beginning nevertheless, the download fails and the local file is cut back to what it was.
+    // beginning nevertheless, the download fails and the local file is cut back to what it was;
+    // that is noticed only at servers that tell sizes.
     // A download that fails otherwise leaves what arrived.
     bool DownloadFile(const std::string &remoteFile, const std::string &localFile,
                       const CRepresentation &representation, bool passive) const;

@@ -98,8 +98,8 @@ public:
     // Seconds of a date at 00:00; month from 0 to 11, day from 1. A day past the month's end
     // runs into the next month.
     static long long ToTAI(long year, long month, long day);
-    // The time of a date without a year: the latest year in which the date is not more than
-    // 350 days past, seen from the clock.
+    // The time of a date without a year: that of the earliest year, last year on, in which
+    // the date is less than 350 days past (or to come), seen from the clock.
     long long GuessTAI(long month, long day);
     // The year of a time.
     static long GetYear(long long seconds);

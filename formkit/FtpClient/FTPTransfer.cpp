@@ -597,9 +597,11 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
         target.RepresentationType(representation) != 0)
         return false;
     // The target makes its file before the source is asked for data: better to know first that
-    // there is something to send.
+    // there is something to send. In ASCII the answer means nothing: many servers refuse it with
+    // the code of a missing file.
     CReply size;
-    if (source.SendCommand(CCommand::SIZE, {sourceFile}, size) && size.Code().Value() == "550")
+    if (mayResume(representation) && source.SendCommand(CCommand::SIZE, {sourceFile}, size) &&
+        size.Code().Value() == "550")
         return false;
     const CFTPClient &listening = passive ? source : target;
     const CFTPClient &connecting = passive ? target : source;
