@@ -59,6 +59,18 @@ void killTree(const QByteArray &process)
     ::kill(process.toInt(), SIGKILL);
 }
 
+// What an unpacked program needs to find the libraries that were unpacked beside it.
+QProcessEnvironment unpackedEnvironment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LD_LIBRARY_PATH",
+                       SERVERS_FOLDER "/lib/" MULTIARCH ":" SERVERS_FOLDER "/usr/lib/" MULTIARCH);
+    environment.insert("PYTHONPATH", SERVERS_FOLDER "/usr/lib/python3/dist-packages");
+    // A sanitizer that a test is run with is no business of the server's.
+    environment.remove("LD_PRELOAD");
+    return environment;
+}
+
 } // namespace
 
 RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
@@ -84,8 +96,11 @@ RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
         start(bin + "proftpd", {"-n", "-q", "-c", m_folder.filePath("conf")});
     } else if (kind == "pure-ftpd") {
         write("passwd", "joe:" + Hash + virtualIds + ":%files::::::::::::\n");
-        QProcess::execute(SERVERS_FOLDER "/usr/bin/pure-pw",
-                          {"mkdb", m_folder.filePath("pdb"), "-f", m_folder.filePath("passwd")});
+        QProcess users;
+        users.setProcessEnvironment(unpackedEnvironment());
+        users.start(SERVERS_FOLDER "/usr/bin/pure-pw",
+                    {"mkdb", m_folder.filePath("pdb"), "-f", m_folder.filePath("passwd")});
+        users.waitForFinished();
         start(bin + "pure-ftpd",
               {"-S", QString("127.0.0.1,%1").arg(m_port), "-l",
                "puredb:" + m_folder.filePath("pdb"), "-H", "-g", m_folder.filePath("pid")});
@@ -116,13 +131,7 @@ void RealServer::write(const QString &name, const QString &text) const
 
 void RealServer::start(const QString &program, const QStringList &arguments)
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("LD_LIBRARY_PATH",
-                       SERVERS_FOLDER "/lib/" MULTIARCH ":" SERVERS_FOLDER "/usr/lib/" MULTIARCH);
-    environment.insert("PYTHONPATH", SERVERS_FOLDER "/usr/lib/python3/dist-packages");
-    // A sanitizer that a test is run with is no business of the server's.
-    environment.remove("LD_PRELOAD");
-    m_process.setProcessEnvironment(environment);
+    m_process.setProcessEnvironment(unpackedEnvironment());
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(program, arguments, QIODevice::ReadOnly);
     QElapsedTimer timer;
