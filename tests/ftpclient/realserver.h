@@ -21,6 +21,8 @@ public:
     // pure-ftpd lets nobody in unless root has started it.
     bool needsRoot() const;
     nsFTP::CLogonInfo logon() const;
+    // Where a served file lies.
+    QString path(const QString &file) const;
     // Lays a file down for everybody, and reads one.
     void put(const QString &file, const QByteArray &content) const;
     QByteArray get(const QString &file) const;
@@ -28,7 +30,6 @@ public:
     void kill();
 
 private:
-    QString path(const QString &file) const;
     void write(const QString &name, const QString &text) const;
     void start(const QString &program, const QStringList &arguments);
 
