@@ -62,7 +62,7 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
         m_statements->show();
         m_statements->raise();
     });
-    refresh();
+    registerBoards();
     showValues();
 }
 
@@ -124,6 +124,8 @@ void OrderWindow::makeStates()
 void OrderWindow::connectHost()
 {
     connect(m_host, &EmbeddedHost::progress, this, &OrderWindow::showProgress);
+    connect(m_host->decoder(), &EmbeddedDecoder::aNewSessions, this,
+            [this] { m_securitiesAreFresh = true; });
     connect(m_host, &EmbeddedHost::loaded, this, [this] {
         refresh();
         endProgress(tr("Reference data loaded"));
@@ -140,9 +142,15 @@ void OrderWindow::refresh()
 {
     m_stocks->populate();
     m_boards->populate();
-    m_securities->aNewSessions();
+    // A load that has opened other sessions has had them read anew already.
+    if (!m_securitiesAreFresh)
+        m_securities->populate();
     m_ui->partner->populate();
+    registerBoards();
+}
 
+void OrderWindow::registerBoards()
+{
     const Table *table = ICore::instance()->table(QStringLiteral("boards"));
     for (int row = 0; row < m_boards->rowCount(); ++row) {
         const Record board = m_boards->at(row);
@@ -217,6 +225,7 @@ void OrderWindow::announceSessions()
 
 void OrderWindow::showProgress(const QString &table, int rows, int total)
 {
+    m_securitiesAreFresh = false;
     m_ui->loadingText->setText(tr("Reading %1").arg(table));
     m_ui->progress->setMaximum(total);
     m_ui->progress->setValue(rows);

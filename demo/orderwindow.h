@@ -47,6 +47,8 @@ private:
     void connectHost();
     // Reads the host's tables anew, after they have changed.
     void refresh();
+    // Gives each board the sub-form of its security type.
+    void registerBoards();
     void showValues();
     void check();
     void send();
@@ -67,4 +69,6 @@ private:
     QStateMachine m_machine;
     // What was open before the button "New sessions" closed some; empty while all are open.
     QVector<SessionId> m_allSessions;
+    // Whether new sessions were announced since the load under way last reported.
+    bool m_securitiesAreFresh = false;
 };
