@@ -7,29 +7,23 @@
 #include <hostapi/localesymbols.h>
 #include <hostapi/securitiessessionfilter.h>
 
-#include <ctime>
 #include <limits>
 
 // The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
-// The local clock is one that skips the hour after midnight on 24 April 2026.
+// The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
 class HostApiTest : public StrictTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void numbers();
-    void sums();
     void numbersOfEveryLocale();
     void cells();
-    void comparisons();
-    void boards();
     void systemDates();
     void localeDates();
     void everyDateReadsBack();
     void records();
-    void sortedIndex();
-    void sessionFilter();
+    void indexAndFilter();
     void noTables();
 };
 
@@ -39,16 +33,13 @@ namespace {
 struct Cell
 {
     Cell(const QString &code, int parameter, const QString &text)
-        : table("t", {{"c", FieldType(FieldType::Type(code.toInt()), parameter)}}, {0})
-        , record(&table)
-        , field(record.field(0))
+        : table("t", {{"c", {FieldType::Type(code.toInt()), parameter}}}, {0})
     {
         field = text;
     }
-
     TestTable table;
-    Record record;
-    Field field;
+    Record record{&table};
+    Field field{record.field(0)};
 };
 
 // The text that an operation gives, or that of what it throws.
@@ -62,6 +53,12 @@ template <typename Operation> QString outcome(const Operation &operation)
 }
 
 enum Column { SecId, StockId, BoardId, SecCode, SecName, BaseCode, SessId };
+
+const QVector<QVariantList> securities = {{1, 1, 7, "C", {}, {}, 10},
+                                          {2, 1, 7, "A", {}, {}, 20},
+                                          {3, 2, 7, "C", {}, {}, 10},
+                                          {4, 2, 7, "A", {}, {}, 20},
+                                          {5, 9, 7, "B"}};
 
 // By code, without exchange 9.
 class CodeIndex : public IndexSort
@@ -89,14 +86,6 @@ QString idsOf(const Index &index, const ValueFilter *filter = nullptr)
 
 } // namespace
 
-void HostApiTest::initTestCase()
-{
-    qputenv("TZ", "EET-2EEST,M4.5.5/0,M10.5.4/24");
-    tzset();
-    QVERIFY(!QDateTime(QDate(2026, 4, 24), QTime(0, 30)).isValid());
-    QVERIFY(qEnvironmentVariable("LC_ALL").startsWith(QLocale::system().name()));
-}
-
 void HostApiTest::numbers()
 {
     for (const DataRow &row : rowsOf("numbers.txt")) {
@@ -115,10 +104,6 @@ void HostApiTest::numbers()
         QCOMPARE(result, row[3] == "!" ? refusal : row[3]);
     }
     QVERIFY(decimal::canConvert(u"", true));
-}
-
-void HostApiTest::sums()
-{
     for (const DataRow &row : rowsOf("sums.txt")) {
         const decimal a(row[0]);
         const decimal b(row[1]);
@@ -173,43 +158,31 @@ void HostApiTest::cells()
                 QCOMPARE(field.toString(), was);
         }
     }
-}
-
-void HostApiTest::comparisons()
-{
     for (const DataRow &row : rowsOf("comparisons.txt")) {
         const Cell a(row[0], 20, row[1]);
         const Cell b(row[2], 20, row[3]);
         QVERIFY2(a.field.compare(b.field) == row[4].toInt(), qPrintable(row.join(' ')));
     }
-}
-
-void HostApiTest::boards()
-{
-    for (const DataRow &row : rowsOf("boards.txt")) {
-        bool ok = false;
-        const boardlist list = boardListFromString(row[0], &ok);
-        Boards boards;
-        for (const Board board : list)
-            boards.add(board);
-        QCOMPARE(boardListToString(list), ok ? row[0] : QString());
-        QCOMPARE(ok ? boardListToString(boards) : "!", row[1]);
+    for (const DataRow &row : rowsOf("boardlists.txt")) {
+        bool ok = row[0] != row[1];
+        QCOMPARE(boardListToString(boardListFromString(row[0], &ok)), row[1]);
+        QCOMPARE(ok, row[0] == row[1]);
     }
 }
 
 void HostApiTest::systemDates()
 {
+    QVERIFY(!QDateTime(QDate(2026, 4, 24), QTime(0, 30)).isValid());
     for (const char *name : {"C", "fa_IR", "ar_EG", "bn_BD"}) {
         QLocale::setDefault(QLocale(name));
-        for (const DataRow &row : rowsOf("dates.txt"))
-            QCOMPARE(datetime(row[0]).toString(), row[1]);
+        for (const DataRow &row : rowsOf("dates.txt")) {
+            const datetime moment(row[0]);
+            QCOMPARE(moment.toString(), row[1]);
+            QCOMPARE(moment.msecs(), row.value(2).toLongLong());
+            QCOMPARE(moment.addYears(2).toString(), row.value(3));
+            QVERIFY(datetime(moment.date(), moment.time()) == moment);
+        }
     }
-    const datetime moment(QDate(2024, 2, 29), QTime(0, 30));
-    QCOMPARE(moment.msecs(), qint64(1709166600000));
-    QVERIFY(moment.date() == QDate(2024, 2, 29) && moment.time() == QTime(0, 30));
-    QCOMPARE(moment.addYears(2).toString(), QString("2026.02.28 00:30:00.000"));
-    QVERIFY(datetime().addYears(1).isNull() && !datetime().date().isValid());
-    QVERIFY(datetime(QDate()).isNull() && datetime(QDate(2026, 1, 1), QTime()).isNull());
     const QDateTime now = QDateTime::currentDateTime();
     QVERIFY(!(datetime::now() < datetime(now.date(), now.time())));
 }
@@ -220,7 +193,6 @@ void HostApiTest::localeDates()
     const QString time = " 21:02:03.004";
     const QString date = moment.toSystemString(true, QLocale::ShortFormat);
     QCOMPARE(moment.toSystemString(false, QLocale::ShortFormat), date + time);
-    QCOMPARE(datetime().toSystemString(false, QLocale::ShortFormat), QString());
     QHash<QString, QString> dates;
     for (const DataRow &row : rowsOf("localedates.txt"))
         dates[row[0]] = row[1];
@@ -246,8 +218,6 @@ void HostApiTest::everyDateReadsBack()
         for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
             const QString text = moment.toSystemString(false, format);
             QVERIFY(datetime::fromSystemString(text, false, format) == moment);
-            for (const QChar c : text)
-                QVERIFY(!c.isDigit() || c.unicode() < 0x80);
         }
         const QString text = moment.toSystemString(true, QLocale::ShortFormat);
         QString native = text;
@@ -268,7 +238,6 @@ void HostApiTest::records()
     const Record moved = std::move(copy);
     QVERIFY(copy.isNull() && copy.field(SecId).isNull() && Record(&table).field(SecId).isNull());
     QCOMPARE(table.references(), 2);
-    kept = *&kept;
     table.setRows({});
     QCOMPARE(kept.field(SecId).toInteger(), 5);
     QVERIFY(kept.field(table.columnIndex("no such column")).isNull());
@@ -276,51 +245,38 @@ void HostApiTest::records()
     QCOMPARE(table.references(), 1);
 }
 
-void HostApiTest::sortedIndex()
+void HostApiTest::indexAndFilter()
 {
     TestHost host;
     TestTable &table = host.table("securities");
-    const QVector<QVariantList> rows = {
-        {1, 1, 7, "C"}, {2, 1, 7, "A"}, {3, 1, 7, "C"}, {4, 1, 7, "A"}, {5, 9, 7, "B"}};
-    table.setRows(rows);
+    table.setRows(securities);
     CodeIndex all("securities", true);
     CodeIndex firsts("securities", false);
-    for (CodeIndex *index : {&all, &firsts}) {
-        QCOMPARE(index->count(), 0);
-        index->build();
-    }
+    all.build();
+    firsts.build();
     QCOMPARE(idsOf(all) + ' ' + idsOf(firsts), QString("2413 21"));
 
-    table.setRows(rows.mid(1));
+    const auto filter = [&](int session, const ValueFilter *parent) {
+        return SecuritiesSessionFilter(&table, SessId, {StockId}, session, parent).clone();
+    };
+    host.setSessions({{2, 20}, {1, 10}, {2, 10}});
+    const auto open = filter(-1, nullptr);
+    const auto tens = filter(10, nullptr);
+    host.setSessions({{2, 20}, {2, 10}});
+    const auto both = filter(-1, tens.get());
+    QCOMPARE(idsOf(all, open.get()), QString("413"));
+    QCOMPARE(idsOf(all, tens.get()), QString("13"));
+    QCOMPARE(idsOf(all, both.get()), QString("3"));
+    QVERIFY(!open->filter(Record()));
+
+    table.setRows(securities.mid(1));
     for (const int cell : {3, 6}) { // in the walk, in the sort
         table.failAtCell(cell);
         QVERIFY_EXCEPTION_THROWN(all.build(), Exception);
-        QVERIFY(!table.isLocked());
         QCOMPARE(idsOf(all), QString("2413"));
     }
     all.build();
     QCOMPARE(idsOf(all), QString("243"));
-}
-
-void HostApiTest::sessionFilter()
-{
-    TestHost host;
-    TestTable &table = host.table("securities");
-    const QVariant none;
-    for (const auto &[id, stock, session] :
-         QVector<std::array<int, 3>>{{1, 1, 10}, {2, 1, 20}, {3, 2, 10}, {4, 2, 20}})
-        table.addRow({id, stock, 7, none, none, none, session});
-    table.addRow({5, none, 7});
-    host.setSessions({{2, 20}, {1, 10}, {2, 10}});
-    const SecuritiesSessionFilter open(&table, SessId, {StockId, SessId}, -1, nullptr);
-    const SecuritiesSessionFilter tens(&table, SessId, {StockId, SessId}, 10, nullptr);
-    host.setSessions({{2, 20}, {2, 10}});
-    const auto both = SecuritiesSessionFilter(&table, SessId, {StockId}, -1, &tens).clone();
-    const TableLock lock(&table);
-    QCOMPARE(idsOf(*table.masterIndex(), &open), QString("134"));
-    QCOMPARE(idsOf(*table.masterIndex(), &tens), QString("13"));
-    QCOMPARE(idsOf(*table.masterIndex(), both.get()), QString("3"));
-    QVERIFY(!open.filter(Record()));
 }
 
 void HostApiTest::noTables()
