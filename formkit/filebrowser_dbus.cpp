@@ -70,8 +70,10 @@ void askBus(const Callback &answers, const Callback &otherwise)
     if (descriptor < 0)
         return otherwise();
     auto *socket = new QLocalSocket(QCoreApplication::instance());
-    const auto end = [socket](const Callback &outcome) {
-        return [socket, outcome] {
+    auto *limit = new QTimer(socket);
+    const auto end = [socket, limit](const Callback &outcome) {
+        return [socket, limit, outcome] {
+            limit->stop();
             socket->disconnect();
             socket->deleteLater();
             outcome();
@@ -79,7 +81,6 @@ void askBus(const Callback &answers, const Callback &otherwise)
     };
     QObject::connect(socket, &QLocalSocket::readyRead, end(answers));
     QObject::connect(socket, &QLocalSocket::disconnected, end(otherwise));
-    auto *limit = new QTimer(socket);
     QObject::connect(limit, &QTimer::timeout, end(otherwise));
     limit->start(BusLimit);
     socket->setSocketDescriptor(descriptor);
@@ -96,14 +97,16 @@ QString fileUri(const QString &path)
 
 void showItem(const QString &path, const Callback &otherwise)
 {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) // where a watcher would never report an end
+        return otherwise();
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << QStringList(fileUri(path)) << QString();
-    auto *watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, FileManagerLimit),
-                                    QCoreApplication::instance());
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, FileManagerLimit),
+                                                QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, [watcher, otherwise] {
         watcher->deleteLater();
         if (watcher->isError())

@@ -34,5 +34,5 @@ FORMKIT_EXPORT void shellShowFile(const QString &path);
 
 // The IPv4 and IPv6 addresses of the machine's network interfaces (with `upOnly` of those that are
 // up), loopback included, in the system's order; an address that two interfaces carry is there
-// twice. Empty when the system gives no list.
+// twice, and a link-local one does not name its interface. Empty when the system gives no list.
 FORMKIT_EXPORT QList<QHostAddress> localhostAddresses(bool upOnly);

@@ -44,10 +44,11 @@ QByteArray contentOf(const QString &file)
 
 QStringList column(Table *table, const QString &name)
 {
+    const int index = table->columnIndex(name);
     QStringList texts;
     const TableLock lock(table);
     for (const Record &row : *table->masterIndex())
-        texts << row.field(table->columnIndex(name)).toString();
+        texts << (row.field(index).isNull() ? "NULL" : row.field(index).toString());
     return texts;
 }
 

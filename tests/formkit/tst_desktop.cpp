@@ -12,6 +12,7 @@
 #include <QDBusMessage>
 #include <QDesktopServices>
 #include <QLocalServer>
+#include <QLocalSocket>
 #include <QProcess>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -137,14 +138,9 @@ void DesktopTest::addresses()
 
 void DesktopTest::fileManager()
 {
-    QFile config(m_folder.filePath("bus.conf"));
-    QVERIFY(config.open(QIODevice::WriteOnly));
-    config.write("<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen>"
-                 "<policy context='default'><allow own='*'/><allow send_destination='*'/>"
-                 "<allow eavesdrop='true'/></policy></busconfig>");
-    config.close();
     QProcess bus;
-    bus.start("dbus-daemon", {"--nofork", "--print-address", "--config-file", config.fileName()});
+    bus.start("dbus-daemon",
+              {"--nofork", "--print-address", "--config-file", DATA_FOLDER "/desktop/bus.conf"});
     if (!bus.waitForReadyRead())
         QSKIP("no dbus-daemon runs here");
     const QByteArray address = bus.readLine().trimmed();
@@ -173,20 +169,31 @@ void DesktopTest::fileManager()
     QLocalServer mute;
     QVERIFY(mute.listen(m_folder.filePath("mute")));
     const QByteArray muteAddress = "unix:path=" + QFile::encodeName(mute.fullServerName());
-    const std::pair<QByteArray, QString> desktops[] = {
-        {address, "refuses"},      {address, "is silent"},           {address, "is away"},
-        {muteAddress, "is there"}, {"unix:path=/no/bus,guid=0", ""}, {"tcp:host=127.0.0.1", ""}};
+    const std::pair<QByteArray, QString> desktops[] = {{address, "refuses"},
+                                                       {address, "is silent"},
+                                                       {address, "is away"},
+                                                       {muteAddress, "is there"},
+                                                       {"unix:path=/no/bus,guid=0", ""},
+                                                       {"tcp:host=127.0.0.1", ""},
+                                                       {muteAddress, "is gone with its bus"}};
     for (const auto &[busAddress, mood] : desktops) {
         qputenv("DBUS_SESSION_BUS_ADDRESS", busAddress);
         manager.mood = mood;
         if (mood == "is away")
             connection.unregisterService("org.freedesktop.FileManager1");
+        if (mood == "is gone with its bus") {
+            connect(&mute, &QLocalServer::newConnection, this, [&] {
+                while (QLocalSocket *client = mute.nextPendingConnection())
+                    client->write("OK");
+            });
+            bus.kill();
+            QVERIFY(bus.waitForFinished());
+            QTRY_VERIFY(!QDBusConnection::sessionBus().isConnected());
+        }
         m_opened.clear();
         shellShowFile("/f g/x");
         QTRY_COMPARE_WITH_TIMEOUT(m_opened, QStringList("file:///f g"), 30000);
     }
-    bus.kill();
-    bus.waitForFinished();
 }
 
 // macOS's way, with a stand-in for its program.
