@@ -100,6 +100,7 @@ void EmbeddedHostTest::contentOfAFile()
         Record key(boards);
         key.field(boards->columnIndex("stock_id")) = 1;
         key.field(boards->columnIndex("board_id")) = 9;
+        key.field(boards->columnIndex("name")) = QString(); // no other cell becomes null
         const Record found = boards->masterIndex()->find(key);
         QCOMPARE(found.field(boards->columnIndex("name")).toString(), QString("Nine x"));
         QVERIFY(found.field(boards->columnIndex("no such column")).isNull());
