@@ -1,5 +1,5 @@
 // The order form of the examples, with formkit and with Qt alone, over the same host: what a user
-// waits for. Each form and size has a process of its own, which is ended after two minutes.
+// waits for. Each form and size has a process of its own, which is ended after ten minutes.
 //
 //     bench_orderforms                       10,000, 100,000 and 1,000,000 securities
 //     bench_orderforms formkit 1000000       one form, one size
@@ -9,33 +9,35 @@
 #include "terminalhost.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QProcess>
 #include <QtTest>
 
 #include <cstdio>
+#include <ctime>
 
 namespace {
 
 constexpr int Boards = 100;
 
+// Processor time, which other work on the machine disturbs least; nothing here waits.
 class Stopwatch
 {
 public:
-    Stopwatch() { m_timer.start(); }
+    Stopwatch() { restart(); }
     // The time since the line before.
     void line(const char *what)
     {
         QCoreApplication::processEvents();
-        std::printf("  %-52s %10.1f ms\n", what, double(m_timer.nsecsElapsed()) / 1e6);
+        const double seconds = double(std::clock() - m_start) / CLOCKS_PER_SEC;
+        std::printf("  %-52s %10.1f ms\n", what, seconds * 1000);
         std::fflush(stdout);
-        m_timer.start();
+        restart();
     }
-    void restart() { m_timer.start(); }
+    void restart() { m_start = std::clock(); }
 
 private:
-    QElapsedTimer m_timer;
+    std::clock_t m_start;
 };
 
 // The first security of a board.
@@ -105,10 +107,10 @@ int main(int argc, char **argv)
             QProcess process;
             process.setProcessChannelMode(QProcess::ForwardedOutputChannel);
             process.start(QCoreApplication::applicationFilePath(), {side, rows});
-            if (!process.waitForFinished(120000)) {
+            if (!process.waitForFinished(600000)) {
                 process.kill();
                 process.waitForFinished();
-                std::printf("  ended after 120 s\n");
+                std::printf("  ended after ten minutes\n");
             }
         }
     }

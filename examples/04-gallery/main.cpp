@@ -28,13 +28,14 @@
 #include <QScreen>
 
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 namespace {
 
 struct Exhibit
 {
-    QWidget *control;
+    QWidget *control; // the one who asked owns it
     const char *use;
 };
 
@@ -114,7 +115,7 @@ QString propertyTable(const QMetaObject *type)
     return "| property | type | reports with | |\n|---|---|---|---|\n" + table;
 }
 
-int writePage(const std::vector<Exhibit> &all, const QString &page, const QString &folder)
+int writePage(const QString &page, const QString &folder)
 {
     QFile file(page);
     if (!file.open(QIODevice::WriteOnly)) {
@@ -126,21 +127,23 @@ int writePage(const std::vector<Exhibit> &all, const QString &page, const QStrin
                "from the\nclasses themselves; the headers say the rest.\n\n"
                "`Value`, or whichever property is marked so, is what the dynamic property `field` "
                "binds to a\nname of the hub; `fields` binds any of them "
-               "(`A=StockId B=BoardId`).\n");
-    for (const Exhibit &exhibit : all) {
-        const QString name = className(exhibit.control);
+               "(`A=StockId B=BoardId`).\n\n"
+               "Without a picture: [Summator](../formkit/summator.h) adds two fields, and "
+               "[FormSelector](../formkit/formselector.h)\nshows the sub-form of a board.\n");
+    for (const Exhibit &exhibit : exhibits()) {
+        const std::unique_ptr<QWidget> control(exhibit.control);
+        const QString name = className(control.get());
         const QString picture = QString("%1/control-%2.png").arg(folder, name.toLower());
-        exhibit.control->setMinimumWidth(qMin(280, qMax(120, exhibit.control->sizeHint().width())));
-        exhibit.control->adjustSize();
-        if (!exhibit.control->grab().save(picture)) {
+        control->resize(qBound(120, control->sizeHint().width(), 280),
+                        control->sizeHint().height());
+        if (!control->grab().save(picture)) {
             std::fprintf(stderr, "%s: cannot write the picture\n", qPrintable(picture));
             return 1;
         }
         file.write(
             QString("\n## %1\n\n%2 [Header](../formkit/%3.h).\n\n![%1](images/control-%3.png)"
                     "\n\n%4")
-                .arg(name, exhibit.use, name.toLower(),
-                     propertyTable(exhibit.control->metaObject()))
+                .arg(name, exhibit.use, name.toLower(), propertyTable(control->metaObject()))
                 .toUtf8());
     }
     return 0;
@@ -166,13 +169,12 @@ int main(int argc, char **argv)
         return 1;
     }
     ICore::install(&host);
+    if (arguments.size() == 4)
+        return writePage(arguments.at(2), arguments.at(3));
     QWidget window;
     auto *layout = new QFormLayout(&window);
-    const std::vector<Exhibit> all = exhibits();
-    for (const Exhibit &exhibit : all)
+    for (const Exhibit &exhibit : exhibits())
         layout->addRow(className(exhibit.control), exhibit.control);
-    if (arguments.size() == 4)
-        return writePage(all, arguments.at(2), arguments.at(3));
     window.show();
     return QApplication::exec();
 }

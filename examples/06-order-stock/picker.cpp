@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QLineEdit>
+#include <QListView>
 #include <QRegularExpression>
 #include <QSignalBlocker>
 #include <QWheelEvent>
@@ -18,6 +19,12 @@ Picker::Picker(const QString &none, bool freeText) : m_none(none), m_freeText(fr
     completer()->setModel(&m_shown);
     completer()->setCompletionMode(QCompleter::PopupCompletion);
     completer()->setCaseSensitivity(Qt::CaseInsensitive);
+    // What Qt offers for long lists.
+    completer()->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
+    for (QAbstractItemView *list : {completer()->popup(), view()})
+        static_cast<QListView *>(list)->setUniformItemSizes(true);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(20);
     connect(this, &QComboBox::editTextChanged, this, [this](const QString &text) {
         mark(false);
         if (text.isEmpty())
