@@ -56,6 +56,7 @@ struct EMBEDDEDHOST_EXPORT TableSchema
 class EMBEDDEDHOST_EXPORT ReferenceSchema
 {
 public:
+    // The tables by their position in tables().
     enum TableId { Stocks, Boards, Securities, Partners, Sessions };
     // In the order of TableId: a parent stands before its children.
     static const QVector<TableSchema> &tables();

@@ -25,8 +25,10 @@ public:
         BoardCodeRole = Qt::UserRole + 5  // the board code (QString)
     };
 
+    // A row of the list.
     struct Data
     {
+        // Its check, and what the roles give.
         bool checked = true;
         QString name;
         QString boardCode;

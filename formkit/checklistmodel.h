@@ -25,6 +25,7 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
 
 protected:
+    // The rows and their checks: a subclass keeps them.
     virtual int listSize() const = 0;
     virtual bool isChecked(int row) const = 0;
     virtual void setChecked(int row, bool checked) = 0;

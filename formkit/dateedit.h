@@ -29,6 +29,7 @@ public:
     explicit DateEdit(QWidget *parent = nullptr);
     ~DateEdit() override;
 
+    // The date in system form, empty for none.
     QString getValue() const { return m_value.toString(); }
     // Shows the date of a text in system form (see datetime). A text that is none empties the
     // field. Unlike other controls it reports the change, in normal form, and also when only

@@ -44,6 +44,7 @@ class FORMKIT_EXPORT FormSelector : public QWidget
 
 public:
     explicit FormSelector(QWidget *parent = nullptr);
+    // With a hub (not owned), as setHub() takes it.
     explicit FormSelector(Properties *hub, QWidget *parent = nullptr);
 
     // Hands the sub-forms over to another hub (not owned; may be null): all of them are

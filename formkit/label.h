@@ -11,6 +11,7 @@ class FORMKIT_EXPORT Label : public QLabel
     Q_OBJECT
 
 public:
+    // As those of QLabel.
     explicit Label(QWidget *parent = nullptr, Qt::WindowFlags f = Qt::WindowFlags());
     explicit Label(const QString &text, QWidget *parent = nullptr,
                    Qt::WindowFlags f = Qt::WindowFlags());

@@ -40,6 +40,7 @@ public:
     // allowed, aligned to the right.
     explicit NumberEditor(QWidget *parent = nullptr, int digits = 2);
 
+    // The properties of these names.
     int digits() const;
     void setDigits(int digits);
     int numDigits() const;

@@ -59,6 +59,7 @@ public slots:
     void setPartner(const QString &code);
 
 signals:
+    // The code, or the name that goes with it, is another now.
     void changedPartner(const QString &newValue);
     void changedPartnerName(const QString &newValue);
 

@@ -51,6 +51,8 @@ public:
     QString getSecurityName() const;
 
 public slots:
+    // The exchange, by id or by exact code. An id that the host's directory does not know
+    // counts as an empty code, by which every security is listed.
     void setStockId(const QString &id);
     void setStockCode(const QString &code);
     // A board of the exchange that is set.

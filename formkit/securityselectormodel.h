@@ -31,8 +31,10 @@ public:
     };
     Q_ENUM(ItemDataRole)
 
+    // A row of the list.
     struct Data
     {
+        // What the roles give.
         QString stockCode;
         qint32 boardId = 0;
         QString boardCode;
@@ -41,12 +43,14 @@ public:
         QString secCode;
         QString baseCode;
 
+        // The order of the list: exchange code, board code, name.
         bool operator<(const Data &other) const;
     };
 
     // A run of rows, `first` to `last` - 1.
     struct RowRange
     {
+        // The first row, and the one behind the last.
         int first;
         int last;
     };
@@ -72,6 +76,7 @@ public:
 
     // The rows of one board.
     RowRange rowsOfBoard(const QString &stockCode, const QString &boardCode) const;
+    // A row of the list, 0 to rowCount() - 1.
     const Data &row(int row) const { return m_rows.at(row); }
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;

@@ -45,6 +45,7 @@ protected:
 
     TextRows rowsOfText(const QString &text) const override;
 
+    // The list that is shown; null once the host has set a model past setListSource().
     SelectorProxyModel *list() const;
 
 protected slots:

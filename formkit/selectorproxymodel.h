@@ -23,6 +23,7 @@ class FORMKIT_EXPORT SelectorProxyModel : public QSortFilterProxyModel
     Q_OBJECT
 
 public:
+    // Beside the roles of the source.
     enum ItemDataRole {
         // A key made of the display text, on which type-ahead completes.
         CompletionRole = Qt::UserRole + 0x1000
@@ -95,9 +96,11 @@ protected:
     // cheap.
     struct RowRange
     {
+        // The first row, and the one behind the last.
         int first;
         int last;
     };
+    // Asked anew at each rebuild of the list.
     virtual RowRange candidateRows() const;
 
 private:

@@ -22,8 +22,10 @@ public:
         CodeRole = Qt::UserRole + 2 // the exchange code (QString)
     };
 
+    // A row of the list.
     struct Data
     {
+        // Its check, and what the roles give.
         bool checked = true;
         qint32 id = 0;
         QString name;

@@ -29,6 +29,7 @@ class FORMKIT_EXPORT Summator : public QObject
 public:
     explicit Summator(QObject *parent = nullptr);
 
+    // The sum and its parts, in system form.
     QString getValue() const { return m_value; }
     QString getSummand() const { return m_summand; }
     QString getAddendum() const { return m_addendum; }

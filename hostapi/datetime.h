@@ -30,12 +30,15 @@ public:
     // The local wall clock.
     static datetime now();
 
+    // Null is what no text, and no valid date, gives.
     bool isNull() const { return m_msecs == 0; }
+    // Milliseconds since 1970-01-01 00:00; 0 for null.
     qint64 msecs() const { return m_msecs; }
     // The parts as they are shown; invalid for null.
     QDate date() const;
     QTime time() const;
 
+    // The system form, and its time alone, as QDateTime::toString() takes a format.
     static QString defaultFormat();
     static QString timeNoDateFormat();
 

@@ -24,10 +24,13 @@ class LocaleSymbols;
 class HOSTAPI_EXPORT decimal
 {
 public:
+    // The most fraction digits: 10^18 is the last power of ten in 64 bits.
     static constexpr short MaxScale = 18;
+    // 0, with no fraction digits.
     static const decimal zero;
 
     constexpr decimal() = default;
+    // Whole numbers: their scale is 0.
     constexpr decimal(int value) : m_word(value) {}
     constexpr decimal(qint64 value) : m_word(value) {}
     // The number word / 10^scale. Throws for a scale outside 0 to MaxScale.
@@ -55,6 +58,7 @@ public:
     // The nearest double or one beside it.
     double toDouble() const;
 
+    // The parts of the number.
     qint64 word() const { return m_word; }
     short scale() const { return m_scale; }
     // Changes the count of fraction digits. Digits that fall away are rounded, halves away

@@ -11,9 +11,11 @@
 class HOSTAPI_EXPORT Exception : public std::exception
 {
 public:
+    // The text says what went wrong, and where.
     explicit Exception(const QString &text);
     ~Exception() override;
 
+    // The text as it was given.
     QString text() const { return m_text; }
     // The text in UTF-8.
     const char *what() const noexcept override;

@@ -19,8 +19,11 @@ public:
     }
     Field(const Field &) = default;
 
+    // The type of the column; Integer for a view of nothing.
     FieldType::Type type() const { return m_type.type(); }
+    // True while the cell holds no value.
     bool isNull() const { return !m_presence || !(*m_presence & m_bit); }
+    // Makes the cell null.
     void clear();
 
     // The cell as text: numbers in their system form (a double in the fewest digits that read

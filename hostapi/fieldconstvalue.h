@@ -7,8 +7,10 @@
 class FieldConstValue
 {
 public:
+    // An ASCII character.
     constexpr explicit FieldConstValue(char character) : m_character(character) {}
 
+    // The value as a character, and as a cell holds it.
     constexpr QChar character() const { return QLatin1Char(m_character); }
     QString toString() const { return QString(character()); }
 

@@ -29,6 +29,7 @@ namespace Gexabus {
 class HOSTAPI_EXPORT GxFieldsTypes
 {
 public:
+    // In the gateway's own order.
     static const QVector<NamedFieldType> &all();
     // The type of a name, or null.
     static const FieldType *find(const QString &name);

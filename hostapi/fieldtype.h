@@ -20,11 +20,13 @@ public:
         BoardList = 7  // (boardlist)
     };
 
+    // The parameter counts for Decimal and String only.
     constexpr FieldType(Type type = Integer, int parameter = 0)
         : m_type(type), m_parameter(parameter)
     {
     }
 
+    // The code, and its parameter.
     constexpr Type type() const { return m_type; }
     constexpr int parameter() const { return m_parameter; }
 

@@ -50,6 +50,7 @@ public:
     // names it (unless no core is installed at all).
     Table *table(const QString &name);
 
+    // The same objects for as long as the core lives; never null.
     virtual IDatabase *database() = 0;
     virtual const StockDirectory *stockDirectory() const = 0;
     virtual const BoardDirectory *boardDirectory() const = 0;

@@ -10,6 +10,7 @@ class HOSTAPI_EXPORT Index
 public:
     virtual ~Index();
 
+    // The number of rows.
     virtual int count() const = 0;
     // The row at a position of 0 to count() - 1.
     virtual Record at(int position) const = 0;
@@ -18,13 +19,16 @@ public:
     class iterator
     {
     public:
+        // As std::iterator_traits asks for them.
         using iterator_category = std::input_iterator_tag;
         using value_type = Record;
         using difference_type = int;
         using pointer = const Record *;
         using reference = Record;
 
+        // At a position of 0 to count(); the index must outlive it.
         iterator(const Index *index, int position) : m_index(index), m_position(position) {}
+        // The row, and the step to the next one.
         Record operator*() const { return m_index->at(m_position); }
         iterator &operator++()
         {
@@ -39,6 +43,7 @@ public:
         int m_position;
     };
 
+    // For range-based loops, in the order of the index.
     iterator begin() const { return iterator(this, 0); }
     iterator end() const { return iterator(this, count()); }
 };

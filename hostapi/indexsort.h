@@ -15,6 +15,7 @@ public:
     Record at(int position) const override { return m_rows[size_t(position)]; }
 
 protected:
+    // The rows, in the order of the index.
     std::vector<Record> m_rows;
 };
 
@@ -31,9 +32,11 @@ public:
     // through, with the lock given back and the index left as it was.
     void build();
 
+    // The table that was named, never null (see ICore::table()).
     Table *table() const { return m_table; }
 
 protected:
+    // Whether a row belongs to the index. Called under the lock.
     virtual bool filter(const Record &record) const = 0;
     // Less than, equal to or greater than 0.
     virtual int compare(const Record &a, const Record &b) const = 0;

@@ -14,8 +14,10 @@
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
+    // What a character stands for in a number.
     enum Kind : uchar { Other, Digit, Minus, Plus, Point, Group };
 
+    // Reads the locale, which may change afterwards.
     explicit LocaleSymbols(const QLocale &locale);
 
     // What the character stands for. More is read than the locale writes, because keyboards
@@ -36,6 +38,7 @@ public:
     // The locale's digit for a value of 0 to 9.
     QChar digit(int value) const { return QChar(m_zero + value); }
 
+    // The decimal point and the group separator, as the locale writes them.
     QChar point() const { return m_point; }
     QChar group() const { return m_group; }
     // A string: some locales of newer Qt write a direction mark before the sign.

@@ -48,7 +48,9 @@ public:
             giveBack();
     }
 
+    // True when it holds no row.
     bool isNull() const { return !m_row; }
+    // The table and the row that it holds; null for the null record (which may know its table).
     const Table *table() const { return m_table; }
     RowData *row() const { return m_row; }
     // The cell of a column; a null cell when the record is null or the column is -1, which is

@@ -12,6 +12,7 @@ class HOSTAPI_EXPORT Table
 public:
     virtual ~Table();
 
+    // The name under which IDatabase::table() finds it.
     virtual QString name() const = 0;
     // The index of a named column, or -1. Constant for the life of the table.
     virtual int columnIndex(const QString &column) const = 0;
@@ -39,6 +40,7 @@ public:
 class HOSTAPI_EXPORT TableLock
 {
 public:
+    // Locks the table, which must not be null.
     explicit TableLock(Table *table);
     ~TableLock();
     Q_DISABLE_COPY(TableLock)

@@ -18,6 +18,7 @@
 // above 1023 work, and an interrupted wait goes on for the time that is left.
 namespace nsSocket {
 
+// The type of a raw handle.
 using SOCKET = unsigned int;
 
 // The handle of a socket object that holds none.

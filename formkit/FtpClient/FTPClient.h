@@ -43,6 +43,7 @@ namespace nsFTP {
 class FORMKITFTP_EXPORT CFTPClient
 {
 public:
+    // The interfaces that a caller implements, under the client's name too.
     using IFileListParser = nsFTP::IFileListParser;
     using ITransferNotification = nsFTP::ITransferNotification;
 
@@ -86,6 +87,7 @@ public:
         std::set<CFTPClient *> m_Clients;
     };
 
+    // The observers of a client.
     using TObserverSet = std::set<CNotification *>;
 
     // What to do with an address in a PASV reply that is not the control connection's peer.
@@ -108,6 +110,8 @@ public:
     // Detaches the observers. Does not log out; the connection ends with the socket.
     ~CFTPClient();
 
+    // An observer is attached once, however often it is given. None may be null: that is a
+    // programming error.
     void AttachObserver(CNotification *observer);
     void DetachObserver(CNotification *observer);
     const TObserverSet &GetObservers() const;
@@ -143,6 +147,9 @@ public:
     bool GetResponse(CReply &reply) const;
     static int SimpleErrorCheck(const CReply &reply);
 
+    // One command each, named by the function: CWD, CDUP, PWD, SYST, NOOP, MKD, RMD, DELE, SITE,
+    // HELP, STAT, SMNT, REIN, STRU and MODE. What the server answers in words is told to the
+    // observers.
     int ChangeWorkingDirectory(const std::string &directory) const;
     int ChangeToParentDirectory() const;
     int PrintWorkingDirectory() const;

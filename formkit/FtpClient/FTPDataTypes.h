@@ -11,6 +11,7 @@
 // the parameters of TYPE, STRU and MODE, firewall and logon data.
 namespace nsFTP {
 
+// The user name of those who have no account.
 constexpr char ANONYMOUS_USER[] = "anonymous";
 
 // The arguments of a command, in order.
@@ -24,6 +25,7 @@ public:
 class FORMKITFTP_EXPORT CCommand
 {
 public:
+    // The commands by their names on the line.
     enum TCommandEnum : int {
         ABOR,
         ACCT,
@@ -85,9 +87,11 @@ public:
         virtual TTypeEnum GetType() const = 0;
     };
 
+    // Holds the facts as the table of all commands states them.
     class FORMKITFTP_EXPORT CExtendedInfo : public IExtendedInfo
     {
     public:
+        // In the order of the questions above.
         CExtendedInfo(const std::string &serverString, const std::string &syntax,
                       unsigned int parameters, unsigned int optionalParameters,
                       TSpecificationEnum specification, TTypeEnum type);
@@ -122,9 +126,11 @@ public:
                     unsigned int optional, TTypeEnum type, TSpecificationEnum specification);
     };
 
+    // Turns into its value and back by itself.
     CCommand(TCommandEnum command) : m_enCommand(command) {}
     operator TCommandEnum() const { return m_enCommand; }
 
+    // The facts about this command.
     const IExtendedInfo &GetExtendedInfo() const { return CCmd2Info::Get(m_enCommand); }
     // The command alone: "RETR".
     std::string AsString() const;
@@ -134,6 +140,7 @@ public:
     // The same for eyes and files: the arguments of PASS and ACCT are shown as "****".
     std::string AsMaskedString(const CArg &arguments) const;
 
+    // Whether a data connection is used, in this direction or in either.
     bool IsDatachannelReadCommand() const;
     bool IsDatachannelWriteCommand() const;
     bool IsDatachannelCommand() const;
@@ -152,7 +159,9 @@ public:
     class FORMKITFTP_EXPORT CCode
     {
     public:
+        // The three characters; empty for none.
         const std::string &Value() const { return m_strValue; }
+        // The class of the reply: its first digit, from 1 to 5.
         bool IsPositivePreliminaryReply() const { return IsClass('1'); }
         bool IsPositiveCompletionReply() const { return IsClass('2'); }
         bool IsPositiveIntermediateReply() const { return IsClass('3'); }
@@ -185,7 +194,9 @@ private:
 class FORMKITFTP_EXPORT CType
 {
 public:
+    // The values of RFC 959.
     enum TTypeEnum : int { ASCII = 0, EBCDIC = 1, Image = 2, LocalByte = 3 };
+    // Turns into its value and back by itself.
     CType(TTypeEnum type) : m_enType(type) {}
     operator TTypeEnum() const { return m_enType; }
     // "A", "E", "I", "L".
@@ -199,7 +210,9 @@ private:
 class FORMKITFTP_EXPORT CTypeFormat
 {
 public:
+    // The values of RFC 959, and none.
     enum TTypeFormatEnum : int { None = 0, NonPrint = 1, TelnetFormat = 2, CarriageControl = 3 };
+    // Turns into its value and back by itself.
     CTypeFormat(TTypeFormatEnum format) : m_enFormat(format) {}
     operator TTypeFormatEnum() const { return m_enFormat; }
     // "N", "T", "C". None has no text: asking for it is a programming error.
@@ -213,11 +226,13 @@ private:
 class CRepresentation
 {
 public:
+    // Without a format control, unless one is given.
     CRepresentation(CType::TTypeEnum type) : m_Type(type), m_Format(CTypeFormat::None) {}
     CRepresentation(const CType &type, const CTypeFormat &format = CTypeFormat::None)
         : m_Type(type), m_Format(format)
     {
     }
+    // The parts.
     const CType &Type() const { return m_Type; }
     const CTypeFormat &Format() const { return m_Format; }
     bool operator==(const CRepresentation &other) const
@@ -235,7 +250,9 @@ private:
 class FORMKITFTP_EXPORT CStructure
 {
 public:
+    // The values of RFC 959.
     enum TStructureEnum : int { File = 0, Record = 1, Page = 2 };
+    // Turns into its value and back by itself.
     CStructure(TStructureEnum structure) : m_enStructure(structure) {}
     operator TStructureEnum() const { return m_enStructure; }
     // "F", "R", "P".
@@ -249,7 +266,9 @@ private:
 class FORMKITFTP_EXPORT CTransferMode
 {
 public:
+    // The values of RFC 959.
     enum TTransferModeEnum : int { Stream = 0, Block = 1, Compressed = 2 };
+    // Turns into its value and back by itself.
     CTransferMode(TTransferModeEnum mode) : m_enMode(mode) {}
     operator TTransferModeEnum() const { return m_enMode; }
     // "S", "B", "C".
@@ -263,6 +282,7 @@ private:
 class FORMKITFTP_EXPORT CFirewallType
 {
 public:
+    // The kinds, in the order of that page.
     enum TFirewallTypeEnum : int {
         NoFirewall = 0,
         SiteHostName = 1,
@@ -274,6 +294,7 @@ public:
         UserRemoteIDatRemoteHostFireID = 7,
         UserRemoteIDatFireIDatRemoteHost = 8
     };
+    // Turns into its value and back by itself.
     CFirewallType(TFirewallTypeEnum type = NoFirewall) : m_enType(type) {}
     operator TFirewallTypeEnum() const { return m_enType; }
     // The text for a user: "proxy OPEN".
@@ -302,12 +323,14 @@ public:
                const std::string &firewallPassword, unsigned short firewallPort,
                const CFirewallType &firewallType);
 
+    // Replaces all that belongs to the host; all that belongs to the firewall.
     void SetHost(const std::string &host, unsigned short port = 21,
                  const std::string &user = ANONYMOUS_USER, const std::string &password = {},
                  const std::string &account = {});
     void SetFirewall(const std::string &host, const std::string &user, const std::string &password,
                      unsigned short port, const CFirewallType &type);
 
+    // The fields as they were given.
     const std::string &HostName() const { return m_strHostName; }
     unsigned short HostPort() const { return m_nHostPort; }
     const std::string &UserName() const { return m_strUserName; }

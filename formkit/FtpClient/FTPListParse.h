@@ -12,10 +12,12 @@ namespace nsFTP {
 class FORMKITFTP_EXPORT CFTPFileStatus
 {
 public:
+    // Whether the size is known, in bytes.
     enum TSizeType { sizeUnknown = 0, sizeBytes = 1 };
     // How exact a time is: none, the server's own to the second, the server's local time to the
     // minute, the server's local date.
     enum TTimeType { timeUnknown = 0, timeExact = 1, timeMinute = 2, timeDay = 3 };
+    // Whether there is a unique identifier.
     enum TIdType { idUnknown = 0, idFull = 1 };
 
     // Back to the values that stand beside the members.

@@ -45,8 +45,10 @@ public:
 class FORMKITFTP_EXPORT COutputStream : public ITransferNotification
 {
 public:
+    // 64 MiB.
     static constexpr size_t DefaultLimit = size_t(64) << 20;
 
+    // Empty; the name is what observers read.
     explicit COutputStream(const std::string &name, size_t limit = DefaultLimit);
 
     // The next line without its LF or CR LF; a last line needs none. False after the last.
@@ -78,6 +80,7 @@ private:
 class FORMKITFTP_EXPORT CFile : public ITransferNotification
 {
 public:
+    // What the file is opened for.
     enum TDirection { receive, send };
 
     // The name as bytes, as the system has it.

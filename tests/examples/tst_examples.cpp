@@ -1,0 +1,127 @@
+#include "support/datafile.h"
+#include "support/stricttest.h"
+#include "support/testhost.h"
+
+#include "formkitorder.h"
+#include "stockorder.h"
+#include "terminalhost.h"
+
+#include <QLabel>
+
+namespace {
+
+const std::vector<Security> allSecurities{
+    {1, 1, 10, "THB", "Thistle", 1}, {1, 1, 11, "TAM", "Tamar", 1}, {1, 2, 12, "RAV", "Raven", 1},
+    {2, 1, 20, "ELD", "Elder", 1},   {2, 1, 21, "EL2", "elder", 1}, {2, 1, 22, "SHU", "Shut", 9}};
+
+const char fieldNames[] =
+    "StockId BoardId SecurityId Price Quantity GoodTill Side Anonymous Hidden "
+    "Partner Comment Sum";
+
+QWidget *keyTarget()
+{
+    QWidget *const popup = QApplication::activePopupWidget();
+    QWidget *const focus = popup ? popup->focusWidget() : QApplication::focusWidget();
+    return focus ? focus : popup;
+}
+
+// The text and caret of the field that has the focus.
+QString shownText()
+{
+    const auto *box = qobject_cast<QComboBox *>(QApplication::focusWidget());
+    const auto *edit =
+        box ? box->lineEdit() : qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    if (!edit)
+        return {};
+    return QString("%1|%2").arg(edit->text()).arg(edit->cursorPosition()) +
+           (edit->styleSheet().contains("red") ? " red" : "");
+}
+
+// What is seen after each step; with "fault" in it where the step expects something else.
+template <typename Form> QStringList play(const QStringList &steps)
+{
+    TerminalHost host({{1, "XNYS", "New York"}, {2, "XNAS", "Nasdaq"}},
+                      {{1, 1, "XNYS", "NYSE"}, {1, 2, "ARCX", "Arca"}, {2, 1, "XNGS", "Select"}});
+    host.setSecurities(allSecurities);
+    TestWriter feed([&host](int) {
+        host.setPartners({{"MB1", "C1", "Alder"}, {"MB2", "", "Calder"}});
+    });
+    while (feed.rounds() == 0)
+        QThread::yieldCurrentThread();
+    host.setSessions({{1, 1}, {2, 1}});
+    ICore::install(&host);
+    Form form;
+    form.show();
+    QApplication::setActiveWindow(&form);
+
+    QStringList seen;
+    for (const QString &step : steps) {
+        const QString verb = step.section(' ', 0, 0);
+        const QString what = step.section(' ', 1);
+        Values values;
+        for (const QString &part : what.split(';'))
+            values.insert(part.section('=', 0, 0), part.section('=', 1));
+        for (const QString &key : verb == "press" ? what.split(' ') : QStringList())
+            QTest::keySequence(keyTarget(), QKeySequence(key));
+        for (const QChar c : verb == "type" ? what : QString())
+            QTest::keyClick(keyTarget(), c.toLatin1());
+        if (verb == "fill")
+            form.fill(values);
+        if (verb == "check")
+            form.check();
+        if (verb == "drop") {
+            host.setSecurities({allSecurities.begin() + what.toInt(), allSecurities.end()});
+            form.refresh();
+        }
+        QString red;
+        for (const QLabel *label : form.template findChildren<QLabel *>()) {
+            const QString caption = label->text().remove('&');
+            if (verb == "go" && caption == what)
+                label->buddy()->setFocus(Qt::TabFocusReason);
+            red += label->styleSheet().contains("red") ? caption : QString();
+        }
+        QCoreApplication::processEvents();
+        QString state = shownText() + " / " + red;
+        if ((verb == "shows" && shownText() != what) || (verb == "red" && red != what))
+            state += " fault";
+        const QVariantMap all = form.values();
+        for (const QString &name : QString(fieldNames).split(' ')) {
+            state += ' ' + all.value(name).toString();
+            if (verb == "is" && values.value(name, all.value(name)) != all.value(name))
+                state += " fault";
+        }
+        seen << step + " -> " + state;
+    }
+    ICore::install(nullptr);
+    return seen;
+}
+
+} // namespace
+
+// The example host, and the order form that is written twice over it.
+class ExamplesTest : public StrictTest
+{
+    Q_OBJECT
+
+private slots:
+    void order_data();
+    void order();
+};
+
+void ExamplesTest::order_data()
+{
+    QTest::addColumn<QStringList>("steps");
+    for (const DataRow &row : rowsOf("order.txt"))
+        QTest::newRow(qPrintable(row.first())) << QStringList(row.mid(1));
+}
+
+void ExamplesTest::order()
+{
+    QFETCH(QStringList, steps);
+    const QStringList formkit = play<FormkitOrder>(steps);
+    QVERIFY2(!formkit.join(' ').contains("fault"), qPrintable(formkit.join('\n')));
+    QCOMPARE(play<StockOrder>(steps), formkit);
+}
+
+QTEST_MAIN(ExamplesTest)
+#include "tst_examples.moc"
