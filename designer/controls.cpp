@@ -1,9 +1,10 @@
 #include "controls.h"
 
+#include "designedformselector.h"
+
 #include <formkit/boardselectorbox.h>
 #include <formkit/checkbox.h>
 #include <formkit/dateedit.h>
-#include <formkit/formselector.h>
 #include <formkit/groupbox.h>
 #include <formkit/label.h>
 #include <formkit/lineedit.h>
@@ -40,9 +41,10 @@ QString xmlProperty(const QString &name, const QString &value, const QString &ex
     return QStringLiteral("<property name=\"%1\"%3>%2</property>").arg(name, value, extra);
 }
 
+// Bytes: Designer hands texts to translators.
 QString presetText(const QByteArray &name)
 {
-    return xmlProperty(QString::fromLatin1(name), QStringLiteral("<string notr=\"true\"/>"),
+    return xmlProperty(QString::fromLatin1(name), QStringLiteral("<cstring/>"),
                        QStringLiteral(" stdset=\"0\""));
 }
 
@@ -51,11 +53,17 @@ QString caption(const QString &property, const QString &text)
     return xmlProperty(property, QStringLiteral("<string>%1</string>").arg(text));
 }
 
+template <typename Widget> QWidget *create(QWidget *parent)
+{
+    return new Widget(parent);
+}
+
 template <typename Widget> Control control(const QString &group, const QString &toolTip)
 {
     Control made;
     made.meta = &Widget::staticMetaObject;
-    made.create = [](QWidget *parent) -> QWidget * { return new Widget(parent); };
+    made.create = create<Widget>;
+    made.createDesigned = create<Widget>;
     made.header = QStringLiteral("<formkit/%1.h>").arg(made.name().toLower());
     made.group = group;
     made.toolTip = toolTip;
@@ -139,6 +147,7 @@ QVector<Control> makeControls()
         add(control<FormSelector>(containers, tr("Shows the page of the chosen board")), {320, 160},
             {fields});
     selector->isContainer = true;
+    selector->createDesigned = create<DesignedFormSelector>;
     selector->addPageMethod = QStringLiteral("addPage");
     selector->whatsThis = tr("A container of pages, one of which is shown: that of the chosen "
                              "board. The property \"boards\" of a page holds its boards, as pairs "
@@ -173,7 +182,8 @@ QString Control::domXml() const
     for (const DynamicProperty &property : dynamicProperties) {
         if (property.kind == DynamicProperty::PresetText)
             content += presetText(property.name);
-        texts << QString::fromLatin1(property.name);
+        if (property.kind != DynamicProperty::ParentSwitch)
+            texts << QString::fromLatin1(property.name);
     }
     // What the hub moves is system text, which no translator may touch.
     for (int i = qtClass(meta)->propertyCount(); i < meta->propertyCount(); ++i) {

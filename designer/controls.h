@@ -26,8 +26,10 @@ struct DynamicProperty
 // What a form designer shows of one control, and how it makes it.
 struct Control
 {
-    const QMetaObject *meta;
-    QWidget *(*create)(QWidget *parent);
+    const QMetaObject *meta = nullptr;
+    QWidget *(*create)(QWidget *parent) = nullptr;
+    // Makes the control for a form that is being designed.
+    QWidget *(*createDesigned)(QWidget *parent) = nullptr;
     QString header;
     QString group;
     QString toolTip;
@@ -38,7 +40,7 @@ struct Control
     QVector<DynamicProperty> dynamicProperties;
     // The method by which a form file adds pages, empty for all but containers of pages.
     QString addPageMethod;
-    bool isContainer;
+    bool isContainer = false;
 
     QString name() const;
     // The Qt class that the control extends.

@@ -16,7 +16,13 @@ QIcon CustomWidget::icon() const
     return icon;
 }
 
+QWidget *CustomWidget::createWidget(QWidget *parent)
+{
+    return m_isDesigning ? m_control.createDesigned(parent) : m_control.create(parent);
+}
+
 void CustomWidget::initialize(QDesignerFormEditorInterface *core)
 {
+    m_isDesigning = true;
     ExtensionFactory::registerOnce(core->extensionManager());
 }

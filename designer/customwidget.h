@@ -17,12 +17,13 @@ public:
     QString includeFile() const override { return m_control.header; }
     QIcon icon() const override;
     bool isContainer() const override { return m_control.isContainer; }
-    QWidget *createWidget(QWidget *parent) override { return m_control.create(parent); }
+    QWidget *createWidget(QWidget *parent) override;
     QString domXml() const override { return m_control.domXml(); }
 
-    // Gives Designer the task menus and the pages, once for all controls.
+    // Called by Designer alone. Gives it the task menus and the pages, once for all controls.
     void initialize(QDesignerFormEditorInterface *core) override;
 
 private:
     const Control &m_control;
+    bool m_isDesigning = false;
 };

@@ -3,8 +3,6 @@
 #include "formselectorpages.h"
 #include "taskmenu.h"
 
-#include <formkit/formselector.h>
-
 #include <QExtensionManager>
 
 void ExtensionFactory::registerOnce(QExtensionManager *manager)
@@ -20,7 +18,7 @@ QObject *ExtensionFactory::createExtension(QObject *object, const QString &iid,
                                            QObject *parent) const
 {
     if (iid == Q_TYPEID(QDesignerContainerExtension)) {
-        auto *selector = qobject_cast<FormSelector *>(object);
+        auto *selector = dynamic_cast<DesignedFormSelector *>(object);
         return selector ? new FormSelectorPages(selector, extensionManager(), parent) : nullptr;
     }
     auto *widget = qobject_cast<QWidget *>(object);

@@ -1,36 +1,31 @@
 #pragma once
 
+#include "designedformselector.h"
+
 #include <QDesignerContainerExtension>
-#include <QPointer>
+#include <QObject>
 
-class FormSelector;
 class QExtensionManager;
-class QStackedLayout;
 
-// The pages of a FormSelector while it is designed. They fill the selector, which is to be drawn
-// on, and are shown whatever the current board is.
+// Designer's way to the pages of a FormSelector.
 class FormSelectorPages : public QObject, public QDesignerContainerExtension
 {
     Q_OBJECT
     Q_INTERFACES(QDesignerContainerExtension)
 
 public:
-    FormSelectorPages(FormSelector *selector, QExtensionManager *manager, QObject *parent);
+    FormSelectorPages(DesignedFormSelector *selector, QExtensionManager *manager, QObject *parent);
 
-    int count() const override;
-    QWidget *widget(int index) const override;
-    int currentIndex() const override;
-    void setCurrentIndex(int index) override;
-    void addWidget(QWidget *page) override;
+    int count() const override { return m_selector->count(); }
+    QWidget *widget(int index) const override { return m_selector->page(index); }
+    int currentIndex() const override { return m_selector->currentIndex(); }
+    void setCurrentIndex(int index) override { m_selector->setCurrentIndex(index); }
+    void addWidget(QWidget *page) override { m_selector->addPage(page); }
     // A page that is new gets its property "boards", to be filled in.
     void insertWidget(int index, QWidget *page) override;
-    void remove(int index) override;
+    void remove(int index) override { m_selector->removePage(index); }
 
 private:
-    void keepPage(int stackIndex);
-
-    QStackedLayout *m_stack;
+    DesignedFormSelector *m_selector;
     QExtensionManager *m_manager;
-    // The page that is designed.
-    QPointer<QWidget> m_current;
 };

@@ -1,17 +1,16 @@
 #include "taskmenu.h"
 
+#include "dynamicpropertycommand.h"
+
 #include <formkit/formselector.h>
 
 #include <QAction>
 #include <QDesignerContainerExtension>
-#include <QDesignerDynamicPropertySheetExtension>
 #include <QDesignerFormEditorInterface>
-#include <QDesignerFormWindowCursorInterface>
 #include <QDesignerFormWindowInterface>
-#include <QDesignerPropertyEditorInterface>
-#include <QDesignerPropertySheetExtension>
 #include <QExtensionManager>
 #include <QInputDialog>
+#include <QUndoStack>
 
 namespace {
 
@@ -67,8 +66,8 @@ void TaskMenu::addProperty(const DynamicProperty &property)
     m_actions << action;
     if (property.kind == DynamicProperty::ParentSwitch) {
         action->setCheckable(true);
-        connect(action, &QAction::triggered, this, [this, action](bool on) {
-            setProperty(m_widget->parentWidget(), action->objectName(), on);
+        connect(action, &QAction::triggered, this, [this, name = property.name](bool on) {
+            change(m_widget->parentWidget(), name, on ? QVariant(true) : QVariant());
         });
     } else {
         connect(action, &QAction::triggered, this, [this, property] { askForText(property); });
@@ -98,21 +97,14 @@ void TaskMenu::askForText(const DynamicProperty &property)
     const QString text = QInputDialog::getText(
         m_widget->window(), title.remove(QStringLiteral("...")), property.help + QLatin1Char(':'),
         QLineEdit::Normal, m_widget->property(property.name).toString(), &accepted);
-    if (accepted)
-        setProperty(m_widget, QString::fromLatin1(property.name), text);
+    if (!accepted)
+        return;
+    const bool isRemoved = text.isEmpty() && property.kind != DynamicProperty::PresetText;
+    change(m_widget, property.name, isRemoved ? QVariant() : QVariant(text.toUtf8()));
 }
 
-void TaskMenu::setProperty(QWidget *widget, const QString &name, const QVariant &value)
+void TaskMenu::change(QWidget *widget, const QByteArray &name, const QVariant &value)
 {
-    auto *form = QDesignerFormWindowInterface::findFormWindow(widget);
-    if (!form)
-        return;
-    QDesignerFormEditorInterface *core = form->core();
-    auto *sheet = qt_extension<QDesignerPropertySheetExtension *>(core->extensionManager(), widget);
-    auto *dynamicSheet =
-        qt_extension<QDesignerDynamicPropertySheetExtension *>(core->extensionManager(), widget);
-    if (sheet->indexOf(name) < 0)
-        dynamicSheet->addDynamicProperty(name, value);
-    form->cursor()->setWidgetProperty(widget, name, value);
-    core->propertyEditor()->setObject(core->propertyEditor()->object());
+    if (auto *form = QDesignerFormWindowInterface::findFormWindow(widget))
+        form->commandHistory()->push(new DynamicPropertyCommand(form, widget, name, value));
 }

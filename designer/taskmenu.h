@@ -25,7 +25,7 @@ private:
     void addProperty(const DynamicProperty &property);
     void addPageSteps(QWidget *selector);
     void askForText(const DynamicProperty &property);
-    void setProperty(QWidget *widget, const QString &name, const QVariant &value);
+    void change(QWidget *widget, const QByteArray &name, const QVariant &value);
 
     QWidget *m_widget;
     QList<QAction *> m_actions;

@@ -65,8 +65,8 @@ public:
     // board that is current is shown and bound at once. A null sub-form is ignored.
     void addWidget(boardid board, QWidget *form);
     // Adds a page of a form file as a sub-form for its "boards", as addWidget() does for each of
-    // them. A null page is ignored.
-    Q_INVOKABLE void addPage(QWidget *page);
+    // them. A null page is ignored. (A form designer overrides it, to show pages of any board.)
+    Q_INVOKABLE virtual void addPage(QWidget *page);
     // The sub-forms, each once, ordered by address.
     QList<QWidget *> getWidgetList() const;
 
