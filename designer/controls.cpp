@@ -145,7 +145,7 @@ QVector<Control> makeControls()
     group->firstContent = caption("title", tr("Group"));
     Control *selector =
         add(control<FormSelector>(containers, tr("Shows the page of the chosen board")), {320, 160},
-            {fields});
+            {boardsProperty(), fields});
     selector->isContainer = true;
     selector->createDesigned = create<DesignedFormSelector>;
     selector->addPageMethod = QStringLiteral("addPage");
@@ -182,7 +182,7 @@ QString Control::domXml() const
     for (const DynamicProperty &property : dynamicProperties) {
         if (property.kind == DynamicProperty::PresetText)
             content += presetText(property.name);
-        if (property.kind != DynamicProperty::ParentSwitch)
+        if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
     // What the hub moves is system text, which no translator may touch.
@@ -219,7 +219,7 @@ const DynamicProperty &boardsProperty()
     static const DynamicProperty property{
         "boards", tr("Boards of the Page..."),
         tr("The boards that the page serves, as pairs of exchange and board id: 1,7;2,3"),
-        DynamicProperty::PresetText};
+        DynamicProperty::PageText};
     return property;
 }
 

@@ -45,7 +45,7 @@ void DynamicPropertyCommand::replace(const QVariant &value, const QVariant &valu
 {
     auto *sheet = extensionOf<QDesignerPropertySheetExtension>(m_form, m_widget);
     auto *dynamic = extensionOf<QDesignerDynamicPropertySheetExtension>(m_form, m_widget);
-    if (m_widget->property(m_name.toLatin1()).isValid())
+    if (!dynamic->canAddDynamicProperty(m_name))
         dynamic->removeDynamicProperty(sheet->indexOf(m_name));
     if (value.isValid())
         sheet->setProperty(dynamic->addDynamicProperty(m_name, value), valueOfSheet);

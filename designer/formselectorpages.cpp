@@ -3,6 +3,7 @@
 #include "controls.h"
 
 #include <QDesignerDynamicPropertySheetExtension>
+#include <QDesignerPropertySheetExtension>
 #include <QExtensionManager>
 #include <QVariant>
 
@@ -15,8 +16,10 @@ FormSelectorPages::FormSelectorPages(DesignedFormSelector *selector, QExtensionM
 void FormSelectorPages::insertWidget(int index, QWidget *page)
 {
     m_selector->insertPage(index, page);
-    auto *sheet = qt_extension<QDesignerDynamicPropertySheetExtension *>(m_manager, page);
+    auto *sheet = qt_extension<QDesignerPropertySheetExtension *>(m_manager, page);
+    auto *dynamic = qt_extension<QDesignerDynamicPropertySheetExtension *>(m_manager, page);
     const QString boards = QString::fromLatin1(boardsProperty().name);
-    if (sheet && sheet->canAddDynamicProperty(boards))
-        sheet->addDynamicProperty(boards, QByteArray());
+    // Not by a command: it comes and goes with the page.
+    if (dynamic->canAddDynamicProperty(boards))
+        sheet->setProperty(dynamic->addDynamicProperty(boards, QByteArray()), QByteArray());
 }

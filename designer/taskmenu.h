@@ -6,6 +6,8 @@
 #include <QList>
 #include <QObject>
 
+class DesignedFormSelector;
+
 // The library's part of the context menu of a control, or of a page of a FormSelector: its
 // dynamic properties, and a way from page to page.
 class TaskMenu : public QObject, public QDesignerTaskMenuExtension
@@ -22,11 +24,14 @@ public:
     QList<QAction *> taskActions() const override;
 
 private:
-    void addProperty(const DynamicProperty &property);
-    void addPageSteps(QWidget *selector);
-    void askForText(const DynamicProperty &property);
-    void change(QWidget *widget, const QByteArray &name, const QVariant &value);
+    void addSwitch(const DynamicProperty &property);
+    void addText(const DynamicProperty &property);
+    void addPageStep(const QString &text, int step);
+    void askForText(QWidget *owner, const DynamicProperty &property);
+    void change(QWidget *owner, const QByteArray &name, const QVariant &value);
 
     QWidget *m_widget;
+    // The selector that the widget, or whose page it is; else null.
+    DesignedFormSelector *m_selector;
     QList<QAction *> m_actions;
 };
