@@ -67,10 +67,14 @@ void FormSelector::addPage(QWidget *page)
 
 bool FormSelector::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::DynamicPropertyChange &&
-        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() == boardsProperty)
-        readBoards(static_cast<QWidget *>(watched));
-    return QWidget::eventFilter(watched, event);
+    if (event->type() != QEvent::DynamicPropertyChange ||
+        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != boardsProperty)
+        return false;
+    // Showing another page may destroy this one, or the selector with it: no one else is to see
+    // the event then.
+    const QPointer<QObject> alive(watched);
+    readBoards(static_cast<QWidget *>(watched));
+    return !alive;
 }
 
 // Registers the boards of the form's property in place of those that it named before.

@@ -27,6 +27,12 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+// Without the sizes: a PartnerSelectorBox takes that of its contents.
+QString withoutSizes(QString form)
+{
+    return form.remove(QRegularExpression("<(width|height)>\\d+</\\w+>"));
+}
+
 // The form of every control, which Qt Designer itself has written, made by the form compiler or
 // by the loader.
 QWidget *compiledForm()
@@ -152,7 +158,7 @@ void DesignerTest::designing()
     QDesignerComponents::initializePlugins(core.data());
     QDesignerFormWindowInterface *form = core->formWindowManager()->createFormWindow();
     QVERIFY(form->setContents(contentOf(ALL_CONTROLS)));
-    QCOMPARE(form->contents().toUtf8(), contentOf(ALL_CONTROLS));
+    QCOMPARE(withoutSizes(form->contents()), withoutSizes(contentOf(ALL_CONTROLS)));
 
     const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
     QExtensionManager *manager = core->extensionManager();
@@ -179,7 +185,7 @@ void DesignerTest::designing()
     child("formSelector")->setProperty("StockId", "5");
     QCOMPARE(pages->currentIndex(), 1);
 
-    const QByteArray before = form->contents().toUtf8();
+    const QString before = withoutSizes(form->contents());
     trigger("formSelector", "Boards of the Page...", "4,4");
     QVERIFY(form->contents().contains("<cstring>4,4</cstring>"));
     trigger("numberEditor", "Name of the Value...", "");
@@ -190,7 +196,7 @@ void DesignerTest::designing()
     QVERIFY(form->contents().contains("RiskAddress"));
     while (form->commandHistory()->canUndo())
         form->commandHistory()->undo();
-    QCOMPARE(form->contents().toUtf8(), before);
+    QCOMPARE(withoutSizes(form->contents()), before);
 
     auto *page = new QWidget;
     pages->insertWidget(1, page);
