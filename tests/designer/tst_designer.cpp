@@ -69,7 +69,7 @@ void DesignerTest::controls()
     const QRegularExpression widget(
         "class FORMKIT_EXPORT (\\w+) : public "
         "(?:Q\\w*(?:Edit|B[uo]\\w+|Label|Widget)|\\w+Box|\\w+Editor)\\b");
-    for (const QFileInfo &header : QDir(HEADERS).entryInfoList({"*.h"})) {
+    for (const QFileInfo &header : QDir(SOURCES "/formkit").entryInfoList({"*.h"})) {
         const auto match = widget.match(contentOf(header.filePath()));
         if (match.hasMatch() && match.captured(1) != "SelectorBox")
             widgets << match.captured(1);
@@ -157,6 +157,11 @@ void DesignerTest::designing()
     new QDesignerIntegration(core.data(), core.data());
     QDesignerComponents::initializePlugins(core.data());
     QDesignerFormWindowInterface *form = core->formWindowManager()->createFormWindow();
+    for (const QFileInfo &demo : QDir(SOURCES "/demo").entryInfoList({"*.ui"})) {
+        const QString ui = contentOf(demo.filePath());
+        QVERIFY(form->setContents(ui));
+        QCOMPARE(form->contents().count("<widget "), ui.count("<widget "));
+    }
     QVERIFY(form->setContents(contentOf(ALL_CONTROLS)));
     QCOMPARE(withoutSizes(form->contents()), withoutSizes(contentOf(ALL_CONTROLS)));
 
