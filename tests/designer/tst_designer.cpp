@@ -11,6 +11,7 @@
 #include <QDesignerFormWindowInterface>
 #include <QDesignerFormWindowManagerInterface>
 #include <QDesignerIntegration>
+#include <QDesignerPropertyEditorInterface>
 #include <QDesignerTaskMenuExtension>
 #include <QExtensionManager>
 #include <QFormBuilder>
@@ -81,8 +82,7 @@ void DesignerTest::controls()
     for (QDesignerCustomWidgetInterface *control : collection->customWidgets()) {
         QVERIFY2(widgets.removeOne(control->name()), qPrintable(control->name()));
         QVERIFY(control->includeFile().startsWith("<formkit/"));
-        QVERIFY(QFile::exists(QFileInfo(HEADERS).path() + '/' +
-                              control->includeFile().mid(1).chopped(1)));
+        QVERIFY(QFile::exists(SOURCES "/" + control->includeFile().mid(1).chopped(1)));
         QVERIFY(control->group().startsWith("formkit") && !control->toolTip().isEmpty());
         QVERIFY(!control->whatsThis().isEmpty());
         const QImage icon = control->icon().pixmap(22).toImage();
@@ -153,10 +153,13 @@ void DesignerTest::designing()
     QDesignerComponents::initializeResources();
     const QScopedPointer<QDesignerFormEditorInterface> core(
         QDesignerComponents::createFormEditor(nullptr));
-    core->setPropertyEditor(QDesignerComponents::createPropertyEditor(core.data(), nullptr));
+    const QScopedPointer<QDesignerPropertyEditorInterface> editor(
+        QDesignerComponents::createPropertyEditor(core.data(), nullptr));
+    core->setPropertyEditor(editor.data());
     new QDesignerIntegration(core.data(), core.data());
     QDesignerComponents::initializePlugins(core.data());
-    QDesignerFormWindowInterface *form = core->formWindowManager()->createFormWindow();
+    const QScopedPointer<QDesignerFormWindowInterface> form(
+        core->formWindowManager()->createFormWindow());
     for (const QFileInfo &demo : QDir(SOURCES "/demo").entryInfoList({"*.ui"})) {
         const QString ui = contentOf(demo.filePath());
         QVERIFY(form->setContents(ui));
@@ -206,7 +209,7 @@ void DesignerTest::designing()
     auto *page = new QWidget;
     pages->insertWidget(1, page);
     QCOMPARE(pages->count() + 10 * pages->currentIndex(), 13);
-    QVERIFY(page->isVisibleTo(form) && page->property("boards").isValid());
+    QVERIFY(page->isVisibleTo(form.data()) && page->property("boards").isValid());
     pages->remove(1);
     QCOMPARE(pages->count(), 2);
     delete page;
