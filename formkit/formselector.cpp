@@ -4,12 +4,30 @@
 #include "summator.h"
 
 #include <QDebug>
+#include <QDynamicPropertyChangeEvent>
 #include <QLabel>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <functional>
+
+namespace {
+
+const QByteArray boardsProperty = QByteArrayLiteral("boards");
+
+boardlist boardsOf(const QWidget *page)
+{
+    const QString text = page->property(boardsProperty).toString();
+    bool ok = false;
+    const boardlist boards = boardListFromString(text, &ok);
+    if (!ok)
+        qWarning() << "FormSelector::addPage: page" << page->objectName()
+                   << "serves no board, its boards are no pairs:" << text;
+    return boards;
+}
+
+} // namespace
 
 FormSelector::FormSelector(QWidget *parent) : FormSelector(nullptr, parent) {}
 
@@ -31,11 +49,59 @@ void FormSelector::addWidget(boardid board, QWidget *form)
     if (!form)
         return;
     dropDeadPages();
-    if (!holderOf(form))
-        m_pages.append(Page{form, newHolder(form)});
+    pageOf(form);
     m_boardForms.insert(board, form);
     if (board == m_shown)
         setWidget(board);
+}
+
+void FormSelector::addPage(QWidget *page)
+{
+    if (!page)
+        return;
+    dropDeadPages();
+    pageOf(page);
+    page->installEventFilter(this);
+    readBoards(page);
+}
+
+bool FormSelector::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::DynamicPropertyChange ||
+        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != boardsProperty)
+        return false;
+    // Showing another page may destroy this one, or the selector with it: no one else is to see
+    // the event then.
+    const QPointer<QObject> alive(watched);
+    readBoards(static_cast<QWidget *>(watched));
+    return !alive;
+}
+
+// Registers the boards of the form's property in place of those that it named before.
+void FormSelector::readBoards(QWidget *form)
+{
+    const QPointer<QWidget> formBefore = m_boardForms.value(m_shown);
+    boardlist &boards = pageOf(form).boards;
+    for (const boardid &board : qAsConst(boards)) {
+        if (m_boardForms.value(board) == form)
+            m_boardForms.remove(board);
+    }
+    boards = boardsOf(form);
+    for (const boardid &board : qAsConst(boards))
+        m_boardForms.insert(board, form);
+    if (m_boardForms.value(m_shown) != formBefore)
+        setWidget(m_shown);
+}
+
+// The form's page, a new one if it has none yet.
+FormSelector::Page &FormSelector::pageOf(QWidget *form)
+{
+    const auto isItsPage = [form](const Page &page) { return page.form == form; };
+    const auto page = std::find_if(m_pages.begin(), m_pages.end(), isItsPage);
+    if (page != m_pages.end())
+        return *page;
+    m_pages.append(Page{form, newHolder(form), {}});
+    return m_pages.last();
 }
 
 QWidget *FormSelector::newHolder(QWidget *form)

@@ -31,6 +31,15 @@ class QStackedLayout;
 // bound. Call setHub() after connectAll() if hidden sub-forms hold members that report by
 // themselves, such as a Summator. The sums of a sub-form are reported each time it is shown.
 //
+// In a form file the selector is a container whose pages are its sub-forms, each with the
+// dynamic property "boards": the boards that it serves, written as boardListToString() does
+// ("1,7;2,3"). A text that is no such list serves no board, with a warning that names page and
+// text. A page without boards is not shown until addWidget() registers it. The property may be
+// set before or after the page is added, and changed at any time: the boards of the new text
+// replace those of the old. A form file asks for this with
+// <addpagemethod>addPage</addpagemethod> in its entry of the class; Qt Designer with formkit's
+// plug-in writes that.
+//
 // Without a hub it only shows. Hub and sub-forms may be destroyed at any time, also while the
 // bindings move; a board whose sub-form is gone shows an empty page. Sub-forms whose controls
 // answer their binding with a change of board are followed, unless they send each other away
@@ -56,6 +65,9 @@ public:
     // it has a layout, that layout's margins become 3 above and 2 below. The sub-form of the
     // board that is current is shown and bound at once. A null sub-form is ignored.
     void addWidget(boardid board, QWidget *form);
+    // Adds a page of a form file as a sub-form for its "boards", as addWidget() does for each of
+    // them. A null page is ignored. (A form designer overrides it, to show pages of any board.)
+    Q_INVOKABLE virtual void addPage(QWidget *page);
     // The sub-forms, each once, ordered by address.
     QList<QWidget *> getWidgetList() const;
 
@@ -72,13 +84,20 @@ public:
     // when they have moved.
     void setWidget(boardid board);
 
+    // Follows the pages' "boards".
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     struct Page
     {
         QPointer<QWidget> form;
         QPointer<QWidget> holder;
+        // Those that the form's property asked for.
+        boardlist boards;
     };
 
+    Page &pageOf(QWidget *form);
+    void readBoards(QWidget *form);
     QWidget *newHolder(QWidget *form);
     QWidget *holderOf(const QWidget *form) const;
     void dropDeadPages();

@@ -4,6 +4,8 @@
 # What building needs, and what running needs beside it.
 build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev)
 run_packages=(libqt5sql5-sqlite fonts-dejavu-core)
+# What the plug-in for Qt Designer needs: headers, Designer itself, and its reader of icons.
+designer_packages=(qttools5-dev qttools5-dev-tools libqt5svg5)
 
 # ensure_packages <package...>: installs those that are not there, as root or through sudo.
 ensure_packages() {

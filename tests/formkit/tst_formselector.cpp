@@ -123,6 +123,7 @@ private slots:
     void storm();
     void disasters();
     void hubs();
+    void pagesOfFormFile();
 };
 
 void FormSelectorTest::pagesOfBoards()
@@ -239,6 +240,41 @@ void FormSelectorTest::hubs()
     QCOMPARE(order.pages[1].plain->value(), QString("of the other"));
     order.selector->setHub(order.hub);
     QCOMPARE(order.state(), QString("1/1"));
+}
+
+// The boards of a page come before it, after it and anew; one that is shown follows at once.
+void FormSelectorTest::pagesOfFormFile()
+{
+    Properties hub;
+    FormSelector selector(&hub);
+    selector.show();
+    SubForm first("Offset0"), second("Offset1");
+    first.form->setObjectName("first");
+    const auto shown = [&] { return 2 * second.form->isVisible() + first.form->isVisible(); };
+    first.form->setProperty("boards", "1,1; 1,2");
+    selector.addPage(first.form);
+    selector.addPage(second.form);
+    selector.addPage(nullptr);
+    selector.setWidget({1, 2});
+    QCOMPARE(shown(), 1);
+    second.form->setProperty("boards", QByteArray("1,3;1,2"));
+    QCOMPARE(shown(), 2);
+    QCOMPARE(first.plain->listeners() + 2 * second.plain->listeners(), 2);
+    first.form->setProperty("boards", "1,3");
+    second.form->setProperty("boards", QVariant());
+    QCOMPARE(shown(), 0);
+    selector.setWidget({1, 3});
+    QCOMPARE(shown(), 1);
+    expectWarning("FormSelector::addPage: page \"first\" serves no board.*: \"1,3;2\"");
+    first.form->setProperty("boards", "1,3;2");
+    QCOMPARE(shown(), 0);
+
+    // A control that destroys its page, or the selector, as the boards arrive.
+    second.plain->onWrite = [&] { delete second.form; };
+    hub.setValue("Value", "1");
+    second.form->setProperty("boards", "1,3");
+    QVERIFY(!second.form);
+    QCOMPARE(selector.getWidgetList(), QList<QWidget *>{first.form});
 }
 
 QTEST_MAIN(FormSelectorTest)

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QExtensionFactory>
+
+// Makes what Designer asks for about the library's controls: their task menus, and the pages of
+// a FormSelector.
+class ExtensionFactory : public QExtensionFactory
+{
+    Q_OBJECT
+
+public:
+    static void registerOnce(QExtensionManager *manager);
+
+protected:
+    QObject *createExtension(QObject *object, const QString &iid, QObject *parent) const override;
+
+private:
+    using QExtensionFactory::QExtensionFactory;
+};

@@ -1,0 +1,219 @@
+#include "support/stricttest.h"
+
+#include "ui_allcontrols.h"
+
+#include <formkit/properties.h>
+
+#include <QAction>
+#include <QDesignerComponents>
+#include <QDesignerContainerExtension>
+#include <QDesignerFormEditorInterface>
+#include <QDesignerFormWindowInterface>
+#include <QDesignerFormWindowManagerInterface>
+#include <QDesignerIntegration>
+#include <QDesignerPropertyEditorInterface>
+#include <QDesignerTaskMenuExtension>
+#include <QExtensionManager>
+#include <QFormBuilder>
+#include <QInputDialog>
+#include <QUiLoader>
+#include <QUndoStack>
+#include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
+
+namespace {
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Without the sizes: a PartnerSelectorBox takes that of its contents.
+QString withoutSizes(QString form)
+{
+    return form.remove(QRegularExpression("<(width|height)>\\d+</\\w+>"));
+}
+
+// The form of every control, which Qt Designer itself has written, made by the form compiler or
+// by the loader.
+QWidget *compiledForm()
+{
+    auto *form = new QWidget;
+    Ui::AllControls().setupUi(form);
+    return form;
+}
+QWidget *loadedForm()
+{
+    QUiLoader loader;
+    loader.addPluginPath(QStringLiteral(PLUGINS "/designer"));
+    QFile file(QStringLiteral(ALL_CONTROLS));
+    return file.open(QIODevice::ReadOnly) ? loader.load(&file) : nullptr;
+}
+
+} // namespace
+
+class DesignerTest : public StrictTest
+{
+    Q_OBJECT
+
+private slots:
+    void controls();
+    void forms_data();
+    void forms();
+    void designing();
+};
+
+// The plug-in has every widget of the library, and what it says of each one is true.
+void DesignerTest::controls()
+{
+    QStringList widgets;
+    const QRegularExpression widget(
+        "class FORMKIT_EXPORT (\\w+) : public "
+        "(?:Q\\w*(?:Edit|B[uo]\\w+|Label|Widget)|\\w+Box|\\w+Editor)\\b");
+    for (const QFileInfo &header : QDir(SOURCES "/formkit").entryInfoList({"*.h"})) {
+        const auto match = widget.match(contentOf(header.filePath()));
+        if (match.hasMatch() && match.captured(1) != "SelectorBox")
+            widgets << match.captured(1);
+    }
+    QPluginLoader plugin(PLUGINS "/designer/formkitdesigner");
+    const auto *collection =
+        qobject_cast<QDesignerCustomWidgetCollectionInterface *>(plugin.instance());
+    QVERIFY2(collection, qPrintable(plugin.errorString()));
+    for (QDesignerCustomWidgetInterface *control : collection->customWidgets()) {
+        QVERIFY2(widgets.removeOne(control->name()), qPrintable(control->name()));
+        QVERIFY(control->includeFile().startsWith("<formkit/"));
+        QVERIFY(QFile::exists(SOURCES "/" + control->includeFile().mid(1).chopped(1)));
+        QVERIFY(control->group().startsWith("formkit") && !control->toolTip().isEmpty());
+        QVERIFY(!control->whatsThis().isEmpty());
+        const QImage icon = control->icon().pixmap(22).toImage();
+        QVERIFY2(icon != QImage(icon.size(), icon.format()) && !icon.isNull(),
+                 qPrintable(control->name()));
+
+        QFormBuilder builder;
+        builder.addPluginPath(PLUGINS "/designer");
+        QBuffer dropped;
+        dropped.setData(control->domXml().toUtf8().replace("<ui ", "<ui version=\"4.0\" "));
+        dropped.open(QIODevice::ReadOnly);
+        const QScopedPointer<QWidget> made(builder.load(&dropped));
+        QVERIFY2(made, qPrintable(control->name() + builder.errorString()));
+        QCOMPARE(QString(made->metaObject()->className()), control->name());
+        QVERIFY(made->width() >= 120 && made->height() >= 28);
+    }
+    QCOMPARE(widgets, QStringList());
+}
+
+void DesignerTest::forms_data()
+{
+    QTest::addColumn<bool>("isCompiled");
+    QTest::newRow("compiled") << true;
+    QTest::newRow("loaded") << false;
+}
+
+// A form of every control works from its file alone: names, texts of states, pages by board.
+void DesignerTest::forms()
+{
+    QFETCH(bool, isCompiled);
+    const QScopedPointer<QWidget> form(isCompiled ? compiledForm() : loadedForm());
+    QVERIFY(form);
+    form->show();
+    Properties hub;
+    QVERIFY(hub.connectAll(form.data()));
+    auto *selector = form->findChild<FormSelector *>();
+    selector->setHub(&hub);
+    const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
+    const auto held = [&](const char *name) { return hub.values().value(name).toString(); };
+
+    QTest::keyClicks(child("lineEdit"), "note");
+    QTest::keyClicks(child("numberEditor"), "1.5");
+    QTest::keyClicks(child("quantityEditor"), "20");
+    for (const char *button : {"checkBox", "radioButton", "pushButtonSend"})
+        qobject_cast<QAbstractButton *>(child(button))->click();
+    QCOMPARE((QStringList{held("Comment"), held("Price"), held("Quantity"), held("Hidden"),
+                          held("Side"), held("Action")}),
+             (QStringList{"note", "1.5", "20", "Y", "B", "place"}));
+    hub.setValue("Hidden", "N");
+    QVERIFY(!qobject_cast<QAbstractButton *>(child("checkBox"))->isChecked());
+    for (const char *name : {"GoodTill", "Partner", "Exchange", "Code"})
+        QVERIFY2(hub.values().contains(name), name);
+
+    QVERIFY(!child("page")->isVisible() && !child("page_2")->isVisible());
+    selector->setWidget({1, 8});
+    QVERIFY(child("page")->isVisible() && !child("page_2")->isVisible());
+    QTest::keyClicks(child("numberEditor_2"), "7");
+    selector->setWidget({2, 3});
+    QVERIFY(!child("page")->isVisible() && child("page_2")->isVisible());
+    QCOMPARE(child("lineEdit_2")->property("Value"), QVariant("7"));
+}
+
+// In Designer's form window: pages are inserted and shown, texts are set from the menu, and all
+// of it can be undone.
+void DesignerTest::designing()
+{
+    QCoreApplication::addLibraryPath(PLUGINS);
+    QDesignerComponents::initializeResources();
+    const QScopedPointer<QDesignerFormEditorInterface> core(
+        QDesignerComponents::createFormEditor(nullptr));
+    const QScopedPointer<QDesignerPropertyEditorInterface> editor(
+        QDesignerComponents::createPropertyEditor(core.data(), nullptr));
+    core->setPropertyEditor(editor.data());
+    new QDesignerIntegration(core.data(), core.data());
+    QDesignerComponents::initializePlugins(core.data());
+    const QScopedPointer<QDesignerFormWindowInterface> form(
+        core->formWindowManager()->createFormWindow());
+    for (const QFileInfo &demo : QDir(SOURCES "/demo").entryInfoList({"*.ui"})) {
+        const QString ui = contentOf(demo.filePath());
+        QVERIFY(form->setContents(ui));
+        QCOMPARE(form->contents().count("<widget "), ui.count("<widget "));
+    }
+    QVERIFY(form->setContents(contentOf(ALL_CONTROLS)));
+    QCOMPARE(withoutSizes(form->contents()), withoutSizes(contentOf(ALL_CONTROLS)));
+
+    const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
+    QExtensionManager *manager = core->extensionManager();
+    const auto trigger = [&](const char *widget, const char *title, const char *text = nullptr) {
+        if (text) {
+            QTimer::singleShot(0, this, [text] {
+                auto *dialog = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
+                dialog->setTextValue(text);
+                dialog->accept();
+            });
+        }
+        auto *menu = qt_extension<QDesignerTaskMenuExtension *>(manager, child(widget));
+        for (QAction *action : menu->taskActions()) {
+            if (action->text() == title)
+                return action->trigger();
+        }
+        QFAIL(title);
+    };
+    auto *pages = qt_extension<QDesignerContainerExtension *>(manager, child("formSelector"));
+    QCOMPARE(pages->count(), 2);
+    QCOMPARE(pages->widget(pages->currentIndex()), child("page"));
+    trigger("formSelector", "Previous Page");
+    QCOMPARE(pages->currentIndex(), 1);
+    child("formSelector")->setProperty("StockId", "5");
+    QCOMPARE(pages->currentIndex(), 1);
+
+    const QString before = withoutSizes(form->contents());
+    trigger("formSelector", "Boards of the Page...", "4,4");
+    QVERIFY(form->contents().contains("<cstring>4,4</cstring>"));
+    trigger("numberEditor", "Name of the Value...", "");
+    QVERIFY(!form->contents().contains("<cstring>Price</cstring>"));
+    trigger("numberEditor_2", "Name of the Value...", "Gr\u00f6\u00dfe");
+    QVERIFY(form->contents().contains("<cstring>Gr\u00f6\u00dfe</cstring>"));
+    trigger("partnerSelectorBox", "Only Partners with a Client Code");
+    QVERIFY(form->contents().contains("RiskAddress"));
+    while (form->commandHistory()->canUndo())
+        form->commandHistory()->undo();
+    QCOMPARE(withoutSizes(form->contents()), before);
+
+    auto *page = new QWidget;
+    pages->insertWidget(1, page);
+    QCOMPARE(pages->count() + 10 * pages->currentIndex(), 13);
+    QVERIFY(page->isVisibleTo(form.data()) && page->property("boards").isValid());
+    pages->remove(1);
+    QCOMPARE(pages->count(), 2);
+    delete page;
+}
+
+QTEST_MAIN(DesignerTest)
+#include "tst_designer.moc"
