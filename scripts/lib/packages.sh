@@ -110,7 +110,7 @@ try_in_fresh_root() {
     local root mirror
     root=$(mktemp -d)
     # shellcheck disable=SC2064  # the folder of now
-    trap "rm -rf --one-file-system '$root'" EXIT
+    trap "rm -rf --one-file-system '$root' '$root.log'" EXIT
     # shellcheck disable=SC2016  # apt's own variable
     mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' | head -n 1)
     debootstrap --variant=minbase bookworm "$root" "$mirror" >"$root.log" || {
@@ -124,8 +124,8 @@ try_in_fresh_root() {
         export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
         quiet() { "$@" >/tmp/log 2>&1 || { tail -n 30 /tmp/log >&2; return 1; }; }
         quiet apt-get install -y --no-install-recommends /tmp/libformkit-qt5-0_*.deb
-        for library in /usr/lib/*/libFormKitQt5*.so.0; do
-            ! ldd "$library" | grep "not found"
+        for library in $(dpkg -L libformkit-qt5-0 | grep "so\.0$"); do
+            if ldd "$library" | grep "not found"; then exit 1; fi
         done
         quiet apt-get install -y --no-install-recommends /tmp/*.deb
         quiet apt-get install -y --no-install-recommends g++ cmake make pkgconf
@@ -135,6 +135,6 @@ try_in_fresh_root() {
         quiet cmake --build /tmp/build --target consumer
         /tmp/build/consumer
         quiet apt-get remove -y libformkit-qt5-0
-        ! ls /usr/lib/*/libFormKitQt5* /usr/include/FormKitQt5 2>/dev/null'
+        if find /usr/lib /usr/include -name "*FormKitQt5*" | grep .; then exit 1; fi'
     echo "right: installed, used and removed in a fresh Debian"
 }
