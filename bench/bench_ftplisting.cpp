@@ -36,6 +36,7 @@ const char *const Styles[] = {"EPLF", "UNIX, time", "UNIX, year", "MultiNet", "M
 std::vector<std::string> linesOf(int style)
 {
     std::vector<std::string> lines;
+    lines.reserve(Lines);
     for (int i = 0; i < Lines; ++i)
         lines.push_back(lineOf(style, i));
     return lines;

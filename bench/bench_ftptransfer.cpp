@@ -59,6 +59,7 @@ bool runCurl(const QStringList &arguments)
     for (const QString &argument : arguments)
         bytes.push_back(argument.toLocal8Bit());
     std::vector<char *> pointers;
+    pointers.reserve(bytes.size() + 1);
     for (QByteArray &argument : bytes)
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);

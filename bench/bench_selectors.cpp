@@ -104,10 +104,10 @@ void makeNamesAlike(const QString &file)
 QString databaseFor(const QString &operation, int size, const QString &folder)
 {
     const bool namesAlike = operation == QLatin1String("typeAlike");
-    const QString file = QStringLiteral("%1/%2%3.sqlite")
-                             .arg(folder)
-                             .arg(size)
-                             .arg(QLatin1String(namesAlike ? "-alike" : ""));
+    QString file = QStringLiteral("%1/%2%3.sqlite")
+                       .arg(folder)
+                       .arg(size)
+                       .arg(QLatin1String(namesAlike ? "-alike" : ""));
     if (!QFile::exists(file)) {
         makeDatabase(file, size);
         if (namesAlike)

@@ -15,11 +15,19 @@ if(FORMKIT_SANITIZE)
     target_link_options(formkit_options INTERFACE -fsanitize=${FORMKIT_SANITIZE})
 endif()
 
-# formkit_add_library(<target> FOLDER <include folder> NAME <exported name> SOURCES <files...>)
+# What moc and uic write is theirs to tidy; this file stands nearer to it than the tree's own.
+if(CMAKE_CXX_CLANG_TIDY)
+    file(WRITE ${PROJECT_BINARY_DIR}/.clang-tidy "Checks: '-*,misc-definitions-in-headers'\n")
+endif()
+
+# formkit_add_library(<target> FOLDER <include folder> NAME <exported name> DESCRIPTION <text>
+#     [USES <exported names>] QT <modules> SOURCES <files>)
 # A shared library with a SONAME, hidden visibility, a generated export header
-# <FOLDER>/<target>_export.h, and the alias FormKit::<NAME>.
+# <FOLDER>/<target>_export.h, the alias FormKit::<NAME> and a pkg-config file. USES and QT are
+# what its headers include of this package's and of Qt's libraries: they are linked publicly and
+# are what its users have to have. All else is linked privately and asked of nobody.
 function(formkit_add_library target)
-    cmake_parse_arguments(ARG "" "FOLDER;NAME" "SOURCES" ${ARGN})
+    cmake_parse_arguments(ARG "" "FOLDER;NAME;DESCRIPTION" "USES;QT;SOURCES" ${ARGN})
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(FormKit::${ARG_NAME} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
@@ -36,18 +44,14 @@ function(formkit_add_library target)
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5>)
     target_compile_features(${target} PUBLIC cxx_std_17)
-    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:formkit_options>)
+    list(TRANSFORM ARG_USES PREPEND FormKit:: OUTPUT_VARIABLE own_targets)
+    list(TRANSFORM ARG_QT PREPEND Qt5:: OUTPUT_VARIABLE qt_targets)
+    target_link_libraries(${target}
+        PUBLIC ${own_targets} ${qt_targets}
+        PRIVATE $<BUILD_INTERFACE:formkit_options>)
     # clang leaves the sanitizer runtimes' symbols undefined in shared objects.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT APPLE AND NOT FORMKIT_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)
     endif()
-    install(TARGETS ${target} EXPORT FormKitQt5Targets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    set(headers ${ARG_SOURCES})
-    list(FILTER headers INCLUDE REGEX "\\.h$")
-    list(FILTER headers EXCLUDE REGEX "_p\\.h$")
-    install(FILES ${headers} ${export_header}
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5/${ARG_FOLDER})
+    formkit_install_library(${target})
 endfunction()

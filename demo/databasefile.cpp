@@ -11,8 +11,7 @@ QString DatabaseFile::sample()
 
 QString DatabaseFile::generated(int securities, QString *error)
 {
-    const QString file =
-        QDir::temp().filePath(QStringLiteral("formkit-demo-%1.sqlite").arg(securities));
+    QString file = QDir::temp().filePath(QStringLiteral("formkit-demo-%1.sqlite").arg(securities));
     if (QFileInfo::exists(file))
         return file;
     QProcess maker;

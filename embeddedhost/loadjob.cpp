@@ -26,7 +26,7 @@ void LoadJob::wait()
 LoadJob::News LoadJob::takeNews()
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    const News news = m_news;
+    News news = m_news;
     for (TableProgress &table : m_news.tables)
         table.isNew = false;
     m_isAwake = false;

@@ -246,6 +246,8 @@ void Properties::setValue(const QString &name, const QString &value)
 void Properties::setValues(const Values &values)
 {
     const QPointer<Properties> alive(this);
+    // What hears of one value may change the caller's map.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const Values copy(values);
     for (auto entry = copy.cbegin(); entry != copy.cend() && alive; ++entry)
         setValue(entry.key(), entry.value().toString());

@@ -216,6 +216,7 @@ void RowListView::changeEvent(QEvent *event)
 // QAbstractItemView would make the first row current, unlit, and Enter would choose it.
 void RowListView::focusInEvent(QFocusEvent *event)
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractScrollArea::focusInEvent(event);
     viewport()->update();
 }

@@ -78,6 +78,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
     if (sourceModel())
         sourceModel()->disconnect(this);
     // Past QSortFilterProxyModel, whose own mapping would come to life.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractProxyModel::setSourceModel(source);
     if (source) {
         const auto begin = [this] { beginRebuild(); };
@@ -453,11 +454,13 @@ QModelIndex SelectorProxyModel::mapFromSource(const QModelIndex &sourceIndex) co
 
 QItemSelection SelectorProxyModel::mapSelectionToSource(const QItemSelection &selection) const
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     return QAbstractProxyModel::mapSelectionToSource(selection);
 }
 
 QItemSelection SelectorProxyModel::mapSelectionFromSource(const QItemSelection &selection) const
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     return QAbstractProxyModel::mapSelectionFromSource(selection);
 }
 

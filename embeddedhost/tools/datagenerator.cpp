@@ -55,9 +55,9 @@ QString DataGenerator::securityName(int number)
 {
     static const char *const kinds[] = {"Energy",    "Foods", "Bank",  "Metals",
                                         "Transport", "Fund",  "Media", "Water"};
-    const QString name = QStringLiteral("%1 %2 %3")
-                             .arg(word(), QLatin1String(kinds[pick(int(std::size(kinds)))]))
-                             .arg(number);
+    QString name = QStringLiteral("%1 %2 %3")
+                       .arg(word(), QLatin1String(kinds[pick(int(std::size(kinds)))]))
+                       .arg(number);
     switch (pick(4)) {
     case 0:
         return name.toUpper();

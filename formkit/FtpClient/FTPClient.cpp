@@ -1,3 +1,5 @@
+#include "formkit/FtpClient/FTPClient.h"
+
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 

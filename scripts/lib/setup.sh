@@ -1,5 +1,5 @@
 # Shared by the scripts of this folder: installs what is missing, then configures and builds.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034  # the scripts use the lists
 
 # What building needs, and what running needs beside it.
 build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev)

@@ -1,0 +1,48 @@
+# Debian packages, one an install component: `cpack -G DEB` in a build folder, or scripts/packages,
+# which checks them too.
+set(CPACK_PACKAGE_NAME formkit-qt5)
+set(CPACK_PACKAGE_VENDOR "the formkit authors")
+set(CPACK_PACKAGE_CONTACT "the formkit authors <formkit@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION
+    "Controls, editors and selector boxes for order entry, an FTP client, and a host of
+reference tables over SQLite.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+get_cmake_property(CPACK_COMPONENTS_ALL COMPONENTS)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/hostapi
+    ${PROJECT_BINARY_DIR}/formkit ${PROJECT_BINARY_DIR}/formkit/FtpClient
+    ${PROJECT_BINARY_DIR}/embeddedhost)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianDocuments.cmake)
+set(CPACK_FORMKIT_SOURCE_DIR ${PROJECT_SOURCE_DIR})
+
+# The embedded host cannot open a file without Qt's SQLite driver, which no linker sees.
+set(runtime_package libformkit-qt5-${PROJECT_VERSION_MAJOR})
+set(same_runtime "${runtime_package} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS libqt5sql5-sqlite)
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libformkit-qt5-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${same_runtime}, qtbase5-dev (>= 5.15)")
+
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_NAME libformkit-qt5-designer)
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_DEPENDS "${same_runtime}")
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_ENHANCES qttools5-dev-tools)
+
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libformkit-qt5-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SHLIBDEPS OFF)
+
+include(CPack)

@@ -1,0 +1,140 @@
+# Shared by scripts/packages: what the Debian packages have to hold, and a fresh Debian for them.
+# shellcheck shell=bash disable=SC2034  # the scripts use the list
+
+package_packages=(dpkg-dev file pkgconf make)
+
+# The libraries, as <name> <folder of its headers>.
+package_libraries=("HostApi hostapi" "FormKit formkit" "Ftp formkit/FtpClient"
+    "EmbeddedHost embeddedhost")
+
+version_of_tree() {
+    sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
+}
+
+# expected_files <package> <libdir>: the files that it has to hold, its licence and changes apart.
+expected_files() {
+    local lib=/usr/$2 include=/usr/include/FormKitQt5 pair name folder version
+    version=$(version_of_tree)
+    case $1 in
+        libformkit-qt5-doc)
+            printf '/usr/share/doc/formkit-qt5/%s\n' LICENSE README.md CHANGELOG.md
+            git ls-files docs | sed 's,^,/usr/share/doc/formkit-qt5/,'
+            return ;;
+        libformkit-qt5-designer)
+            echo '/usr/lib/*/qt5/plugins/designer/formkitdesigner.so'
+            return ;;
+        libformkit-qt5-dev)
+            echo /usr/bin/formkit-mkdb
+            printf "$lib/cmake/FormKitQt5/FormKitQt5%s.cmake\n" Config ConfigVersion Targets
+            echo "$lib/cmake/FormKitQt5/FormKitQt5Targets-*.cmake" ;;
+    esac
+    for pair in "${package_libraries[@]}"; do
+        read -r name folder <<<"$pair"
+        if [ "$1" = libformkit-qt5-dev ]; then
+            echo "$lib/libFormKitQt5$name.so"
+            echo "$lib/pkgconfig/FormKitQt5$name.pc"
+            git ls-files "$folder/*.h" | grep -E "^$folder/[^/]+$" | grep -v '_p\.h$' |
+                sed "s,^,$include/,"
+            echo "$include/$folder/*_export.h"
+        else
+            printf '%s\n' "$lib/libFormKitQt5$name.so."{"${version%%.*}","$version"}
+        fi
+    done
+}
+
+# held_files <deb>: what it holds, directories apart, in the notation of expected_files.
+held_files() {
+    dpkg-deb --fsys-tarfile "$1" | tar -t | grep -v '/$' |
+        sed -E 's,^\.,,; s,(Targets-)[a-z]+(\.cmake)$,\1*\2,; s,/[a-z]+(_export\.h)$,/*\1,
+            s,^(/usr/lib/)[^/]+(/qt5/),\1*\2,'
+}
+
+# check_depends <package> <deb> <extended regular expression>...: each has to be in its Depends.
+check_depends() {
+    local package=$1 depends wanted
+    depends=$(dpkg-deb --field "$2" Depends)
+    shift 2
+    for wanted in "$@"; do
+        grep -qE "(^|, )$wanted(,|$)" <<<"$depends" && continue
+        echo "$package depends on: $depends; not on: $wanted" >&2
+        return 1
+    done
+}
+
+# check_package <package> <deb> <libdir>
+check_package() {
+    local documents=/usr/share/doc/$1 difference
+    difference=$(diff \
+        <({ expected_files "$1" "$3"; printf '%s\n' "$documents"/{copyright,changelog.gz}; } | sort -u) \
+        <(held_files "$2" | sort -u)) || {
+        echo "$1 (< expected, > held):"$'\n'"$difference" >&2
+        return 1
+    }
+    local same
+    same="libformkit-qt5-0 \(= $(version_of_tree | sed 's/\./\\./g')\)"
+    case $1 in
+        libformkit-qt5-0)
+            check_depends "$1" "$2" 'libqt5core5a \(>= 5\.15[^)]*\)' 'libqt5widgets5 [^,]*' \
+                'libqt5sql5 [^,]*' libqt5sql5-sqlite 'libxkbcommon0 [^,]*' 'libc6 [^,]*' &&
+                dpkg-deb --ctrl-tarfile "$2" | tar -xO ./shlibs |
+                grep -q '^libFormKitQt5FormKit 0 libformkit-qt5-0' ;;
+        libformkit-qt5-dev) check_depends "$1" "$2" "$same" 'qtbase5-dev \(>= 5\.15\)' ;;
+        libformkit-qt5-designer) check_depends "$1" "$2" "$same" 'libqt5designer5 [^,]*' ;;
+    esac
+}
+
+# check_packages <folder> <libdir>
+check_packages() {
+    local deb package failures=0 count=0
+    for deb in "$1"/*.deb; do
+        package=$(dpkg-deb --field "$deb" Package)
+        count=$((count + 1))
+        if check_package "$package" "$deb" "$2"; then
+            echo "right: $(basename "$deb"): $(held_files "$deb" | wc -l) files"
+        else
+            failures=$((failures + 1))
+        fi
+    done
+    for package in libformkit-qt5-{0,dev,doc}; do
+        compgen -G "$1/${package}_*.deb" >/dev/null && continue
+        echo "no package $package" >&2
+        failures=$((failures + 1))
+    done
+    [ "$failures" -eq 0 ] && [ "$count" -gt 0 ]
+}
+
+# try_in_fresh_root <folder>: installs the packages in a Debian that holds nothing else, so that
+# a missing dependency shows, and builds and runs the consumer of tests/package there.
+try_in_fresh_root() {
+    ensure_packages debootstrap
+    local root mirror
+    root=$(mktemp -d)
+    # shellcheck disable=SC2064  # the folder of now
+    trap "rm -rf --one-file-system '$root' '$root.log'" EXIT
+    # shellcheck disable=SC2016  # apt's own variable
+    mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' | head -n 1)
+    debootstrap --variant=minbase bookworm "$root" "$mirror" >"$root.log" || {
+        tail -n 20 "$root.log" >&2
+        return 1
+    }
+    cp "$1"/*.deb "$root/tmp/"
+    cp -r tests/package/consumer "$root/tmp/"
+    # shellcheck disable=SC2016  # the inner shell's variables
+    chroot "$root" /bin/bash -euo pipefail -c '
+        export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
+        quiet() { "$@" >/tmp/log 2>&1 || { tail -n 30 /tmp/log >&2; return 1; }; }
+        quiet apt-get install -y --no-install-recommends /tmp/libformkit-qt5-0_*.deb
+        for library in $(dpkg -L libformkit-qt5-0 | grep "so\.0$"); do
+            if ldd "$library" | grep "not found"; then exit 1; fi
+        done
+        quiet apt-get install -y --no-install-recommends /tmp/*.deb
+        quiet apt-get install -y --no-install-recommends g++ cmake make pkgconf
+        quiet make -C /tmp/consumer
+        /tmp/consumer/consumer
+        quiet cmake -S /tmp/consumer -B /tmp/build
+        quiet cmake --build /tmp/build --target consumer
+        /tmp/build/consumer
+        quiet apt-get remove -y libformkit-qt5-0
+        if find /usr/lib /usr/include -name "*FormKitQt5*" | grep .; then exit 1; fi'
+    echo "right: installed, used and removed in a fresh Debian"
+}
