@@ -9,23 +9,18 @@ using namespace nsFTP;
 namespace {
 
 // "name|d or r or dr|size|time and its type|links owner group attributes id", as far as known.
-QString textOf(const CFTPFileStatus &status)
+QString textOf(const CFTPFileStatus &s)
 {
-    QString time;
-    if (status.mtimeType != 0)
-        time =
-            QDateTime::fromSecsSinceEpoch(status.mtime, Qt::UTC).toString(Qt::ISODate).chopped(1);
-    QStringList rest;
-    for (const std::string &text :
-         {status.links, status.owner, status.group, status.attributes, status.id})
-        rest << QString::fromStdString(text);
-    rest.removeAll({});
-    return QString("%1|%2%3|%4|%5 %6|%7")
-        .arg(QString::fromStdString(status.name), QString(status.tryCwd ? "d" : ""),
-             QString(status.tryRetrieve ? "r" : ""),
-             status.sizeType == 0 ? QString() : QString::number(status.size), time)
-        .arg(status.mtimeType)
-        .arg(rest.join(' '));
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(s.mtime, Qt::UTC);
+    const std::string rest =
+        s.links + " " + s.owner + " " + s.group + " " + s.attributes + " " + s.id;
+    const QStringList parts = {QString::fromStdString(s.name),
+                               QString(s.tryCwd ? "d" : "") + (s.tryRetrieve ? "r" : ""),
+                               s.sizeType == 0 ? QString() : QString::number(s.size),
+                               (s.mtimeType == 0 ? "" : time.toString(Qt::ISODate).chopped(1)) +
+                                   QString(" %1").arg(s.mtimeType),
+                               QString::fromStdString(rest).simplified()};
+    return parts.join('|') + (s.path.empty() ? "" : " path kept");
 }
 
 } // namespace
@@ -38,7 +33,7 @@ class FtpVocabularyTest : public StrictTest
 private slots:
     void commands();
     void replies();
-    void letters();
+    void words();
     void logonDefaults();
     void lines();
     void calendar();
@@ -51,22 +46,21 @@ void FtpVocabularyTest::commands()
     for (const QStringList &row : rowsOf("commands.txt")) {
         const CCommand command = CCommand::TCommandEnum(number++);
         const CCommand::IExtendedInfo &info = command.GetExtendedInfo();
-        const int standards[] = {0, 959, 3659};
         const QStringList facts = {QString::fromStdString(info.GetCompleteServerStringSyntax()),
                                    QString::number(info.GetNumberOfParameters()),
                                    QString::number(info.GetNumberOfOptionalParameters()),
-                                   QStringList({"read", "write", "none"})[info.GetType()],
-                                   QString::number(standards[info.GetSpecification()])};
+                                   QString(command.IsDatachannelReadCommand() ? "read" : "") +
+                                       (command.IsDatachannelWriteCommand() ? "write" : "") +
+                                       (command.IsDatachannelCommand() ? "" : "none"),
+                                   QStringList({"0", "959", "3659"})[info.GetSpecification()]};
         QCOMPARE(facts, row);
-        QCOMPARE(QString::fromStdString(info.GetServerString()), row[0].section(' ', 0, 0));
-        QCOMPARE(command.IsDatachannelReadCommand(), row[3] == "read");
-        QCOMPARE(command.IsDatachannelWriteCommand(), row[3] == "write");
-        QCOMPARE(command.IsDatachannelCommand(), row[3] != "none");
+        QCOMPARE(QString::fromStdString(command.AsString()), row[0].section(' ', 0, 0));
     }
     QCOMPARE(number, 36);
+    QCOMPARE(CCommand(CCommand::RETR).AsString({"a", ""}), std::string("RETR a"));
     QCOMPARE(CCommand(CCommand::ALLO).AsString({"", "1", "R", "2"}), std::string("ALLO 1 R 2"));
-    QCOMPARE(CCommand(CCommand::LIST).AsString(CArg()), std::string("LIST"));
-    QCOMPARE(CCommand(CCommand::ACCT).AsMaskedString({"a"}), std::string("ACCT ****"));
+    for (const auto secret : {CCommand::PASS, CCommand::ACCT})
+        QCOMPARE(CCommand(secret).AsMaskedString({"a"}), CCommand(secret).AsString({"****"}));
     QCOMPARE(CCommand(CCommand::CWD).AsMaskedString({"a"}), std::string("CWD a"));
 }
 
@@ -86,33 +80,28 @@ void FtpVocabularyTest::replies()
     }
 }
 
-void FtpVocabularyTest::letters()
+void FtpVocabularyTest::words()
 {
-    std::string letters;
-    for (int i = 0; i < 4; ++i)
-        letters += CType(CType::TTypeEnum(i)).AsString();
-    for (const auto value : {CTypeFormat::NonPrint, CTypeFormat::TelnetFormat})
-        letters += CTypeFormat(value).AsString();
-    for (const auto value : {CStructure::File, CStructure::Record, CStructure::Page})
-        letters += CStructure(value).AsString();
-    for (const auto value :
-         {CTransferMode::Stream, CTransferMode::Block, CTransferMode::Compressed})
-        letters += CTransferMode(value).AsString();
-    QCOMPARE(letters + CTypeFormat(CTypeFormat::CarriageControl).AsString(),
-             std::string("AEILNTFRPSBCC"));
+    std::string words;
+    for (int i = 0; i < 3; ++i)
+        words += CType(CType::TTypeEnum(i)).AsString() +
+                 CTypeFormat(CTypeFormat::TTypeFormatEnum(i + 1)).AsString() +
+                 CStructure(CStructure::TStructureEnum(i)).AsString() +
+                 CTransferMode(CTransferMode::TTransferModeEnum(i)).AsString();
+    QCOMPARE(words + CType(CType::LocalByte).AsString(), std::string("ANFSETRBICPCL"));
     QVERIFY(CRepresentation(CType::ASCII) != CRepresentation(CType::ASCII, CTypeFormat::NonPrint));
     std::vector<CFirewallType> types(12);
     CFirewallType::GetAllTypes(types);
-    QStringList texts;
+    std::string texts;
     for (const CFirewallType &type : types)
-        texts << QString::fromStdString(type.AsStorageString() + "=" + type.AsDisplayString());
+        texts += type.AsStorageString() + "=" + type.AsDisplayString() + ",";
     QCOMPARE(texts,
-             QStringList({"NO_FIREWALL=no firewall", "SITE_HOSTNAME=SITE hostname",
-                          "USER_AFTER_LOGON=USER after logon", "PROXY_OPEN=proxy OPEN",
-                          "TRANSPARENT=Transparent", "USER_WITH_NO_LOGON=USER with no logon",
-                          "USER_FIREID@REMOTEHOST=USER fireID@remotehost",
-                          "USER_REMOTEID@REMOTEHOST_FIREID=USER remoteID@remotehost fireID",
-                          "USER_REMOTEID@FIREID@REMOTEHOST=USER remoteID@fireID@remotehost"}));
+             std::string("NO_FIREWALL=no firewall,SITE_HOSTNAME=SITE hostname,"
+                         "USER_AFTER_LOGON=USER after logon,PROXY_OPEN=proxy OPEN,"
+                         "TRANSPARENT=Transparent,USER_WITH_NO_LOGON=USER with no logon,"
+                         "USER_FIREID@REMOTEHOST=USER fireID@remotehost,"
+                         "USER_REMOTEID@REMOTEHOST_FIREID=USER remoteID@remotehost fireID,"
+                         "USER_REMOTEID@FIREID@REMOTEHOST=USER remoteID@fireID@remotehost,"));
 }
 
 void FtpVocabularyTest::logonDefaults()
@@ -122,30 +111,27 @@ void FtpVocabularyTest::logonDefaults()
     QCOMPARE(none.UserName(), std::string("anonymous"));
     QCOMPARE(none.Password() + none.Account() + none.FirewallUser(), std::string());
     CLogonInfo all("h", 1, "u", "p", "a", "fh", "fu", "fp", 2, CFirewallType::ProxyOpen);
-    QCOMPARE(all.FirewallPort(), static_cast<unsigned short>(2));
     all.SetHost("other");
-    QCOMPARE(all.UserName(), std::string("anonymous"));
-    QCOMPARE(all.FirewallType(), CFirewallType(CFirewallType::ProxyOpen));
+    QCOMPARE(all.UserName() + all.FirewallHost(), std::string("anonymousfh"));
+    QCOMPARE(all.FirewallPort() * 10 + all.FirewallType(), 23);
 }
 
 void FtpVocabularyTest::lines()
 {
-    for (const QStringList &row : rowsOf("listings.txt")) {
+    CFTPFileStatus status;
+    for (const DataRow &row : rowsOf("listings.txt")) {
         const QString now = row.value(2, "2024-03-15T12:00:00") + "Z";
         CFTPListParser parser(
             [&] { return QDateTime::fromString(now, Qt::ISODate).toSecsSinceEpoch(); });
-        CFTPFileStatus status;
         status.path = "left over";
         const bool isEntry = parser.Parse(status, row[0].toStdString());
         QVERIFY2((isEntry ? textOf(status) : "none") == row[1],
-                 qPrintable(row[0] + " read as " + textOf(status)));
-        QVERIFY(status.path.empty());
+                 qPrintable(QString("line %1 read as ").arg(row.line) + textOf(status)));
     }
 }
 
 void FtpVocabularyTest::calendar()
 {
-    QCOMPARE(CFTPListParser::ToTAI(1970, 0, 1), 0LL);
     // Every month's first and last day over two whole cycles, against the system's calendar.
     for (QDate first(1601, 1, 1); first.year() < 2401; first = first.addMonths(1)) {
         const long long seconds = QDateTime(first, QTime(0, 0), Qt::UTC).toSecsSinceEpoch();
@@ -158,17 +144,15 @@ void FtpVocabularyTest::calendar()
 
 void FtpVocabularyTest::helpers()
 {
-    QCOMPARE(CFTPListParser::GetMonth("dEC", 3), 11);
-    QCOMPARE(CFTPListParser::GetMonth("december", 8), -1);
+    QVERIFY(CFTPListParser::GetMonth("dEC", 3) == 11 && CFTPListParser::GetMonth("decem", 5) == -1);
     QVERIFY(CFTPListParser::CheckMonth("JANX", "jan") && !CFTPListParser::CheckMonth("jan", "JAN"));
     long value = -7;
     QVERIFY(CFTPListParser::GetLong("9223372036854775807", 19, value));
     QCOMPARE(value, 9223372036854775807L);
     for (const char *bad : {"9223372036854775808", "12x", ""})
-        QVERIFY2(!CFTPListParser::GetLong(bad, int(qstrlen(bad)), value), bad);
-    CFTPListParser parser;
+        QVERIFY2(!CFTPListParser::GetLong(bad, qstrlen(bad), value), bad);
     CFTPFileStatus status;
-    QVERIFY(parser.ParseMultiNetListing(status, std::string_view("NAME;1", 4)));
+    QVERIFY(CFTPListParser().ParseMultiNetListing(status, std::string_view("NAME;1", 4)));
     QVERIFY(status == CFTPFileStatus());
     status.size = 1;
     QVERIFY(status != CFTPFileStatus());
