@@ -97,10 +97,14 @@ long long performOne(Client &c, const QStringList &a)
         const int result = client.FileModificationTime("f", seconds);
         return told(result, seconds);
     }
-    if (a[0] == "login") {
-        CLogonInfo logon(text(a.mid(1, 1)), 21, text(a.mid(2, 1)), text(a.mid(3, 1)));
-        logon.SetFirewall("127.0.0.1", "u", "p", 21,
-                          CFirewallType::TFirewallTypeEnum(a.value(4).toInt()));
+    if (a[0] == "login")
+        return good(c.client.Login({text(a.mid(1, 1)), 21, text(a.mid(2, 1)), text(a.mid(3))}));
+    if (a[0] == "logon") {
+        // Without a firewall the host's port is the server's; with one it only shows in arguments.
+        CLogonInfo logon(a[1] == "0" ? "127.0.0.1" : "h", a[1] == "0" ? c.port : quint16(number),
+                         "u", "p", text(a.mid(3)) + "a");
+        logon.SetFirewall("127.0.0.1", "fu", "fp", c.port,
+                          CFirewallType::TFirewallTypeEnum(a[1].toInt()));
         return good(c.client.Login(logon));
     }
     if (a[0] == "run") {

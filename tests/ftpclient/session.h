@@ -57,7 +57,6 @@ struct Client
 {
     explicit Client(unsigned int seconds, unsigned int bufferSize)
         : client(nsSocket::CreateDefaultBlockingSocketInstance(), seconds, bufferSize)
-        , local(folder.filePath("file").toStdString())
     {
         client.AttachObserver(&recorder);
     }
@@ -80,20 +79,21 @@ struct Client
     }
     void write(const QByteArray &bytes) const
     {
-        QFile file(QString::fromStdString(local));
+        QFile file(local.c_str());
         file.open(QIODevice::WriteOnly);
         file.write(bytes);
     }
     QByteArray read() const
     {
-        QFile file(QString::fromStdString(local));
+        QFile file(local.c_str());
         return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
     }
 
     QTemporaryDir folder;
+    std::string local = folder.filePath("file").toStdString();
     Recorder recorder;
     nsFTP::CFTPClient client;
-    std::string local;
+    quint16 port = 0;
     std::vector<std::string> lines = {"kept"};
 };
 
@@ -104,8 +104,9 @@ struct Session : Client
                      unsigned int bufferSize = 4)
         : Client(seconds, bufferSize), server(script, byteByByte)
     {
+        port = server.port();
     }
-    bool login() { return client.Login({"127.0.0.1", server.port(), "joe", "secret"}); }
+    bool login() { return client.Login({"127.0.0.1", port, "joe", "secret"}); }
 
     ScriptedServer server;
 };
