@@ -19,18 +19,6 @@ bool answers(quint16 port)
     }
 }
 
-void killTree(const QByteArray &process)
-{
-    QFile children("/proc/" + process + "/task/" + process + "/children");
-    const bool known = children.open(QIODevice::ReadOnly);
-    const QByteArrayList pids = known ? children.readAll().split(' ') : QByteArrayList();
-    for (const QByteArray &child : pids) {
-        if (!child.isEmpty())
-            killTree(child);
-    }
-    ::kill(process.toInt(), SIGKILL);
-}
-
 } // namespace
 
 RealServer::RealServer(const QString &kind) : m_kind(kind)
@@ -42,9 +30,10 @@ RealServer::RealServer(const QString &kind) : m_kind(kind)
     if (kind == "ftp-proxy")
         m_behind = std::make_unique<RealServer>("pyftpdlib");
     m_process.setProcessChannelMode(QProcess::MergedChannels);
-    m_process.start("/bin/sh",
-                    {DATA_FOLDER "/servers/" + kind, QString::number(m_port), m_folder.path(),
-                     SERVERS_FOLDER, MULTIARCH},
+    // In a session of its own, so that all its processes can be ended at once.
+    m_process.start("setsid",
+                    {"/bin/sh", DATA_FOLDER "/servers/" + kind, QString::number(m_port),
+                     m_folder.path(), SERVERS_FOLDER, MULTIARCH},
                     QIODevice::ReadOnly);
     for (int i = 0; m_failure.isEmpty() && !answers(m_port); ++i) {
         if (i == 1000 || m_process.waitForFinished(20))
@@ -83,6 +72,6 @@ QByteArray RealServer::get(const QString &name) const
 void RealServer::kill()
 {
     if (m_process.state() != QProcess::NotRunning)
-        killTree(QByteArray::number(m_process.processId()));
+        ::kill(pid_t(-m_process.processId()), SIGKILL);
     m_process.waitForFinished();
 }

@@ -202,23 +202,6 @@ private slots:
         QVERIFY(session.inStep());
     }
 
-    void passiveReplies()
-    {
-        unsigned int ip = 0;
-        unsigned short port = 0;
-        for (const char *reply :
-             {"227 Entering Passive Mode (192,168,0,5,19,137).", "227 Passive 192,168,0,5,19,137",
-              "227 =192,168,0,5,19,137", "227 ( 192 , 168, 0,5 ,19, 137 )",
-              "227-Here\r\n 192,168,0,5,19,137\r\n227 done", "227 (2,1) 192,168,0,5,19,137"}) {
-            QVERIFY2(CFTPClient::GetIpAddressFromResponse(reply, ip, port), reply);
-            QVERIFY2(ip == 0xc0a80005 && port == 5001, reply);
-        }
-        for (const char *reply :
-             {"227 (1,2,3,-4,5,6)", "227 (1,,2,3,4,5,6)", "227 (1,2,3,256,5,6)",
-              "227 (1,2,3,4,5,4294967302)", "227 (1,2,3,4,5,6,7)", "227 (1,2,3,4,0,0)"})
-            QVERIFY2(!CFTPClient::GetIpAddressFromResponse(reply, ip, port), reply);
-    }
-
     // Whom data are taken from.
     void peers()
     {
@@ -281,7 +264,9 @@ private slots:
             [&] { client.AttachObserver(nullptr); },
             [&] { client.ChangeWorkingDirectory(""); },
             [] { CFTPClient::SimpleErrorCheck({}); },
-            [&] { client.ExecuteDatachannelCommand(CCommand::PWD, "", CType::ASCII, 1, 0, out); },
+            [&] {
+                client.ExecuteDatachannelCommand(CCommand::PWD, "", CType::ASCII, true, 0, out);
+            },
             [&] { client.SetFileListParser(nullptr), client.List("", entries, true); },
             [] { nsSocket::CBlockingSocket().Listen(); },
             [] { nsSocket::CBlockingSocketException none(nullptr); },
