@@ -63,6 +63,10 @@ long long prepare(Client &c, const QStringList &a)
         c.client.SetResumeMode(false);
     else if (a[0] == "aborting")
         c.recorder.afterBlock = [&] { c.client.Abort(); };
+    else if (a[0] == "meanwhile")
+        c.recorder.afterBlock = [&c, other = a.mid(1)] {
+            c.recorder.log << QString("meanwhile %1").arg(transfer(c, other));
+        };
     else if (a[0] == "policy")
         c.client.SetPassiveAddressPolicy(valueOf<CFTPClient::TPassiveAddress>("ucr", a[1]));
     else
@@ -98,7 +102,7 @@ long long performOne(Client &c, const QStringList &a)
         return told(result, seconds);
     }
     if (a[0] == "login")
-        return good(c.client.Login({text(a.mid(1, 1)), 21, text(a.mid(2, 1)), text(a.mid(3))}));
+        return good(c.client.Login({text(a.mid(1, 1)), 1, text(a.mid(2, 1)), text(a.mid(3))}));
     if (a[0] == "logon") {
         // Without a firewall the host's port is the server's; with one it only shows in arguments.
         CLogonInfo logon(a[1] == "0" ? "127.0.0.1" : "h", a[1] == "0" ? c.port : quint16(number),
