@@ -180,7 +180,7 @@ void ScriptedServer::send(const Socket &socket, const QByteArray &bytes) const
 {
     const int step = m_byteByByte && bytes.size() <= 1000 ? 1 : bytes.size();
     for (int at = 0; at < bytes.size(); at += step)
-        socket.Write(bytes.constData() + at, step, 1);
+        socket.Write(bytes.constData() + at, step, 60);
 }
 
 QByteArray ScriptedServer::filledIn(QString text)
