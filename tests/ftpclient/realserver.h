@@ -16,10 +16,9 @@ public:
     explicit RealServer(const QString &kind);
     ~RealServer() { kill(); }
 
-    // Empty when the server answers, else what went wrong.
+    // Empty when the server answers, else what went wrong; "NOT TRIED" is in it when this user
+    // cannot start such a server.
     QString failure() const { return m_failure; }
-    // pure-ftpd lets nobody in unless root has started it.
-    bool needsRoot() const;
     nsFTP::CLogonInfo logon() const;
     // Where a served file lies.
     QString path(const QString &file) const;
@@ -30,9 +29,6 @@ public:
     void kill();
 
 private:
-    void write(const QString &name, const QString &text) const;
-    void start(const QString &program, const QStringList &arguments);
-
     QString m_kind;
     QTemporaryDir m_folder;
     quint16 m_port;

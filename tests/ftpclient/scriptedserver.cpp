@@ -1,93 +1,51 @@
 #include "scriptedserver.h"
 
-#include <QString>
+#include <QRegularExpression>
+#include <QThread>
 
-#include <chrono>
+#include <climits>
+#include <functional>
+#include <map>
 
-#include <arpa/inet.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+
+using nsSocket::CBlockingSocketException;
+using nsSocket::INVALID_SOCKET;
+using nsSocket::SOCKET;
 
 namespace {
 
-const std::map<std::string, std::string> Behaviour = {
-    {"greeting", "220 ready"},
-    {"USER", "331 password"},
-    {"PASS", "230 in"},
-    {"CWD", "250 there"},
-    {"PASV", "227 Entering Passive Mode ({pasv})"},
-    {"REST", "350 go on"},
-    {"RNFR", "350 to what"},
-    {"SIZE", "213 {size}"},
-    {"MDTM", "213 20240229120001"},
-    {"PWD", "257 in step"},
-    {"ABOR", "226 aborted"},
-    {"QUIT", "221 bye|close"},
-    {"RETR", "150 here|data|226 done"},
-    {"LIST", "150 here|data|226 done"},
-    {"NLST", "150 here|data|226 done"},
-    {"STOR", "150 give|data|226 done"},
-    {"APPE", "150 give|data|226 done"},
-    {"STOU", "150 give|data|226 done"},
-};
-
-int listenOnLoopback(quint16 &port)
-{
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    if (::bind(listener, reinterpret_cast<sockaddr *>(&address), length) != 0 ||
-        ::listen(listener, 5) != 0)
-        qFatal("nothing to listen on");
-    ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
-    port = ntohs(address.sin_port);
-    return listener;
-}
-
-// Held while sockets are closed or shut: a number that is given back is another server's at once.
-std::mutex closing;
-
-void closeSocket(std::atomic<int> &socket)
-{
-    const std::lock_guard<std::mutex> guard(closing);
-    const int old = socket.exchange(-1);
-    if (old >= 0)
-        ::close(old);
-}
-
-void replace(std::string &text, const std::string &what, const std::string &with)
-{
-    for (size_t at = text.find(what); at != std::string::npos;
-         at = text.find(what, at + with.size()))
-        text.replace(at, what.size(), with);
-}
+const QStringList Behaviour =
+    QString("greeting: 220 ready;USER: 331 password;PASS: 230 in;CWD: 250 there;REST: 350 go on;"
+            "PASV: 227 Entering Passive Mode ({pasv});RNFR: 350 to what;SIZE: 213 {size};"
+            "MDTM: 213 20240229120001;PWD: 257 in step;ABOR: 226 aborted;QUIT: 221 bye|close;"
+            "RETR: 150 here|data|226 done;LIST: 150 here|data|226 done;NLST: 150 here|data|226 x;"
+            "STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x")
+        .split(';');
 
 } // namespace
 
-ScriptedServer::ScriptedServer(const QString &script, bool byteByByte) : m_byteByByte(byteByByte)
+ScriptedServer::ScriptedServer(const QString &script, bool byteByByte)
+    : m_script(script.split(QRegularExpression("; *")))
+    , m_byteByByte(byteByByte)
+    , m_port(listenOnLoopback(m_listener))
 {
-    const QStringList entries = script.split(';', Qt::SkipEmptyParts);
-    for (const QString &entry : entries)
-        m_script[entry.section(':', 0, 0).trimmed().toStdString()].push_back(
-            entry.section(':', 1).toStdString());
-    m_listener = listenOnLoopback(m_port);
-    m_thread = std::thread([this] { run(); });
+    m_thread = std::thread([this] {
+        while (readable(m_listener)) {
+            sockaddr_in peer = {};
+            m_listener.Accept(m_control, generic(peer));
+            serve();
+            for (Socket *socket : {&m_control, &m_passive, &m_data})
+                socket->Cleanup();
+        }
+    });
 }
 
 ScriptedServer::~ScriptedServer()
 {
     m_stop = true;
-    {
-        const std::lock_guard<std::mutex> guard(closing);
-        for (const int socket : {m_listener, m_control.load(), m_passive.load(), m_data.load()})
-            ::shutdown(socket, SHUT_RDWR);
-    }
     m_thread.join();
-    ::close(m_listener);
 }
 
 QStringList ScriptedServer::commands() const
@@ -96,200 +54,182 @@ QStringList ScriptedServer::commands() const
     return m_commands;
 }
 
+void ScriptedServer::note(const QString &line)
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_commands << line;
+}
+
 void ScriptedServer::settle() const
 {
     for (int i = 0; i < 200 && !m_listens; ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        QThread::msleep(1);
 }
 
-QByteArray ScriptedServer::stored() const
+bool ScriptedServer::readable(const Socket &socket) const
 {
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    return m_stored;
+    pollfd entry = {int(socket.operator SOCKET()), POLLIN, 0};
+    while (!m_stop && ::poll(&entry, 1, 10) <= 0)
+        continue;
+    return !m_stop;
 }
 
-void ScriptedServer::run()
+QByteArray ScriptedServer::receive(const Socket &socket, int most) const
 {
-    while (!m_stop) {
-        m_control = ::accept(m_listener, nullptr, nullptr);
-        if (m_control >= 0)
-            serve();
-        closeSocket(m_data);
-        closeSocket(m_passive);
-        closeSocket(m_control);
+    QByteArray bytes(most, 0);
+    try {
+        bytes.resize(readable(socket) ? socket.Receive(bytes.data(), most, 0) : 0);
+    } catch (const CBlockingSocketException &) {
+        bytes.clear();
     }
+    return bytes;
 }
 
 void ScriptedServer::serve()
 {
     const int on = 1;
-    ::setsockopt(m_control, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    m_received.clear();
+    ::setsockopt(int(m_control.operator SOCKET()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     perform("greeting");
-    std::string line;
-    while (m_control >= 0 && readLine(line)) {
-        {
-            const std::lock_guard<std::mutex> guard(m_mutex);
-            m_commands << QString::fromStdString(line);
+    QByteArray received;
+    while (m_control != INVALID_SOCKET) {
+        const int end = received.indexOf("\r\n");
+        if (end >= 0) {
+            obey(received.left(end));
+            received.remove(0, end + 2);
+            continue;
         }
-        const std::string verb = line.substr(0, line.find(' '));
-        const std::string argument = line.substr(std::min(line.size(), verb.size() + 1));
-        if (verb == "REST")
-            m_offset = size_t(std::stoul(argument));
-        if (verb == "PORT") {
-            const QStringList numbers = QString::fromStdString(argument).split(',');
-            m_active = quint16(numbers.value(4).toInt() * 256 + numbers.value(5).toInt());
-        }
-        perform(verb);
-    }
-}
-
-void ScriptedServer::perform(const std::string &verb)
-{
-    const auto known = Behaviour.find(verb);
-    std::string actions = known == Behaviour.end() ? "200 ok" : known->second;
-    std::vector<std::string> &script = m_script[verb];
-    if (!script.empty()) {
-        actions = script.front();
-        script.erase(script.begin());
-    }
-    for (size_t begin = 0; begin <= actions.size();) {
-        const size_t end = std::min(actions.find('|', begin), actions.size());
-        const std::string action = actions.substr(begin, end - begin);
-        act(action.substr(std::min(action.find_first_not_of(' '), action.size())), verb);
-        begin = end + 1;
-    }
-}
-
-void ScriptedServer::act(const std::string &action, const std::string &verb)
-{
-    const std::string word = action.substr(0, action.find(' '));
-    const std::string rest = action.substr(std::min(action.size(), word.size() + 1));
-    if (word == "raw") {
-        send(m_control, filledIn(rest));
-    } else if (word == "wait") {
-        std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(rest)));
-    } else if (word == "close") {
-        closeSocket(m_control);
-    } else if (word == "forget") {
-        m_offset = 0;
-    } else if (word == "data") {
-        move(verb, m_offset, std::string::npos);
-        m_offset = 0;
-        closeSocket(m_data);
-    } else if (word == "part") {
-        move(verb, m_offset, size_t(std::stoi(rest)));
-    } else if (word == "end") {
-        openData();
-        closeSocket(m_data);
-    } else if (word == "cut") {
-        openData();
-        const linger reset = {1, 0};
-        ::setsockopt(m_data, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
-        closeSocket(m_data);
-    } else if (word == "flood" || word == "spam" || word == "drip") {
-        std::string block = word == "flood" ? std::string(1U << 20, 'x') : filledIn(rest);
-        while (word == "spam" && block.size() < 60000)
-            block += block;
-        const int socket = word == "flood" ? (openData(), m_data.load()) : m_control.load();
-        while (!m_stop && ::send(socket, block.data(), block.size(), MSG_NOSIGNAL) > 0)
-            std::this_thread::sleep_for(std::chrono::milliseconds(word == "drip" ? 200 : 0));
-        closeSocket(m_data);
-    } else if (word != "nothing") {
-        send(m_control, filledIn(action) + "\r\n");
-    }
-}
-
-bool ScriptedServer::readLine(std::string &line)
-{
-    for (;;) {
-        const size_t end = m_received.find("\r\n");
-        if (end != std::string::npos) {
-            line = m_received.substr(0, end);
-            m_received.erase(0, end + 2);
-            return true;
-        }
-        char bytes[4096];
         m_listens = true;
-        const ssize_t count = ::recv(m_control, bytes, sizeof bytes, 0);
+        const QByteArray bytes = receive(m_control, 4096);
         m_listens = false;
-        if (count <= 0)
-            return false;
-        m_received.append(bytes, size_t(count));
-    }
-}
-
-void ScriptedServer::send(int socket, const std::string &bytes, bool whole)
-{
-    const size_t step = m_byteByByte && !whole ? 1 : bytes.size();
-    for (size_t at = 0; at < bytes.size();) {
-        const ssize_t count =
-            ::send(socket, bytes.data() + at, std::min(step, bytes.size() - at), MSG_NOSIGNAL);
-        if (count <= 0)
+        if (bytes.isEmpty())
             return;
-        at += size_t(count);
-        if (step == 1)
-            std::this_thread::yield();
+        received += bytes;
     }
 }
 
-std::string ScriptedServer::filledIn(std::string text)
+void ScriptedServer::obey(const QString &line)
 {
-    if (text.find("{p") != std::string::npos || text.find("{s") != std::string::npos) {
-        quint16 port = 0;
-        closeSocket(m_passive);
-        m_active = 0;
-        m_passive = listenOnLoopback(port);
-        const std::string high = std::to_string(port >> 8);
-        const std::string low = std::to_string(port & 255);
-        replace(text, "{pasv}", "127,0,0,1," + high + "," + low);
-        replace(text, "{spaced}", " 127 , 0, 0 ,1, " + high + " , " + low);
-        replace(text, "{port}", high + "," + low);
-        replace(text, "{size}", std::to_string(content.size()));
+    note(line);
+    const QStringList words = line.split(' ');
+    const QStringList numbers = line.split(',');
+    if (words[0] == "REST")
+        m_offset = words[1].toInt();
+    if (words[0] == "PORT")
+        m_active = quint16(numbers[4].toInt() * 256 + numbers[5].toInt());
+    perform(words[0]);
+}
+
+void ScriptedServer::perform(const QString &verb)
+{
+    const QStringList entries =
+        (m_script + Behaviour).filter(QRegularExpression("^" + verb + ": "));
+    const QString entry = entries.value(0, verb + ": 200 ok");
+    m_script.removeOne(entry);
+    const QStringList actions = entry.mid(verb.size() + 2).split('|');
+    for (const QString &action : actions) {
+        try {
+            act(action, verb);
+        } catch (const CBlockingSocketException &) {
+            m_data.Cleanup(); // the client has gone
+        }
     }
-    replace(text, "␀", std::string(1, '\0'));
-    return text;
+}
+
+void ScriptedServer::act(const QString &action, const QString &verb)
+{
+    const QString word = action.section(' ', 0, 0);
+    const QString rest = action.section(' ', 1);
+    const QString text = action.section(' ', 2);
+    const int number = rest.section(' ', 0, 0).toInt();
+    const std::map<QString, std::function<void()>> known = {
+        {"raw", [&] { send(m_control, filledIn(rest)); }},
+        {"spam", [&] { send(m_control, text.toUtf8().repeated(number)); }},
+        {"drip",
+         [&] {
+             for (int i = 0; i < number && !m_stop; ++i, QThread::msleep(200))
+                 send(m_control, text.toUtf8());
+         }},
+        {"wait", [&] { QThread::msleep(number); }},
+        {"nothing", [] {}},
+        {"close", [&] { m_control.Close(); }},
+        {"forget", [&] { m_offset = 0; }},
+        {"part", [&] { move(verb, number); }},
+        {"data",
+         [&] {
+             move(verb, INT_MAX);
+             m_offset = 0;
+             m_data.Close();
+         }},
+        {"end", [&] { endData(false); }},
+        {"cut", [&] { endData(true); }},
+        {"flood",
+         [&] {
+             openData();
+             while (!m_stop)
+                 send(m_data, QByteArray(1U << 20, 'x'));
+         }},
+    };
+    const auto found = known.find(word);
+    if (found != known.end())
+        found->second();
+    else
+        send(m_control, filledIn(action) + "\r\n");
+}
+
+void ScriptedServer::send(const Socket &socket, const QByteArray &bytes) const
+{
+    const int step = m_byteByByte && bytes.size() <= 1000 ? 1 : bytes.size();
+    for (int at = 0; at < bytes.size(); at += step)
+        socket.Write(bytes.constData() + at, step, 60);
+}
+
+QByteArray ScriptedServer::filledIn(QString text)
+{
+    if (text.contains('{')) {
+        const quint16 port = listenOnLoopback(m_passive);
+        m_active = 0;
+        const QString numbers = QString("%1,%2").arg(port >> 8).arg(port & 255);
+        text.replace("{port}", numbers)
+            .replace("{pasv}", "127,0,0,1," + numbers)
+            .replace("{spaced}", " 127 , 0, 0 ,1, " + QString(numbers).replace(',', " , "))
+            .replace("{size}", QString::number(content.size()));
+    }
+    return text.replace("␀", QChar(0)).toUtf8();
 }
 
 // In passive mode the client has connected; in active mode it listens.
-bool ScriptedServer::openData()
+void ScriptedServer::openData()
 {
-    if (m_data >= 0)
-        return true;
-    if (m_active == 0) {
-        m_data = ::accept(m_passive, nullptr, nullptr);
-    } else {
-        const int data = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr =
-            connectFrom.isEmpty() ? htonl(INADDR_LOOPBACK) : ::inet_addr(connectFrom.constData());
-        if (::bind(data, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
-            qFatal("no address to connect from");
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(m_active);
-        m_data = data;
-        return ::connect(data, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
-    }
-    return m_data >= 0;
+    if (m_data != INVALID_SOCKET)
+        return;
+    sockaddr_in peer = {};
+    if (m_active == 0)
+        m_passive.Accept(m_data, generic(peer));
+    else
+        connectToLoopback(m_data, m_active, connectFrom);
 }
 
-void ScriptedServer::move(const std::string &verb, size_t offset, size_t length)
+void ScriptedServer::endData(bool reset)
 {
-    if (!openData())
-        return;
+    openData();
+    const linger option = {reset, 0};
+    ::setsockopt(int(m_data.operator SOCKET()), SOL_SOCKET, SO_LINGER, &option, sizeof option);
+    m_data.Close();
+}
+
+void ScriptedServer::move(const QString &verb, int length)
+{
+    openData();
     if (verb == "RETR" || verb == "LIST" || verb == "NLST") {
-        const std::string bytes = content.toStdString();
-        send(m_data, bytes.substr(std::min(offset, bytes.size()), length), bytes.size() > 1000);
+        send(m_data, content.mid(m_offset, length));
         return;
     }
     QByteArray all;
-    char bytes[65536];
-    ssize_t count = 1;
-    while (size_t(all.size()) < length && count > 0) {
-        count = ::recv(m_data, bytes, std::min(sizeof bytes, length - size_t(all.size())), 0);
-        all.append(bytes, int(std::max<ssize_t>(count, 0)));
+    while (all.size() < length) {
+        const QByteArray bytes = receive(m_data, std::min(65536, length - all.size()));
+        if (bytes.isEmpty())
+            break;
+        all += bytes;
     }
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    m_stored = all;
+    note("=" + all.left(99));
 }

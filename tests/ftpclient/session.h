@@ -21,35 +21,79 @@ public:
     QString last() const { return log.mid(qMax(0, log.size() - 10)).join('\n') + '\n'; }
     QStringList errors() const { return log.filter(QRegularExpression("^!")); }
 
-    void OnInternalError(const std::string &message, const std::string &source, int line) override;
+    void OnInternalError(const std::string &message, const std::string &source, int line) override
+    {
+        log << QString("! %1 (%2:%3)").arg(message.c_str(), source.c_str()).arg(line);
+    }
     void OnBeginReceivingData() override { log << "begin"; }
-    void OnBytesReceived(const std::vector<char> &buffer, long count) override;
+    void OnBytesReceived(const std::vector<char> & /*buffer*/, long count) override
+    {
+        log << QString("got %1").arg(count);
+        afterBlock();
+    }
     void OnEndReceivingData(long long total) override { log << QString("end %1").arg(total); }
-    void OnBytesSent(const std::vector<char> &buffer, long count) override;
-    void OnBeginSendingData(const std::string &localName, const std::string &remoteFile,
-                            long long localSize, long long offset) override;
-    void OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments) override;
-    void OnResponse(const nsFTP::CReply &reply) override;
+    void OnBytesSent(const std::vector<char> & /*buffer*/, long count) override
+    {
+        log << QString("sent %1").arg(count);
+        afterBlock();
+    }
+    void OnBeginSendingData(const std::string & /*localName*/, const std::string &remoteFile,
+                            long long localSize, long long offset) override
+    {
+        log << QString("upload %1 %2 from %3").arg(remoteFile.c_str()).arg(localSize).arg(offset);
+    }
+    void OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments) override
+    {
+        log << "> " + QString::fromStdString(command.AsString(arguments));
+    }
+    void OnResponse(const nsFTP::CReply &reply) override
+    {
+        log << "< " + QString::fromStdString(reply.Value());
+    }
 };
 
 // A client watched by a recorder, with a local file of its own.
 struct Client
 {
-    explicit Client(unsigned int seconds, unsigned int bufferSize);
-    // Runs operations parted by commas, "get active" for one; the last one's result: 0, 1 and -1
+    explicit Client(unsigned int seconds, unsigned int bufferSize)
+        : client(nsSocket::CreateDefaultBlockingSocketInstance(), seconds, bufferSize)
+    {
+        client.AttachObserver(&recorder);
+    }
+    // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
-    bool get(const std::string &name, bool passive = true) const;
-    bool put(const std::string &name, bool passive = true) const;
+    bool get(const std::string &name, bool passive = true) const
+    {
+        return client.DownloadFile(name, local, nsFTP::CType::Image, passive);
+    }
+    bool put(const std::string &name, bool passive = true) const
+    {
+        return client.UploadFile(local, name, false, nsFTP::CType::Image, passive);
+    }
     // Whether a command reads its own reply.
-    bool inStep() const;
-    void write(const QByteArray &bytes) const;
-    QByteArray read() const;
+    bool inStep() const
+    {
+        nsFTP::CReply reply;
+        return client.SendCommand(nsFTP::CCommand::PWD, {}, reply) && reply.Code().Value() == "257";
+    }
+    void write(const QByteArray &bytes) const
+    {
+        QFile file(local.c_str());
+        file.open(QIODevice::WriteOnly);
+        file.write(bytes);
+    }
+    QByteArray read() const
+    {
+        QFile file(local.c_str());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
+    }
 
     QTemporaryDir folder;
+    std::string local = folder.filePath("file").toStdString();
     Recorder recorder;
     nsFTP::CFTPClient client;
-    std::string local;
+    quint16 port = 0;
     std::vector<std::string> lines = {"kept"};
 };
 
@@ -60,8 +104,9 @@ struct Session : Client
                      unsigned int bufferSize = 4)
         : Client(seconds, bufferSize), server(script, byteByByte)
     {
+        port = server.port();
     }
-    bool login() { return client.Login({"127.0.0.1", server.port(), "joe", "secret"}); }
+    bool login() { return client.Login({"127.0.0.1", port, "joe", "secret"}); }
 
     ScriptedServer server;
 };

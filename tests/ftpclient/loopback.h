@@ -1,0 +1,30 @@
+#pragma once
+
+#include <formkit/FtpClient/BlockingSocket.h>
+
+inline sockaddr *generic(sockaddr_in &address)
+{
+    return reinterpret_cast<sockaddr *>(&address);
+}
+
+// Makes a socket that listens on loopback; its port.
+inline unsigned short listenOnLoopback(nsSocket::CBlockingSocket &socket)
+{
+    socket.Cleanup();
+    socket.Create();
+    sockaddr_in address = socket.GetHostByName("127.0.0.1");
+    socket.Bind(generic(address));
+    socket.Listen();
+    socket.GetSockAddr(generic(address));
+    return ntohs(address.sin_port);
+}
+
+inline void connectToLoopback(nsSocket::CBlockingSocket &socket, unsigned short port,
+                              const char *from = "127.0.0.1")
+{
+    socket.Create();
+    sockaddr_in own = socket.GetHostByName(from);
+    socket.Bind(generic(own));
+    sockaddr_in address = socket.GetHostByName("127.0.0.1", port);
+    socket.Connect(generic(address));
+}
