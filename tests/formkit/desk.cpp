@@ -20,10 +20,13 @@
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QCompleter>
+#include <QScrollBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace {
 
@@ -67,6 +70,22 @@ template <typename Listed> bool populated(QObject *object)
     if (listed)
         listed->populate();
     return listed;
+}
+
+QPoint placeOf(const QAbstractItemView *list, int row)
+{
+    return list->visualRect(list->model()->index(row, 0)).center();
+}
+
+// The row that a list shows lit where a user can see it; -1 for none.
+int litRow(const QAbstractItemView *list)
+{
+    const int row = list->currentIndex().row();
+    const QRect place = list->visualRect(list->currentIndex());
+    const bool isSeen = list->viewport()->rect().contains(place) &&
+                        list->indexAt(place.center()).row() == row &&
+                        list->selectionModel()->isRowSelected(row, {});
+    return isSeen ? row : -1;
 }
 
 } // namespace
@@ -126,7 +145,8 @@ void Desk::build(const QString &file)
     for (const DataRow &row : qAsConst(controls))
         make(row.mid(1));
     layout->addWidget(m_next = new QLineEdit);
-    if (controls.size() > 1)
+    const auto isCaption = [](const DataRow &row) { return row[1] == "Label"; };
+    if (std::count_if(controls.begin(), controls.end(), isCaption) + 1 < controls.size())
         m_hub.connectAll(&m_form);
     m_validation.setupPropWidgets(m_hub, &m_form);
     m_form.show();
@@ -225,6 +245,23 @@ void Desk::learnHandling()
         event.setCommitString(text);
         QApplication::sendEvent(edit(), &event);
     };
+    m_steps["wheel"] = [this](const QString &angle) {
+        const bool isOpen = box() && box()->view()->isVisible();
+        QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
+        QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle.toInt()}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(target, &wheel);
+    };
+    // QComboBox takes a click that comes with the one that opened the list for a part of it.
+    m_steps["wait"] = [](const QString &) {
+        QTest::qWait(QApplication::doubleClickInterval() + 50);
+    };
+    m_steps["point"] = [this](const QString &row) {
+        QTest::mouseMove(list()->viewport(), placeOf(list(), row.toInt()));
+    };
+    m_steps["click"] = [this](const QString &row) {
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, placeOf(list(), row.toInt()));
+    };
     m_steps["edit"] = [this](const QString &text) { edit()->setText(text); };
     m_steps["caret"] = [this](const QString &place) { edit()->setCursorPosition(place.toInt()); };
     m_steps["select"] = [this](const QString &words) {
@@ -243,6 +280,13 @@ void Desk::learnHostSteps()
             rows << m_known[word(words, 0)][nick];
         }
         m_host->table(word(words, 0)).setRows(rows);
+    };
+    // Securities of ids, codes and names that count up from 1.
+    m_steps["many"] = [this](const QString &count) {
+        QVector<QVariantList> rows;
+        for (int i = 1; i <= count.toInt(); ++i)
+            rows << QVariantList{i, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
+        m_host->table("securities").setRows(rows);
     };
     m_steps["sessions"] = [this](const QString &words) {
         m_host->setSessions({{word(words, 0).toInt(), word(words, 1).toInt()}});
@@ -312,13 +356,14 @@ void Desk::learnAnswers()
     };
     m_answers["lit"] = [this](const QString &) {
         const bool isOpen = box()->view()->isVisible();
-        const QString row = QString::number(box()->view()->currentIndex().row());
-        const QString completion = QString("%1 of %2").arg(completions()->currentIndex().row());
         const QString focus = isOpen ? "list" : m_next->hasFocus() ? "next" : "box";
         const QString count = QString::number(completions()->model()->rowCount());
-        const bool isCompleting = completions()->isVisible();
-        return QStringList({isOpen ? row : "-", isCompleting ? completion.arg(count) : "-", focus})
-            .join('|');
+        const QString completion = QString::number(litRow(completions())) + " of " + count;
+        return (isOpen ? QString::number(litRow(box()->view())) : "-") + '|' +
+               (completions()->isVisible() ? completion : "-") + '|' + focus;
+    };
+    m_answers["spoken"] = [this](const QString &) {
+        return QAccessible::queryAccessibleInterface(edit())->text(QAccessible::Name);
     };
     m_answers["lists"] = [this](const QString &) {
         return column(box()->model(), Qt::DisplayRole);
@@ -429,6 +474,12 @@ QString Desk::takeReports()
     const QString taken = m_log.mid(1);
     m_log.clear();
     return taken;
+}
+
+// The list that is open, or the completions.
+QAbstractItemView *Desk::list() const
+{
+    return box()->view()->isVisible() ? box()->view() : completions();
 }
 
 QAbstractItemView *Desk::completions() const

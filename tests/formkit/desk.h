@@ -11,8 +11,8 @@
 #include <QLineEdit>
 
 // A form of controls and one who uses it, as a file in stories/ tells it. The file begins with
-//     make      a control's class, its name, and properties; all are tied by a hub if there are
-//               more; the first is in use
+//     make      a control's class, its name, and properties; the first is in use; all are
+//               tied by a hub, but for one that is alone with its caption
 //     row       a table, a nickname and the cells of a row that the host has from the start
 //     later     the same of a row that is there to be offered
 //     sessions  the open ones, exchange and session
@@ -65,6 +65,7 @@ private:
     QObject *owner(QString *property) const;
     QString property(const QString &path) const;
     QString column(const QAbstractItemModel *model, int role) const;
+    QAbstractItemView *list() const;
     QLineEdit *edit() const;
 
     TestHost *m_host;

@@ -156,7 +156,7 @@ void DateEditTest::halfADate()
 
 void DateEditTest::calendarByKeyboard()
 {
-    for (const int key : {int(Qt::Key_Down), Qt::ALT + Qt::Key_Down, int(Qt::Key_F4)}) {
+    for (const int key : {int(Qt::Key_Down), int(Qt::ALT) | Qt::Key_Down, int(Qt::Key_F4)}) {
         Form form;
         const auto press = [](int inCalendar) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key(inCalendar & ~Qt::ALT),

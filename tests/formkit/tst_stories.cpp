@@ -5,14 +5,9 @@
 
 #include <support/stricttest.h>
 
-#include <QAccessible>
 #include <QApplication>
-#include <QLabel>
-#include <QScrollBar>
 #include <QSortFilterProxyModel>
 #include <QStandardItemModel>
-#include <QVBoxLayout>
-#include <QWheelEvent>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -44,18 +39,6 @@ QWidget *make(const QString &className, QWidget *form)
     return static_cast<QWidget *>(control);
 }
 
-void turnWheel(QWidget *target, const QPoint &angle)
-{
-    QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, angle, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(target, &wheel);
-}
-
-QPoint place(const QAbstractItemView *view, int row)
-{
-    return view->visualRect(view->model()->index(row, 0)).center();
-}
-
 } // namespace
 
 class StoriesTest : public StrictTest
@@ -70,15 +53,11 @@ private slots:
     void stories();
     void anyText();
     void destruction();
-    void manners();
     void takenApart();
     void quietOpening();
     void failingHost_data();
     void failingHost();
     void noHost();
-    void partnerLines();
-    void farRows();
-    void mouse();
     void destroyedWithItsPopupsOpen();
 
 private:
@@ -167,47 +146,6 @@ void StoriesTest::destruction()
             if (hub)
                 hub->setValue("Value", QString::number(i));
         }
-    }
-}
-
-// Each box: its caption is its spoken name, a text of none adds no row, and the wheel moves it
-// only while it has the focus.
-void StoriesTest::manners()
-{
-    for (const QString &className : Boxes) {
-        QWidget form;
-        auto *const layout = new QVBoxLayout(&form);
-        QLineEdit before;
-        QLabel caption("B&uy && sell");
-        auto *const box = static_cast<QComboBox *>(make(className, &form));
-        caption.setBuddy(box);
-        for (QWidget *const widget : QWidgetList{&before, &caption, box})
-            layout->addWidget(widget);
-        const auto spoken = [box] {
-            return QAccessible::queryAccessibleInterface(box->lineEdit())->text(QAccessible::Name);
-        };
-        form.show();
-        QCOMPARE(spoken(), QString("Buy & sell"));
-        before.setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(&form));
-        caption.setText("Odd &");
-        QTest::keyClick(&before, Qt::Key_Tab);
-        QVERIFY(box->hasFocus());
-        QCOMPARE(spoken(), QString("Odd "));
-
-        QTest::keyClicks(box, "unheard");
-        QTest::keyClick(box, Qt::Key_Return);
-        QCOMPARE(box->count(), 0);
-
-        box->setModel(new QStandardItemModel(3, 1, box));
-        box->setCurrentIndex(0);
-        before.setFocus();
-        turnWheel(box, {0, -120});
-        QCOMPARE(box->currentIndex(), 0);
-        QVERIFY(!(box->focusPolicy() & ~Qt::StrongFocus));
-        box->setFocus();
-        turnWheel(box, {0, -120});
-        QCOMPARE(box->currentIndex(), 1);
     }
 }
 
@@ -324,94 +262,6 @@ void StoriesTest::noHost()
     expectWarning("ICore::table: the host has no table \"stocks\"");
     Desk desk(m_host.get(), "stock");
     QCOMPARE(desk.box()->count(), 0);
-}
-
-void StoriesTest::partnerLines()
-{
-    for (const int length : {1, 21, 22, 25}) {
-        const QString code(length, 'X');
-        m_host->table("gx.diler").setRows({{"%1 name %2", "C", code}, {"No client", " ", "Z"}});
-        QWidget form;
-        form.setProperty("RiskAddress", true);
-        PartnerSelectorBox box(&form);
-        QCOMPARE(box.count(), 1);
-        QCOMPARE(box.itemText(0), code);
-        box.showPopup();
-        QCOMPARE(box.itemText(0), code + QString(qMax(0, 22 - length), ' ') + "%1 name %2");
-        QVERIFY(box.view()->width() >= 40 * box.view()->fontMetrics().height() / 2);
-        form.setProperty("RiskAddress", QVariantList{true});
-        box.populate();
-        QCOMPARE(box.count(), 2);
-    }
-}
-
-void StoriesTest::farRows()
-{
-    constexpr int Count = 100000;
-    Desk desk(m_host.get(), "security");
-    QVector<QVariantList> many;
-    for (int i = 0; i < Count; ++i)
-        many << QVariantList{i + 1, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
-    m_host->table("securities").setRows(many);
-    desk.act("announce");
-    const QAbstractItemView &list = *desk.box()->view();
-    const auto shows = [](const QAbstractItemView &view, int row) {
-        const QRect rect = view.visualRect(view.model()->index(row, 0));
-        return view.viewport()->rect().contains(rect) && view.indexAt(rect.center()).row() == row &&
-               view.currentIndex().row() == row && view.selectionModel()->isRowSelected(row, {});
-    };
-    desk.act("set SecurityId 90000");
-    desk.act("press F4");
-    QVERIFY(shows(list, 89999));
-    const int visible = list.viewport()->height() / list.sizeHintForRow(0);
-    QCOMPARE(visible, desk.box()->maxVisibleItems());
-    const QPair<QString, int> keys[] = {
-        {"End", Count - 1}, {"PgUp", Count - visible}, {"PgUp", Count - 2 * visible + 1},
-        {"Home", 0},        {"PgDown", visible - 1},   {"Up", visible - 2},
-        {"End", Count - 1}};
-    for (const auto &[key, row] : keys) {
-        desk.act("press " + key);
-        QVERIFY2(shows(list, row), qPrintable(key));
-    }
-    desk.act("press Return");
-    QCOMPARE(desk.answer("SecurityId"), QString::number(Count));
-    // The same rows as completions.
-    for (const char *const step : {"edit", "type n", "press Up"})
-        desk.act(step);
-    QCOMPARE(desk.answer("lit"), QString("-|%1 of %2|box").arg(Count - 1).arg(Count));
-    QVERIFY(shows(*desk.completions(), Count - 1));
-    desk.act("press Escape");
-    QCOMPARE(desk.answer("currentText"), QString("n"));
-}
-
-void StoriesTest::mouse()
-{
-    Desk desk(m_host.get(), "security");
-    desk.box()->setMaxVisibleItems(3);
-    desk.act("press F4");
-    QAbstractItemView *const list = desk.box()->view();
-    // QComboBox takes a click that comes with the one that opened the list for a part of it.
-    QTest::qWait(QApplication::doubleClickInterval() + 50);
-    QTest::mouseMove(list->viewport(), place(list, 1));
-    QCOMPARE(list->currentIndex().row(), 1);
-    QVERIFY(list->selectionModel()->isRowSelected(1, {}));
-
-    turnWheel(list->viewport(), {0, -1200});
-    QCOMPARE(list->verticalScrollBar()->value(), list->verticalScrollBar()->maximum());
-    QCOMPARE(list->indexAt(place(list, 5)).row(), 5);
-    QCOMPARE(desk.takeReports(), QString());
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place(list, 5));
-    QVERIFY(!list->isVisible());
-    QCOMPARE(desk.takeReports(), QString("id=15 code=LS name=Lufthansa name=Lufthansa "
-                                         "id=15 code=LS name=Lufthansa"));
-    desk.act("edit");
-    desk.act("type gaz");
-    desk.takeReports();
-    QTest::mouseClick(desk.completions()->viewport(), Qt::LeftButton, {},
-                      place(desk.completions(), 2));
-    QCOMPARE(desk.takeReports(),
-             QString("id=13 code=GAF name=Gazprom name=Gazprom id=10 code=GA name=Gazprom"));
-    QCOMPARE(desk.answer("lit"), QString("-|-|box"));
 }
 
 void StoriesTest::destroyedWithItsPopupsOpen()
