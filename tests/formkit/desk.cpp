@@ -466,7 +466,10 @@ QString Desk::property(const QString &path) const
 {
     QString name = path;
     const QObject *const object = owner(&name);
-    return object ? object->property(name.toLatin1()).toString() : "none has " + path;
+    const QVariant value = object ? object->property(name.toLatin1()) : "none has " + path;
+    if (value.userType() == QMetaType::QIcon)
+        return value.value<QIcon>().isNull() ? "none" : "shown";
+    return value.toString();
 }
 
 QString Desk::takeReports()

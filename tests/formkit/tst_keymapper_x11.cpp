@@ -32,18 +32,15 @@ private:
     int m_notches = 0;
 };
 
-bool KeyMapperX11Test::eventFilter(QObject *watched, QEvent *event)
+bool KeyMapperX11Test::eventFilter(QObject *, QEvent *event)
 {
-    if (event->type() == QEvent::KeyPress) {
-        auto *press = static_cast<QKeyEvent *>(event);
-        if (press->text().isEmpty())
-            return false;
+    m_notches += event->type() == QEvent::Wheel;
+    auto *const press = dynamic_cast<QKeyEvent *>(event);
+    if (event->type() == QEvent::KeyPress && !press->text().isEmpty()) {
         m_key = press->key();
         m_visibleCode = KeyMapper::visibleKeycodeByNative(press);
-    } else if (event->type() == QEvent::Wheel) {
-        ++m_notches;
     }
-    return QObject::eventFilter(watched, event);
+    return false;
 }
 
 // There is no window manager that would give the window the focus.
@@ -67,6 +64,20 @@ void KeyMapperX11Test::initTestCase()
 
 void KeyMapperX11Test::keypadDecimal()
 {
+    // Virtual key, modifiers, and what the editor shows; elsewhere '.' is a group separator.
+    const int keypad = Qt::KeypadModifier;
+    const std::tuple<uint, int, QString> rows[] = {
+        {0x41, keypad, "1,"}, {0xffae, keypad, "1,"}, {0xffac, keypad, "1,"},
+        {0x41, 0, "1"},       {0xffaf, keypad, "1"},  {0xffae, keypad | Qt::ShiftModifier, "1"},
+    };
+    for (const auto &[native, modifiers, shown] : rows) {
+        m_editor->setValue("1");
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Period, Qt::KeyboardModifiers(modifiers), 0,
+                        native, 0, ".");
+        QApplication::sendEvent(m_editor, &event);
+        QCOMPARE(m_editor->text(), shown);
+        m_editor->clear();
+    }
     m_editor->setValue("12");
     QVERIFY(XServer::run("xdotool", {"key", "91"}));
     QTRY_COMPARE(m_editor->text(), QString("12,"));

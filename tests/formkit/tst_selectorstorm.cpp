@@ -13,7 +13,7 @@ namespace {
 using Rows = QVector<QVariantList>;
 
 constexpr int Securities = 10000;
-constexpr int Announcements = 200;
+constexpr int Announcements = 120;
 constexpr int IdRole = SecuritySelectorModel::SecurityIdRole;
 
 // In the table's order. An id stays that of one security; so do names, but for every 19th, which
