@@ -22,6 +22,7 @@
 #include <QAbstractProxyModel>
 #include <QAccessible>
 #include <QApplication>
+#include <QCalendarWidget>
 #include <QClipboard>
 #include <QCompleter>
 #include <QScrollBar>
@@ -361,6 +362,10 @@ void Desk::learnAnswers()
         const QString completion = QString::number(litRow(completions())) + " of " + count;
         return (isOpen ? QString::number(litRow(box()->view())) : "-") + '|' +
                (completions()->isVisible() ? completion : "-") + '|' + focus;
+    };
+    m_answers["calendar"] = [](const QString &) {
+        auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
+        return open ? open->selectedDate().toString(Qt::ISODate) : "closed";
     };
     m_answers["spoken"] = [this](const QString &) {
         return QAccessible::queryAccessibleInterface(edit())->text(QAccessible::Name);

@@ -12,25 +12,23 @@
 namespace {
 
 // Letters that stand for keys in the tests' texts.
-const QString Letters = "<>^$DBWSAZY";
-const int Keys[] = {Qt::Key_Left,
-                    Qt::Key_Right,
-                    Qt::Key_Home,
-                    Qt::Key_End,
-                    Qt::Key_Delete,
-                    Qt::Key_Backspace,
-                    Qt::CTRL + Qt::Key_Delete,
-                    Qt::SHIFT + Qt::Key_Left,
-                    Qt::CTRL + Qt::Key_A,
-                    Qt::CTRL + Qt::Key_Z,
-                    Qt::CTRL + Qt::SHIFT + Qt::Key_Z};
+const QMap<QChar, int> Letters = {{'<', Qt::Key_Left},
+                                  {'>', Qt::Key_Right},
+                                  {'^', Qt::Key_Home},
+                                  {'$', Qt::Key_End},
+                                  {'D', Qt::Key_Delete},
+                                  {'B', Qt::Key_Backspace},
+                                  {'W', Qt::CTRL | Qt::Key_Delete},
+                                  {'S', Qt::SHIFT | Qt::Key_Left},
+                                  {'A', Qt::CTRL | Qt::Key_A},
+                                  {'Z', Qt::CTRL | Qt::Key_Z},
+                                  {'Y', Qt::CTRL | Qt::SHIFT | Qt::Key_Z}};
 
 // QTest's keyClicks() knows Latin characters only.
 void type(NumberEditor &editor, const QString &text)
 {
     for (const QChar c : text) {
-        const int letter = Letters.indexOf(c);
-        const int key = letter < 0 ? 0 : Keys[letter];
+        const int key = Letters.value(c);
         QKeyEvent press(QEvent::KeyPress, key & ~Qt::KeyboardModifierMask,
                         Qt::KeyboardModifiers(key & Qt::KeyboardModifierMask),
                         key ? QString() : QString(c));
