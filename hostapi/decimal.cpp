@@ -76,12 +76,14 @@ template <typename Symbols>
 std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
 {
     bool negative = false;
+    bool signMayFollow = true;
     bool anyDigit = false;
     bool behindPoint = false;
     qint64 word = 0;
     short scale = 0;
     for (int i = 0; i < text.size(); ++i) {
-        switch (symbols.kindOf(text.at(i))) {
+        const LocaleSymbols::Kind kind = symbols.kindOf(text.at(i));
+        switch (kind) {
         case LocaleSymbols::Digit: {
             const int digit = symbols.digitValue(text.at(i));
             if (word < (Smallest + digit) / 10 || (behindPoint && ++scale > decimal::MaxScale))
@@ -101,12 +103,13 @@ std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
             negative = true;
             [[fallthrough]];
         case LocaleSymbols::Plus:
-            if (i > 0)
+            if (!signMayFollow)
                 return {};
             break;
         case LocaleSymbols::Other:
             return {};
         }
+        signMayFollow = signMayFollow && kind == LocaleSymbols::Group;
     }
     if (!anyDigit || (!negative && word == Smallest))
         return {};

@@ -319,8 +319,9 @@ bool CFTPClient::Private::takeLine(std::string &line)
 // a time-out is read on.
 bool CFTPClient::Private::readReply(CReply &reply)
 {
+    constexpr long long LongestLimit = 1000000000; // more overflows the clock
     const long long limit = 4LL * (static_cast<long long>(receiveTimeout) + responseDelay);
-    replyEnd = Clock::now() + std::chrono::seconds(std::max(limit, 1LL));
+    replyEnd = Clock::now() + std::chrono::seconds(std::clamp(limit, 1LL, LongestLimit));
     replyBytes = 0;
     bool complete = false;
     while (!complete) {
@@ -493,6 +494,10 @@ bool CFTPClient::Login(const CLogonInfo &logon)
 {
     const std::lock_guard<std::recursive_mutex> turn(d->exchange);
     d->logon = logon;
+    if (size_t(logon.FirewallType()) >= std::size(LogonTable)) {
+        d->report("Unknown firewall type.", ReportAt::Argument);
+        return false;
+    }
     const int *const table = LogonTable[logon.FirewallType()];
     std::string remoteHost = logon.HostName();
     if (logon.HostPort() != 21)

@@ -130,7 +130,7 @@ public:
 
     // Connects, logs on (see docs/ftp.md for the commands of each firewall) and enters the
     // initial directory. An open session is logged out first. After a failure the connection
-    // stays open unless it broke.
+    // stays open unless it broke. A firewall type outside the enumeration is refused.
     bool Login(const CLogonInfo &logon);
     // Sends QUIT and closes the connection whatever the reply.
     int Logout() const;
@@ -192,13 +192,20 @@ public:
     // representation is Image or LocalByte; offsets of ASCII mean something else on each server,
     // so that such a file is fetched from its beginning. A local file longer than the remote
     // one, or longer than 32 bits can tell, is refused, and so is a server that refuses REST;
-    // the local file is then untouched. When a server accepts REST and sends the file from its
-    // beginning nevertheless, the download fails and the local file is cut back to what it was;
-    // that is noticed only at servers that tell sizes.
+    // the local file is then untouched.
+    // When a server agrees to REST and sends the file from its beginning nevertheless, the
+    // download fails, ended or broken off, and the local file is cut back to what it was. Seen
+    // is that by more bytes than can be left, and, where the remote size and a good end do not
+    // speak against it, by bytes that equal the local file's beginning as far as both go. Files
+    // that repeat themselves (nothing but zeros) look the same: broken off they lose what
+    // arrived, and from a server that tells no sizes they cannot be resumed. Not seen, and
+    // kept, is the beginning of another file than the local one's in a download that was broken
+    // off or whose size is unknown.
     // A download that fails otherwise leaves what arrived.
     bool DownloadFile(const std::string &remoteFile, const std::string &localFile,
                       const CRepresentation &representation, bool passive) const;
-    // The same into a stream, whose GetLocalStreamSize() is where a resumed download begins.
+    // The same into a stream, whose GetLocalStreamSize() is where a resumed download begins and
+    // whose ReadLocalStream() gives what to compare with.
     bool DownloadFile(const std::string &remoteFile, ITransferNotification &notification,
                       const CRepresentation &representation, bool passive) const;
     // From this client's server to another client's; see TransferFile().
@@ -208,8 +215,10 @@ public:
 
     // An upload with resume mode on asks for the remote file's size and, when that is above 0,
     // appends (APPE) the local bytes behind it: an existing remote file is completed, not
-    // replaced. A remote file longer than the local one is refused. storeUnique asks the server
-    // for a name of its own (STOU).
+    // replaced. A remote file longer than the local one is refused. ASCII and EBCDIC are sent
+    // whole and replace the remote file in either mode: servers translate line ends, so that the
+    // remote size tells nothing about the local file. storeUnique asks the server for a name of
+    // its own (STOU).
     bool UploadFile(const std::string &localFile, const std::string &remoteFile, bool storeUnique,
                     const CRepresentation &representation, bool passive) const;
     bool UploadFile(ITransferNotification &notification, const std::string &remoteFile,
@@ -221,6 +230,8 @@ public:
     // Lets one server send a file straight to another, from its beginning. passive: the source
     // listens and the target connects; else the other way round. Both clients must be logged
     // on; the time-outs must cover the whole transfer. Servers often refuse such transfers.
+    // With Image and LocalByte the source is asked for the size first, and a 550 ends the
+    // transfer: the target would make an empty file of what is not there.
     static bool TransferFile(const CFTPClient &source, const std::string &sourceFile,
                              const CFTPClient &target, const std::string &targetFile,
                              const CRepresentation &representation, bool passive);
@@ -252,7 +263,8 @@ public:
     int Passive(unsigned int &ipAddress, unsigned short &port) const;
     // Sends PORT for a dotted address.
     int DataPort(const std::string &hostIp, unsigned short port) const;
-    // Sends REST: 0 also for a 3xx reply, which is how a server agrees.
+    // Sends REST: 0 also for a 3xx reply, which is how a server agrees; -1 for 202, "superfluous
+    // here".
     int Restart(unsigned int position) const;
     // Finds six numbers of 0 to 255 parted by commas, blanks around them allowed, with or
     // without parentheses and on any line of a reply. False, and nothing set, when there are

@@ -98,7 +98,6 @@ struct CFTPClient::Private
     // Guards the start and end of a data-channel command against Abort().
     std::mutex abortGuard;
     bool dataCommand = false;
-    long long received = 0;
 };
 
 // In the order of the addresses, whatever observers attach or detach meanwhile.

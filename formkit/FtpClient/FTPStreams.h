@@ -32,6 +32,9 @@ public:
     // lies behind until the first byte arrives: the transfer may be refused. False when the
     // stream cannot go there, which ends the call before anything is transferred.
     virtual bool SetLocalStreamOffset(long long offset) { return offset == 0; }
+    // Reads back what is there already, from a position on, and gives the count of bytes read; 0
+    // when the stream cannot tell. A resumed download compares with it what arrives.
+    virtual unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size);
     // False once bytes could not be kept or read: the transfer is then aborted and fails.
     virtual bool IsGood() const { return true; }
 };
@@ -58,6 +61,7 @@ public:
     long long GetLocalStreamSize() const override;
     // Cuts the text to the offset; false beyond its end.
     bool SetLocalStreamOffset(long long offset) override;
+    unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size) override;
     bool IsGood() const override { return m_bGood; }
 
 private:
@@ -94,6 +98,7 @@ public:
     // -1 for what has no size, such as a pipe.
     long long GetLocalStreamSize() const override;
     bool SetLocalStreamOffset(long long offset) override;
+    unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size) override;
     bool IsGood() const override { return m_bGood; }
 
 private:

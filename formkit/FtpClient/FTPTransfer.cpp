@@ -70,10 +70,60 @@ bool readSixNumbers(std::string_view text, unsigned int (&numbers)[6])
     return false;
 }
 
+// Offsets of text mean something else on each server.
 bool mayResume(const CRepresentation &representation)
 {
     return representation.Type() == CType::Image || representation.Type() == CType::LocalByte;
 }
+
+// Hands a resumed download on, and tells whether the server sent the file from its beginning
+// although it was asked to go on behind the local part.
+class ResumedStream : public ITransferNotification
+{
+public:
+    ResumedStream(ITransferNotification &target, long long offset)
+        : m_target(target), m_offset(offset)
+    {
+    }
+
+    void OnBytesReceived(const std::vector<char> &buffer, long count) override
+    {
+        if (m_repeats && m_received < m_offset) {
+            const auto known = size_t(std::min<long long>(count, m_offset - m_received));
+            m_part.resize(known);
+            m_repeats = m_target.ReadLocalStream(m_received, m_part.data(), known) == known &&
+                        std::equal(m_part.begin(), m_part.end(), buffer.begin());
+        }
+        m_received += count;
+        m_target.OnBytesReceived(buffer, count);
+    }
+    void OnPreBytesSend(char * /*buffer*/, unsigned long /*bufferSize*/,
+                        unsigned long &bytesToSend) override
+    {
+        bytesToSend = 0;
+    }
+    bool IsGood() const override { return m_target.IsGood(); }
+
+    // The count proves it where it can; else the local part's bytes once more are taken for it.
+    // The remote size is -1 when it is not known.
+    bool beginsAgain(long long remoteSize, bool good) const
+    {
+        if (m_offset == 0 || m_received == 0)
+            return false;
+        const long long rest = remoteSize - m_offset;
+        if (remoteSize < 0 || m_received < rest || (m_received == rest && !good))
+            return m_repeats;
+        // A file that grows while it is read ends between its rest and the whole of it.
+        return m_received > rest && (m_repeats || !good || m_received >= remoteSize);
+    }
+
+private:
+    ITransferNotification &m_target;
+    const long long m_offset;
+    long long m_received = 0;
+    bool m_repeats = true;
+    std::vector<char> m_part;
+};
 
 } // namespace
 
@@ -114,6 +164,16 @@ bool CFTPClient::passiveAddress(sockaddr_in &address) const
     unsigned short port = 0;
     if (Passive(ip, port) != 0)
         return false;
+    address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(ip);
+    if (d->passiveAddress == TPassiveAddress::Use) {
+        // "This network": the system would take 0.0.0.0 for the machine itself.
+        if (ip >> 24 == 0)
+            d->report("No address in the reply to PASV.", ReportAt::Passive);
+        return ip >> 24 != 0;
+    }
     sockaddr_in peer = {};
     try {
         d->control->GetPeerAddr(generic(&peer));
@@ -121,21 +181,12 @@ bool CFTPClient::passiveAddress(sockaddr_in &address) const
         d->report(exception, ReportAt::Passive);
         return false;
     }
-    address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(ip);
-    const bool foreign = address.sin_addr.s_addr != peer.sin_addr.s_addr;
-    if (foreign && d->passiveAddress == TPassiveAddress::UseControlHost) {
-        address.sin_addr = peer.sin_addr;
-    } else if (foreign && d->passiveAddress == TPassiveAddress::Refuse) {
+    if (d->passiveAddress == TPassiveAddress::Refuse &&
+        address.sin_addr.s_addr != peer.sin_addr.s_addr) {
         d->report("Foreign address in the reply to PASV.", ReportAt::Passive);
         return false;
-    } else if (ip >> 24 == 0) {
-        // "This network": the system would take 0.0.0.0 for the machine itself.
-        d->report("No address in the reply to PASV.", ReportAt::Passive);
-        return false;
     }
+    address.sin_addr = peer.sin_addr;
     return true;
 }
 
@@ -151,6 +202,9 @@ int CFTPClient::Restart(unsigned int position) const
 {
     CReply reply;
     const int result = simple(CCommand::REST, {std::to_string(position)}, &reply);
+    // "Not implemented, superfluous" is positive, and yet no agreement.
+    if (reply.Code().Value() == "202")
+        return -1;
     return reply.Code().IsPositiveIntermediateReply() ? 0 : result;
 }
 
@@ -173,6 +227,7 @@ bool CFTPClient::OpenPassiveDataConnection(IBlockingSocket &dataSocket, const CC
     if (!passiveAddress(address))
         return false;
     try {
+        dataSocket.SetWaitLimit(d->timeout());
         dataSocket.Create(SOCK_STREAM);
         dataSocket.Connect(generic(&address));
     } catch (const CBlockingSocketException &exception) {
@@ -210,21 +265,25 @@ bool CFTPClient::OpenActiveDataConnection(IBlockingSocket &dataSocket, const CCo
 
 bool CFTPClient::accept(IBlockingSocket &listener, IBlockingSocket &dataSocket) const
 {
+    sockaddr_in peer = {};
+    if (!d->acceptOnlyControlPeer)
+        return listener.Accept(dataSocket, generic(&peer));
     sockaddr_in control = {};
     d->control->GetPeerAddr(generic(&control));
     const auto end = Private::Clock::now() + std::chrono::seconds(d->timeout());
-    for (;;) {
-        sockaddr_in peer = {};
-        if (!listener.Accept(dataSocket, generic(&peer)))
-            return false;
-        if (!d->acceptOnlyControlPeer || peer.sin_addr.s_addr == control.sin_addr.s_addr)
+    while (listener.Accept(dataSocket, generic(&peer))) {
+        if (peer.sin_addr.s_addr == control.sin_addr.s_addr)
             return true;
         d->report("Data connection from " + dotted(peer.sin_addr) + " turned away.",
                   ReportAt::ForeignPeer);
         dataSocket.Cleanup();
+        // Connections that stand in line already need no wait: they end with the time too.
         const auto left = std::chrono::ceil<std::chrono::seconds>(end - Private::Clock::now());
-        listener.SetWaitLimit(int(std::max<long long>(left.count(), 0)));
+        if (left.count() <= 0)
+            break;
+        listener.SetWaitLimit(int(left.count()));
     }
+    return false;
 }
 
 // The time from a data-channel command's beginning to its final reply, in which Abort() only
@@ -283,7 +342,6 @@ bool CFTPClient::execute(const CCommand &command, const std::string &path,
         RepresentationType(representation) != 0 || d->abortRequested)
         return false;
     const std::shared_ptr<IBlockingSocket> dataSocket(d->control->CreateInstance());
-    dataSocket->SetWaitLimit(d->timeout());
     const bool opened = passive ? OpenPassiveDataConnection(*dataSocket, command, path, offset)
                                 : OpenActiveDataConnection(*dataSocket, command, path, offset);
     const bool moved = opened && TransferData(command, notification, *dataSocket);
@@ -336,14 +394,14 @@ bool CFTPClient::ReceiveData(ITransferNotification &notification, IBlockingSocke
 {
     try {
         const TransferringScope scope(d->transferring);
-        d->received = 0;
+        long long total = 0;
         d->tell([](CNotification &o) { o.OnBeginReceivingData(); });
         const auto nextBlock = [&] {
             if (d->abortRequested)
                 return 0;
             const int count =
                 dataSocket.Receive(d->buffer.data(), int(d->buffer.size()), d->timeout());
-            d->received += count;
+            total += count;
             return count;
         };
         for (int count = nextBlock(); count != 0 && !d->abortRequested; count = nextBlock()) {
@@ -352,7 +410,7 @@ bool CFTPClient::ReceiveData(ITransferNotification &notification, IBlockingSocke
             if (!notification.IsGood())
                 d->abortRequested = true;
         }
-        d->tell([&](CNotification &o) { o.OnEndReceivingData(d->received); });
+        d->tell([&](CNotification &o) { o.OnEndReceivingData(total); });
     } catch (const CBlockingSocketException &exception) {
         d->report(exception, ReportAt::Transfer);
         dataSocket.Cleanup();
@@ -515,16 +573,15 @@ bool CFTPClient::DownloadFile(const std::string &remoteFile, ITransferNotificati
         d->report("Cannot resume at " + std::to_string(offset) + ".", ReportAt::Offset);
         return false;
     }
-    if (!execute(CCommand::RETR, remoteFile, representation, passive,
-                 static_cast<unsigned int>(offset), notification))
-        return false;
-    if (offset > 0 && remoteSize >= 0 && d->received >= remoteSize &&
-        d->received > remoteSize - offset) {
-        d->report("The server ignored REST.", ReportAt::Offset);
-        notification.SetLocalStreamOffset(offset);
-        return false;
-    }
-    return true;
+    ResumedStream stream(notification, offset);
+    const bool good = execute(CCommand::RETR, remoteFile, representation, passive,
+                              static_cast<unsigned int>(offset), stream);
+    if (!stream.beginsAgain(remoteSize, good))
+        return good;
+    d->report("The server seems to ignore REST: the local file is left as it was.",
+              ReportAt::Offset);
+    notification.SetLocalStreamOffset(offset);
+    return false;
 }
 
 bool CFTPClient::DownloadFile(const std::string &sourceFile, const CFTPClient &targetClient,
@@ -539,8 +596,12 @@ bool CFTPClient::UploadFile(const std::string &localFile, const std::string &rem
                             bool passive) const
 {
     CFile file(localFile);
-    return openLocal(file, CFile::send) &&
-           UploadFile(file, remoteFile, storeUnique, representation, passive);
+    if (!openLocal(file, CFile::send))
+        return false;
+    const bool good = UploadFile(file, remoteFile, storeUnique, representation, passive);
+    if (!file.IsGood())
+        d->report("Cannot read " + localFile + ": " + file.GetErrorText(), ReportAt::LocalFile);
+    return good;
 }
 
 bool CFTPClient::UploadFile(ITransferNotification &notification, const std::string &remoteFile,
@@ -553,7 +614,7 @@ bool CFTPClient::UploadFile(ITransferNotification &notification, const std::stri
         return false;
     CCommand command = storeUnique ? CCommand::STOU : CCommand::STOR;
     long offset = 0;
-    if (d->resume) {
+    if (d->resume && mayResume(representation)) {
         if (RepresentationType(representation) != 0)
             return false;
         long remoteSize = 0;

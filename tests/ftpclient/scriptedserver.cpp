@@ -171,8 +171,10 @@ void ScriptedServer::act(const std::string &action, const std::string &verb)
         std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(rest)));
     } else if (word == "close") {
         closeSocket(m_control);
-    } else if (word == "data" || word == "whole") {
-        move(verb, word == "data" ? m_offset : 0, std::string::npos);
+    } else if (word == "forget") {
+        m_offset = 0;
+    } else if (word == "data") {
+        move(verb, m_offset, std::string::npos);
         m_offset = 0;
         closeSocket(m_data);
     } else if (word == "part") {

@@ -17,7 +17,7 @@
 //   <text>       sent with CR LF; {pasv}, {spaced}, {port}, {size} are filled in, ␀ is a NUL
 //   raw <text>   sent as it stands
 //   wait <ms>, close (the control connection), nothing
-//   data         moves the whole content, behind the offset of REST; whole ignores the offset
+//   data         moves the whole content, behind the offset of REST; forget drops that offset
 //   part <n>     moves n bytes and leaves the data connection open
 //   end, cut     closes the data connection, cleanly or with a reset
 //   flood        sends data without end; spam <text> and drip <text> send text without end, drip
