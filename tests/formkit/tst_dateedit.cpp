@@ -1,17 +1,14 @@
+#include "desk.h"
+
 #include <formkit/dateedit.h>
-#include <formkit/properties.h>
 
 #include <support/stricttest.h>
 
 #include <QCalendarWidget>
-#include <QLineEdit>
-#include <QPointer>
 #include <QScreen>
 #include <QTableView>
 
 #include <memory>
-
-// Runs once for each of several system locales: see CMakeLists.txt.
 
 namespace {
 
@@ -25,18 +22,9 @@ QCalendarWidget *openCalendar()
     return qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
 }
 
-// Clicks the middle of the calendar; gives the day of the month that stands there.
-int clickSomeDay(QCalendarWidget *calendar)
-{
-    auto *const view = calendar->findChild<QTableView *>();
-    const QModelIndex cell = view->model()->index(3, 4);
-    const int day = cell.data().toInt();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(cell).center());
-    return day;
-}
-
 } // namespace
 
+// Runs once for each of several system locales: see CMakeLists.txt.
 class DateEditTest : public StrictTest
 {
     Q_OBJECT
@@ -44,10 +32,8 @@ class DateEditTest : public StrictTest
 private slots:
     void newEdit();
     void setByProgram();
-    void onlyChangesAreReported();
     void typing();
-    void halfADate();
-    void calendarByKeyboard();
+    void stories();
     void calendarByMouse();
     void calendarStaysOnTheScreen();
 };
@@ -59,7 +45,13 @@ void DateEditTest::newEdit()
     QCOMPARE(edit.getValue() + edit.currentText(), QString());
     QCOMPARE(edit.lineEdit()->placeholderText(), pattern);
     QCOMPARE(edit.lineEdit()->toolTip(), QString("Дата в формате: ") + pattern);
-    QCOMPARE(edit.lineEdit()->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignHCenter);
+    edit.setValue("2016.03.01 00:00:00.000", false);
+    QCOMPARE(edit.getValue() + edit.currentText(), QString("2016.03.01 00:00:00.000"));
+    edit.setValue({});
+    edit.showPopup();
+    QCOMPARE(openCalendar()->selectedDate(), QDate::currentDate());
+    QCOMPARE(openCalendar()->firstDayOfWeek(), QLocale::system().firstDayOfWeek());
+    edit.hidePopup();
     edit.adjustSize();
     edit.grab();
     for (const QString &text : {pattern, shown({2028, 12, 28})})
@@ -81,8 +73,8 @@ void DateEditTest::setByProgram()
     for (const auto &[text, date] : rows) {
         DateEdit edit, twin;
         Properties hub;
-        hub.connectOne("Date", &edit, "Value");
-        hub.connectOne("Date", &twin, "Value");
+        for (DateEdit *const each : {&edit, &twin})
+            hub.connectOne("Date", each, "Value");
         hub.setValue("Date", "2010.10.10");
         hub.setValue("Date", text);
         for (const DateEdit *each : {&edit, &twin}) {
@@ -103,19 +95,6 @@ void DateEditTest::setByProgram()
     }
 }
 
-void DateEditTest::onlyChangesAreReported()
-{
-    DateEdit edit;
-    QSignalSpy changes(&edit, &DateEdit::changedValue);
-    for (const char *text : {"", "2015-03-01", "2015.03.01", "2015.03.01 00:00:00.000"})
-        edit.setValue(text);
-    QCOMPARE(changes.count(), 2);
-    QCOMPARE(changes[1][0].toString(), QString("2015.03.01 00:00:00.000"));
-    edit.setValue("2016.03.01 00:00:00.000", false);
-    QCOMPARE(changes.count(), 3);
-    QCOMPARE(edit.currentText(), shown({2015, 3, 1}));
-}
-
 void DateEditTest::typing()
 {
     const QMap<QString, QStringList> texts = {
@@ -126,68 +105,20 @@ void DateEditTest::typing()
     };
     const QStringList typed = texts[qEnvironmentVariable("LC_ALL").section('.', 0, 0)];
     QCOMPARE(typed.size(), 2);
-    for (int i = 0; i < 2; ++i) {
+    for (const QDate date : {QDate(2015, 3, 1), QDate(2000, 2, 29)}) {
+        const QString text = typed[date.year() == 2000];
         DateEdit edit;
-        QTest::keyClicks(&edit, typed[i]);
-        QCOMPARE(edit.getValue(), datetime(i ? QDate(2000, 2, 29) : QDate(2015, 3, 1)).toString());
-        QCOMPARE(edit.currentText(), typed[i]);
-        QCOMPARE(edit.lineEdit()->styleSheet(), QString());
+        QTest::keyClicks(&edit, text);
+        QCOMPARE(edit.getValue(), datetime(date).toString());
+        QCOMPARE(edit.currentText() + edit.lineEdit()->styleSheet(), text);
     }
 }
 
-void DateEditTest::halfADate()
+void DateEditTest::stories()
 {
-    for (const Qt::Key leavingKey : {Qt::Key_Tab, Qt::Key_Return}) {
-        QWidget form;
-        DateEdit edit(&form);
-        QLineEdit next(&form);
-        form.show();
-        edit.setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(&form));
-        edit.setValue("2015-03-01");
-        QSignalSpy changes(&edit, &DateEdit::changedValue);
-        edit.lineEdit()->end(false);
-        for (int i = 0; i < 3; ++i)
-            QTest::keyClick(&edit, Qt::Key_Backspace);
-        QCOMPARE(changes.count(), 1);
-        QCOMPARE(edit.getValue(), QString());
-        QCOMPARE(edit.currentText(), shown({2015, 3, 1}).chopped(3));
-        QCOMPARE(edit.lineEdit()->styleSheet(), QString("color: red"));
-        QTest::keyClick(&edit, leavingKey);
-        QCOMPARE(edit.currentText() + edit.lineEdit()->styleSheet(), QString());
-        QCOMPARE(changes.count(), 1);
-    }
-}
-
-void DateEditTest::calendarByKeyboard()
-{
-    const QPair<Qt::Key, Qt::KeyboardModifiers> keys[] = {
-        {Qt::Key_Down, {}}, {Qt::Key_Down, Qt::AltModifier}, {Qt::Key_F4, {}}};
-    for (const auto &key : keys) {
-        QWidget form;
-        DateEdit edit(&form);
-        form.show();
-        edit.setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(&form));
-        const auto press = [](int inCalendar) {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key(inCalendar));
-        };
-        QTest::keyClick(&edit, key.first, key.second);
-        QVERIFY(openCalendar());
-        QCOMPARE(openCalendar()->selectedDate(), QDate::currentDate());
-        QCOMPARE(openCalendar()->firstDayOfWeek(), QLocale::system().firstDayOfWeek());
-        press(Qt::Key_Escape);
-        QVERIFY(!openCalendar() && edit.hasFocus());
-
-        edit.setValue("1999.12.30 00:00:00.000");
-        QSignalSpy changes(&edit, &DateEdit::changedValue);
-        QTest::keyClick(&edit, key.first, key.second);
-        press(Qt::Key_Right);
-        press(Qt::Key_Return);
-        QVERIFY(!openCalendar() && edit.hasFocus());
-        QCOMPARE(edit.getValue(), QString("1999.12.31 00:00:00.000"));
-        QCOMPARE(changes.count(), 1);
-    }
+    TestHost host;
+    for (const DataRow &story : Desk::storiesOf("dates"))
+        Desk(&host, "dates").play(story);
 }
 
 void DateEditTest::calendarByMouse()
@@ -197,10 +128,13 @@ void DateEditTest::calendarByMouse()
     edit->setValue("2015-03-01");
     QSignalSpy changes(edit.get(), &DateEdit::changedValue);
     edit->showPopup();
-    const QDate clicked(2015, 3, clickSomeDay(openCalendar()));
+    auto *const days = openCalendar()->findChild<QTableView *>();
+    const QModelIndex day = days->model()->index(3, 4);
+    const QString clicked = datetime(QDate(2015, 3, day.data().toInt())).toString();
+    QTest::mouseClick(days->viewport(), Qt::LeftButton, {}, days->visualRect(day).center());
     QVERIFY(!openCalendar());
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes[0][0].toString(), datetime(clicked).toString());
+    QCOMPARE(changes[0][0].toString(), clicked);
     edit->showPopup();
     edit->hide();
     QVERIFY(!openCalendar());

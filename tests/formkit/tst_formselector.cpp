@@ -1,12 +1,14 @@
 #include <formkit/formselector.h>
 #include <formkit/formvalidation.h>
 #include <formkit/properties.h>
+#include <formkit/state.h>
 #include <formkit/summator.h>
 
-#include "support/stricttest.h"
+#include <support/stricttest.h>
 
 #include <QLabel>
 #include <QRandomGenerator>
+#include <QStateMachine>
 #include <QVBoxLayout>
 
 #include <functional>
@@ -22,11 +24,9 @@ class Probe : public QWidget
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "thisOnly")
-    Q_PROPERTY(QString Value READ value WRITE setValue NOTIFY changedValue USER true)
+    Q_PROPERTY(QString Value MEMBER text WRITE setValue NOTIFY changedValue USER true)
 
 public:
-    using QWidget::QWidget;
-    QString value() const { return text; }
     void setValue(const QString &value)
     {
         text = value;
@@ -65,6 +65,7 @@ struct SubForm
         caption->setBuddy(price);
         price->setProperty("field", "Price");
         volume->setProperty("field", "Volume");
+        auto *const sum = new Summator(form);
         sum->setProperty("fields", "Price=Summand Total=Value " + offset + "=Addendum");
     }
 
@@ -73,7 +74,6 @@ struct SubForm
     Probe *price = new Probe;
     SuperProbe *volume = new SuperProbe;
     QLabel *caption = new QLabel;
-    Summator *sum = new Summator(form);
 };
 
 struct Order
@@ -81,7 +81,7 @@ struct Order
     Order()
     {
         for (int i = 0; i < 3; ++i) {
-            hub->setValue(QStringLiteral("Offset%1").arg(i), QStringLiteral("0.%1").arg(i + 1));
+            hub->setValue(QString("Offset%1").arg(i), QString("0.%1").arg(i + 1));
             selector->addWidget({1, i + 1}, pages[i].form);
         }
         selector->addWidget({2, 1}, pages[0].form);
@@ -122,7 +122,8 @@ private slots:
     void pagesOfBoards();
     void storm();
     void disasters();
-    void hubs();
+    void captionsThatGo();
+    void stateTrace();
     void pagesOfFormFile();
 };
 
@@ -156,6 +157,18 @@ void FormSelectorTest::pagesOfBoards()
     QCOMPARE(order.state(), QString("2/2"));
     QCOMPARE(order.window.findChildren<QObject *>().size(), objects);
     QCOMPARE(order.selector->getWidgetList().size(), 3);
+
+    // Without a hub the page stays; another hub has its own say.
+    order.selector->setHub(nullptr);
+    QCOMPARE(order.state(), QString("2/"));
+    Properties other;
+    other.setValue("Value", "of the other");
+    order.selector->setHub(&other);
+    QCOMPARE(order.pages[2].plain->text, QString("of the other"));
+    order.selector->setHub(order.hub);
+    other.setValue("Value", "late");
+    QCOMPARE(order.pages[2].plain->text, QString("of the other"));
+    QCOMPARE(order.state(), QString("2/2"));
 }
 
 void FormSelectorTest::storm()
@@ -172,9 +185,9 @@ void FormSelectorTest::storm()
         const int page = stock == 1 ? board - 1 : stock == 2 && board == 1 ? 0 : -1;
         const QString text = QString::number(1000000 + turn);
         order.choose(stock, board);
-        QCOMPARE(order.state(), page < 0 ? QString("/") : QStringLiteral("%1/%1").arg(page));
+        QCOMPARE(order.state(), page < 0 ? QString("/") : QString("%1/%1").arg(page));
         if (page >= 0 && turn > 0)
-            QCOMPARE(held("Total"), held("Price") + QStringLiteral(".%1").arg(page + 1));
+            QCOMPARE(held("Total"), held("Price") + QString(".%1").arg(page + 1));
         for (const SubForm &sub : order.pages)
             sub.plain->writes = sub.price->writes = sub.volume->writes = 0;
         for (const char *name : {"Value", "Price", "Volume"})
@@ -227,19 +240,44 @@ void FormSelectorTest::disasters()
     }
 }
 
-void FormSelectorTest::hubs()
+// Captions that are destroyed while they are marked, and what is no caption.
+void FormSelectorTest::captionsThatGo()
 {
     Order order;
     order.choose(1, 1);
-    order.selector->setHub(nullptr);
-    order.selector->setBoardId("2");
-    QCOMPARE(order.state(), QString("1/"));
-    Properties other;
-    other.setValue("Value", "of the other");
-    order.selector->setHub(&other);
-    QCOMPARE(order.pages[1].plain->value(), QString("of the other"));
-    order.selector->setHub(order.hub);
-    QCOMPARE(order.state(), QString("1/1"));
+    FormValidation validation;
+    validation.setupPropWidgets(*order.hub, nullptr);
+    validation.setupPropWidgets(*order.hub, &order.window);
+    validation.set({"Price"});
+    delete order.pages[0].caption;
+    validation.set({"Price", "Volume"});
+    QCOMPARE(order.pages[1].caption->styleSheet(), QString("color: red"));
+    validation.setInvalidWidgets({order.pages[0].price, nullptr, order.pages[2].caption});
+    QCOMPARE(order.pages[1].caption->styleSheet(), QString());
+    QCOMPARE(order.pages[2].caption->styleSheet() + order.pages[0].price->styleSheet(),
+             QString("color: red"));
+}
+
+void FormSelectorTest::stateTrace()
+{
+    QStateMachine machine;
+    QState plain(&machine);
+    auto *top = new State("Desk", "Top", &plain);
+    auto *leaf = new State("Order", "Leaf", QState::ParallelStates, top);
+    auto *away = new QState(&machine);
+    machine.setInitialState(&plain);
+    plain.setInitialState(top);
+    top->setInitialState(leaf);
+    leaf->addTransition(away);
+    leaf->setName("Last");
+    leaf->setPrefix("Ticket");
+    QCOMPARE(top->objectName() + ' ' + leaf->objectName(), QString("Desk::Top Order::Leaf"));
+
+    machine.start();
+    QTRY_VERIFY(away->active());
+    QCOMPARE(messages(),
+             QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
+                          "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
 }
 
 // The boards of a page come before it, after it and anew; one that is shown follows at once.

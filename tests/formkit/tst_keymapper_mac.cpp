@@ -35,6 +35,8 @@ void KeyMapperMacTest::visibleKeycode()
         QKeyEvent event(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 0, native, 0, ".");
         QCOMPARE(KeyMapper::isDecimal(&event), native == 0x41);
     }
+    for (const int control : {-1, 0, 0x1f, 0x7f})
+        QVERIFY(KeyMapper::isAsciiControl(control) && !KeyMapper::isAsciiControl(control + 0x21));
 }
 
 QTEST_GUILESS_MAIN(KeyMapperMacTest)

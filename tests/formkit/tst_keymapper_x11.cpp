@@ -1,13 +1,69 @@
-#include "support/stricttest.h"
-#include "support/xserver.h"
 
 #include <formkit/combobox.h>
 #include <formkit/keymapper.h>
 #include <formkit/numbereditor.h>
 
+#include <support/stricttest.h>
+
 #include <QApplication>
 #include <QKeyEvent>
+#include <QProcess>
 #include <QVBoxLayout>
+
+// This header of C names a member so.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+// A real X server without a screen (Xvfb) on a display number that is free. It ends with the
+// object.
+class XServer
+{
+public:
+    // To be made before QApplication, which is then pointed at it; ends the program when the
+    // server does not start.
+    XServer()
+    {
+        m_server.setStandardErrorFile(QProcess::nullDevice());
+        m_server.start("Xvfb",
+                       {"-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp"});
+        QByteArray display;
+        while (!display.endsWith('\n')) {
+            if (!m_server.waitForReadyRead(30000))
+                qFatal("Xvfb does not start.");
+            display += m_server.readAllStandardOutput();
+        }
+        qputenv("DISPLAY", ':' + display.trimmed());
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    ~XServer()
+    {
+        m_server.terminate();
+        m_server.waitForFinished();
+    }
+
+    // Runs a program of X with its arguments until it ends; true when it succeeds.
+    static bool run(const QString &program, const QStringList &arguments)
+    {
+        return QProcess::execute(program, arguments) == 0;
+    }
+    // Switches to one of the keyboard layouts that setxkbmap set, counted from 0. (The keys
+    // that do so on a desk do nothing when xdotool presses them.)
+    static bool switchLayout(int layout)
+    {
+        xcb_connection_t *c = xcb_connect(nullptr, nullptr);
+        free(xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr));
+        xcb_generic_error_t *error = xcb_request_check(
+            c, xcb_xkb_latch_lock_state_checked(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, true,
+                                                uint8_t(layout), 0, false, 0));
+        xcb_disconnect(c);
+        free(error);
+        return !error;
+    }
+
+private:
+    QProcess m_server;
+};
 
 // A number editor and a combo box on a real X server, under a system locale with a comma.
 class KeyMapperX11Test : public StrictTest
@@ -32,18 +88,15 @@ private:
     int m_notches = 0;
 };
 
-bool KeyMapperX11Test::eventFilter(QObject *watched, QEvent *event)
+bool KeyMapperX11Test::eventFilter(QObject *, QEvent *event)
 {
-    if (event->type() == QEvent::KeyPress) {
-        auto *press = static_cast<QKeyEvent *>(event);
-        if (press->text().isEmpty())
-            return false;
+    m_notches += event->type() == QEvent::Wheel;
+    auto *const press = dynamic_cast<QKeyEvent *>(event);
+    if (event->type() == QEvent::KeyPress && !press->text().isEmpty()) {
         m_key = press->key();
         m_visibleCode = KeyMapper::visibleKeycodeByNative(press);
-    } else if (event->type() == QEvent::Wheel) {
-        ++m_notches;
     }
-    return QObject::eventFilter(watched, event);
+    return false;
 }
 
 // There is no window manager that would give the window the focus.
@@ -67,6 +120,20 @@ void KeyMapperX11Test::initTestCase()
 
 void KeyMapperX11Test::keypadDecimal()
 {
+    // Virtual key, modifiers, and what the editor shows; elsewhere '.' is a group separator.
+    const int keypad = Qt::KeypadModifier;
+    const std::tuple<uint, int, QString> rows[] = {
+        {0x41, keypad, "1,"}, {0xffae, keypad, "1,"}, {0xffac, keypad, "1,"},
+        {0x41, 0, "1"},       {0xffaf, keypad, "1"},  {0xffae, keypad | Qt::ShiftModifier, "1"},
+    };
+    for (const auto &[native, modifiers, shown] : rows) {
+        m_editor->setValue("1");
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Period, Qt::KeyboardModifiers(modifiers), 0,
+                        native, 0, ".");
+        QApplication::sendEvent(m_editor, &event);
+        QCOMPARE(m_editor->text(), shown);
+        m_editor->clear();
+    }
     m_editor->setValue("12");
     QVERIFY(XServer::run("xdotool", {"key", "91"}));
     QTRY_COMPARE(m_editor->text(), QString("12,"));
@@ -110,10 +177,7 @@ void KeyMapperX11Test::wheelOverAnUnfocusedBox()
 
 int main(int argc, char **argv)
 {
-    XServer server;
-    if (!server.start())
-        qFatal("Xvfb does not start.");
-    server.useForQt();
+    const XServer server;
     qputenv("LC_ALL", "de_DE.UTF-8");
     QApplication application(argc, argv);
     KeyMapperX11Test test;

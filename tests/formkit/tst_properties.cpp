@@ -66,17 +66,17 @@ class Super : public Closed
     Q_OBJECT
     Q_CLASSINFO("Properties", "super")
     Q_PROPERTY(QString Own MEMBER inner)
+};
 
-public:
-    using Closed::Closed;
+class SuperSuper : public Super
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "super")
 };
 
 class Heir : public Closed
 {
     Q_OBJECT
-
-public:
-    using Closed::Closed;
 };
 
 struct Form
@@ -95,38 +95,37 @@ class PropertiesTest : public StrictTest
 private slots:
     void walk();
     void bindings();
-    void hasChangedOnceATurn();
     void comingAndGoing();
-    void disconnectAllIsNoMirror();
     void messages();
     void mischief();
     void normalForms();
     void addressUsedAgain();
 };
 
+template <typename Object> QObject *make()
+{
+    return new Object;
+}
+
 // The names under which an object and the child inside it are bound.
 void PropertiesTest::walk()
 {
-    const auto open = [] { return static_cast<QObject *>(new Control); };
-    const auto closed = [] { return static_cast<QObject *>(new Closed); };
-    const auto super = [] { return static_cast<QObject *>(new Super); };
-    const auto heir = [] { return static_cast<QObject *>(new Heir); };
-    const auto none = [] { return new QObject; };
     const char *const all = "Fixed Plain Value";
     const char *const garbage = "  == x =Valu A= B=No \xe2\x82\xac C=Plain=2";
     const std::tuple<QObject *(*)(), QString, QString, QString, QString> rows[] = {
-        {open, "", "", all, all},
-        {closed, "", "", "Inner", ""},
-        {super, "", "", "Inner", ""},
-        {heir, "", "", "", ""},
-        {none, "", "", "", all},
-        {open, "Price", "", "Fixed Plain Price", all},
-        {open, "Price", "A=Value B=Plain", "Fixed B A", all},
-        {open, "", "A=Value A=Plain", "Fixed A", all},
-        {open, "", garbage, "Fixed C Value", all},
+        {make<Control>, "", "", all, all},
+        {make<Closed>, "", "", "Inner", ""},
+        {make<Super>, "", "", "Inner", ""},
+        {make<SuperSuper>, "", "", "Inner", ""},
+        {make<Heir>, "", "", "", ""},
+        {make<QObject>, "", "", "", all},
+        {make<Control>, "Price", "", "Fixed Plain Price", all},
+        {make<Control>, "Price", "A=Value B=Plain", "Fixed B A", all},
+        {make<Control>, "", "A=Value A=Plain", "Fixed A", all},
+        {make<Control>, "", garbage, "Fixed C Value", all},
     };
-    for (const auto &[make, field, fields, own, inner] : rows) {
-        const QScopedPointer<QObject> object(make());
+    for (const auto &[makeObject, field, fields, own, inner] : rows) {
+        const QScopedPointer<QObject> object(makeObject());
         auto *const child = new Control({}, object.data());
         if (!field.isEmpty())
             object->setProperty("field", field);
@@ -140,12 +139,19 @@ void PropertiesTest::walk()
     }
 }
 
+// The first with a notify signal gives, the others take; who listens hears of all of it once a
+// turn.
 void PropertiesTest::bindings()
 {
     Properties hub;
-    const QSignalSpy changes(&hub, &Properties::hasChanged);
+    QSignalSpy changes(&hub, &Properties::hasChanged);
+    const auto turn = [&changes] {
+        QCoreApplication::processEvents();
+        const int count = changes.count();
+        changes.clear();
+        return count;
+    };
     Control first("one"), second("two");
-    // The first with a notify signal gives, the others take.
     QVERIFY(hub.connectOne("Price", &second, "Plain"));
     QVERIFY(hub.values().isEmpty() && QMetaType::type("Values") == qMetaTypeId<Values>());
     for (Control *control : {&first, &second, &second})
@@ -153,79 +159,59 @@ void PropertiesTest::bindings()
     QCOMPARE(hub.values().value("Price").toString(), QString("one"));
     QCOMPARE(second.value(), QString("one"));
     QCOMPARE(first.writes, 0);
-    QCoreApplication::processEvents();
-    QCOMPARE(changes.count(), 0);
+    QCOMPARE(turn(), 0);
 
     second.writes = 0;
     hub.setValue("Price", "1");
     QCOMPARE(second.writes, 2);
+    hub.setValue("Other", "2");
     second.edit("2");
     QCOMPARE(first.value(), QString("2"));
     QCOMPARE(second.plain, QString("1"));
+    QCOMPARE(turn(), 1);
+    QCOMPARE(turn(), 0);
+    first.writes = 0;
+    hub.setValue("Price", "2");
+    hub.setValue("Absent", "");
+    QCOMPARE(turn(), 1);
+    second.edit("2");
+    QCOMPARE(turn(), 1);
+    QCOMPARE(first.writes, 0);
+    QCOMPARE(hub.values().keys(), QStringList({"Other", "Price"}));
+
     QVERIFY(hub.disconnectOne("Price", &second, "Value"));
+    second.writes = 0;
     first.edit("3");
     second.edit("unheard");
-    QCOMPARE(second.writes, 2);
+    QCOMPARE(second.writes, 0);
     QCOMPARE(hub.values().value("Price").toString(), QString("3"));
 }
 
-void PropertiesTest::hasChangedOnceATurn()
-{
-    Properties hub;
-    QSignalSpy changes(&hub, &Properties::hasChanged);
-    Control control;
-    hub.connectOne("Price", &control, "Value");
-    const auto turn = [&changes] {
-        QCoreApplication::processEvents();
-        const int count = changes.count();
-        changes.clear();
-        return count;
-    };
-    hub.setValue("Price", "1");
-    hub.setValue("Other", "2");
-    control.edit("3");
-    QCOMPARE(turn(), 1);
-    QCOMPARE(turn(), 0);
-    control.writes = 0;
-    hub.setValue("Price", "3");
-    hub.setValue("Absent", "");
-    QCOMPARE(turn(), 1);
-    control.edit("3");
-    QCOMPARE(turn(), 1);
-    QCOMPARE(control.writes, 0);
-    QCOMPARE(hub.values().keys(), QStringList({"Other", "Price"}));
-}
-
+// Disconnecting is no mirror of connecting: what has another name or another class stays bound.
 void PropertiesTest::comingAndGoing()
 {
     Properties hub;
-    Control form("initial");
-    form.setProperty("field", "Price");
+    QObject form;
+    auto *const super = new Super;
+    auto *const named = new Control;
+    auto *const plain = new Control;
+    for (Control *control : {static_cast<Control *>(super), named, plain})
+        control->setParent(&form);
+    named->setProperty("field", "Alias");
     for (int visit = 0; visit < 3; ++visit) {
         hub.connectAll(&form);
-        form.writes = 0;
-        hub.setValue("Price", QString::number(visit));
-        QCOMPARE(form.writes, 1);
-        form.edit("typed");
+        named->writes = plain->writes = 0;
+        for (const char *name : {"Alias", "Value"})
+            hub.setValue(name, QString::number(visit));
+        QCOMPARE(named->writes + plain->writes, 2);
+        named->edit("typed");
         QVERIFY(hub.disconnectAll(&form));
-        form.edit("unheard");
-        QCOMPARE(hub.values().value("Price").toString(), QString("typed"));
+        named->edit("unheard");
+        QCOMPARE(hub.values().value("Alias").toString(), QString("typed"));
+        for (const char *name : {"Inner", "Alias", "Value"})
+            hub.setValue(name, "late");
+        QCOMPARE(super->inner + named->value() + plain->value(), QString("latelate%1").arg(visit));
     }
-}
-
-void PropertiesTest::disconnectAllIsNoMirror()
-{
-    Properties hub;
-    QObject form;
-    auto *const super = new Super({}, &form);
-    auto *const named = new Control({}, &form);
-    auto *const plain = new Control({}, &form);
-    named->setProperty("field", "Alias");
-    hub.connectAll(&form);
-    QVERIFY(hub.disconnectAll(&form));
-    for (const char *name : {"Inner", "Alias", "Value"})
-        hub.setValue(name, "late");
-    QCOMPARE(super->inner + ' ' + named->value() + ' ' + plain->value(), QString("late late "));
     QCOMPARE(hub.objectProperty(plain), QStringList({"Fixed", "Plain", "Value"}));
 }
 
@@ -235,14 +221,13 @@ void PropertiesTest::messages()
     Closed control;
     expectWarning("Properties::connect: property \"No\" not found for object Closed\\(0x.*\\)");
     expectWarning("Properties::disconnect: property \"No\" not found for object Closed\\(0x.*\\)");
-    QVERIFY(!hub.connectOne(&control, "No"));
-    QVERIFY(!hub.disconnectOne(&control, "No"));
+    QVERIFY(!hub.connectOne(&control, "No") && !hub.disconnectOne(&control, "No"));
     hub.connectAll(&control);
     hub.dumpObjProp();
-    const QStringList lines = StrictTest::messages().mid(2);
-    QCOMPARE(lines.size(), 2);
-    QVERIFY(lines[0].startsWith("Properties::dumpObjProp Properties(0x"));
-    QVERIFY(lines[1].startsWith("objProp4: Closed(0x") && lines[1].endsWith(") (\"Inner\")"));
+    const QString lines = StrictTest::messages().mid(2).join('\n');
+    const QString form = "Properties::dumpObjProp Properties\\(0x.*\\)\nobjProp4: Closed\\(0x.*\\) "
+                         "\\(\"Inner\"\\)";
+    QVERIFY(QRegularExpression(QRegularExpression::anchoredPattern(form)).match(lines).hasMatch());
 }
 
 // Whatever a control does while it is written, whichever of them it is and from wherever the
@@ -327,16 +312,16 @@ void PropertiesTest::addressUsedAgain()
 {
     auto *const hub = new Properties;
     alignas(Control) char place[sizeof(Control)];
-    auto *control = new (place) Control;
-    hub->connectAll(control);
-    control->~Control();
-    control = new (place) Control;
-    hub->setValue("Value", "1");
-    control->edit("a stranger's");
-    QCOMPARE(control->writes, 0);
-    QCOMPARE(hub->values().value("Value").toString(), QString("1"));
-    QCOMPARE(hub->objectProperty(control), QStringList());
-    control->~Control();
+    for (int life = 0; life < 3; ++life) {
+        auto *const control = new (place) Control;
+        hub->setValue("Value", QString::number(life));
+        control->edit("a stranger's");
+        QCOMPARE(control->writes, 0);
+        QCOMPARE(hub->values().value("Value").toString(), QString::number(life));
+        QCOMPARE(hub->objectProperty(control), QStringList());
+        hub->connectAll(control);
+        control->~Control();
+    }
     // The hub may be destroyed by its listener, too.
     const QPointer<Properties> alive(hub);
     connect(hub, &Properties::hasChanged, [hub] { delete hub; });

@@ -29,9 +29,9 @@
 //     QCOMPARE(host.table("stocks").locks(), host.table("stocks").unlocks());
 //     TestWriter writer([&](int round) { host.table("stocks").setRows(…); });
 //
-// A test that destroys the host while a lock is held or a row reference is out, or that has
-// broken a rule of the contract (see TestTable::faults()), fails: the host's destructor logs
-// a warning for each.
+// A test that destroys the host while a lock is held or a row reference is out, or that has used
+// an index without the lock, asked for a cell of no column or unlocked what it had not locked,
+// fails: the host's destructor logs a warning for each.
 //
 // Columns, in order:
 //     stocks      stock_id, name, stock_code
@@ -40,28 +40,19 @@
 //     gx.diler    name, client_code, mox_code
 // The directories answer from the rows of "stocks" and "boards".
 
-// A table, or, made by hand, any other: TestTable t("x", {{"id", FieldType::Integer64}}, {0}).
-class TestTable : public Table
+// A table. What changes its content takes the lock, so it may come from any thread (and waits
+// while another one walks).
+class TestTable : public Table, private MasterIndex
 {
 public:
-    struct Column
-    {
-        QString name;
-        FieldType type;
-    };
-    TestTable(const QString &name, const QVector<Column> &columns, const QVector<int> &keyColumns);
+    TestTable(const QString &name, const QStringList &columns, const QVector<int> &keyColumns);
     ~TestTable() override;
-
-    // The calls that change the content take the lock, so they may come from any thread (and
-    // wait while another one walks).
 
     // Cells in column order; an invalid QVariant and every cell left out is null. The row
     // goes to its place in key order, behind rows with an equal key.
     void addRow(const QVariantList &cells);
     // Replaces the content in one step; setRows({}) empties the table.
     void setRows(const QVector<QVariantList> &rows);
-    // Called, with the table locked, after each change.
-    std::function<void()> changed;
 
     // Makes the n-th call of dataPtr() from now throw Exception("cell read failed"), once.
     void failAtCell(int n) { m_failAt = n; }
@@ -76,15 +67,12 @@ public:
     int liveRows() const;
     // References held by Records outside the table.
     int references() const;
-    // Broken rules: the index used without the lock, a column that does not exist, an unlock
-    // without a lock.
-    QStringList faults() const;
 
     QString name() const override { return m_name; }
-    int columnIndex(const QString &column) const override;
+    int columnIndex(const QString &column) const override { return m_columns.indexOf(column); }
     void lock() override;
     void unlock() override;
-    const MasterIndex *masterIndex() const override;
+    const MasterIndex *masterIndex() const override { return this; }
     Field dataPtr(RowData *row, int column) const override;
     RowData *newRow() const override;
     void freeRow(RowData *row) const override;
@@ -92,17 +80,21 @@ public:
 private:
     friend class TestHost;
     struct Row;
-    class KeyIndex;
 
+    int count() const override { return int(lockedRows().size()); }
+    Record at(int position) const override { return lockedRows().at(size_t(position)); }
+    Record find(const Record &key) const override;
+    const std::vector<Record> &lockedRows() const;
     Field cell(RowData *row, int column) const;
     bool isBefore(const Record &a, const Record &b) const;
     void insert(const QVariantList &cells);
     void addFault(const QString &text) const;
 
     const QString m_name;
-    const QVector<Column> m_columns;
+    const QStringList m_columns;
     const QVector<int> m_keyColumns;
-    std::unique_ptr<MasterIndex> m_index;
+    QVector<FieldType> m_types;
+    std::function<void()> m_changed; // called with the table locked
 
     std::recursive_mutex m_lock;
     std::atomic<std::thread::id> m_holder{};
@@ -127,16 +119,16 @@ signals:
     void aNewSessions();
 };
 
-class TestHost : public ICore
+class TestHost : public ICore, private StockDirectory, private BoardDirectory
 {
 public:
     TestHost();
     ~TestHost() override;
 
     // One of the four tables (any other name ends the program).
-    TestTable &table(const QString &name);
+    TestTable &table(const QString &name) { return *m_database.tables.at(name); }
     // A table that the host is to offer as missing from now on.
-    void removeTable(const QString &name);
+    void removeTable(const QString &name) { m_database.missing << name; }
 
     // Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
@@ -144,42 +136,73 @@ public:
     TestDecoder *decoder() { return &m_decoder; }
     void setPlugins(const QList<QObject *> &plugins) { m_plugins = plugins; }
 
-    IDatabase *database() override;
-    const StockDirectory *stockDirectory() const override;
-    const BoardDirectory *boardDirectory() const override;
-    QVector<SessionId> currentSessions() const override;
+    IDatabase *database() override { return &m_database; }
+    const StockDirectory *stockDirectory() const override { return this; }
+    const BoardDirectory *boardDirectory() const override { return this; }
+    QVector<SessionId> currentSessions() const override { return copy(m_sessions); }
     QList<QObject *> plugins() const override { return m_plugins; }
 
 private:
-    class Database;
-    class Stocks;
-    class Boards;
+    struct Database : IDatabase
+    {
+        Table *table(const QString &name) override;
+        std::map<QString, std::unique_ptr<TestTable>> tables;
+        QStringList missing;
+    };
+    struct Board
+    {
+        QString code;
+        qint64 flags = 0;
+        bool isPosition = false;
+    };
 
-    std::unique_ptr<Database> m_database;
-    std::unique_ptr<Stocks> m_stocks;
-    std::unique_ptr<Boards> m_boards;
+    void addTable(const QString &name, const QString &columns, const QVector<int> &keyColumns);
+    QString codeById(int stockId) const override { return copy(m_stocks).value(stockId); }
+    int idByCode(const QString &stockCode) const override { return copy(m_stocks).key(stockCode); }
+    QString codeById(int stockId, int boardId) const override;
+    int idByCode(const QString &stockCode, const QString &boardCode) const override;
+    bool checkFlagsById(int stockId, int boardId, qint64 flags) const override;
+    bool isPositionById(int stockId, int boardId) const override;
+
+    template <typename Shared> Shared copy(const Shared &shared) const
+    {
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        return shared;
+    }
+
+    Database m_database;
     TestDecoder m_decoder;
-    QList<QObject *> m_plugins;
-    mutable std::mutex m_mutex;
+    QList<QObject *> m_plugins{nullptr, &m_decoder};
+    mutable std::mutex m_mutex; // guards the three below
     QVector<SessionId> m_sessions;
+    QMap<int, QString> m_stocks;
+    QMap<boardid, Board> m_boards;
 };
 
 // Calls a function over and over on a thread of its own, with the number of the round, until
-// it is destroyed or, when given, the rounds are done.
+// it is destroyed.
 class TestWriter
 {
 public:
-    explicit TestWriter(std::function<void(int round)> change, int rounds = -1);
-    ~TestWriter();
+    explicit TestWriter(const std::function<void(int round)> &change)
+        : m_thread([this, change] {
+            for (; !m_stop; ++m_rounds)
+                change(m_rounds);
+        })
+    {
+    }
+    ~TestWriter()
+    {
+        m_stop = true;
+        m_thread.join();
+    }
     Q_DISABLE_COPY(TestWriter)
 
     // Rounds done.
     int rounds() const { return m_rounds; }
-    bool isDone() const { return m_done; }
 
 private:
     std::atomic<bool> m_stop{false};
-    std::atomic<bool> m_done{false};
     std::atomic<int> m_rounds{0};
     std::thread m_thread;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <formkit/combobox.h>
+#include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 
 #include <support/datafile.h>
@@ -9,34 +10,40 @@
 #include <QAbstractItemView>
 #include <QLineEdit>
 
-// A form of selector boxes and one who uses them, as a data file tells it. The file begins with
-//     boxes     the kinds of box, tied by a hub if there are more; the first is in use
+// A form of controls and one who uses it, as a file in stories/ tells it. The file begins with
+//     make      a control's class, its name, and properties; the first is in use; all are
+//               tied by a hub, but for one that is alone with its caption
 //     row       a table, a nickname and the cells of a row that the host has from the start
 //     later     the same of a row that is there to be offered
 //     sessions  the open ones, exchange and session
+//     shows     what the expectation of that name is made of: text, row, caret, properties
 // and goes on with stories: a name, and under it, each on a line of its own behind a tab,
 //     given     steps, parted by "; "
 //     when      steps, every report of which counts
 //     reports   what was reported; a step that no such line follows must report nothing
-//     shows     text|properties of that kind of box|current row|caret
 //     lit       row in the open list|completion of how many|where the focus is
+//     Value     or any other property of the control in use, of its line edit, or of another
+//               control ("buy.checked")
 //     and more expectations: see learnAnswers().
-class SelectorDesk : public QObject
+class Desk : public QObject
 {
     Q_OBJECT
 
 public:
-    SelectorDesk(TestHost *host, const QString &file);
-    static QList<DataRow> storiesOf(const QString &file);
+    Desk(TestHost *host, const QString &story);
+    static QList<DataRow> storiesOf(const QString &name);
+    // A control by its class; null for an unknown one.
+    static QObject *create(const QString &className, QWidget *form);
 
     void play(const DataRow &story);
 
-    ComboBox *box(const QString &kind) const { return m_form.findChild<ComboBox *>(kind); }
-    ComboBox *box() const { return m_box; }
+    QWidget *control(const QString &name) const { return m_form.findChild<QWidget *>(name); }
+    ComboBox *box(const QString &name) const { return m_form.findChild<ComboBox *>(name); }
+    ComboBox *box() const { return qobject_cast<ComboBox *>(m_control.data()); }
     QAbstractItemView *completions() const;
     QAbstractItemModel *source() const;
-    QWidget *form() { return &m_form; }
-    Properties &hub() { return m_hub; }
+    // What the hub holds under a name.
+    QString held(const QString &name) const { return m_hub.values()[name].toString(); }
 
     // Does a step ("press F4 Down").
     void act(const QString &step);
@@ -48,23 +55,28 @@ private slots:
     void note(const QString &text);
 
 private:
-    void fillHost(const QString &file);
-    void makeBoxes(const QStringList &kinds);
+    void build(const QString &file);
+    void make(const QStringList &words);
     void learnHandling();
     void learnHostSteps();
     void learnModelSteps();
     void learnAnswers();
-    void press(int key);
-    void checkChoice() const;
-    QString column(const QAbstractItemModel *model, int column, int role) const;
+    void sendKey(int key, const QString &text) const;
+    QObject *owner(QString *property) const;
+    QString property(const QString &path) const;
+    QString column(const QAbstractItemModel *model, int role) const;
+    QAbstractItemView *list() const;
+    QLineEdit *edit() const;
 
     TestHost *m_host;
     QMap<QString, QMap<QString, QVariantList>> m_known; // rows by table and nickname
     QMap<QString, std::function<void(const QString &words)>> m_steps;
     QMap<QString, std::function<QString(const QString &about)>> m_answers;
+    QStringList m_shows;
     QString m_log;
     QWidget m_form;
     QLineEdit *m_next = nullptr;
-    ComboBox *m_box = nullptr;
+    QPointer<QWidget> m_control;
     Properties m_hub;
+    FormValidation m_validation;
 };

@@ -1,0 +1,513 @@
+#include "desk.h"
+
+#include <formkit/boardselectorbox.h>
+#include <formkit/boardselectormodel.h>
+#include <formkit/checkbox.h>
+#include <formkit/dateedit.h>
+#include <formkit/decimalvalidator.h>
+#include <formkit/label.h>
+#include <formkit/lineedit.h>
+#include <formkit/partnerselectorbox.h>
+#include <formkit/pushbuttonsend.h>
+#include <formkit/quantityeditor.h>
+#include <formkit/radiobutton.h>
+#include <formkit/securityselectorbox.h>
+#include <formkit/securityselectormodel.h>
+#include <formkit/stockselectorbox.h>
+#include <formkit/stockselectorbox_code.h>
+#include <formkit/stockselectormodel.h>
+#include <formkit/summator.h>
+
+#include <QAbstractItemModelTester>
+#include <QAbstractProxyModel>
+#include <QAccessible>
+#include <QApplication>
+#include <QCalendarWidget>
+#include <QClipboard>
+#include <QCompleter>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+namespace {
+
+// What the signals are called in a story.
+const QMap<QByteArray, QString> reports = {
+    {"stockIdChanged", "id"},        {"stockCodeChanged", "code"},   {"stockChanged", "text"},
+    {"setProp_StockId", "id"},       {"setProp_StockCode", "code"},  {"setProp_Stock", "text"},
+    {"boardIdChanged", "id"},        {"boardCodeChanged", "code"},   {"boardChanged", "text"},
+    {"securityIdChanged", "id"},     {"securityChanged", "code"},    {"changedPartner", "partner"},
+    {"securityNameChanged", "name"}, {"changedPartnerName", "name"}, {"changedValue", "value"}};
+
+QString word(const QString &words, int place)
+{
+    return words.section(' ', place, place);
+}
+
+template <typename... Controls> QObject *createOneOf(const QString &name, QWidget *form)
+{
+    QObject *made = nullptr;
+    ((name == Controls::staticMetaObject.className() ? made = new Controls(form) : nullptr), ...);
+    return made;
+}
+
+// The role that tells a list's rows apart.
+int idRole(const ComboBox *box)
+{
+    return qobject_cast<const SecuritySelectorBox *>(box) ? SecuritySelectorModel::SecurityIdRole
+           : qobject_cast<const StockSelectorBox_Code *>(box) ? int(Qt::UserRole)
+                                                              : Qt::UserRole + 1;
+}
+
+template <typename Box, typename Model> void changeModel(QWidget *control, const QString &how)
+{
+    if (auto *const box = qobject_cast<Box *>(control))
+        box->setSourceModel(how == "none" ? nullptr : new Model);
+}
+
+template <typename Listed> bool populated(QObject *object)
+{
+    auto *const listed = qobject_cast<Listed *>(object);
+    if (listed)
+        listed->populate();
+    return listed;
+}
+
+QPoint placeOf(const QAbstractItemView *list, int row)
+{
+    return list->visualRect(list->model()->index(row, 0)).center();
+}
+
+// The row that a list shows lit where a user can see it; -1 for none.
+int litRow(const QAbstractItemView *list)
+{
+    const int row = list->currentIndex().row();
+    const QRect place = list->visualRect(list->currentIndex());
+    const bool isSeen = list->viewport()->rect().contains(place) &&
+                        list->indexAt(place.center()).row() == row &&
+                        list->selectionModel()->isRowSelected(row, {});
+    return isSeen ? row : -1;
+}
+
+} // namespace
+
+Desk::Desk(TestHost *host, const QString &story) : m_host(host)
+{
+    learnHandling();
+    learnHostSteps();
+    learnModelSteps();
+    learnAnswers();
+    build("stories/" + story + ".txt");
+}
+
+QList<DataRow> Desk::storiesOf(const QString &name)
+{
+    QList<DataRow> rows = rowsOf("stories/" + name + ".txt");
+    while (!rows.isEmpty() && rows.first().size() > 1 && rows.first().first().at(0).isLower())
+        rows.removeFirst();
+    return rows;
+}
+
+QObject *Desk::create(const QString &className, QWidget *form)
+{
+    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
+                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
+                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator>(
+        className, form);
+}
+
+void Desk::build(const QString &file)
+{
+    QMap<QString, QVector<QVariantList>> offered;
+    QVector<SessionId> sessions;
+    QList<DataRow> controls;
+    for (const DataRow &row : rowsOf(file)) {
+        const QString about = row.first();
+        if (about == "make")
+            controls << row;
+        if (about == "shows")
+            m_shows = row.mid(1);
+        if (about == "sessions")
+            sessions << SessionId{row[1].toInt(), row[2].toInt()};
+        if (about != "row" && about != "later")
+            continue;
+        QVariantList cells;
+        for (const QString &cell : row.mid(3))
+            cells << (cell.isEmpty() ? QVariant() : QVariant(cell));
+        m_known[row[1]][row[2]] = cells;
+        if (about == "row")
+            offered[row[1]] << cells;
+    }
+    for (auto table = offered.cbegin(); table != offered.cend(); ++table)
+        m_host->table(table.key()).setRows(*table);
+    m_host->setSessions(sessions);
+
+    auto *const layout = new QVBoxLayout(&m_form);
+    for (const DataRow &row : qAsConst(controls))
+        make(row.mid(1));
+    layout->addWidget(m_next = new QLineEdit);
+    const auto isCaption = [](const DataRow &row) { return row[1] == "Label"; };
+    if (std::count_if(controls.begin(), controls.end(), isCaption) + 1 < controls.size())
+        m_hub.connectAll(&m_form);
+    m_validation.setupPropWidgets(m_hub, &m_form);
+    m_form.show();
+    QVERIFY(QTest::qWaitForWindowActive(&m_form));
+    act("at " + controls.first()[2]);
+    m_log.clear();
+}
+
+void Desk::make(const QStringList &words)
+{
+    QObject *const made = create(words[0], &m_form);
+    QVERIFY2(made, qPrintable(words[0]));
+    made->setObjectName(words[1]);
+    for (const QString &pair : words.mid(2))
+        made->setProperty(pair.section('=', 0, 0).toLatin1(), pair.section('=', 1));
+    for (const QByteArray &name : reports.keys()) {
+        if (made->metaObject()->indexOfSignal(name + "(QString)") >= 0)
+            connect(made, '2' + name + "(QString)", this, SLOT(note(QString)));
+    }
+    if (auto *const widget = qobject_cast<QWidget *>(made))
+        m_form.layout()->addWidget(widget);
+    if (auto *const label = qobject_cast<QLabel *>(made))
+        label->setBuddy(control(made->property("of").toString()));
+}
+
+void Desk::note(const QString &text)
+{
+    const QByteArray signal = sender()->metaObject()->method(senderSignalIndex()).name();
+    m_log += ' ' + reports[signal] + '=' + text;
+}
+
+QLineEdit *Desk::edit() const
+{
+    auto *const combo = qobject_cast<QComboBox *>(m_control.data());
+    return combo ? combo->lineEdit() : qobject_cast<QLineEdit *>(m_control.data());
+}
+
+// Where a user's key goes. QTest's keyClicks() knows Latin characters only.
+void Desk::sendKey(int key, const QString &text) const
+{
+    QWidget *const popup = QApplication::activePopupWidget();
+    QWidget *const view = popup && popup->focusWidget() ? popup->focusWidget() : popup;
+    QWidget *const target = view && text.isEmpty() ? view : m_control.data();
+    if (text.isEmpty() && !(key & Qt::KeyboardModifierMask)) {
+        QTest::keyClick(target, Qt::Key(key));
+    } else {
+        QKeyEvent press(QEvent::KeyPress, key & ~Qt::KeyboardModifierMask,
+                        Qt::KeyboardModifiers(key & Qt::KeyboardModifierMask), text);
+        QApplication::sendEvent(target, &press);
+    }
+}
+
+void Desk::learnHandling()
+{
+    m_steps["at"] = [this](const QString &name) {
+        m_control = control(name);
+        QVERIFY2(m_control, qPrintable(name));
+        m_control->setFocus();
+    };
+    m_steps["set"] = [this](const QString &words) {
+        QString name = word(words, 0);
+        const QString value = words.section(' ', 1);
+        QObject *const object = owner(&name);
+        if (object)
+            object->setProperty(name.toLatin1(), value);
+        else
+            QVERIFY2(QMetaObject::invokeMethod(m_control, name.toLatin1(), Q_ARG(QString, value)),
+                     qPrintable(words));
+    };
+    m_steps["clearError"] = [this](const QString &name) {
+        QVERIFY(QMetaObject::invokeMethod(control(name), "clearError"));
+    };
+    m_steps["hub"] = [this](const QString &words) {
+        m_hub.setValue(word(words, 0), words.section(' ', 1));
+    };
+    m_steps["invalid"] = [this](const QString &names) {
+        m_validation.set(names.split(' ', Qt::SkipEmptyParts));
+    };
+    m_steps["locale"] = [this](const QString &name) {
+        qobject_cast<NumberEditor *>(m_control)->decimalValidator()->setLocale(QLocale(name));
+    };
+    m_steps["type"] = [this](const QString &text) {
+        for (const QChar c : text)
+            sendKey(0, c);
+    };
+    m_steps["press"] = [this](const QString &keys) {
+        for (const QString &key : keys.split(' '))
+            sendKey(QKeySequence(key)[0], {});
+    };
+    m_steps["paste"] = [this](const QString &text) {
+        QApplication::clipboard()->setText(text);
+        edit()->paste();
+    };
+    m_steps["compose"] = [this](const QString &text) {
+        QInputMethodEvent event;
+        event.setCommitString(text);
+        QApplication::sendEvent(edit(), &event);
+    };
+    m_steps["wheel"] = [this](const QString &angle) {
+        const bool isOpen = box() && box()->view()->isVisible();
+        QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
+        QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle.toInt()}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(target, &wheel);
+    };
+    // QComboBox takes a click that comes with the one that opened the list for a part of it.
+    m_steps["wait"] = [](const QString &) {
+        QTest::qWait(QApplication::doubleClickInterval() + 50);
+    };
+    m_steps["point"] = [this](const QString &row) {
+        QTest::mouseMove(list()->viewport(), placeOf(list(), row.toInt()));
+    };
+    m_steps["click"] = [this](const QString &row) {
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, placeOf(list(), row.toInt()));
+    };
+    m_steps["edit"] = [this](const QString &text) { edit()->setText(text); };
+    m_steps["caret"] = [this](const QString &place) { edit()->setCursorPosition(place.toInt()); };
+    m_steps["select"] = [this](const QString &words) {
+        edit()->setSelection(word(words, 0).toInt(), word(words, 1).toInt());
+    };
+    m_steps["leave"] = [this](const QString &) { m_next->setFocus(); };
+    m_steps["row"] = [this](const QString &row) { box()->setCurrentIndex(row.toInt()); };
+}
+
+void Desk::learnHostSteps()
+{
+    m_steps["offer"] = [this](const QString &words) {
+        QVector<QVariantList> rows;
+        for (const QString &nick : words.split(' ').mid(1)) {
+            QVERIFY2(m_known[word(words, 0)].contains(nick), qPrintable(words));
+            rows << m_known[word(words, 0)][nick];
+        }
+        m_host->table(word(words, 0)).setRows(rows);
+    };
+    // Securities of ids, codes and names that count up from 1.
+    m_steps["many"] = [this](const QString &count) {
+        QVector<QVariantList> rows;
+        for (int i = 1; i <= count.toInt(); ++i)
+            rows << QVariantList{i, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
+        m_host->table("securities").setRows(rows);
+    };
+    m_steps["sessions"] = [this](const QString &words) {
+        m_host->setSessions({{word(words, 0).toInt(), word(words, 1).toInt()}});
+    };
+    m_steps["announce"] = [this](const QString &) { emit m_host->decoder()->aNewSessions(); };
+    m_steps["populate"] = [this](const QString &name) {
+        const QPointer<QWidget> before = m_control;
+        m_control = name.isEmpty() ? before.data() : control(name);
+        QVERIFY(
+            populated<StockSelectorBox_Code>(m_control) ||
+            populated<PartnerSelectorBox>(m_control) || populated<StockSelectorModel>(source()) ||
+            populated<BoardSelectorModel>(source()) || populated<SecuritySelectorModel>(source()));
+        m_control = before;
+    };
+}
+
+void Desk::learnModelSteps()
+{
+    m_steps["items"] = [this](const QString &texts) { box()->addItems(texts.split(' ')); };
+    m_steps["model"] = [this](const QString &how) {
+        changeModel<StockSelectorBox, StockSelectorModel>(m_control, how);
+        changeModel<BoardSelectorBox, BoardSelectorModel>(m_control, how);
+        changeModel<SecuritySelectorBox, SecuritySelectorModel>(m_control, how);
+    };
+    m_steps["kill"] = [this](const QString &) { delete source(); };
+    m_steps["display"] = [this](const QString &role) {
+        qobject_cast<SecuritySelectorModel *>(source())->setDefaultDataRole(
+            SecuritySelectorModel::ItemDataRole(Qt::UserRole + role.toInt()));
+    };
+    m_steps["limit"] = [this](const QString &boards) {
+        bool isList = false;
+        const boardlist list = boardListFromString(boards, &isList);
+        QVERIFY2(isList, qPrintable(boards));
+        qobject_cast<BoardSelectorModel *>(source())->setFilterBoards(list);
+    };
+    m_steps["positions"] = [this](const QString &) {
+        qobject_cast<BoardSelectorModel *>(source())->setForPositions(true);
+    };
+    m_steps["flags"] = [this](const QString &words) {
+        auto *const boards = qobject_cast<BoardSelectorBox *>(m_control);
+        if (word(words, 0) == "on")
+            boards->setBoardFlagsOnFilter(word(words, 1).toInt());
+        else
+            boards->setBoardFlagsOffFilter(word(words, 1).toInt());
+    };
+    m_steps["sectype"] = [this](const QString &type) {
+        qobject_cast<BoardSelectorBox *>(m_control)->setSecTypeFilter(type.at(0));
+    };
+    m_steps["risk"] = [this](const QString &is) { m_form.setProperty("RiskAddress", is); };
+}
+
+void Desk::learnAnswers()
+{
+    m_answers["reports"] = [this](const QString &) { return m_log.mid(1); };
+    m_answers["shows"] = [this](const QString &) {
+        QStringList parts;
+        for (const QString &part : m_shows)
+            parts << (part == "text"    ? edit()->text()
+                      : part == "caret" ? QString::number(edit()->cursorPosition())
+                      : part == "row"   ? property("currentIndex")
+                                        : property(part));
+        return parts.join('|');
+    };
+    // The text with '|' at the caret.
+    m_answers["text"] = [this](const QString &) {
+        return edit()->text().insert(edit()->cursorPosition(), '|');
+    };
+    m_answers["lit"] = [this](const QString &) {
+        const bool isOpen = box()->view()->isVisible();
+        const QString focus = isOpen ? "list" : m_next->hasFocus() ? "next" : "box";
+        const QString count = QString::number(completions()->model()->rowCount());
+        const QString completion = QString::number(litRow(completions())) + " of " + count;
+        return (isOpen ? QString::number(litRow(box()->view())) : "-") + '|' +
+               (completions()->isVisible() ? completion : "-") + '|' + focus;
+    };
+    m_answers["calendar"] = [](const QString &) {
+        auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
+        return open ? open->selectedDate().toString(Qt::ISODate) : "closed";
+    };
+    m_answers["spoken"] = [this](const QString &) {
+        return QAccessible::queryAccessibleInterface(edit())->text(QAccessible::Name);
+    };
+    m_answers["lists"] = [this](const QString &) {
+        return column(box()->model(), Qt::DisplayRole);
+    };
+    m_answers["ids"] = [this](const QString &) { return column(box()->model(), idRole(box())); };
+    m_answers["source"] = [this](const QString &) { return column(source(), idRole(box())); };
+    // What a row has under the roles from the first on, with the types: 2 int=1 QString=XNAS
+    m_answers["roles"] = [this](const QString &about) {
+        const QModelIndex index = box()->model()->index(word(about, 0).toInt(), 0);
+        QString all = word(about, 0);
+        for (int role = Qt::UserRole + 1; index.data(role).isValid(); ++role)
+            all += QString(" %1=").arg(index.data(role).typeName()) + index.data(role).toString();
+        return all;
+    };
+    // What the validator says to a text: ab=1 ABC
+    m_answers["judges"] = [this](const QString &about) {
+        QString input = about.section('=', 0, 0);
+        int pos = 0;
+        QString verdict = input + '=';
+        verdict += QString::number(box()->comboBoxValidator()->validate(input, pos));
+        box()->comboBoxValidator()->fixup(input);
+        return verdict + ' ' + input;
+    };
+    // What the hub holds under the names that are asked for: StockId=1|StockCode=MX
+    m_answers["hub"] = [this](const QString &about) {
+        QStringList all;
+        for (const QString &pair : about.split('|')) {
+            const QString name = pair.section('=', 0, 0);
+            all << name + '=' + held(name);
+        }
+        return all.join('|');
+    };
+}
+
+void Desk::play(const DataRow &story)
+{
+    const QList<QAbstractItemModel *> models{box() ? box()->model() : nullptr, source()};
+    for (QAbstractItemModel *const model : models) {
+        if (model)
+            new QAbstractItemModelTester(
+                model, QAbstractItemModelTester::FailureReportingMode::QtTest, model);
+    }
+    for (int i = 1; i < story.size() && !QTest::currentTestFailed(); ++i) {
+        const QString verb = word(story.at(i), 0);
+        const QString told = story.at(i).section(' ', 1);
+        const QString words = told == "-" ? QString() : told;
+        const QString place = QString("%1:%2: ").arg(story.file).arg(story.line + i);
+        if (verb == "given" || verb == "when") {
+            for (const QString &step : words.split("; "))
+                act(step);
+            if (verb == "given")
+                m_log.clear();
+        } else {
+            const QString found = answer(verb, words);
+            QVERIFY2(found == words, qPrintable(place + verb + " \"" + found + '"'));
+            if (verb == "reports")
+                m_log.clear();
+        }
+    }
+    const QString place = QString("%1:%2: ").arg(story.file).arg(story.line);
+    QVERIFY2(m_log.isEmpty(), qPrintable(place + "also reports" + m_log));
+    // A selector answers for the row that it shows.
+    const bool isChoice = box() && box()->itemText(box()->currentIndex()) == box()->currentText();
+    const QVariant id = isChoice ? box()->currentData(idRole(box())) : QVariant();
+    if (id.isValid() && !qobject_cast<StockSelectorBox_Code *>(m_control))
+        QCOMPARE(box()->metaObject()->userProperty().read(box()).toString(),
+                 id.toString().section(',', -1));
+}
+
+void Desk::act(const QString &step)
+{
+    QVERIFY2(m_steps.contains(word(step, 0)), qPrintable(step));
+    m_steps[word(step, 0)](step.section(' ', 1));
+}
+
+QString Desk::answer(const QString &verb, const QString &about) const
+{
+    return m_answers.contains(verb) ? m_answers[verb](about) : property(verb);
+}
+
+// The object that has a property: a named control, or its line edit ("edit"), or the one in use and
+// its line edit.
+QObject *Desk::owner(QString *property) const
+{
+    const QStringList path = property->split('.');
+    *property = path.last();
+    const QByteArray name = property->toLatin1();
+    if (path.first() == "edit")
+        return edit();
+    if (path.size() > 1)
+        return m_form.findChild<QObject *>(path.first());
+    for (QObject *const object : QObjectList{m_control, edit()}) {
+        if (object && object->metaObject()->indexOfProperty(name) >= 0)
+            return object;
+    }
+    return nullptr;
+}
+
+QString Desk::property(const QString &path) const
+{
+    QString name = path;
+    const QObject *const object = owner(&name);
+    const QVariant value = object ? object->property(name.toLatin1()) : "none has " + path;
+    if (value.userType() == QMetaType::QIcon)
+        return value.value<QIcon>().isNull() ? "none" : "shown";
+    return value.toString();
+}
+
+QString Desk::takeReports()
+{
+    const QString taken = m_log.mid(1);
+    m_log.clear();
+    return taken;
+}
+
+// The list that is open, or the completions.
+QAbstractItemView *Desk::list() const
+{
+    return box()->view()->isVisible() ? box()->view() : completions();
+}
+
+QAbstractItemView *Desk::completions() const
+{
+    return box()->completer()->popup();
+}
+
+QAbstractItemModel *Desk::source() const
+{
+    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box() ? box()->model() : nullptr);
+    return proxy ? proxy->sourceModel() : box() ? box()->model() : nullptr;
+}
+
+QString Desk::column(const QAbstractItemModel *model, int role) const
+{
+    const bool isPartner = qobject_cast<PartnerSelectorBox *>(m_control);
+    // What tells partners apart is their name.
+    const int column = role == Qt::DisplayRole ? box()->modelColumn() : isPartner ? 2 : 0;
+    QStringList texts;
+    for (int row = 0; row < model->rowCount(); ++row)
+        texts << model->index(row, column).data(isPartner ? int(Qt::DisplayRole) : role).toString();
+    return texts.join(' ');
+}
