@@ -12,6 +12,7 @@ class QObject;
 class FORMKIT_EXPORT SignalBlocker
 {
 public:
+    // From here on the signals are blocked, or let through when `block` is false.
     SignalBlocker(QObject *object, bool block);
     ~SignalBlocker();
     Q_DISABLE_COPY(SignalBlocker)
