@@ -198,6 +198,7 @@ void DesignerTest::designing()
     QVERIFY(form->contents().contains("<cstring>4,4</cstring>"));
     trigger("numberEditor", "Name of the Value...", "");
     QVERIFY(!child("numberEditor")->property("field").isValid());
+    QCOMPARE(form->contents().count("\"field\""), before.count("\"field\"") - 1);
     trigger("numberEditor_2", "Name of the Value...", "Gr\u00f6\u00dfe");
     QVERIFY(form->contents().contains("<cstring>Gr\u00f6\u00dfe</cstring>"));
     trigger("partnerSelectorBox", "Only Partners with a Client Code");
