@@ -45,8 +45,11 @@ void DynamicPropertyCommand::replace(const QVariant &value, const QVariant &valu
 {
     auto *sheet = extensionOf<QDesignerPropertySheetExtension>(m_form, m_widget);
     auto *dynamic = extensionOf<QDesignerDynamicPropertySheetExtension>(m_form, m_widget);
-    if (!dynamic->canAddDynamicProperty(m_name))
+    if (!dynamic->canAddDynamicProperty(m_name)) {
         dynamic->removeDynamicProperty(sheet->indexOf(m_name));
+        // The sheet only hides it.
+        m_widget->setProperty(m_name.toLatin1(), QVariant());
+    }
     if (value.isValid())
         sheet->setProperty(dynamic->addDynamicProperty(m_name, value), valueOfSheet);
     QDesignerPropertyEditorInterface *editor = m_form->core()->propertyEditor();

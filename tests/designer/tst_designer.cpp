@@ -197,7 +197,8 @@ void DesignerTest::designing()
     trigger("formSelector", "Boards of the Page...", "4,4");
     QVERIFY(form->contents().contains("<cstring>4,4</cstring>"));
     trigger("numberEditor", "Name of the Value...", "");
-    QVERIFY(!form->contents().contains("<cstring>Price</cstring>"));
+    QVERIFY(!child("numberEditor")->property("field").isValid());
+    QCOMPARE(form->contents().count("\"field\""), before.count("\"field\"") - 1);
     trigger("numberEditor_2", "Name of the Value...", "Gr\u00f6\u00dfe");
     QVERIFY(form->contents().contains("<cstring>Gr\u00f6\u00dfe</cstring>"));
     trigger("partnerSelectorBox", "Only Partners with a Client Code");
