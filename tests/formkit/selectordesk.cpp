@@ -349,7 +349,7 @@ QString SelectorDesk::answer(const QString &verb, const QString &about) const
 
 QString SelectorDesk::takeReports()
 {
-    const QString reports = answer("reports");
+    QString reports = answer("reports");
     m_log.clear();
     return reports;
 }
