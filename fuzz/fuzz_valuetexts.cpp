@@ -46,7 +46,7 @@ void checkNumbers(const QString &text, const QLocale &locale)
         demand(decimal::fromLocaleString(shown, symbols, number->scale()) == *number);
         const auto sum = tried([&] { return *number + *number; });
         demand(!sum || *sum - *number == *number);
-        for (const short scale : {0, 3, 18}) {
+        for (const short scale : {short(0), short(3), short(18)}) {
             const auto scaled = tried([&] {
                 decimal copy = *number;
                 copy.setScale(scale);

@@ -66,7 +66,7 @@ QString mkdb(const QStringList &arguments)
 
 QString EmbeddedHostTest::makeFile(const QString &tag, const QString &change, const QString &rows)
 {
-    const QString file = m_folder.filePath(QString::number(++m_files) + ".sqlite");
+    QString file = m_folder.filePath(QString::number(++m_files) + ".sqlite");
     {
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "maker");
         database.setDatabaseName(file);

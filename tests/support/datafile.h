@@ -58,6 +58,7 @@ inline QByteArray faultsOf(const QList<DataRow> &rows,
     std::mutex mutex;
     QStringList faults;
     std::vector<std::thread> threads;
+    threads.reserve(size_t(threadCount));
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&] {
             for (int at = next++; at < rows.size(); at = next++) {
