@@ -1,12 +1,6 @@
 #include "state.h"
 
-#include <QLoggingCategory>
-
-namespace {
-
-Q_LOGGING_CATEGORY(guiLog, "QGuiLog")
-
-} // namespace
+#include "guilog_p.h"
 
 State::State(const QString &name, QState *parent) : State(name, ExclusiveStates, parent) {}
 

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// "QGuiLog": debug lines on what the form components do.
+Q_DECLARE_LOGGING_CATEGORY(guiLog)

@@ -1,0 +1,72 @@
+#include "widgethelpers.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+namespace {
+
+// One direction of a placement.
+enum Place { Edge, Near, Middle, Far };
+
+Place placeOf(Qt::Alignment alignment, Qt::AlignmentFlag near, Qt::AlignmentFlag middle,
+              Qt::AlignmentFlag far)
+{
+    if (alignment & near)
+        return Near;
+    if (alignment & middle)
+        return Middle;
+    return alignment & far ? Far : Edge;
+}
+
+// Where the widget's near edge goes in an area whose pixels are `first` to `last`. The widget's
+// last pixel, not the one behind it, lies on the far place.
+int position(Place place, int first, int last, int extent)
+{
+    const int margin = (last + 1 - first) / 20;
+    switch (place) {
+    case Near:
+        return first + margin;
+    case Middle:
+        return (first + last) / 2 - (extent - 1) / 2;
+    case Far:
+        return last - margin - (extent - 1);
+    case Edge:
+        break;
+    }
+    return first;
+}
+
+// A window that has been placed but not shown yet still counts as one of the primary screen's.
+QRect screenArea(const QWidget &widget)
+{
+    const QScreen *screen = QGuiApplication::screenAt(widget.mapToGlobal(widget.rect().center()));
+    return (screen ? screen : widget.screen())->geometry();
+}
+
+} // namespace
+
+QWidget *appTopLevelWidget(QWidget *widget)
+{
+    return widget ? widget->window() : nullptr;
+}
+
+void moveWidgetRelatively(QWidget *widget, const QWidget *relativeTo, Qt::Alignment alignment)
+{
+    if (!widget)
+        return;
+    const QRect area = relativeTo ? relativeTo->rect() : screenArea(*widget);
+    const Place across = placeOf(alignment, Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight);
+    const Place down = placeOf(alignment, Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom);
+    QPoint target(position(across, area.left(), area.right(), widget->width()),
+                  position(down, area.top(), area.bottom(), widget->height()));
+    if (relativeTo)
+        target = relativeTo->mapToGlobal(target);
+    widget->move(widget->mapToParent(widget->mapFromGlobal(target)));
+}
+
+QString centerJustified(const QString &text, int width, QChar fill)
+{
+    const int room = qMax(0, width - text.size());
+    return QString(room / 2, fill) + text + QString(room - room / 2, fill);
+}

@@ -1,0 +1,294 @@
+#include "support/datafile.h"
+#include "support/stricttest.h"
+#include "support/testhost.h"
+
+#include <hostapi/exception.h>
+#include <hostapi/indexsort.h>
+#include <hostapi/localesymbols.h>
+#include <hostapi/securitiessessionfilter.h>
+
+#include <limits>
+
+// The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
+// The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
+class HostApiTest : public StrictTest
+{
+    Q_OBJECT
+
+private slots:
+    void numbers();
+    void numbersOfEveryLocale();
+    void cells();
+    void systemDates();
+    void localeDates();
+    void everyDateReadsBack();
+    void records();
+    void indexAndFilter();
+    void noTables();
+};
+
+namespace {
+
+// One cell of any type.
+struct Cell
+{
+    Cell(const QString &code, int parameter, const QString &text)
+        : table("t", {{"c", {FieldType::Type(code.toInt()), parameter}}}, {0})
+    {
+        field = text;
+    }
+    TestTable table;
+    Record record{&table};
+    Field field{record.field(0)};
+};
+
+// The text that an operation gives, or that of what it throws.
+template <typename Operation> QString outcome(const Operation &operation)
+{
+    try {
+        return operation();
+    } catch (const Exception &failure) {
+        return failure.text();
+    }
+}
+
+enum Column { SecId, StockId, BoardId, SecCode, SecName, BaseCode, SessId };
+
+const QVector<QVariantList> securities = {{1, 1, 7, "C", {}, {}, 10},
+                                          {2, 1, 7, "A", {}, {}, 20},
+                                          {3, 2, 7, "C", {}, {}, 10},
+                                          {4, 2, 7, "A", {}, {}, 20},
+                                          {5, 9, 7, "B"}};
+
+// By code, without exchange 9.
+class CodeIndex : public IndexSort
+{
+public:
+    using IndexSort::IndexSort;
+
+protected:
+    bool filter(const Record &row) const override { return row.field(StockId).toInteger() != 9; }
+    int compare(const Record &a, const Record &b) const override
+    {
+        return a.field(SecCode).compare(b.field(SecCode));
+    }
+};
+
+QString idsOf(const Index &index, const ValueFilter *filter = nullptr)
+{
+    QString ids;
+    for (const Record &record : index) {
+        if (!filter || filter->filter(record))
+            ids += record.field(SecId).toString();
+    }
+    return ids;
+}
+
+} // namespace
+
+void HostApiTest::numbers()
+{
+    for (const DataRow &row : rowsOf("numbers.txt")) {
+        const bool system = row[0].isEmpty();
+        const LocaleSymbols symbols{QLocale(row[0])};
+        QCOMPARE(system ? decimal::canConvert(row[1], false)
+                        : decimal::canConvert(row[1], false, symbols),
+                 row[3] != "!");
+        const QString result = outcome([&] {
+            decimal number = system ? decimal(row[1])
+                                    : decimal::fromLocaleString(row[1], symbols, row[2].toInt());
+            number.setScale(row[2].toShort());
+            return number.toString();
+        });
+        const QString refusal = "Can't convert from '" + row[1] + "'' to decimal";
+        QCOMPARE(result, row[3] == "!" ? refusal : row[3]);
+    }
+    QVERIFY(decimal::canConvert(u"", true));
+    for (const DataRow &row : rowsOf("sums.txt")) {
+        const decimal a(row[0]);
+        const decimal b(row[1]);
+        QCOMPARE(outcome([&] { return (a + b).toString(); }), row[2]);
+        QCOMPARE(outcome([&] { return (a - b).toString(); }), row[3]);
+        QCOMPARE(a.compare(b), row[4].toInt());
+    }
+}
+
+void HostApiTest::numbersOfEveryLocale()
+{
+    using Limits = std::numeric_limits<qint64>;
+    for (QLocale locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
+        locale.setNumberOptions(QLocale::DefaultNumberOptions);
+        for (const qint64 word :
+             {Limits::min(), qint64(-1234567890), qint64(-107), Limits::max()}) {
+            const int cents = int(qAbs(word % 100));
+            const QString shown = locale.toString(word / 100) + locale.decimalPoint() +
+                                  locale.toString(cents / 10) + locale.toString(cents % 10);
+            const decimal price(word, 2);
+            const QString keyed = price.toString().replace('.', locale.decimalPoint());
+            QCOMPARE(price.toSystemString(locale), shown);
+            for (const QString &text : {shown, keyed})
+                QCOMPARE(decimal::fromLocaleString(text, locale, 2).word(), word);
+        }
+    }
+}
+
+// Into a cell that was null, and one that was not; what fails leaves either as it was.
+void HostApiTest::cells()
+{
+    for (const DataRow &row : rowsOf("cells.txt")) {
+        for (const char *before : {"", row[0] == "6" ? "2007.07.07" : row[0] == "7" ? "" : "7"}) {
+            Cell cell(row[0], row[1].toInt(), before);
+            Field &field = cell.field;
+            const QString was = field.toString();
+            const auto assign = [&] {
+                if (row[2].startsWith("int "))
+                    field = row[2].mid(4).toInt();
+                else
+                    field = row[2];
+                return field.toString();
+            };
+            QCOMPARE(outcome(assign), row[3]);
+            const auto integers = [&] {
+                return QString("%1 %2").arg(field.toInteger()).arg(field.toInteger64());
+            };
+            if (row.size() > 4)
+                QCOMPARE(outcome(integers), row[4]);
+            else
+                QCOMPARE(field.toString(), was);
+        }
+    }
+    for (const DataRow &row : rowsOf("comparisons.txt")) {
+        const Cell a(row[0], 20, row[1]);
+        const Cell b(row[2], 20, row[3]);
+        QVERIFY2(a.field.compare(b.field) == row[4].toInt(), qPrintable(row.join(' ')));
+    }
+    for (const DataRow &row : rowsOf("boardlists.txt")) {
+        bool ok = row[0] != row[1];
+        QCOMPARE(boardListToString(boardListFromString(row[0], &ok)), row[1]);
+        QCOMPARE(ok, row[0] == row[1]);
+    }
+}
+
+void HostApiTest::systemDates()
+{
+    QVERIFY(!QDateTime(QDate(2026, 4, 24), QTime(0, 30)).isValid());
+    for (const char *name : {"C", "fa_IR", "ar_EG", "bn_BD"}) {
+        QLocale::setDefault(QLocale(name));
+        for (const DataRow &row : rowsOf("dates.txt")) {
+            const datetime moment(row[0]);
+            QCOMPARE(moment.toString(), row[1]);
+            QCOMPARE(moment.msecs(), row.value(2).toLongLong());
+            QCOMPARE(moment.addYears(2).toString(), row.value(3));
+            QVERIFY(datetime(moment.date(), moment.time()) == moment);
+        }
+    }
+    const QDateTime now = QDateTime::currentDateTime();
+    QVERIFY(!(datetime::now() < datetime(now.date(), now.time())));
+}
+
+void HostApiTest::localeDates()
+{
+    const datetime moment(QDate(2026, 3, 5), QTime(21, 2, 3, 4));
+    const QString time = " 21:02:03.004";
+    const QString date = moment.toSystemString(true, QLocale::ShortFormat);
+    QCOMPARE(moment.toSystemString(false, QLocale::ShortFormat), date + time);
+    QHash<QString, QString> dates;
+    for (const DataRow &row : rowsOf("localedates.txt"))
+        dates[row[0]] = row[1];
+    QCOMPARE(date, dates[QLocale::system().name()]);
+
+    const QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
+    for (const QString &text : {QString(), format, date.left(4), date + 'x', date + time,
+                                QString(date).replace('5', "32"), QString(100000, '0')})
+        QVERIFY(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull());
+    for (const QString &text : {date, time, time.mid(1), date + " 24:02:03.004"})
+        QVERIFY(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull());
+}
+
+// As written, as typed on a keyboard without direction marks, and in native digits; a date of
+// a year 00 or 70 also where the locale writes two digits.
+void HostApiTest::everyDateReadsBack()
+{
+    QVector<QDate> dates = {{2000, 2, 29}, {2026, 4, 24}, {2070, 1, 1}, {2099, 12, 31}};
+    for (QDate date(2000, 1, 1); date.year() < 2100; date = date.addDays(23))
+        dates << date;
+    for (const QDate &date : qAsConst(dates)) {
+        const datetime moment(date, QTime(0, 30, 0, 4));
+        for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
+            const QString text = moment.toSystemString(false, format);
+            QVERIFY(datetime::fromSystemString(text, false, format) == moment);
+        }
+        const QString text = moment.toSystemString(true, QLocale::ShortFormat);
+        QString native = text;
+        for (int digit = 0; digit <= 9; ++digit)
+            native.replace(QChar('0' + digit), QLocale::system().toString(digit));
+        for (const QString &typed : {QString(text).remove(QChar(0x200f)), native})
+            QCOMPARE(datetime::fromSystemString(typed, true, QLocale::ShortFormat).date(), date);
+    }
+}
+
+void HostApiTest::records()
+{
+    TestHost host;
+    TestTable &table = host.table("securities");
+    table.addRow({5, 1, 7});
+    Record kept = (TableLock(&table), *table.masterIndex()->begin());
+    Record copy = kept;
+    const Record moved = std::move(copy);
+    QVERIFY(copy.isNull() && copy.field(SecId).isNull() && Record(&table).field(SecId).isNull());
+    QCOMPARE(table.references(), 2);
+    table.setRows({});
+    QCOMPARE(kept.field(SecId).toInteger(), 5);
+    QVERIFY(kept.field(table.columnIndex("no such column")).isNull());
+    kept = Record();
+    QCOMPARE(table.references(), 1);
+}
+
+void HostApiTest::indexAndFilter()
+{
+    TestHost host;
+    TestTable &table = host.table("securities");
+    table.setRows(securities);
+    CodeIndex all("securities", true);
+    CodeIndex firsts("securities", false);
+    all.build();
+    firsts.build();
+    QCOMPARE(idsOf(all) + ' ' + idsOf(firsts), QString("2413 21"));
+
+    const auto filter = [&](int session, const ValueFilter *parent) {
+        return SecuritiesSessionFilter(&table, SessId, {StockId}, session, parent).clone();
+    };
+    host.setSessions({{2, 20}, {1, 10}, {2, 10}});
+    const auto open = filter(-1, nullptr);
+    const auto tens = filter(10, nullptr);
+    host.setSessions({{2, 20}, {2, 10}});
+    const auto both = filter(-1, tens.get());
+    QCOMPARE(idsOf(all, open.get()), QString("413"));
+    QCOMPARE(idsOf(all, tens.get()), QString("13"));
+    QCOMPARE(idsOf(all, both.get()), QString("3"));
+    QVERIFY(!open->filter(Record()));
+
+    table.setRows(securities.mid(1));
+    for (const int cell : {3, 6}) { // in the walk, in the sort
+        table.failAtCell(cell);
+        QVERIFY_EXCEPTION_THROWN(all.build(), Exception);
+        QCOMPARE(idsOf(all), QString("2413"));
+    }
+    all.build();
+    QCOMPARE(idsOf(all), QString("243"));
+}
+
+void HostApiTest::noTables()
+{
+    Table *table = ICore::instance()->table("securities");
+    QVERIFY(Record(table).field(table->columnIndex("sec_id")).isNull());
+    QCOMPARE(BoardDirectory::i()->idByCode(StockDirectory::i()->codeById(1), "ARCX"), 0);
+    TestHost host;
+    host.removeTable("gx.diler");
+    expectWarning("ICore::table: the host has no table \"gx.diler\"");
+    QCOMPARE(ICore::instance()->table("gx.diler")->masterIndex()->count(), 0);
+}
+
+QTEST_GUILESS_MAIN(HostApiTest)
+#include "tst_hostapi.moc"
