@@ -203,13 +203,14 @@ void SelectorModelsTest::matchLikeTheBase()
     const Qt::MatchFlags cased = Qt::MatchCaseSensitive;
     const Qt::MatchFlags kinds[] = {Qt::MatchExactly,     Qt::MatchExactly | cased,
                                     Qt::MatchFixedString, Qt::MatchFixedString | cased,
-                                    Qt::MatchContains,    Qt::MatchStartsWith | Qt::MatchWrap};
+                                    Qt::MatchContains,    Qt::MatchStartsWith | Qt::MatchWrap,
+                                    Qt::MatchStartsWith};
     for (int round = 0; round < 1500; ++round) {
         const int role = round % 3 == 0 ? int(Qt::DisplayRole) : Qt::UserRole + round % 3;
         QVariant value = odd.next(2);
         if (role == Qt::UserRole + 1)
             value = round % 2 ? QVariant(odd.bounded(60)) : QString::number(odd.bounded(60));
-        const Qt::MatchFlags kind = kinds[odd.bounded(6)];
+        const Qt::MatchFlags kind = kinds[odd.bounded(7)];
         const int start = odd.bounded(4) ? 0 : odd.bounded(plain.rowCount());
         const int hits = odd.bounded(3) - 1;
         const auto rows = [&](const QAbstractItemModel &model) {
