@@ -33,7 +33,7 @@ namespace {
 struct Cell
 {
     Cell(const QString &code, int parameter, const QString &text)
-        : table("t", {{"c", {FieldType::Type(code.toInt()), parameter}}}, {0})
+        : table("t", {"c"}, {0}, {{FieldType::Type(code.toInt()), parameter}})
     {
         field = text;
     }

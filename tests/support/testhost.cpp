@@ -26,10 +26,10 @@ struct TestTable::Row : RowData
 };
 
 TestTable::TestTable(const QString &name, const QStringList &columns,
-                     const QVector<int> &keyColumns)
-    : m_name(name), m_columns(columns), m_keyColumns(keyColumns)
+                     const QVector<int> &keyColumns, const QVector<FieldType> &types)
+    : m_name(name), m_columns(columns), m_keyColumns(keyColumns), m_types(types)
 {
-    for (const QString &column : columns) {
+    for (const QString &column : types.isEmpty() ? columns : QStringList()) {
         const FieldType *known = Gexabus::GxFieldsTypes::find(column);
         if (!known)
             known = FieldsTypes::find(column);

@@ -45,7 +45,9 @@
 class TestTable : public Table, private MasterIndex
 {
 public:
-    TestTable(const QString &name, const QStringList &columns, const QVector<int> &keyColumns);
+    // Without types the columns have those of their names.
+    TestTable(const QString &name, const QStringList &columns, const QVector<int> &keyColumns,
+              const QVector<FieldType> &types = {});
     ~TestTable() override;
 
     // Cells in column order; an invalid QVariant and every cell left out is null. The row
