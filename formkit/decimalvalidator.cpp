@@ -181,6 +181,8 @@ QValidator::State DecimalValidator::validate(QString &input, int &pos) const
     pos = placeBehind(count, input, symbols);
 
     const int fractionDigits = int(cut.fraction().size());
+    if (integerDigits + fractionDigits == 0)
+        return Intermediate;
     if (integerDigits > 0 && integerDigits + fractionDigits > MaxDigits)
         return Invalid;
     if (cut.shape() == Cut::Decimal && fractionDigits > m_digits)

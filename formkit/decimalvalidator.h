@@ -21,8 +21,9 @@
 // At most 15 digits are accepted, integer and fraction together, so that a validated number
 // also survives as a double. (A text without integer digits, ".5", is bound by decimal alone.)
 //
-// A lone sign, a lone point and a sign before a lone point are no numbers: the first is on its
-// way to one and Intermediate, the others are Invalid. ".5" and "5." are numbers.
+// A lone sign, a lone point and a sign before a lone point are no numbers, but on their way to
+// one, and Intermediate: were the point of a typed ".5" refused, the 5 would stand there as
+// another amount. ".5" and "5." are numbers.
 //
 // To be used in one thread at a time: the characters of the locale are kept between calls.
 class FORMKIT_EXPORT DecimalValidator : public QValidator
@@ -51,7 +52,8 @@ public:
     bool getCanBeZero() const { return m_canBeZero; }
 
     // Judges the text and regroups it. An empty text and a lone sign are Intermediate and left
-    // as they are. What happened to an Invalid text and its caret is of no use.
+    // as they are; so is a point without digits, in the locale's own characters. What happened
+    // to an Invalid text and its caret is of no use.
     State validate(QString &input, int &pos) const override;
     // Judges a complete text, without a limit on its digits and without changing it.
     State validateParsedString(const QString &text) const;

@@ -55,7 +55,7 @@ public:
     DecimalValidator *decimalValidator() const;
 
     // The value in system form, empty when the editor is. A text that is no number yet, such as
-    // a lone sign, is its own value.
+    // a lone sign or point, is its own value.
     QString getValue() const { return m_value; }
     // The value as a number; zero when there is none.
     decimal getDecimal() const;

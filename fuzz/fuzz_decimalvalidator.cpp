@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const bool isNumber = std::any_of(shown.begin(), shown.end(),
                                       [&](QChar c) { return symbols.digitValue(c) >= 0; });
     if (!isNumber) {
-        demand(state == QValidator::Intermediate && shown == typed && pos == caret);
+        demand(state == QValidator::Intermediate && shown.size() <= std::max(typed.size(), 2));
         return 0;
     }
     const int before = ungrouped(typed.left(qBound(0, caret, typed.size())), symbols).size();
