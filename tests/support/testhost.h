@@ -26,7 +26,7 @@
 //     StockSelectorModel model;                            // destroyed before the host
 //     host.table("stocks").failAtCell(3);                  // the third cell read throws
 //     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
-//     QCOMPARE(host.table("stocks").locks(), host.table("stocks").unlocks());
+//     QVERIFY(!host.table("stocks").isLocked());
 //     TestWriter writer([&](int round) { host.table("stocks").setRows(…); });
 //
 // A test that destroys the host while a lock is held or a row reference is out, or that has used
@@ -57,14 +57,9 @@ public:
     // Makes the n-th call of dataPtr() from now throw Exception("cell read failed"), once.
     void failAtCell(int n) { m_failAt = n; }
 
-    // How often the lock was taken and given back, changes by this class included.
-    int locks() const { return m_locks; }
-    int unlocks() const { return m_unlocks; }
     bool isLocked() const { return m_locks != m_unlocks; }
     // Calls of dataPtr().
     int cellReads() const { return m_cellReads; }
-    // Rows that exist: in the table, or out of it and still held.
-    int liveRows() const;
     // References held by Records outside the table.
     int references() const;
 
