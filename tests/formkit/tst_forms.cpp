@@ -395,11 +395,12 @@ void FormsTest::pagesOfBoards()
     order.choose(1, 1);
 
     // The same id again moves nothing; another board of the same page binds it anew, once.
-    order.pages[0].plain->writes = 0;
+    int &writes = order.pages[0].plain->writes;
+    writes = 0;
     order.selector->setBoardId("1");
-    QCOMPARE(order.pages[0].plain->writes, 0);
+    QCOMPARE(writes, 0);
     order.selector->setStockId("2");
-    QCOMPARE(order.pages[0].plain->writes, 1);
+    QCOMPARE(writes, 1);
     order.selector->setBoardId("no number");
     QCOMPARE(order.selector->getStockId() + order.selector->getBoardId(), QString("20"));
     QCOMPARE(order.state(), QString("/"));

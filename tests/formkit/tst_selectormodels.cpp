@@ -96,7 +96,6 @@ private slots:
     void withoutASource();
     void stockCheckList();
     void boardCheckList();
-    void decoders();
 };
 
 void SelectorModelsTest::mapping()
@@ -236,26 +235,27 @@ void SelectorModelsTest::withoutASource()
 {
     SelectorProxyModel proxy;
     const ModelTester tester(&proxy, Strictly);
-    proxy.setKeyRoles({Qt::UserRole});
+    proxy.setKeyRoles({NumberRole});
     proxy.sort(0, Qt::DescendingOrder);
     proxy.invalidate();
     QCOMPARE(proxy.rowCount() + proxy.columnCount(), 0);
     QCOMPARE(proxy.rowOfText("", Qt::CaseInsensitive), -1);
-    QVERIFY(proxy.rowsOfKey(Qt::UserRole, 1).isEmpty());
+    QVERIFY(proxy.rowsOfKey(NumberRole, 1).isEmpty() && !proxy.mimeData({}));
     QVERIFY(!proxy.setData(QModelIndex(), 1, Qt::EditRole));
-    QVERIFY(!proxy.headerData(0, Qt::Horizontal).isValid() && !proxy.mimeData({}));
+    QVERIFY(!proxy.headerData(0, Qt::Horizontal).isValid());
     QVERIFY(!proxy.setHeaderData(0, Qt::Horizontal, "x"));
     QStandardItemModel foreign(3, 2);
     BoardSelectorFilteredModel boards;
     SecuritySelectorFilteredModel securities;
-    for (QStandardItemModel *const source :
-         {static_cast<QStandardItemModel *>(nullptr), &foreign}) {
-        boards.setSourceModel(source);
-        securities.setSourceModel(source);
-        boards.setBoardFlagsOnFilter(1);
-        securities.setStockBoard("MX", source ? "TQ" : "");
-        QCOMPARE(boards.rowCount() + securities.rowCount(), 0);
+    securities.setStockBoard("MX", "");
+    boards.setBoardFlagsOnFilter(1);
+    for (QSortFilterProxyModel *const filter :
+         QList<QSortFilterProxyModel *>{&boards, &securities}) {
+        QCOMPARE(filter->rowCount(), 0);
+        filter->setSourceModel(&foreign);
     }
+    securities.setStockBoard("MX", "TQ");
+    QCOMPARE(boards.rowCount() + securities.rowCount(), 0);
 }
 
 // Checks of stocks are reported when asked for.
@@ -317,26 +317,6 @@ void SelectorModelsTest::boardCheckList()
     QVERIFY(model.at(-1).isNull() && model.at(3).isNull());
     table.setRows({});
     QVERIFY(model.at(0).isNull());
-}
-
-// A model listens to the first decoder among the plug-ins.
-void SelectorModelsTest::decoders()
-{
-    TestHost host;
-    host.table("securities").setRows({{1, 1, 1, "C", "Name", {}, 20}});
-    host.setSessions({{1, 20}});
-    TestDecoder first;
-    QObject other;
-    host.setPlugins({nullptr, &other, &first, host.decoder()});
-    const SecuritySelectorModel listening;
-    emit host.decoder()->aNewSessions();
-    QCOMPARE(listening.rowCount(), 0);
-    emit first.aNewSessions();
-    QCOMPARE(listening.rowCount(), 1);
-    host.setPlugins({});
-    SecuritySelectorModel alone;
-    alone.populate();
-    QCOMPARE(alone.rowCount(), 1);
 }
 
 QTEST_MAIN(SelectorModelsTest)

@@ -127,9 +127,8 @@ public:
 
     // Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
-    // The second of the two plug-ins; the first is null.
+    // The first decoder of the plug-ins; in front of it are none and one that is no decoder.
     TestDecoder *decoder() { return &m_decoder; }
-    void setPlugins(const QList<QObject *> &plugins) { m_plugins = plugins; }
 
     IDatabase *database() override { return &m_database; }
     const StockDirectory *stockDirectory() const override { return this; }
@@ -166,8 +165,9 @@ private:
     }
 
     Database m_database;
-    TestDecoder m_decoder;
-    QList<QObject *> m_plugins{nullptr, &m_decoder};
+    QObject m_other;
+    TestDecoder m_decoder, m_second;
+    const QList<QObject *> m_plugins{nullptr, &m_other, &m_decoder, &m_second};
     mutable std::mutex m_mutex; // guards the three below
     QVector<SessionId> m_sessions;
     QMap<int, QString> m_stocks;
