@@ -489,10 +489,10 @@ QAbstractItemView *Desk::completions() const
     return box()->completer()->popup();
 }
 
-QAbstractItemModel *Desk::source() const
+QAbstractItemModel *Desk::sourceOf(const QComboBox *box)
 {
-    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box() ? box()->model() : nullptr);
-    return proxy ? proxy->sourceModel() : box() ? box()->model() : nullptr;
+    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box ? box->model() : nullptr);
+    return proxy ? proxy->sourceModel() : box ? box->model() : nullptr;
 }
 
 QString Desk::column(const QAbstractItemModel *model, int role) const

@@ -24,14 +24,10 @@ Rows securitiesOf(int round)
     for (int i = 0; i < Securities; ++i) {
         const bool isRenamed = i % 19 == 0 && round % 2;
         const QString name = QString(isRenamed ? "Sec%1x" : "sEc%1").arg(i % (Securities / 3));
+        const int stock = 1 + i / (Securities / 4);
+        const int board = 1 + i / (Securities / 40);
         if (i % 10 != round % 10)
-            rows << QVariantList{i + 1,
-                                 1 + i / (Securities / 4),
-                                 1 + i / (Securities / 40),
-                                 QString("C%1").arg(i + 1),
-                                 name,
-                                 {},
-                                 i % 3};
+            rows << QVariantList{i + 1, stock, board, QString("C%1").arg(i + 1), name, {}, i % 3};
     }
     return rows;
 }

@@ -155,17 +155,14 @@ void StoriesTest::takenApart()
         box->showPopup();
         box->hidePopup();
     };
-    const auto replace = [](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); };
-    const auto killModel = [](QComboBox *box) { delete box->model(); };
-    const auto killSource = [](QComboBox *box) {
-        auto *const proxy = qobject_cast<QAbstractProxyModel *>(box->model());
-        delete (proxy ? proxy->sourceModel() : nullptr);
+    const std::function<void(QComboBox *)> changes[] = {
+        [](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); },
+        [](QComboBox *box) { box->setEditable(false); },
+        [](QComboBox *box) { delete box->model(); },
+        [](QComboBox *box) { delete Desk::sourceOf(box); },
     };
-    const auto close = [](QComboBox *box) { box->setEditable(false); };
-    using Change = void (*)(QComboBox *);
     for (const QString &className : Boxes) {
-        for (const Change change :
-             {Change(replace), Change(killModel), Change(killSource), Change(close)}) {
+        for (const auto &change : changes) {
             const std::unique_ptr<QComboBox> box(
                 static_cast<QComboBox *>(make(className, nullptr)));
             const QPointer<QAbstractItemModel> model = box->model();
