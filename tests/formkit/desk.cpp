@@ -39,9 +39,16 @@ const QMap<QByteArray, QString> reports = {
     {"securityIdChanged", "id"},     {"securityChanged", "code"},    {"changedPartner", "partner"},
     {"securityNameChanged", "name"}, {"changedPartnerName", "name"}, {"changedValue", "value"}};
 
-QString word(const QString &words, int place)
+using Words = const QString &;
+
+QString word(Words words, int place)
 {
     return words.section(' ', place, place);
+}
+
+template <typename T> T *as(QObject *object)
+{
+    return qobject_cast<T *>(object);
 }
 
 template <typename... Controls> QObject *createOneOf(const QString &name, QWidget *form)
@@ -65,12 +72,10 @@ template <typename Box, typename Model> void changeModel(QWidget *control, const
         box->setSourceModel(how == "none" ? nullptr : new Model);
 }
 
-template <typename Listed> bool populated(QObject *object)
+template <typename... Listed> void populateAny(QObject *object)
 {
-    auto *const listed = qobject_cast<Listed *>(object);
-    if (listed)
-        listed->populate();
-    return listed;
+    const auto populate = [](auto *listed) { listed ? listed->populate() : void(); };
+    (populate(qobject_cast<Listed *>(object)), ...);
 }
 
 QPoint placeOf(const QAbstractItemView *list, int row)
@@ -202,12 +207,12 @@ void Desk::sendKey(int key, const QString &text) const
 
 void Desk::learnHandling()
 {
-    m_steps["at"] = [this](const QString &name) {
+    m_steps["at"] = [this](Words name) {
         m_control = control(name);
         QVERIFY2(m_control, qPrintable(name));
         m_control->setFocus();
     };
-    m_steps["set"] = [this](const QString &words) {
+    m_steps["set"] = [this](Words words) {
         QString name = word(words, 0);
         const QString value = words.section(' ', 1);
         QObject *const object = owner(&name);
@@ -217,36 +222,34 @@ void Desk::learnHandling()
             QVERIFY2(QMetaObject::invokeMethod(m_control, name.toLatin1(), Q_ARG(QString, value)),
                      qPrintable(words));
     };
-    m_steps["clearError"] = [this](const QString &name) {
+    m_steps["clearError"] = [this](Words name) {
         QVERIFY(QMetaObject::invokeMethod(control(name), "clearError"));
     };
-    m_steps["hub"] = [this](const QString &words) {
-        m_hub.setValue(word(words, 0), words.section(' ', 1));
-    };
-    m_steps["invalid"] = [this](const QString &names) {
+    m_steps["hub"] = [this](Words words) { m_hub.setValue(word(words, 0), words.section(' ', 1)); };
+    m_steps["invalid"] = [this](Words names) {
         m_validation.set(names.split(' ', Qt::SkipEmptyParts));
     };
-    m_steps["locale"] = [this](const QString &name) {
+    m_steps["locale"] = [this](Words name) {
         qobject_cast<NumberEditor *>(m_control)->decimalValidator()->setLocale(QLocale(name));
     };
-    m_steps["type"] = [this](const QString &text) {
+    m_steps["type"] = [this](Words text) {
         for (const QChar c : text)
             sendKey(0, c);
     };
-    m_steps["press"] = [this](const QString &keys) {
+    m_steps["press"] = [this](Words keys) {
         for (const QString &key : keys.split(' '))
             sendKey(QKeySequence(key)[0], {});
     };
-    m_steps["paste"] = [this](const QString &text) {
+    m_steps["paste"] = [this](Words text) {
         QApplication::clipboard()->setText(text);
         edit()->paste();
     };
-    m_steps["compose"] = [this](const QString &text) {
+    m_steps["compose"] = [this](Words text) {
         QInputMethodEvent event;
         event.setCommitString(text);
         QApplication::sendEvent(edit(), &event);
     };
-    m_steps["wheel"] = [this](const QString &angle) {
+    m_steps["wheel"] = [this](Words angle) {
         const bool isOpen = box() && box()->view()->isVisible();
         QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
         QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle.toInt()}, Qt::NoButton,
@@ -254,27 +257,25 @@ void Desk::learnHandling()
         QCoreApplication::sendEvent(target, &wheel);
     };
     // QComboBox takes a click that comes with the one that opened the list for a part of it.
-    m_steps["wait"] = [](const QString &) {
-        QTest::qWait(QApplication::doubleClickInterval() + 50);
-    };
-    m_steps["point"] = [this](const QString &row) {
+    m_steps["wait"] = [](Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); };
+    m_steps["point"] = [this](Words row) {
         QTest::mouseMove(list()->viewport(), placeOf(list(), row.toInt()));
     };
-    m_steps["click"] = [this](const QString &row) {
+    m_steps["click"] = [this](Words row) {
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, placeOf(list(), row.toInt()));
     };
-    m_steps["edit"] = [this](const QString &text) { edit()->setText(text); };
-    m_steps["caret"] = [this](const QString &place) { edit()->setCursorPosition(place.toInt()); };
-    m_steps["select"] = [this](const QString &words) {
+    m_steps["edit"] = [this](Words text) { edit()->setText(text); };
+    m_steps["caret"] = [this](Words place) { edit()->setCursorPosition(place.toInt()); };
+    m_steps["row"] = [this](Words row) { box()->setCurrentIndex(row.toInt()); };
+    m_steps["select"] = [this](Words words) {
         edit()->setSelection(word(words, 0).toInt(), word(words, 1).toInt());
     };
-    m_steps["leave"] = [this](const QString &) { m_next->setFocus(); };
-    m_steps["row"] = [this](const QString &row) { box()->setCurrentIndex(row.toInt()); };
+    m_steps["leave"] = [this](Words) { m_next->setFocus(); };
 }
 
 void Desk::learnHostSteps()
 {
-    m_steps["offer"] = [this](const QString &words) {
+    m_steps["offer"] = [this](Words words) {
         QVector<QVariantList> rows;
         for (const QString &nick : words.split(' ').mid(1)) {
             QVERIFY2(m_known[word(words, 0)].contains(nick), qPrintable(words));
@@ -283,66 +284,61 @@ void Desk::learnHostSteps()
         m_host->table(word(words, 0)).setRows(rows);
     };
     // Securities of ids, codes and names that count up from 1.
-    m_steps["many"] = [this](const QString &count) {
+    m_steps["many"] = [this](Words count) {
         QVector<QVariantList> rows;
         for (int i = 1; i <= count.toInt(); ++i)
             rows << QVariantList{i, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
         m_host->table("securities").setRows(rows);
     };
-    m_steps["sessions"] = [this](const QString &words) {
+    m_steps["sessions"] = [this](Words words) {
         m_host->setSessions({{word(words, 0).toInt(), word(words, 1).toInt()}});
     };
-    m_steps["announce"] = [this](const QString &) { emit m_host->decoder()->aNewSessions(); };
-    m_steps["populate"] = [this](const QString &name) {
+    m_steps["announce"] = [this](Words) { emit m_host->decoder()->aNewSessions(); };
+    m_steps["populate"] = [this](Words name) {
         const QPointer<QWidget> before = m_control;
         m_control = name.isEmpty() ? before.data() : control(name);
-        QVERIFY(
-            populated<StockSelectorBox_Code>(m_control) ||
-            populated<PartnerSelectorBox>(m_control) || populated<StockSelectorModel>(source()) ||
-            populated<BoardSelectorModel>(source()) || populated<SecuritySelectorModel>(source()));
+        populateAny<StockSelectorBox_Code, PartnerSelectorBox>(m_control);
+        populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(source());
         m_control = before;
     };
 }
 
 void Desk::learnModelSteps()
 {
-    m_steps["items"] = [this](const QString &texts) { box()->addItems(texts.split(' ')); };
-    m_steps["model"] = [this](const QString &how) {
+    m_steps["items"] = [this](Words texts) { box()->addItems(texts.split(' ')); };
+    m_steps["model"] = [this](Words how) {
         changeModel<StockSelectorBox, StockSelectorModel>(m_control, how);
         changeModel<BoardSelectorBox, BoardSelectorModel>(m_control, how);
         changeModel<SecuritySelectorBox, SecuritySelectorModel>(m_control, how);
     };
-    m_steps["kill"] = [this](const QString &) { delete source(); };
-    m_steps["display"] = [this](const QString &role) {
-        qobject_cast<SecuritySelectorModel *>(source())->setDefaultDataRole(
+    m_steps["kill"] = [this](Words) { delete source(); };
+    m_steps["display"] = [this](Words role) {
+        as<SecuritySelectorModel>(source())->setDefaultDataRole(
             SecuritySelectorModel::ItemDataRole(Qt::UserRole + role.toInt()));
     };
-    m_steps["limit"] = [this](const QString &boards) {
+    m_steps["limit"] = [this](Words boards) {
         bool isList = false;
-        const boardlist list = boardListFromString(boards, &isList);
-        QVERIFY2(isList, qPrintable(boards));
-        qobject_cast<BoardSelectorModel *>(source())->setFilterBoards(list);
+        as<BoardSelectorModel>(source())->setFilterBoards(boardListFromString(boards, &isList));
     };
-    m_steps["positions"] = [this](const QString &) {
-        qobject_cast<BoardSelectorModel *>(source())->setForPositions(true);
+    m_steps["positions"] = [this](Words) {
+        as<BoardSelectorModel>(source())->setForPositions(true);
     };
-    m_steps["flags"] = [this](const QString &words) {
-        auto *const boards = qobject_cast<BoardSelectorBox *>(m_control);
-        if (word(words, 0) == "on")
-            boards->setBoardFlagsOnFilter(word(words, 1).toInt());
-        else
-            boards->setBoardFlagsOffFilter(word(words, 1).toInt());
+    m_steps["on"] = [this](Words flags) {
+        as<BoardSelectorBox>(m_control)->setBoardFlagsOnFilter(flags.toInt());
     };
-    m_steps["sectype"] = [this](const QString &type) {
-        qobject_cast<BoardSelectorBox *>(m_control)->setSecTypeFilter(type.at(0));
+    m_steps["off"] = [this](Words flags) {
+        as<BoardSelectorBox>(m_control)->setBoardFlagsOffFilter(flags.toInt());
     };
-    m_steps["risk"] = [this](const QString &is) { m_form.setProperty("RiskAddress", is); };
+    m_steps["sectype"] = [this](Words type) {
+        as<BoardSelectorBox>(m_control)->setSecTypeFilter(type.at(0));
+    };
+    m_steps["risk"] = [this](Words is) { m_form.setProperty("RiskAddress", is); };
 }
 
 void Desk::learnAnswers()
 {
-    m_answers["reports"] = [this](const QString &) { return m_log.mid(1); };
-    m_answers["shows"] = [this](const QString &) {
+    m_answers["reports"] = [this](Words) { return m_log.mid(1); };
+    m_answers["shows"] = [this](Words) {
         QStringList parts;
         for (const QString &part : m_shows)
             parts << (part == "text"    ? edit()->text()
@@ -352,10 +348,10 @@ void Desk::learnAnswers()
         return parts.join('|');
     };
     // The text with '|' at the caret.
-    m_answers["text"] = [this](const QString &) {
+    m_answers["text"] = [this](Words) {
         return edit()->text().insert(edit()->cursorPosition(), '|');
     };
-    m_answers["lit"] = [this](const QString &) {
+    m_answers["lit"] = [this](Words) {
         const bool isOpen = box()->view()->isVisible();
         const QString focus = isOpen ? "list" : m_next->hasFocus() ? "next" : "box";
         const QString count = QString::number(completions()->model()->rowCount());
@@ -363,20 +359,18 @@ void Desk::learnAnswers()
         return (isOpen ? QString::number(litRow(box()->view())) : "-") + '|' +
                (completions()->isVisible() ? completion : "-") + '|' + focus;
     };
-    m_answers["calendar"] = [](const QString &) {
+    m_answers["calendar"] = [](Words) {
         auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
         return open ? open->selectedDate().toString(Qt::ISODate) : "closed";
     };
-    m_answers["spoken"] = [this](const QString &) {
+    m_answers["spoken"] = [this](Words) {
         return QAccessible::queryAccessibleInterface(edit())->text(QAccessible::Name);
     };
-    m_answers["lists"] = [this](const QString &) {
-        return column(box()->model(), Qt::DisplayRole);
-    };
-    m_answers["ids"] = [this](const QString &) { return column(box()->model(), idRole(box())); };
-    m_answers["source"] = [this](const QString &) { return column(source(), idRole(box())); };
+    m_answers["lists"] = [this](Words) { return column(box()->model(), Qt::DisplayRole); };
+    m_answers["ids"] = [this](Words) { return column(box()->model(), idRole(box())); };
+    m_answers["source"] = [this](Words) { return column(source(), idRole(box())); };
     // What a row has under the roles from the first on, with the types: 2 int=1 QString=XNAS
-    m_answers["roles"] = [this](const QString &about) {
+    m_answers["roles"] = [this](Words about) {
         const QModelIndex index = box()->model()->index(word(about, 0).toInt(), 0);
         QString all = word(about, 0);
         for (int role = Qt::UserRole + 1; index.data(role).isValid(); ++role)
@@ -384,7 +378,7 @@ void Desk::learnAnswers()
         return all;
     };
     // What the validator says to a text: ab=1 ABC
-    m_answers["judges"] = [this](const QString &about) {
+    m_answers["judges"] = [this](Words about) {
         QString input = about.section('=', 0, 0);
         int pos = 0;
         QString verdict = input + '=';
@@ -393,7 +387,7 @@ void Desk::learnAnswers()
         return verdict + ' ' + input;
     };
     // What the hub holds under the names that are asked for: StockId=1|StockCode=MX
-    m_answers["hub"] = [this](const QString &about) {
+    m_answers["hub"] = [this](Words about) {
         QStringList all;
         for (const QString &pair : about.split('|')) {
             const QString name = pair.section('=', 0, 0);
@@ -495,10 +489,10 @@ QAbstractItemView *Desk::completions() const
     return box()->completer()->popup();
 }
 
-QAbstractItemModel *Desk::source() const
+QAbstractItemModel *Desk::sourceOf(const QComboBox *box)
 {
-    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box() ? box()->model() : nullptr);
-    return proxy ? proxy->sourceModel() : box() ? box()->model() : nullptr;
+    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box ? box->model() : nullptr);
+    return proxy ? proxy->sourceModel() : box ? box->model() : nullptr;
 }
 
 QString Desk::column(const QAbstractItemModel *model, int role) const

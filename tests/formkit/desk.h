@@ -41,7 +41,9 @@ public:
     ComboBox *box(const QString &name) const { return m_form.findChild<ComboBox *>(name); }
     ComboBox *box() const { return qobject_cast<ComboBox *>(m_control.data()); }
     QAbstractItemView *completions() const;
-    QAbstractItemModel *source() const;
+    QAbstractItemModel *source() const { return sourceOf(box()); }
+    // The model behind a box's proxy, or its model; null for no box.
+    static QAbstractItemModel *sourceOf(const QComboBox *box);
     // What the hub holds under a name.
     QString held(const QString &name) const { return m_hub.values()[name].toString(); }
 

@@ -15,55 +15,45 @@
 #include <xcb/xkb.h>
 #undef explicit
 
-// A real X server without a screen (Xvfb) on a display number that is free. It ends with the
-// object.
-class XServer
+namespace {
+
+// Starts a real X server without a screen (Xvfb) on a display number that is free, and points
+// the QApplication to come at it; ends the program when the server does not start.
+void startX(QProcess *server)
 {
-public:
-    // To be made before QApplication, which is then pointed at it; ends the program when the
-    // server does not start.
-    XServer()
-    {
-        m_server.setStandardErrorFile(QProcess::nullDevice());
-        m_server.start("Xvfb",
-                       {"-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp"});
-        QByteArray display;
-        while (!display.endsWith('\n')) {
-            if (!m_server.waitForReadyRead(30000))
-                qFatal("Xvfb does not start.");
-            display += m_server.readAllStandardOutput();
-        }
-        qputenv("DISPLAY", ':' + display.trimmed());
-        qputenv("QT_QPA_PLATFORM", "xcb");
+    server->setStandardErrorFile(QProcess::nullDevice());
+    server->start("Xvfb", {"-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp"});
+    QByteArray display;
+    while (!display.endsWith('\n')) {
+        if (!server->waitForReadyRead(30000))
+            qFatal("Xvfb does not start.");
+        display += server->readAllStandardOutput();
     }
-    ~XServer()
-    {
-        m_server.terminate();
-        m_server.waitForFinished();
-    }
+    qputenv("DISPLAY", ':' + display.trimmed());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+}
 
-    // Runs a program of X with its arguments until it ends; true when it succeeds.
-    static bool run(const QString &program, const QStringList &arguments)
-    {
-        return QProcess::execute(program, arguments) == 0;
-    }
-    // Switches to one of the keyboard layouts that setxkbmap set, counted from 0. (The keys
-    // that do so on a desk do nothing when xdotool presses them.)
-    static bool switchLayout(int layout)
-    {
-        xcb_connection_t *c = xcb_connect(nullptr, nullptr);
-        free(xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr));
-        xcb_generic_error_t *error = xcb_request_check(
-            c, xcb_xkb_latch_lock_state_checked(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, true,
-                                                uint8_t(layout), 0, false, 0));
-        xcb_disconnect(c);
-        free(error);
-        return !error;
-    }
+// Runs a program of X with its arguments until it ends; true when it succeeds.
+bool run(const QString &program, const QString &arguments)
+{
+    return QProcess::execute(program, arguments.split(' ')) == 0;
+}
 
-private:
-    QProcess m_server;
-};
+// Switches to one of the keyboard layouts that setxkbmap set, counted from 0. (The keys that do so
+// on a desk do nothing when xdotool presses them.)
+bool switchLayout(int layout)
+{
+    xcb_connection_t *c = xcb_connect(nullptr, nullptr);
+    free(xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr));
+    xcb_generic_error_t *error =
+        xcb_request_check(c, xcb_xkb_latch_lock_state_checked(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0,
+                                                              true, uint8_t(layout), 0, false, 0));
+    xcb_disconnect(c);
+    free(error);
+    return !error;
+}
+
+} // namespace
 
 // A number editor and a combo box on a real X server, under a system locale with a comma.
 class KeyMapperX11Test : public StrictTest
@@ -111,11 +101,11 @@ void KeyMapperX11Test::initTestCase()
     m_box->installEventFilter(this);
     m_form.show();
     QVERIFY(QTest::qWaitForWindowExposed(&m_form));
-    QVERIFY(XServer::run("setxkbmap", {"us"}));
-    QVERIFY(XServer::run("xdotool", {"windowfocus", "--sync", QString::number(m_form.winId())}));
+    QVERIFY(run("setxkbmap", "us"));
+    QVERIFY(run("xdotool", QString("windowfocus --sync %1").arg(m_form.winId())));
     m_editor->setFocus();
     QTRY_VERIFY(m_editor->hasFocus());
-    QVERIFY(XServer::run("xdotool", {"key", "Num_Lock"}));
+    QVERIFY(run("xdotool", "key Num_Lock"));
 }
 
 void KeyMapperX11Test::keypadDecimal()
@@ -135,13 +125,13 @@ void KeyMapperX11Test::keypadDecimal()
         m_editor->clear();
     }
     m_editor->setValue("12");
-    QVERIFY(XServer::run("xdotool", {"key", "91"}));
+    QVERIFY(run("xdotool", "key 91"));
     QTRY_COMPARE(m_editor->text(), QString("12,"));
-    QVERIFY(XServer::run("xdotool", {"key", "5"}));
+    QVERIFY(run("xdotool", "key 5"));
     QTRY_COMPARE(m_editor->getValue(), QString("12.5"));
     // With NumLock off it deletes.
     m_editor->setCursorPosition(0);
-    QVERIFY(XServer::run("xdotool", {"key", "Num_Lock", "key", "91", "key", "Num_Lock"}));
+    QVERIFY(run("xdotool", "key Num_Lock key 91 key Num_Lock"));
     QTRY_COMPARE(m_editor->text(), QString("2,5"));
 }
 
@@ -153,10 +143,10 @@ void KeyMapperX11Test::keysOfTheLayout()
         {"us,fr", "key 24", 'a'}, {"ru", "key 24", 0},
     };
     for (const auto &[layouts, keys, code] : rows) {
-        QVERIFY(XServer::run("setxkbmap", {"-layout", layouts}));
-        QVERIFY(XServer::switchLayout(layouts.count(',')));
+        QVERIFY(run("setxkbmap", "-layout " + layouts));
+        QVERIFY(switchLayout(layouts.count(',')));
         m_key = 0;
-        QVERIFY(XServer::run("xdotool", keys.split(' ')));
+        QVERIFY(run("xdotool", keys));
         QTRY_VERIFY(m_key != 0);
         QCOMPARE(m_visibleCode, code ? code : m_key);
     }
@@ -165,23 +155,27 @@ void KeyMapperX11Test::keysOfTheLayout()
 void KeyMapperX11Test::wheelOverAnUnfocusedBox()
 {
     const QPoint place = m_box->mapToGlobal(m_box->rect().center());
-    const QString x = QString::number(place.x()), y = QString::number(place.y());
-    QVERIFY(XServer::run("xdotool", {"mousemove", x, y, "click", "5", "click", "5"}));
+    const QString words = QString("mousemove %1 %2 click 5 click 5").arg(place.x()).arg(place.y());
+    QVERIFY(run("xdotool", words));
     QTRY_COMPARE(m_notches, 2);
     QCOMPARE(m_box->currentText(), QString("two"));
     QVERIFY(m_editor->hasFocus());
     m_box->setFocus();
-    QVERIFY(XServer::run("xdotool", {"click", "5"}));
+    QVERIFY(run("xdotool", "click 5"));
     QTRY_COMPARE(m_box->currentText(), QString("three"));
 }
 
 int main(int argc, char **argv)
 {
-    const XServer server;
+    QProcess server;
+    startX(&server);
     qputenv("LC_ALL", "de_DE.UTF-8");
     QApplication application(argc, argv);
     KeyMapperX11Test test;
-    return QTest::qExec(&test, argc, argv);
+    const int failed = QTest::qExec(&test, argc, argv);
+    server.terminate();
+    server.waitForFinished();
+    return failed;
 }
 
 #include "tst_keymapper_x11.moc"

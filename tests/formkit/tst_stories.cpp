@@ -22,13 +22,9 @@ const QMap<QString, QString> GoodValues = {{"LineEdit", " a; with=signs "},
                                            {"NumberEditor", "-1234567.50"},
                                            {"QuantityEditor", "1000"},
                                            {"StockSelectorBox", "2"}};
-const QStringList Boxes = {"ComboBox",
-                           "DateEdit",
-                           "StockSelectorBox",
-                           "BoardSelectorBox",
-                           "SecuritySelectorBox",
-                           "PartnerSelectorBox",
-                           "StockSelectorBox_Code"};
+const QStringList Boxes = QString("ComboBox DateEdit StockSelectorBox BoardSelectorBox "
+                                  "SecuritySelectorBox PartnerSelectorBox StockSelectorBox_Code")
+                              .split(' ');
 const QStringList Selectors = {"stock", "codes", "board", "security", "partner"};
 
 QWidget *make(const QString &className, QWidget *form)
@@ -55,7 +51,6 @@ private slots:
     void destruction();
     void takenApart();
     void quietOpening();
-    void failingHost_data();
     void failingHost();
     void noHost();
     void destroyedWithItsPopupsOpen();
@@ -160,17 +155,14 @@ void StoriesTest::takenApart()
         box->showPopup();
         box->hidePopup();
     };
-    const auto replace = [](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); };
-    const auto killModel = [](QComboBox *box) { delete box->model(); };
-    const auto killSource = [](QComboBox *box) {
-        auto *const proxy = qobject_cast<QAbstractProxyModel *>(box->model());
-        delete (proxy ? proxy->sourceModel() : nullptr);
+    const std::function<void(QComboBox *)> changes[] = {
+        [](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); },
+        [](QComboBox *box) { box->setEditable(false); },
+        [](QComboBox *box) { delete box->model(); },
+        [](QComboBox *box) { delete Desk::sourceOf(box); },
     };
-    const auto close = [](QComboBox *box) { box->setEditable(false); };
-    using Change = void (*)(QComboBox *);
     for (const QString &className : Boxes) {
-        for (const Change change :
-             {Change(replace), Change(killModel), Change(killSource), Change(close)}) {
+        for (const auto &change : changes) {
             const std::unique_ptr<QComboBox> box(
                 static_cast<QComboBox *>(make(className, nullptr)));
             const QPointer<QAbstractItemModel> model = box->model();
@@ -202,42 +194,37 @@ void StoriesTest::quietOpening()
     QVERIFY(!selection->hasSelection() && !view->signalsBlocked());
 }
 
-void StoriesTest::failingHost_data()
-{
-    QTest::addColumn<QStringList>("words");
-    for (const QString words :
-         {"stock stocks StockId 5", "board boards BoardId 8", "security securities SecurityId 10",
-          "partner gx.diler Partner BB", "codes stocks prop_StockId_changed 2"})
-        QTest::newRow(qPrintable(words.section(' ', 0, 0))) << words.split(' ');
-}
-
 // At every cell that is read: nothing changes, nothing stays locked.
 void StoriesTest::failingHost()
 {
-    QFETCH(QStringList, words);
-    Desk desk(m_host.get(), words[0]);
-    TestTable &rows = m_host->table(words[1]);
-    const int before = rows.cellReads();
-    desk.act("populate");
-    const int cells = rows.cellReads() - before;
-    QVERIFY(cells > 0);
-    desk.act("set " + words[2] + ' ' + words[3]);
-    desk.takeReports();
-    const auto state = [&desk] {
-        return desk.answer("shows") + desk.answer("ids") + desk.answer("source") +
-               desk.answer("reports");
-    };
-    const QString shown = state();
-    const bool hasModel = words[0] != "partner" && words[0] != "codes";
-    for (int cell = 1; cell <= cells; ++cell) {
-        for (const char *const refresh : {"populate", hasModel ? "model new" : "populate"}) {
+    for (const QString box :
+         {"stock stocks StockId 5", "board boards BoardId 8", "security securities SecurityId 10",
+          "partner gx.diler Partner BB", "codes stocks prop_StockId_changed 2"}) {
+        const QStringList words = box.split(' ');
+        Desk desk(m_host.get(), words[0]);
+        TestTable &rows = m_host->table(words[1]);
+        const int before = rows.cellReads();
+        desk.act("populate");
+        const int cells = rows.cellReads() - before;
+        QVERIFY(cells > 0);
+        desk.act("set " + words[2] + ' ' + words[3]);
+        desk.takeReports();
+        const auto state = [&desk] {
+            return desk.answer("shows") + desk.answer("ids") + desk.answer("source") +
+                   desk.answer("reports");
+        };
+        const QString shown = state();
+        const bool hasModel = words[0] != "partner" && words[0] != "codes";
+        for (int cell = 1; cell <= cells; ++cell) {
+            for (const char *const refresh : {"populate", hasModel ? "model new" : "populate"}) {
+                rows.failAtCell(cell);
+                QVERIFY_EXCEPTION_THROWN(desk.act(refresh), Exception);
+                QCOMPARE(state(), shown);
+                QVERIFY(!rows.isLocked());
+            }
             rows.failAtCell(cell);
-            QVERIFY_EXCEPTION_THROWN(desk.act(refresh), Exception);
-            QCOMPARE(state(), shown);
-            QVERIFY(!rows.isLocked());
+            QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
         }
-        rows.failAtCell(cell);
-        QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
     }
 }
 

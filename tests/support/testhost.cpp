@@ -102,12 +102,6 @@ Record TestTable::find(const Record &key) const
     return {};
 }
 
-int TestTable::liveRows() const
-{
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    return int(m_live.size());
-}
-
 int TestTable::references() const
 {
     const TableLock content(const_cast<TestTable *>(this));

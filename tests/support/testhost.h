@@ -26,7 +26,7 @@
 //     StockSelectorModel model;                            // destroyed before the host
 //     host.table("stocks").failAtCell(3);                  // the third cell read throws
 //     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
-//     QCOMPARE(host.table("stocks").locks(), host.table("stocks").unlocks());
+//     QVERIFY(!host.table("stocks").isLocked());
 //     TestWriter writer([&](int round) { host.table("stocks").setRows(…); });
 //
 // A test that destroys the host while a lock is held or a row reference is out, or that has used
@@ -59,14 +59,9 @@ public:
     // Makes the n-th call of dataPtr() from now throw Exception("cell read failed"), once.
     void failAtCell(int n) { m_failAt = n; }
 
-    // How often the lock was taken and given back, changes by this class included.
-    int locks() const { return m_locks; }
-    int unlocks() const { return m_unlocks; }
     bool isLocked() const { return m_locks != m_unlocks; }
     // Calls of dataPtr().
     int cellReads() const { return m_cellReads; }
-    // Rows that exist: in the table, or out of it and still held.
-    int liveRows() const;
     // References held by Records outside the table.
     int references() const;
 
@@ -134,9 +129,8 @@ public:
 
     // Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
-    // The second of the two plug-ins; the first is null.
+    // The first decoder of the plug-ins; in front of it are none and one that is no decoder.
     TestDecoder *decoder() { return &m_decoder; }
-    void setPlugins(const QList<QObject *> &plugins) { m_plugins = plugins; }
 
     IDatabase *database() override { return &m_database; }
     const StockDirectory *stockDirectory() const override { return this; }
@@ -173,8 +167,9 @@ private:
     }
 
     Database m_database;
-    TestDecoder m_decoder;
-    QList<QObject *> m_plugins{nullptr, &m_decoder};
+    QObject m_other;
+    TestDecoder m_decoder, m_second;
+    const QList<QObject *> m_plugins{nullptr, &m_other, &m_decoder, &m_second};
     mutable std::mutex m_mutex; // guards the three below
     QVector<SessionId> m_sessions;
     QMap<int, QString> m_stocks;
