@@ -2,6 +2,8 @@
 
 #include <formkit/FtpClient/BlockingSocket.h>
 
+#include <QFile>
+
 inline sockaddr *generic(sockaddr_in &address)
 {
     return reinterpret_cast<sockaddr *>(&address);
@@ -27,4 +29,19 @@ inline void connectToLoopback(nsSocket::CBlockingSocket &socket, unsigned short 
     socket.Bind(generic(own));
     sockaddr_in address = socket.GetHostByName("127.0.0.1", port);
     socket.Connect(generic(address));
+}
+
+// Writes a file that everybody may use, and reads one.
+inline void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(bytes);
+    file.setPermissions(QFile::Permissions(0x6666));
+}
+
+inline QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
 }

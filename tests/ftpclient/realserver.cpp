@@ -1,9 +1,5 @@
 #include "realserver.h"
 
-#include "loopback.h"
-
-#include <QFile>
-
 #include <csignal>
 
 namespace {
@@ -48,25 +44,6 @@ nsFTP::CLogonInfo RealServer::logon() const
     nsFTP::CLogonInfo logon = m_behind->logon();
     logon.SetFirewall("127.0.0.1", "", "", m_port, nsFTP::CFirewallType::UserWithNoLogon);
     return logon;
-}
-
-QString RealServer::path(const QString &file) const
-{
-    return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
-}
-
-void RealServer::put(const QString &name, const QByteArray &content) const
-{
-    QFile file(path(name));
-    file.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    file.write(content);
-    file.setPermissions(QFile::Permissions(0x6666));
-}
-
-QByteArray RealServer::get(const QString &name) const
-{
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
 }
 
 void RealServer::kill()

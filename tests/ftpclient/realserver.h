@@ -1,5 +1,7 @@
 #pragma once
 
+#include "loopback.h"
+
 #include <formkit/FtpClient/FTPDataTypes.h>
 
 #include <QProcess>
@@ -21,10 +23,12 @@ public:
     QString failure() const { return m_failure; }
     nsFTP::CLogonInfo logon() const;
     // Where a served file lies.
-    QString path(const QString &file) const;
-    // Lays a file down for everybody, and reads one.
-    void put(const QString &file, const QByteArray &content) const;
-    QByteArray get(const QString &file) const;
+    QString path(const QString &file) const
+    {
+        return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
+    }
+    void put(const QString &file, const QByteArray &bytes) const { writeFile(path(file), bytes); }
+    QByteArray get(const QString &file) const { return readFile(path(file)); }
     // As a machine that loses its power: the processes that serve connections too.
     void kill();
 

@@ -8,7 +8,6 @@
 #include <map>
 
 #include <netinet/tcp.h>
-#include <poll.h>
 
 using nsSocket::CBlockingSocketException;
 using nsSocket::INVALID_SOCKET;
@@ -24,27 +23,30 @@ const QStringList Behaviour =
             "STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x")
         .split(';');
 
+// False when the other side has gone, or does nothing for a minute.
+template <typename Step> bool attempt(const Step &step)
+{
+    try {
+        step();
+        return true;
+    } catch (const CBlockingSocketException &) {
+        return false;
+    }
+}
+
 } // namespace
 
 ScriptedServer::ScriptedServer(const QString &script, bool byteByByte)
     : m_script(script.split(QRegularExpression("; *")))
     , m_byteByByte(byteByByte)
     , m_port(listenOnLoopback(m_listener))
+    , m_thread([this] { serve(); })
 {
-    m_thread = std::thread([this] {
-        while (readable(m_listener)) {
-            sockaddr_in peer = {};
-            m_listener.Accept(m_control, generic(peer));
-            serve();
-            for (Socket *socket : {&m_control, &m_passive, &m_data})
-                socket->Cleanup();
-        }
-    });
 }
 
 ScriptedServer::~ScriptedServer()
 {
-    m_stop = true;
+    ::shutdown(int(m_listener.operator SOCKET()), SHUT_RDWR);
     m_thread.join();
 }
 
@@ -66,57 +68,35 @@ void ScriptedServer::settle() const
         QThread::msleep(1);
 }
 
-bool ScriptedServer::readable(const Socket &socket) const
-{
-    pollfd entry = {int(socket.operator SOCKET()), POLLIN, 0};
-    while (!m_stop && ::poll(&entry, 1, 10) <= 0)
-        continue;
-    return !m_stop;
-}
-
-QByteArray ScriptedServer::receive(const Socket &socket, int most) const
-{
-    QByteArray bytes(most, 0);
-    try {
-        bytes.resize(readable(socket) ? socket.Receive(bytes.data(), most, 0) : 0);
-    } catch (const CBlockingSocketException &) {
-        bytes.clear();
-    }
-    return bytes;
-}
-
 void ScriptedServer::serve()
 {
     const int on = 1;
-    ::setsockopt(int(m_control.operator SOCKET()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    perform("greeting");
-    QByteArray received;
-    while (m_control != INVALID_SOCKET) {
-        const int end = received.indexOf("\r\n");
-        if (end >= 0) {
-            obey(received.left(end));
-            received.remove(0, end + 2);
+    sockaddr_in peer = {};
+    while (attempt([&] { m_listener.Accept(m_control, generic(peer)); })) {
+        ::setsockopt(int(m_control.operator SOCKET()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        perform("greeting");
+        while (m_control != INVALID_SOCKET && attempt([&] { obeyNext(); }))
             continue;
-        }
-        m_listens = true;
-        const QByteArray bytes = receive(m_control, 4096);
-        m_listens = false;
-        if (bytes.isEmpty())
-            return;
-        received += bytes;
+        for (Socket *socket : std::initializer_list<Socket *>{&m_control, &m_passive, &m_data})
+            socket->Cleanup();
     }
 }
 
-void ScriptedServer::obey(const QString &line)
+void ScriptedServer::obeyNext()
 {
+    char bytes[1000];
+    m_listens = true;
+    const int length = m_control.ReadHttpHeaderLine(bytes, sizeof bytes, 60);
+    m_listens = false;
+    const auto line = QString::fromUtf8(bytes, length - 2);
     note(line);
-    const QStringList words = line.split(' ');
+    const QString verb = line.section(' ', 0, 0);
     const QStringList numbers = line.split(',');
-    if (words[0] == "REST")
-        m_offset = words[1].toInt();
-    if (words[0] == "PORT")
+    if (verb == "REST")
+        m_offset = line.section(' ', 1).toInt();
+    if (verb == "PORT")
         m_active = quint16(numbers[4].toInt() * 256 + numbers[5].toInt());
-    perform(words[0]);
+    perform(verb);
 }
 
 void ScriptedServer::perform(const QString &verb)
@@ -127,11 +107,8 @@ void ScriptedServer::perform(const QString &verb)
     m_script.removeOne(entry);
     const QStringList actions = entry.mid(verb.size() + 2).split('|');
     for (const QString &action : actions) {
-        try {
-            act(action, verb);
-        } catch (const CBlockingSocketException &) {
-            m_data.Cleanup(); // the client has gone
-        }
+        if (!attempt([&] { act(action, verb); }))
+            m_data.Cleanup();
     }
 }
 
@@ -146,26 +123,27 @@ void ScriptedServer::act(const QString &action, const QString &verb)
         {"spam", [&] { send(m_control, text.toUtf8().repeated(number)); }},
         {"drip",
          [&] {
-             for (int i = 0; i < number && !m_stop; ++i, QThread::msleep(200))
+             for (int i = 0; i < number; ++i, QThread::msleep(200))
                  send(m_control, text.toUtf8());
          }},
         {"wait", [&] { QThread::msleep(number); }},
         {"nothing", [] {}},
         {"close", [&] { m_control.Close(); }},
         {"forget", [&] { m_offset = 0; }},
+        {"from", [&] { m_from = rest.toLatin1(); }},
         {"part", [&] { move(verb, number); }},
         {"data",
          [&] {
-             move(verb, INT_MAX);
+             move(verb, INT_MAX / 2);
              m_offset = 0;
-             m_data.Close();
+             endData(false);
          }},
         {"end", [&] { endData(false); }},
         {"cut", [&] { endData(true); }},
         {"flood",
          [&] {
              openData();
-             while (!m_stop)
+             for (;;)
                  send(m_data, QByteArray(1U << 20, 'x'));
          }},
     };
@@ -206,7 +184,7 @@ void ScriptedServer::openData()
     if (m_active == 0)
         m_passive.Accept(m_data, generic(peer));
     else
-        connectToLoopback(m_data, m_active, connectFrom);
+        connectToLoopback(m_data, m_active, m_from);
 }
 
 void ScriptedServer::endData(bool reset)
@@ -222,14 +200,15 @@ void ScriptedServer::move(const QString &verb, int length)
     openData();
     if (verb == "RETR" || verb == "LIST" || verb == "NLST") {
         send(m_data, content.mid(m_offset, length));
+        m_offset += length;
         return;
     }
+    std::vector<char> part(65536);
     QByteArray all;
-    while (all.size() < length) {
-        const QByteArray bytes = receive(m_data, std::min(65536, length - all.size()));
-        if (bytes.isEmpty())
-            break;
-        all += bytes;
+    int count = 1;
+    while (count > 0 && all.size() < length) {
+        count = m_data.Receive(part.data(), std::min(65536, length - all.size()), 60);
+        all.append(part.data(), count);
     }
     note("=" + all.left(99));
 }

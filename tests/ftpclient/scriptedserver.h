@@ -18,9 +18,11 @@
 //   spam <n> <text>, drip <n> <text>  sent n times, at once or five times a second
 //   wait <ms>, close (the control connection), nothing
 //   data         moves the whole content, behind the offset of REST; forget drops that offset
-//   part <n>     moves n bytes and leaves the data connection open
+//   part <n>     moves the next n bytes and leaves the data connection open
 //   end, cut     closes the data connection, cleanly or with a reset
 //   flood        sends data until the other side goes
+//   from <address>  in active mode, connects from there from now on
+// Its clients have to go before it does: it waits for the end of what they began.
 class ScriptedServer
 {
 public:
@@ -36,18 +38,13 @@ public:
 
     // What downloads and listings send.
     QByteArray content = "0123456789";
-    // The address to connect from in active mode.
-    const char *connectFrom = "127.0.0.1";
 
 private:
     using Socket = nsSocket::CBlockingSocket;
 
-    // Both wait; false or nothing when the server is to stop, or the other side has gone.
-    bool readable(const Socket &socket) const;
-    QByteArray receive(const Socket &socket, int most) const;
     void note(const QString &line);
     void serve();
-    void obey(const QString &line);
+    void obeyNext();
     void perform(const QString &verb);
     void act(const QString &action, const QString &verb);
     void send(const Socket &socket, const QByteArray &bytes) const;
@@ -59,13 +56,13 @@ private:
     QStringList m_script;
     bool m_byteByByte;
     Socket m_listener;
-    Socket m_control;
+    nsSocket::CHttpBlockingSocket m_control;
     Socket m_passive;
     Socket m_data;
     quint16 m_port;
     quint16 m_active = 0;
+    QByteArray m_from = "127.0.0.1";
     int m_offset = 0;
-    std::atomic<bool> m_stop{false};
     std::atomic<bool> m_listens{false};
     mutable std::mutex m_mutex;
     QStringList m_commands;

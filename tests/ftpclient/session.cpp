@@ -9,12 +9,6 @@ std::string text(const QStringList &words)
     return words.join(' ').replace("␀", QChar(0)).toStdString();
 }
 
-// What was asked for; else the result, and -99 when something was given all the same.
-long long told(int result, long long value)
-{
-    return result == 0 ? value : value == -7 ? result : -99;
-}
-
 long long good(bool result)
 {
     return result ? 0 : -1;
@@ -67,6 +61,8 @@ long long prepare(Client &c, const QStringList &a)
         c.recorder.afterBlock = [&c, other = a.mid(1)] {
             c.recorder.log << QString("meanwhile %1").arg(transfer(c, other));
         };
+    else if (a[0] == "onlypeer")
+        c.client.SetAcceptOnlyControlPeer(true);
     else if (a[0] == "policy")
         c.client.SetPassiveAddressPolicy(valueOf<CFTPClient::TPassiveAddress>("ucr", a[1]));
     else
@@ -91,15 +87,14 @@ long long performOne(Client &c, const QStringList &a)
         const auto format = valueOf<CTypeFormat::TTypeFormatEnum>("-NTC", a.value(2, "-").left(1));
         return client.RepresentationType({valueOf<CType::TTypeEnum>("AEIL", a[1]), format}, number);
     }
-    if (a[0] == "size") {
+    if (a[0] == "size" || a[0] == "mdtm") {
+        // The result when nothing was given, as it has to be on failure.
         long size = -7;
-        const int result = client.FileSize("f", size);
-        return told(result, size);
-    }
-    if (a[0] == "mdtm") {
         long long seconds = -7;
-        const int result = client.FileModificationTime("f", seconds);
-        return told(result, seconds);
+        const int result =
+            a[0] == "size" ? client.FileSize("f", size) : client.FileModificationTime("f", seconds);
+        const long long value = qMax<long long>(size, seconds);
+        return result == 0 ? value : value == -7 ? result : -99;
     }
     if (a[0] == "login")
         return good(c.client.Login({text(a.mid(1, 1)), 1, text(a.mid(2, 1)), text(a.mid(3))}));

@@ -4,7 +4,6 @@
 
 #include <formkit/FtpClient/FTPClient.h>
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -77,17 +76,8 @@ struct Client
         nsFTP::CReply reply;
         return client.SendCommand(nsFTP::CCommand::PWD, {}, reply) && reply.Code().Value() == "257";
     }
-    void write(const QByteArray &bytes) const
-    {
-        QFile file(local.c_str());
-        file.open(QIODevice::WriteOnly);
-        file.write(bytes);
-    }
-    QByteArray read() const
-    {
-        QFile file(local.c_str());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : "none";
-    }
+    void write(const QByteArray &bytes) const { writeFile(local.c_str(), bytes); }
+    QByteArray read() const { return readFile(local.c_str()); }
 
     QTemporaryDir folder;
     std::string local = folder.filePath("file").toStdString();
@@ -97,16 +87,19 @@ struct Client
     std::vector<std::string> lines = {"kept"};
 };
 
-// The client of a scripted server.
-struct Session : Client
+struct WithServer
+{
+    ScriptedServer server;
+};
+
+// A scripted server and its client, which goes first.
+struct Session : WithServer, Client
 {
     explicit Session(const QString &script = {}, bool byteByByte = false, unsigned int seconds = 10,
                      unsigned int bufferSize = 4)
-        : Client(seconds, bufferSize), server(script, byteByByte)
+        : WithServer{ScriptedServer(script, byteByByte)}, Client(seconds, bufferSize)
     {
         port = server.port();
     }
     bool login() { return client.Login({"127.0.0.1", port, "joe", "secret"}); }
-
-    ScriptedServer server;
 };
