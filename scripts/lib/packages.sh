@@ -95,7 +95,7 @@ check_packages() {
             failures=$((failures + 1))
         fi
     done
-    for package in libformkit-qt5-{0,dev,doc}; do
+    for package in libformkit-qt5-{0,dev,designer,doc}; do
         compgen -G "$1/${package}_*.deb" >/dev/null && continue
         echo "no package $package" >&2
         failures=$((failures + 1))
