@@ -1,0 +1,183 @@
+// The order window under random input, while the reference data behind it changes: is it still
+// in time, silent and of the same size after an hour?
+
+#include "databasefile.h"
+#include "orderwindow.h"
+#include "randomuser.h"
+
+#include <embeddedhost/embeddedhost.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <malloc.h>
+#include <numeric>
+
+namespace {
+
+int warnings = 0;
+
+// The offscreen platform says of each pop-up what it cannot do; to debug is to tell, not to warn
+// (a check box tells of each text that is none of its two).
+void countWarnings(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtDebugMsg || type == QtInfoMsg ||
+        text.startsWith(QLatin1String("This plugin does not support ")))
+        return;
+    ++warnings;
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
+double heapInMegabytes()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    return double(heap.uordblks + heap.hblkhd) / 1e6;
+}
+
+double median(QVector<double> figures)
+{
+    std::sort(figures.begin(), figures.end());
+    return figures.at(figures.size() / 2);
+}
+
+class Endurance : public QObject
+{
+public:
+    Endurance(EmbeddedHost *host, OrderWindow *window, QStringList databases, quint32 seed)
+        : m_host(host), m_window(window), m_user(window, seed), m_databases(std::move(databases))
+    {
+        m_act.setTimerType(Qt::PreciseTimer);
+        connect(&m_act, &QTimer::timeout, this, &Endurance::act);
+        connect(&m_change, &QTimer::timeout, this, &Endurance::change);
+        connect(host, &EmbeddedHost::failed, this, [this] { ++m_failures; });
+    }
+
+    // Whether all went well. Changes the database so many times, at equal distances.
+    bool run(int seconds, int perSecond, int changes)
+    {
+        m_perSecond = perSecond;
+        m_clock.start();
+        m_act.start(std::max(1, 1000 / perSecond));
+        m_change.start(seconds * 1000 / changes);
+        QTimer::singleShot(seconds * 1000, qApp, &QCoreApplication::quit);
+        QApplication::exec();
+        return verdict(seconds);
+    }
+
+private:
+    void act()
+    {
+        // What a slow event has made late is made good for, but not at once.
+        const qint64 due = m_clock.elapsed() * m_perSecond / 1000;
+        for (int i = 0; i < 5 && m_events < due; ++i) {
+            QElapsedTimer clock;
+            clock.start();
+            m_user.act();
+            m_longest = std::max(m_longest, clock.nsecsElapsed());
+            ++m_events;
+        }
+    }
+
+    // The heap is read at rest: with nothing entered, nothing half loaded, always on the first
+    // of the databases.
+    void change()
+    {
+        if (!m_host->isLoading() && m_host->file() == m_databases.first())
+            read();
+        m_next = (m_next + 1) % m_databases.size();
+        m_host->load(m_databases.at(m_next));
+    }
+
+    void read()
+    {
+        while (QWidget *popup = QApplication::activePopupWidget())
+            popup->close();
+        Values nothing = m_window->hub()->values();
+        for (auto value = nothing.begin(); value != nothing.end(); ++value)
+            value.value() = QString();
+        m_window->fill(nothing);
+        m_heap << heapInMegabytes();
+        std::printf("%6lld s %9lld events %9.2f MB %6lld rows held\n", m_clock.elapsed() / 1000,
+                    m_events, m_heap.last(), m_host->liveRows());
+        std::fflush(stdout);
+    }
+
+    bool verdict(int seconds) const
+    {
+        if (m_heap.size() < 8) {
+            std::printf("Too short: the heap was read %d times.\n", int(m_heap.size()));
+            return false;
+        }
+        const int quarter = int(m_heap.size()) / 4;
+        const double before = median(m_heap.mid(quarter, quarter));
+        const double after = median(m_heap.mid(int(m_heap.size()) - quarter));
+        const double growth = 100 * (after - before) / before;
+        const double rate = double(m_events) / seconds;
+        std::printf(
+            "counts: %lld events in %d s (%.0f a second, the longest %.0f ms), heap %.2f MB "
+            "in the second quarter, %.2f MB in the last (%+.2f %%), %d warnings, %d failed "
+            "loads\n",
+            m_events, seconds, rate, double(m_longest) / 1e6, before, after, growth, warnings,
+            m_failures);
+        return growth < 1 && rate > 0.95 * m_perSecond && warnings == 0 && m_failures == 0;
+    }
+
+    EmbeddedHost *m_host;
+    OrderWindow *m_window;
+    RandomUser m_user;
+    QStringList m_databases;
+    QTimer m_act;
+    QTimer m_change;
+    QElapsedTimer m_clock;
+    QVector<double> m_heap;
+    int m_perSecond = 0;
+    int m_next = 0;
+    int m_failures = 0;
+    qint64 m_events = 0;
+    qint64 m_longest = 0;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Random input to the order window, while the reference data "
+                                     "changes. Ends with 1 if the heap grew by 1 % or more, input "
+                                     "came late or anything was warned of.");
+    parser.addHelpOption();
+    parser.addOptions({
+        {"seconds", "How long.", "number", "3600"},
+        {"rate", "Events a second.", "number", "100"},
+        {"changes", "How often the database changes.", "number", "100"},
+        {"securities", "Of the larger database.", "number", "1000000"},
+        {"seed", "Of the random input.", "number", "1"},
+    });
+    parser.process(app);
+    const auto number = [&parser](const char *name) { return parser.value(name).toInt(); };
+
+    QString error;
+    const int securities = number("securities");
+    QStringList databases;
+    for (const int count : {securities, securities - securities / 10})
+        databases << DatabaseFile::generated(count, &error);
+    EmbeddedHost host;
+    ICore::install(&host);
+    if (!error.isEmpty() || !host.loadNow(databases.first())) {
+        std::fprintf(stderr, "formkit-endurance: %s\n",
+                     qPrintable(error.isEmpty() ? host.errorText() : error));
+        return 1;
+    }
+    qInstallMessageHandler(countWarnings);
+    OrderWindow window(&host);
+    window.fill({});
+    window.show();
+    QApplication::setActiveWindow(&window);
+    Endurance endurance(&host, &window, databases, quint32(number("seed")));
+    return endurance.run(number("seconds"), number("rate"), number("changes")) ? 0 : 1;
+}
