@@ -3,7 +3,9 @@ include(GenerateExportHeader)
 
 add_library(formkit_options INTERFACE)
 target_compile_options(formkit_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow
-    -Wnon-virtual-dtor -Woverloaded-virtual)
+    -Wnon-virtual-dtor -Woverloaded-virtual
+    # Qt's own macros for categories of messages.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 target_compile_definitions(formkit_options INTERFACE
     QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
 if(FORMKIT_DEVELOPER)

@@ -14,8 +14,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <malloc.h>
-#include <numeric>
 
 namespace {
 
@@ -36,6 +36,14 @@ double heapInMegabytes()
 {
     const struct mallinfo2 heap = mallinfo2();
     return double(heap.uordblks + heap.hblkhd) / 1e6;
+}
+
+// Of this thread: what else the machine does is not counted.
+double processorMilliseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
 double median(QVector<double> figures)
@@ -74,10 +82,9 @@ private:
         // What a slow event has made late is made good for, but not at once.
         const qint64 due = m_clock.elapsed() * m_perSecond / 1000;
         for (int i = 0; i < 5 && m_events < due; ++i) {
-            QElapsedTimer clock;
-            clock.start();
+            const double before = processorMilliseconds();
             m_user.act();
-            m_longest = std::max(m_longest, clock.nsecsElapsed());
+            m_longest = std::max(m_longest, processorMilliseconds() - before);
             ++m_events;
         }
     }
@@ -117,12 +124,12 @@ private:
         const double after = median(m_heap.mid(int(m_heap.size()) - quarter));
         const double growth = 100 * (after - before) / before;
         const double rate = double(m_events) / seconds;
-        std::printf(
-            "counts: %lld events in %d s (%.0f a second, the longest %.0f ms), heap %.2f MB "
-            "in the second quarter, %.2f MB in the last (%+.2f %%), %d warnings, %d failed "
-            "loads\n",
-            m_events, seconds, rate, double(m_longest) / 1e6, before, after, growth, warnings,
-            m_failures);
+        std::printf("counts: %lld events in %d s (%.0f a second, the longest took the processor "
+                    "%.1f ms), heap %.2f MB "
+                    "in the second quarter, %.2f MB in the last (%+.2f %%), %d warnings, %d failed "
+                    "loads\n",
+                    m_events, seconds, rate, m_longest, before, after, growth, warnings,
+                    m_failures);
         return growth < 1 && rate > 0.95 * m_perSecond && warnings == 0 && m_failures == 0;
     }
 
@@ -138,7 +145,7 @@ private:
     int m_next = 0;
     int m_failures = 0;
     qint64 m_events = 0;
-    qint64 m_longest = 0;
+    double m_longest = 0; // processor time of an event, ms
 };
 
 } // namespace

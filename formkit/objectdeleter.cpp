@@ -19,5 +19,5 @@ void ObjectDeleter::onDestroyed(QObject *obj)
     m_owners.remove(obj);
     // Queued, as the owner may live in another thread and is still being destroyed.
     if (m_owners.isEmpty())
-        QMetaObject::invokeMethod(this, &QObject::deleteLater, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, "deleteLater", Qt::QueuedConnection);
 }

@@ -25,6 +25,18 @@ QString displayLine(const QString &code, const QString &name)
     return QStringLiteral("%1%2%3").arg(code, blanks, name);
 }
 
+// QCompleter prepares its list anew for each model, and neither lets go of the delegate made for
+// the last one nor of its own connection to the list: an hour of refreshes would pile them up.
+void setCompletionModel(QCompleter *completer, QAbstractItemModel *model)
+{
+    QAbstractItemView *const list = completer->popup();
+    QAbstractItemDelegate *const former = list->itemDelegate();
+    QObject::disconnect(completer, nullptr, list, nullptr);
+    completer->setModel(model);
+    if (former->parent() == list)
+        delete former;
+}
+
 } // namespace
 
 PartnerSelectorBox::PartnerSelectorBox(QWidget *parent) : ComboBox(parent)
@@ -120,7 +132,7 @@ void PartnerSelectorBox::install(QStandardItemModel *model)
     // QComboBox deletes the model before, as it is a child of the box.
     setModel(model);
     if (lineEdit()) {
-        completer()->setModel(model);
+        setCompletionModel(completer(), model);
         comboBoxValidator()->setModel(model);
     }
     setModelColumn(view()->isVisible() ? LineColumn : CodeColumn);

@@ -1,5 +1,6 @@
 #include "pushbuttonsend.h"
 
+#include <QEvent>
 #include <QStyle>
 #include <QVariant>
 
@@ -26,10 +27,19 @@ void PushButtonSend::setThisState(bool selected)
 {
     if (selected) {
         setDefault(true);
-        setIcon(style()->standardIcon(QStyle::SP_DialogOkButton));
+        if (m_okIcon.isNull())
+            m_okIcon = style()->standardIcon(QStyle::SP_DialogOkButton);
+        setIcon(m_okIcon);
     } else {
         setIcon(QIcon());
     }
+}
+
+void PushButtonSend::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::StyleChange)
+        m_okIcon = QIcon();
+    QPushButton::changeEvent(event);
 }
 
 void PushButtonSend::nextCheckState()

@@ -2,6 +2,7 @@
 
 #include <formkit/formkit_export.h>
 
+#include <QIcon>
 #include <QPushButton>
 
 // A button that sends one of several values: the text of its dynamic property "value", set
@@ -27,10 +28,13 @@ signals:
     void changedValue(const QString &value);
 
 protected:
+    void changeEvent(QEvent *event) override;
     void nextCheckState() override;
 
 private:
     void setThisState(bool selected);
 
     QString m_value;
+    // The style's, read once: each reading makes new pictures, which Qt keeps for a while.
+    QIcon m_okIcon;
 };

@@ -30,6 +30,7 @@ public:
     void setRows(const std::vector<T> &rows)
     {
         std::vector<Record> fresh;
+        fresh.reserve(rows.size());
         for (const T &data : rows)
             fresh.emplace_back(this, new Row(data));
         std::sort(fresh.begin(), fresh.end(),
