@@ -93,7 +93,8 @@ int runScript(OrderWindow *window, const Options &options)
         (!options.statements.isEmpty() && !script.fetchStatement(options.statements)))
         return fail(script.errorText());
     std::fputs(QJsonDocument(script.result()).toJson().constData(), stdout);
-    for (const QString &picture : script.pictures())
+    const QStringList pictures = script.pictures();
+    for (const QString &picture : pictures)
         std::printf("Picture: %s\n", qPrintable(picture));
     return 0;
 }

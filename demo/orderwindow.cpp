@@ -185,7 +185,8 @@ void OrderWindow::check()
     const QList<QLabel *> captions = m_ui->form->findChildren<QLabel *>();
     for (QLabel *caption : captions) {
         QStringList texts;
-        for (const QString &name : m_hub.objectProperty(caption->buddy())) {
+        const QStringList names = m_hub.objectProperty(caption->buddy());
+        for (const QString &name : names) {
             if (reasons.contains(name))
                 texts << reasons.value(name);
         }
@@ -199,7 +200,7 @@ void OrderWindow::check()
 
 void OrderWindow::send()
 {
-    if (m_hub.values()["Action"] == QLatin1String("place")) {
+    if (m_hub.values().value("Action") == QLatin1String("place")) {
         check();
         if (!rejectedFields(m_hub.values()).isEmpty())
             return;

@@ -35,7 +35,8 @@ TableSchema makeTable(const char *name, const char *columns, const QVector<int> 
                       const QVector<int> &uniqueColumns, int parent)
 {
     TableSchema table{QLatin1String(name), {}, keyColumns, uniqueColumns, parent};
-    for (QString column : QString::fromLatin1(columns).split(QLatin1Char(' '))) {
+    const QStringList names = QString::fromLatin1(columns).split(QLatin1Char(' '));
+    for (QString column : names) {
         const bool required = column.endsWith(QLatin1Char('!'));
         if (required)
             column.chop(1);

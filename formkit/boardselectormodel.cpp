@@ -109,7 +109,8 @@ void BoardSelectorModel::sendBoardsChanged()
 {
     Boards keys;
     bool enable = false;
-    for (const Data &row : QVector<Data>(m_rows)) {
+    const QVector<Data> rows = m_rows;
+    for (const Data &row : rows) {
         if (row.checked)
             keys.add(row.board);
         else

@@ -164,7 +164,8 @@ QString FoldedText::completionKey(const QString &text)
     constexpr ushort Caseless = 0x4e00;
     QString key;
     key.reserve(2 * text.size());
-    for (const QChar c : folded(text)) {
+    const QString foldedText = folded(text);
+    for (const QChar c : foldedText) {
         key += QChar(ushort(Caseless + c.row()));
         key += QChar(ushort(Caseless + c.cell()));
     }

@@ -215,7 +215,8 @@ QPointer<QWidget> FormSelector::moveBindings()
 void FormSelector::reportSums(QWidget *page)
 {
     QVector<QPointer<Summator>> summators;
-    for (Summator *summator : page->findChildren<Summator *>())
+    const QList<Summator *> found = page->findChildren<Summator *>();
+    for (Summator *summator : found)
         summators << summator;
     for (const QPointer<Summator> &summator : qAsConst(summators)) {
         if (summator)

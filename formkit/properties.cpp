@@ -165,7 +165,8 @@ bool Properties::connectAll(QObject *object)
     const QPointer<QObject> alive(object);
     if (bindsOwnProperties(info)) {
         const Aliases aliases = aliasesOf(object);
-        for (const QByteArray &property : ownProperties(meta)) {
+        const QList<QByteArray> properties = ownProperties(meta);
+        for (const QByteArray &property : properties) {
             const QString name = aliases.value(property, propertyName(property));
             if (!m_objectNames.contains(object, name))
                 m_objectNames.insert(object, name);
@@ -222,7 +223,8 @@ bool Properties::disconnectAll(QObject *object)
     bool anyUnbound = false;
     const QByteArray info = classInfo(object->metaObject());
     if (bindsOwnProperties(info)) {
-        for (const QByteArray &property : ownProperties(object->metaObject()))
+        const QList<QByteArray> properties = ownProperties(object->metaObject());
+        for (const QByteArray &property : properties)
             anyUnbound |= disconnectOne(object, property);
     }
     if (!endsWalk(info)) {

@@ -218,7 +218,8 @@ int SelectorBox::rowOfKey(const QVariantList &key) const
 {
     if (key.isEmpty())
         return -1;
-    for (const int row : m_list->rowsOfKey(m_keyRoles.first(), key.first())) {
+    const QVector<int> rows = m_list->rowsOfKey(m_keyRoles.first(), key.first());
+    for (const int row : rows) {
         if (keyOfRow(row) == key)
             return row;
     }

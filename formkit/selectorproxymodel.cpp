@@ -79,7 +79,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
         sourceModel()->disconnect(this);
     // Past QSortFilterProxyModel, whose own mapping would come to life.
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    QAbstractProxyModel::setSourceModel(source);
+    QAbstractProxyModel::setSourceModel(source); // clazy:exclude=skipped-base-method
     if (source) {
         const auto begin = [this] { beginRebuild(); };
         const auto end = [this] { endRebuild(); };
@@ -104,7 +104,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
             beginResetModel();
             m->setShown({});
             m->sourceOrder.clear();
-            setKeyRoles(m->keys.keys().toVector());
+            setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
             endResetModel();
         });
     }
@@ -128,7 +128,7 @@ void SelectorProxyModel::rebuild()
     m->sourceOrder.clear();
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
-    setKeyRoles(m->keys.keys().toVector());
+    setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
     m->setShown(inOrder(acceptedRows()));
 }
 
@@ -385,7 +385,8 @@ QVector<int> SelectorProxyModel::rowsOfKey(int role, const QVariant &value) cons
     QVector<int> rows;
     const auto key = m->keys.constFind(role);
     if (key != m->keys.constEnd()) {
-        for (const int sourceRow : key->rows(value)) {
+        const QVector<int> sourceRows = key->rows(value);
+        for (const int sourceRow : sourceRows) {
             if (m->proxyRow(sourceRow) >= 0)
                 rows.append(m->proxyRow(sourceRow));
         }
@@ -418,7 +419,8 @@ QModelIndexList SelectorProxyModel::match(const QModelIndex &start, int role, co
     }
     if (!m->keys.contains(role) || type == Qt::MatchExactly)
         return QSortFilterProxyModel::match(start, role, value, hits, flags);
-    for (const int row : rowsOfKey(role, value)) {
+    const QVector<int> keyRows = rowsOfKey(role, value);
+    for (const int row : keyRows) {
         if (data(index(row, 0), role).toString().compare(value.toString(), sensitivity) == 0)
             return {index(row, 0)};
     }
@@ -455,13 +457,15 @@ QModelIndex SelectorProxyModel::mapFromSource(const QModelIndex &sourceIndex) co
 QItemSelection SelectorProxyModel::mapSelectionToSource(const QItemSelection &selection) const
 {
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    return QAbstractProxyModel::mapSelectionToSource(selection);
+    return QAbstractProxyModel::mapSelectionToSource(
+        selection); // clazy:exclude=skipped-base-method
 }
 
 QItemSelection SelectorProxyModel::mapSelectionFromSource(const QItemSelection &selection) const
 {
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    return QAbstractProxyModel::mapSelectionFromSource(selection);
+    return QAbstractProxyModel::mapSelectionFromSource(
+        selection); // clazy:exclude=skipped-base-method
 }
 
 QModelIndex SelectorProxyModel::index(int row, int column, const QModelIndex &parent) const

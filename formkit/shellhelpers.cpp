@@ -52,7 +52,8 @@ QList<long> processIds(const QString &name)
     }
     QList<long> ids;
     const QString output = QString::fromLatin1(process->readAllStandardOutput().constData());
-    for (const QString &line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+    const QStringList lines = output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
         if (const long id = line.toLong())
             ids.append(id);
         else

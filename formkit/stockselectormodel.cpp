@@ -66,7 +66,8 @@ void StockSelectorModel::sendStocksChanged()
 {
     Stocks keys;
     bool enable = false;
-    for (const Data &row : QVector<Data>(m_rows)) {
+    const QVector<Data> rows = m_rows;
+    for (const Data &row : rows) {
         if (row.checked)
             keys.add(row.id);
         else

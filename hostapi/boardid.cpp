@@ -16,7 +16,8 @@ boardlist boardListFromString(const QString &text, bool *ok)
     *ok = true;
     if (text.isEmpty())
         return boards;
-    for (const QString &item : text.split(QLatin1Char(';'))) {
+    const QStringList items = text.split(QLatin1Char(';'));
+    for (const QString &item : items) {
         const QStringList ids = item.split(QLatin1Char(','));
         bool stockOk = false;
         bool boardOk = false;

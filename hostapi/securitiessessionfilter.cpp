@@ -9,7 +9,8 @@ SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *, int sessionColum
     , m_stockColumn(keyColumns.value(0, -1))
     , m_parent(parent ? parent->clone() : nullptr)
 {
-    for (const SessionId &open : ICore::instance()->currentSessions()) {
+    const QVector<SessionId> sessions = ICore::instance()->currentSessions();
+    for (const SessionId &open : sessions) {
         if (session == -1 || open.sess_id == session)
             m_sessions.append(open);
     }

@@ -12,7 +12,8 @@ QVector<int> readHeader(CsvReader &reader, const TableSchema &schema)
 {
     const CsvReader::Cell start{QString(), 1, 1};
     QVector<int> columns;
-    for (const CsvReader::Cell &cell : reader.nextRow()) {
+    const QVector<CsvReader::Cell> header = reader.nextRow();
+    for (const CsvReader::Cell &cell : header) {
         const int column = schema.columnIndex(cell.text);
         if (column < 0)
             reader.fail(

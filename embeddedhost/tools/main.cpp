@@ -60,7 +60,7 @@ Arguments readArguments(const QCoreApplication &application)
         parser.showHelp(2);
 
     Arguments arguments;
-    arguments.database = parser.positionalArguments().first();
+    arguments.database = parser.positionalArguments().constFirst();
     arguments.folder = parser.value(QStringLiteral("csv"));
     if (parser.isSet(QStringLiteral("securities")))
         arguments.securities = int(number(parser, QStringLiteral("securities"), 1, 100000000));
