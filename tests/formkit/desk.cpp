@@ -29,18 +29,11 @@
 #include <QClipboard>
 #include <QCompleter>
 #include <QScrollBar>
+#include <QStandardItemModel>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
 namespace {
-
-// What the signals are called in a story.
-const QMap<QByteArray, QString> reports = {
-    {"stockIdChanged", "id"},        {"stockCodeChanged", "code"},   {"stockChanged", "text"},
-    {"setProp_StockId", "id"},       {"setProp_StockCode", "code"},  {"setProp_Stock", "text"},
-    {"boardIdChanged", "id"},        {"boardCodeChanged", "code"},   {"boardChanged", "text"},
-    {"securityIdChanged", "id"},     {"securityChanged", "code"},    {"changedPartner", "partner"},
-    {"securityNameChanged", "name"}, {"changedPartnerName", "name"}, {"changedValue", "value"}};
 
 using Words = const QString &;
 
@@ -159,6 +152,8 @@ void Desk::build(const QString &file)
             controls << row;
         if (about == "shows")
             m_shows = row.mid(1);
+        if (about == "hears")
+            m_reports[row[1].toLatin1()] = row[2];
         if (about == "sessions")
             sessions << SessionId{row[1].toInt(), row[2].toInt()};
         if (about != "row" && about != "later")
@@ -198,7 +193,7 @@ void Desk::make(const QStringList &words)
     made->setObjectName(words[1]);
     for (const QString &pair : words.mid(2))
         made->setProperty(pair.section('=', 0, 0).toLatin1(), pair.section('=', 1));
-    for (const QByteArray &name : reports.keys()) {
+    for (const QByteArray &name : m_reports.keys()) {
         if (made->metaObject()->indexOfSignal(name + "(QString)") >= 0)
             connect(made, '2' + name + "(QString)", this, SLOT(note(QString)));
     }
@@ -217,7 +212,7 @@ void Desk::make(const QStringList &words)
 void Desk::note(const QString &text)
 {
     const QByteArray signal = sender()->metaObject()->method(senderSignalIndex()).name();
-    m_log += ' ' + reports[signal] + '=' + text;
+    m_log += ' ' + m_reports[signal] + '=' + text;
 }
 
 QLineEdit *Desk::edit() const
@@ -392,6 +387,16 @@ void Desk::learnModelSteps()
         changeModel<SecuritySelectorBox, SecuritySelectorModel>(m_control, how);
     };
     m_steps["kill"] = [this](Words) { delete source(); };
+    // In the place of the list, or behind it.
+    m_steps["foreign"] = [this](Words what) {
+        auto *const combo = qobject_cast<QComboBox *>(m_control);
+        auto *const foreign = new QStandardItemModel(2, 1, combo);
+        if (what == "list")
+            combo->setModel(foreign);
+        else
+            qobject_cast<QAbstractProxyModel *>(combo->model())->setSourceModel(foreign);
+    };
+    m_steps["loseList"] = [this](Words) { delete qobject_cast<QComboBox *>(m_control)->model(); };
     m_steps["display"] = [this](Words role) {
         as<SecuritySelectorModel>(source())->setDefaultDataRole(
             SecuritySelectorModel::ItemDataRole(Qt::UserRole + role.toInt()));

@@ -47,6 +47,7 @@ private:
 //     row       a table, a nickname and the cells of a row that the host has from the start
 //     later     the same of a row that is there to be offered
 //     sessions  the open ones, exchange and session
+//     hears     a signal, and what it is called where a story tells what was reported
 //     shows     what the expectation of that name is made of: text, row, caret, properties
 // and goes on with stories: a name, and under it, each on a line of its own behind a tab,
 //     given     steps, parted by "; "
@@ -107,6 +108,7 @@ private:
     QMap<QString, QMap<QString, QVariantList>> m_known; // rows by table and nickname
     QMap<QString, std::function<void(const QString &words)>> m_steps;
     QMap<QString, std::function<QString(const QString &about)>> m_answers;
+    QMap<QByteArray, QString> m_reports; // names by signal
     QStringList m_shows;
     QString m_log;
     int m_turns = 0; // in which the hub reported changes

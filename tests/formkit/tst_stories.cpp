@@ -1,21 +1,15 @@
 #include "desk.h"
 
-#include <formkit/partnerselectorbox.h>
 #include <hostapi/exception.h>
 
 #include <support/stricttest.h>
 
 #include <QApplication>
-#include <QSortFilterProxyModel>
-#include <QStandardItemModel>
 
 Q_DECLARE_METATYPE(DataRow)
 
 namespace {
 
-const QStringList Boxes = QString("ComboBox DateEdit StockSelectorBox BoardSelectorBox "
-                                  "SecuritySelectorBox PartnerSelectorBox StockSelectorBox_Code")
-                              .split(' ');
 const QStringList Selectors = {"stock", "codes", "board", "security", "partner"};
 
 } // namespace
@@ -30,7 +24,6 @@ private slots:
 
     void stories_data();
     void stories();
-    void takenApart();
     void quietOpening();
     void failingHost();
     void noHost();
@@ -69,42 +62,6 @@ void StoriesTest::stories()
     QFETCH(DataRow, story);
     Desk desk(m_host.get(), file);
     desk.play(story);
-}
-
-// A box whose model, line edit or source a host has replaced or destroyed.
-void StoriesTest::takenApart()
-{
-    const auto use = [](QComboBox *box) {
-        box->show();
-        for (const char *const property : {"StockId", "BoardId", "SecurityId", "Partner"}) {
-            box->setProperty(property, "1");
-            QVERIFY(box->property(property).toString().size() <= 1);
-        }
-        QTest::keyClicks(box, "x");
-        QTest::keyClick(box, Qt::Key_Return);
-        box->showPopup();
-        box->hidePopup();
-    };
-    const std::function<void(QComboBox *)> changes[] = {
-        [](QComboBox *box) { box->setModel(new QStandardItemModel(2, 1, box)); },
-        [](QComboBox *box) { box->setEditable(false); },
-        [](QComboBox *box) { delete box->model(); },
-        [](QComboBox *box) { delete Desk::sourceOf(box); },
-    };
-    for (const QString &className : Boxes) {
-        for (const auto &change : changes) {
-            const std::unique_ptr<QComboBox> box(
-                static_cast<QComboBox *>(Desk::create(className, nullptr)));
-            const QPointer<QAbstractItemModel> model = box->model();
-            change(box.get());
-            use(box.get());
-            if (auto *const proxy = qobject_cast<QSortFilterProxyModel *>(model.data()))
-                proxy->setSourceModel(new QStandardItemModel(3, 1, proxy));
-            if (auto *const partner = qobject_cast<PartnerSelectorBox *>(box.get()))
-                partner->populate();
-            use(box.get());
-        }
-    }
 }
 
 // Opening the list clears what was selected there, without a word of it.
