@@ -204,6 +204,7 @@ void Desk::make(const QStringList &words)
         m_form.findChild<FormSelector *>()->addPage(widget);
     } else if (widget) {
         m_place->layout()->addWidget(widget);
+        widget->show();
     }
     if (auto *const label = qobject_cast<QLabel *>(made))
         label->setBuddy(control(made->property("of").toString()));
@@ -358,6 +359,8 @@ void Desk::learnHostSteps()
         }
         m_host->table(word(words, 0)).setRows(rows);
     };
+    m_steps["away"] = [](Words) { ICore::install(nullptr); };
+    m_steps["lack"] = [this](Words table) { m_host->removeTable(table); };
     // Securities of ids, codes and names that count up from 1.
     m_steps["many"] = [this](Words count) {
         QVector<QVariantList> rows;
@@ -569,13 +572,6 @@ QString Desk::property(const QString &path) const
     return value.toString();
 }
 
-QString Desk::takeReports()
-{
-    const QString taken = m_log.mid(1);
-    m_log.clear();
-    return taken;
-}
-
 // The list that is open, or the completions.
 QAbstractItemView *Desk::list() const
 {
@@ -587,10 +583,11 @@ QAbstractItemView *Desk::completions() const
     return box()->completer()->popup();
 }
 
-QAbstractItemModel *Desk::sourceOf(const QComboBox *box)
+QAbstractItemModel *Desk::source() const
 {
-    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box ? box->model() : nullptr);
-    return proxy ? proxy->sourceModel() : box ? box->model() : nullptr;
+    QAbstractItemModel *const model = box() ? box()->model() : nullptr;
+    auto *const proxy = qobject_cast<QAbstractProxyModel *>(model);
+    return proxy ? proxy->sourceModel() : model;
 }
 
 QString Desk::column(const QAbstractItemModel *model, int role) const

@@ -73,9 +73,8 @@ public:
     ComboBox *box(const QString &name) const { return m_form.findChild<ComboBox *>(name); }
     ComboBox *box() const { return qobject_cast<ComboBox *>(m_control.data()); }
     QAbstractItemView *completions() const;
-    QAbstractItemModel *source() const { return sourceOf(box()); }
-    // The model behind a box's proxy, or its model; null for no box.
-    static QAbstractItemModel *sourceOf(const QComboBox *box);
+    // The model behind the box's proxy, or its model; null for no box.
+    QAbstractItemModel *source() const;
     // What the hub holds under a name.
     QString held(const QString &name) const { return m_hub->values()[name].toString(); }
     Properties *hub() const { return m_hub.get(); }
@@ -84,7 +83,6 @@ public:
     void act(const QString &step);
     // Answers an expectation ("shows"), which may name what it is about.
     QString answer(const QString &verb, const QString &about = {}) const;
-    QString takeReports();
 
 private slots:
     void note(const QString &text);

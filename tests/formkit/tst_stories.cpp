@@ -26,7 +26,6 @@ private slots:
     void stories();
     void quietOpening();
     void failingHost();
-    void noHost();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -95,7 +94,6 @@ void StoriesTest::failingHost()
         const int cells = rows.cellReads() - before;
         QVERIFY(cells > 0);
         desk.act("set " + words[2] + ' ' + words[3]);
-        desk.takeReports();
         const auto state = [&desk] {
             return desk.answer("shows") + desk.answer("ids") + desk.answer("source") +
                    desk.answer("reports");
@@ -113,26 +111,6 @@ void StoriesTest::failingHost()
             QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
         }
     }
-}
-
-void StoriesTest::noHost()
-{
-    ICore::install(nullptr);
-    for (const QString &kind : Selectors) {
-        Desk desk(m_host.get(), kind);
-        desk.act("populate");
-        for (const char *const name : {"StockId", "BoardId", "SecurityId", "Partner"})
-            desk.box()->setProperty(name, "1");
-        for (const char *const step : {"type x", "press F4", "press End", "press Escape", "leave"})
-            desk.act(step);
-        QCOMPARE(desk.answer("ids"), QString());
-        QCOMPARE(desk.answer("edit.toolTip"), QString("Not in the list"));
-    }
-    ICore::install(m_host.get());
-    m_host->removeTable("stocks");
-    expectWarning("ICore::table: the host has no table \"stocks\"");
-    Desk desk(m_host.get(), "stock");
-    QCOMPARE(desk.box()->count(), 0);
 }
 
 int main(int argc, char **argv)
