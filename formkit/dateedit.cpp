@@ -55,7 +55,7 @@ void DateEdit::setValue(const QString &value, bool updateText)
         return;
     m_value = date;
     if (updateText)
-        lineEdit()->setText(shown(date));
+        setEditText(shown(date));
     emit changedValue(normal);
 }
 

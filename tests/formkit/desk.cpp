@@ -5,6 +5,7 @@
 #include <formkit/checkbox.h>
 #include <formkit/dateedit.h>
 #include <formkit/decimalvalidator.h>
+#include <formkit/formselector.h>
 #include <formkit/label.h>
 #include <formkit/lineedit.h>
 #include <formkit/partnerselectorbox.h>
@@ -18,6 +19,8 @@
 #include <formkit/stockselectormodel.h>
 #include <formkit/summator.h>
 
+#include <support/stricttest.h>
+
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>
 #include <QAccessible>
@@ -26,18 +29,11 @@
 #include <QClipboard>
 #include <QCompleter>
 #include <QScrollBar>
+#include <QStandardItemModel>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
 namespace {
-
-// What the signals are called in a story.
-const QMap<QByteArray, QString> reports = {
-    {"stockIdChanged", "id"},        {"stockCodeChanged", "code"},   {"stockChanged", "text"},
-    {"setProp_StockId", "id"},       {"setProp_StockCode", "code"},  {"setProp_Stock", "text"},
-    {"boardIdChanged", "id"},        {"boardCodeChanged", "code"},   {"boardChanged", "text"},
-    {"securityIdChanged", "id"},     {"securityChanged", "code"},    {"changedPartner", "partner"},
-    {"securityNameChanged", "name"}, {"changedPartnerName", "name"}, {"changedValue", "value"}};
 
 using Words = const QString &;
 
@@ -96,9 +92,33 @@ int litRow(const QAbstractItemView *list)
 
 } // namespace
 
+void Probe::setValue(const QString &text)
+{
+    ++m_writes;
+    const QString letters = property("letters").toString();
+    value = letters == "upper" ? text.toUpper() : letters == "lower" ? text.toLower() : text;
+    if (value != text)
+        emit changed();
+    else if (const auto deed = onWrite)
+        deed();
+}
+
+void Probe::enter(const QString &text)
+{
+    value = text;
+    emit changed();
+}
+
+QString Probe::state()
+{
+    const int writes = std::exchange(m_writes, 0);
+    return value + QString(" %1 ").arg(writes) + listeners();
+}
+
 Desk::Desk(TestHost *host, const QString &story) : m_host(host)
 {
     learnHandling();
+    learnHubSteps();
     learnHostSteps();
     learnModelSteps();
     learnAnswers();
@@ -117,8 +137,8 @@ QObject *Desk::create(const QString &className, QWidget *form)
 {
     return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
                        QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator>(
-        className, form);
+                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
+                       FormSelector, Probe, QWidget>(className, form);
 }
 
 void Desk::build(const QString &file)
@@ -132,6 +152,8 @@ void Desk::build(const QString &file)
             controls << row;
         if (about == "shows")
             m_shows = row.mid(1);
+        if (about == "hears")
+            m_reports[row[1].toLatin1()] = row[2];
         if (about == "sessions")
             sessions << SessionId{row[1].toInt(), row[2].toInt()};
         if (about != "row" && about != "later")
@@ -147,14 +169,17 @@ void Desk::build(const QString &file)
         m_host->table(table.key()).setRows(*table);
     m_host->setSessions(sessions);
 
+    connect(m_hub.get(), &Properties::hasChanged, this, [this] { ++m_turns; });
     auto *const layout = new QVBoxLayout(&m_form);
     for (const DataRow &row : qAsConst(controls))
         make(row.mid(1));
     layout->addWidget(m_next = new QLineEdit);
     const auto isCaption = [](const DataRow &row) { return row[1] == "Label"; };
     if (std::count_if(controls.begin(), controls.end(), isCaption) + 1 < controls.size())
-        m_hub.connectAll(&m_form);
-    m_validation.setupPropWidgets(m_hub, &m_form);
+        m_hub->connectAll(&m_form);
+    m_validation.setupPropWidgets(*m_hub, &m_form);
+    if (auto *const selector = m_form.findChild<FormSelector *>())
+        selector->setHub(m_hub.get());
     m_form.show();
     QVERIFY(QTest::qWaitForWindowActive(&m_form));
     act("at " + controls.first()[2]);
@@ -163,17 +188,24 @@ void Desk::build(const QString &file)
 
 void Desk::make(const QStringList &words)
 {
-    QObject *const made = create(words[0], &m_form);
+    QObject *const made = create(words[0], m_place);
     QVERIFY2(made, qPrintable(words[0]));
     made->setObjectName(words[1]);
     for (const QString &pair : words.mid(2))
         made->setProperty(pair.section('=', 0, 0).toLatin1(), pair.section('=', 1));
-    for (const QByteArray &name : reports.keys()) {
+    for (const QByteArray &name : m_reports.keys()) {
         if (made->metaObject()->indexOfSignal(name + "(QString)") >= 0)
             connect(made, '2' + name + "(QString)", this, SLOT(note(QString)));
     }
-    if (auto *const widget = qobject_cast<QWidget *>(made))
-        m_form.layout()->addWidget(widget);
+    auto *const widget = qobject_cast<QWidget *>(made);
+    if (words[0] == "QWidget") {
+        m_place = widget;
+        new QVBoxLayout(widget);
+        m_form.findChild<FormSelector *>()->addPage(widget);
+    } else if (widget) {
+        m_place->layout()->addWidget(widget);
+        widget->show();
+    }
     if (auto *const label = qobject_cast<QLabel *>(made))
         label->setBuddy(control(made->property("of").toString()));
 }
@@ -181,7 +213,7 @@ void Desk::make(const QStringList &words)
 void Desk::note(const QString &text)
 {
     const QByteArray signal = sender()->metaObject()->method(senderSignalIndex()).name();
-    m_log += ' ' + reports[signal] + '=' + text;
+    m_log += ' ' + m_reports[signal] + '=' + text;
 }
 
 QLineEdit *Desk::edit() const
@@ -224,10 +256,6 @@ void Desk::learnHandling()
     };
     m_steps["clearError"] = [this](Words name) {
         QVERIFY(QMetaObject::invokeMethod(control(name), "clearError"));
-    };
-    m_steps["hub"] = [this](Words words) { m_hub.setValue(word(words, 0), words.section(' ', 1)); };
-    m_steps["invalid"] = [this](Words names) {
-        m_validation.set(names.split(' ', Qt::SkipEmptyParts));
     };
     m_steps["locale"] = [this](Words name) {
         qobject_cast<NumberEditor *>(m_control)->decimalValidator()->setLocale(QLocale(name));
@@ -273,6 +301,54 @@ void Desk::learnHandling()
     m_steps["leave"] = [this](Words) { m_next->setFocus(); };
 }
 
+void Desk::learnHubSteps()
+{
+    m_steps["hub"] = [this](Words words) {
+        m_hub->setValue(word(words, 0), words.section(' ', 1));
+    };
+    m_steps["hubs"] = [this](Words pairs) {
+        Values values;
+        for (const QString &pair : pairs.split(' '))
+            values.insert(pair.section('=', 0, 0), pair.section('=', 1));
+        m_hub->setValues(values);
+    };
+    m_steps["invalid"] = [this](Words names) {
+        m_validation.set(names.split(' ', Qt::SkipEmptyParts));
+    };
+    m_steps["make"] = [this](Words words) { make(words.split(' ')); };
+    m_steps["delete"] = [this](Words name) {
+        if (name == "hub")
+            m_hub.reset();
+        else
+            delete m_form.findChild<QObject *>(name);
+    };
+    // A control with all its names, or a property of it under a name: bind price Value=Price
+    m_steps["bind"] = [this](Words words) {
+        const QStringList pair = word(words, 1).split('=');
+        QWidget *const object = control(word(words, 0));
+        QVERIFY(pair.size() < 2 ? m_hub->connectAll(object)
+                                : m_hub->connectOne(pair[1], object, pair[0].toLatin1()));
+    };
+    m_steps["unbind"] = [this](Words words) {
+        const QStringList pair = word(words, 1).split('=');
+        QWidget *const object = control(word(words, 0));
+        QVERIFY(pair.size() < 2 ? m_hub->disconnectAll(object)
+                                : m_hub->disconnectOne(pair[1], object, pair[0].toLatin1()));
+    };
+    m_steps["enter"] = [this](Words words) {
+        m_form.findChild<Probe *>(word(words, 0))->enter(words.section(' ', 1));
+    };
+    // What a probe does at each write, steps that are parted by " & ".
+    m_steps["upon"] = [this](Words words) {
+        const QStringList steps = words.section(' ', 1).split(" & ", Qt::SkipEmptyParts);
+        m_form.findChild<Probe *>(word(words, 0))->onWrite = [this, steps] {
+            for (const QString &step : steps)
+                act(step);
+        };
+    };
+    m_steps["warns"] = [](Words pattern) { StrictTest::expectWarning(pattern); };
+}
+
 void Desk::learnHostSteps()
 {
     m_steps["offer"] = [this](Words words) {
@@ -283,6 +359,8 @@ void Desk::learnHostSteps()
         }
         m_host->table(word(words, 0)).setRows(rows);
     };
+    m_steps["away"] = [](Words) { ICore::install(nullptr); };
+    m_steps["lack"] = [this](Words table) { m_host->removeTable(table); };
     // Securities of ids, codes and names that count up from 1.
     m_steps["many"] = [this](Words count) {
         QVector<QVariantList> rows;
@@ -312,6 +390,16 @@ void Desk::learnModelSteps()
         changeModel<SecuritySelectorBox, SecuritySelectorModel>(m_control, how);
     };
     m_steps["kill"] = [this](Words) { delete source(); };
+    // In the place of the list, or behind it.
+    m_steps["foreign"] = [this](Words what) {
+        auto *const combo = qobject_cast<QComboBox *>(m_control);
+        auto *const foreign = new QStandardItemModel(2, 1, combo);
+        if (what == "list")
+            combo->setModel(foreign);
+        else
+            qobject_cast<QAbstractProxyModel *>(combo->model())->setSourceModel(foreign);
+    };
+    m_steps["loseList"] = [this](Words) { delete qobject_cast<QComboBox *>(m_control)->model(); };
     m_steps["display"] = [this](Words role) {
         as<SecuritySelectorModel>(source())->setDefaultDataRole(
             SecuritySelectorModel::ItemDataRole(Qt::UserRole + role.toInt()));
@@ -332,7 +420,6 @@ void Desk::learnModelSteps()
     m_steps["sectype"] = [this](Words type) {
         as<BoardSelectorBox>(m_control)->setSecTypeFilter(type.at(0));
     };
-    m_steps["risk"] = [this](Words is) { m_form.setProperty("RiskAddress", is); };
 }
 
 void Desk::learnAnswers()
@@ -386,15 +473,27 @@ void Desk::learnAnswers()
         box()->comboBoxValidator()->fixup(input);
         return verdict + ' ' + input;
     };
-    // What the hub holds under the names that are asked for: StockId=1|StockCode=MX
-    m_answers["hub"] = [this](Words about) {
-        QStringList all;
-        for (const QString &pair : about.split('|')) {
-            const QString name = pair.section('=', 0, 0);
-            all << name + '=' + held(name);
-        }
-        return all.join('|');
+    m_answers["popup"] = [](Words) { return QApplication::activePopupWidget() ? "open" : ""; };
+    m_answers["turns"] = [this](Words) {
+        QCoreApplication::processEvents();
+        return QString::number(std::exchange(m_turns, 0));
     };
+    // What the hub holds under the names that are asked for (StockId=1|StockCode=MX), and the
+    // states of probes (first=1 0 1).
+    const auto learnEach = [this](const QString &verb, auto find) {
+        m_answers[verb] = [find](Words about) {
+            QStringList all;
+            for (const QString &pair : about.split('|')) {
+                const QString name = pair.section('=', 0, 0);
+                all << name + '=' + find(name);
+            }
+            return all.join('|');
+        };
+    };
+    learnEach("hub", [this](Words name) { return held(name); });
+    learnEach("listeners",
+              [this](Words name) { return m_form.findChild<Probe *>(name)->listeners(); });
+    learnEach("probes", [this](Words name) { return m_form.findChild<Probe *>(name)->state(); });
 }
 
 void Desk::play(const DataRow &story)
@@ -452,6 +551,8 @@ QObject *Desk::owner(QString *property) const
     const QByteArray name = property->toLatin1();
     if (path.first() == "edit")
         return edit();
+    if (path.first() == "form")
+        return const_cast<QWidget *>(&m_form);
     if (path.size() > 1)
         return m_form.findChild<QObject *>(path.first());
     for (QObject *const object : QObjectList{m_control, edit()}) {
@@ -471,13 +572,6 @@ QString Desk::property(const QString &path) const
     return value.toString();
 }
 
-QString Desk::takeReports()
-{
-    const QString taken = m_log.mid(1);
-    m_log.clear();
-    return taken;
-}
-
 // The list that is open, or the completions.
 QAbstractItemView *Desk::list() const
 {
@@ -489,10 +583,11 @@ QAbstractItemView *Desk::completions() const
     return box()->completer()->popup();
 }
 
-QAbstractItemModel *Desk::sourceOf(const QComboBox *box)
+QAbstractItemModel *Desk::source() const
 {
-    auto *const proxy = qobject_cast<QAbstractProxyModel *>(box ? box->model() : nullptr);
-    return proxy ? proxy->sourceModel() : box ? box->model() : nullptr;
+    QAbstractItemModel *const model = box() ? box()->model() : nullptr;
+    auto *const proxy = qobject_cast<QAbstractProxyModel *>(model);
+    return proxy ? proxy->sourceModel() : model;
 }
 
 QString Desk::column(const QAbstractItemModel *model, int role) const

@@ -10,12 +10,44 @@
 #include <QAbstractItemView>
 #include <QLineEdit>
 
+// The simplest bindable control, which counts what the hub writes into it and who listens to it.
+// With the property "letters" (upper or lower) it answers in a form of its own.
+class Probe : public QWidget
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "this")
+    Q_PROPERTY(QString Value MEMBER value WRITE setValue NOTIFY changed USER true)
+    Q_PROPERTY(QString Plain MEMBER plain)
+    Q_PROPERTY(QString Fixed READ objectName)
+
+public:
+    using QWidget::QWidget;
+
+    void setValue(const QString &text);
+    // As a user would.
+    void enter(const QString &text);
+    // The value, the writes since the last call, and how many listen.
+    QString state();
+    QString listeners() const { return QString::number(receivers(SIGNAL(changed()))); }
+
+    std::function<void()> onWrite; // what else it does then
+
+signals:
+    void changed();
+
+private:
+    QString value, plain;
+    int m_writes = 0;
+};
+
 // A form of controls and one who uses it, as a file in stories/ tells it. The file begins with
 //     make      a control's class, its name, and properties; the first is in use; all are
-//               tied by a hub, but for one that is alone with its caption
+//               tied by a hub, but for one that is alone with its caption; a QWidget is a page of
+//               the FormSelector before it, and what follows is on that page
 //     row       a table, a nickname and the cells of a row that the host has from the start
 //     later     the same of a row that is there to be offered
 //     sessions  the open ones, exchange and session
+//     hears     a signal, and what it is called where a story tells what was reported
 //     shows     what the expectation of that name is made of: text, row, caret, properties
 // and goes on with stories: a name, and under it, each on a line of its own behind a tab,
 //     given     steps, parted by "; "
@@ -41,17 +73,16 @@ public:
     ComboBox *box(const QString &name) const { return m_form.findChild<ComboBox *>(name); }
     ComboBox *box() const { return qobject_cast<ComboBox *>(m_control.data()); }
     QAbstractItemView *completions() const;
-    QAbstractItemModel *source() const { return sourceOf(box()); }
-    // The model behind a box's proxy, or its model; null for no box.
-    static QAbstractItemModel *sourceOf(const QComboBox *box);
+    // The model behind the box's proxy, or its model; null for no box.
+    QAbstractItemModel *source() const;
     // What the hub holds under a name.
-    QString held(const QString &name) const { return m_hub.values()[name].toString(); }
+    QString held(const QString &name) const { return m_hub->values()[name].toString(); }
+    Properties *hub() const { return m_hub.get(); }
 
     // Does a step ("press F4 Down").
     void act(const QString &step);
     // Answers an expectation ("shows"), which may name what it is about.
     QString answer(const QString &verb, const QString &about = {}) const;
-    QString takeReports();
 
 private slots:
     void note(const QString &text);
@@ -60,6 +91,7 @@ private:
     void build(const QString &file);
     void make(const QStringList &words);
     void learnHandling();
+    void learnHubSteps();
     void learnHostSteps();
     void learnModelSteps();
     void learnAnswers();
@@ -74,11 +106,14 @@ private:
     QMap<QString, QMap<QString, QVariantList>> m_known; // rows by table and nickname
     QMap<QString, std::function<void(const QString &words)>> m_steps;
     QMap<QString, std::function<QString(const QString &about)>> m_answers;
+    QMap<QByteArray, QString> m_reports; // names by signal
     QStringList m_shows;
     QString m_log;
+    int m_turns = 0; // in which the hub reported changes
     QWidget m_form;
+    QWidget *m_place = &m_form; // where controls are made
     QLineEdit *m_next = nullptr;
     QPointer<QWidget> m_control;
-    Properties m_hub;
+    std::unique_ptr<Properties> m_hub = std::make_unique<Properties>();
     FormValidation m_validation;
 };

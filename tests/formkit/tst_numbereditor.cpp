@@ -1,45 +1,15 @@
+#include "desk.h"
+
 #include <formkit/decimalvalidator.h>
 #include <formkit/numbereditor.h>
 #include <hostapi/exception.h>
 
-#include <support/datafile.h>
 #include <support/stricttest.h>
 
 #include <QApplication>
-#include <QClipboard>
 #include <QRandomGenerator>
 
 namespace {
-
-// Letters that stand for keys in the tests' texts.
-const QString Letters = "<>^$DBWSAZY";
-const QStringList Keys =
-    QString("Left Right Home End Del Backspace Ctrl+Del Shift+Left Ctrl+A Ctrl+Z Ctrl+Shift+Z")
-        .split(' ');
-
-// QTest's keyClicks() knows Latin characters only.
-void type(NumberEditor &editor, const QString &text)
-{
-    for (const QChar c : text) {
-        const int key = QKeySequence(Keys.value(Letters.indexOf(c)))[0];
-        QKeyEvent press(QEvent::KeyPress, key & ~Qt::KeyboardModifierMask,
-                        Qt::KeyboardModifiers(key & Qt::KeyboardModifierMask),
-                        key ? QString() : QString(c));
-        QApplication::sendEvent(&editor, &press);
-    }
-}
-
-void paste(NumberEditor &editor, const QString &text)
-{
-    QApplication::clipboard()->setText(text);
-    editor.paste();
-}
-
-// The text of an editor with '|' at the caret.
-QString seen(const NumberEditor &editor)
-{
-    return editor.text().insert(editor.cursorPosition(), '|');
-}
 
 // A shown text without its group separators.
 QString ungrouped(QString text, const QLocale &locale)
@@ -80,93 +50,57 @@ class NumberEditorTest : public StrictTest
     Q_OBJECT
 
 private slots:
-    void typing();
     void randomEdits();
     void values();
     void verdicts();
     void completeTexts();
 };
 
-// In each locale: its point, group separator, minus and zero, what a person types as the
-// separator, and whether it groups as in 12,34,567.
-void NumberEditorTest::typing()
-{
-    const QString locales = "en_US .,-0,|ru_RU ,\u00a0-0_|fr_FR ,\u202f-0_|de_DE ,.-0.|"
-                            "de_CH .’-0'|sv_SE ,\u00a0−0_|nb_NO ,\u00a0−0_|pl_PL ,\u00a0-0_|"
-                            "en_IN .,-0,i|hi_IN .,-0,i|ar_EG ٫٬-٠٬|fa_IR ٫٬-۰٬";
-    for (const QString &locale : locales.split('|')) {
-        const QString symbols = locale.mid(6).replace('_', ' ');
-        const auto localized = [&symbols](QString text) {
-            for (QChar &c : text) {
-                const int symbol = QStringLiteral(".,-").indexOf(c);
-                c = symbol >= 0   ? symbols.at(symbol)
-                    : c.isDigit() ? QChar(symbols.at(3).unicode() + c.digitValue())
-                                  : c;
-            }
-            return text;
-        };
-        NumberEditor editor;
-        editor.decimalValidator()->setLocale(QLocale(locale.left(5)));
-        for (const DataRow &row : rowsOf("stories/typing.txt")) {
-            type(editor, localized(row[0]));
-            QVERIFY2(seen(editor) == localized(row[symbols.endsWith('i') ? 2 : 1]),
-                     qPrintable(locale + ": " + seen(editor)));
-            QCOMPARE(editor.getValue(), row[3]);
-        }
-        // A whole text with the separators that a person types.
-        QString pasted = localized("-9_876_543.21").replace('_', symbols.at(4));
-        paste(editor, pasted);
-        QCOMPARE(editor.getValue(), QString("-9876543.21"));
-        type(editor, "^>>");
-        paste(editor, "00");
-        QCOMPARE(editor.getValue(), QString("-900876543.21"));
-        type(editor, "A-");
-        QCOMPARE(editor.getValue(), QString("-"));
-    }
-}
-
 // Whatever is done to it, an editor's value is what an independent reading of its text gives.
 // What is typed leaves the caret in front of the same characters, unless some fall away.
 void NumberEditorTest::randomEdits()
 {
+    TestHost host;
+    Desk desk(&host, "numbers");
+    desk.act("set digits 4");
+    const auto *const editor = qobject_cast<NumberEditor *>(desk.control("price"));
     QRandomGenerator random(20240229);
-    const QString keys = "<>^$DBWSAZY<>SSSDBDB";
+    const QStringList keys = QString("Left Right Home End Del Backspace Ctrl+Del Shift+Left Ctrl+A "
+                                     "Ctrl+Z Ctrl+Shift+Z Left Right Shift+Left Del Backspace")
+                                 .split(' ');
     for (const QLocale &locale :
          QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
-        NumberEditor editor(nullptr, 4);
-        editor.decimalValidator()->setLocale(locale);
-        const QString digits = "01234567890123456789-+ 'x" + QString(locale.groupSeparator()) +
-                               locale.decimalPoint() + locale.decimalPoint() +
-                               locale.negativeSign();
-        const auto digit = [&] {
-            const QChar c = digits.at(random.bounded(digits.size()));
+        editor->decimalValidator()->setLocale(locale);
+        const QString characters = "01234567890123456789-+ 'x" + QString(locale.groupSeparator()) +
+                                   locale.decimalPoint() + locale.decimalPoint() +
+                                   locale.negativeSign();
+        const auto character = [&] {
+            const QChar c = characters.at(random.bounded(characters.size()));
             const bool native = c.isDigit() && random.bounded(2);
-            return native ? QChar(locale.zeroDigit().unicode() + c.digitValue()) : c;
+            return QString(native ? QChar(locale.zeroDigit().unicode() + c.digitValue()) : c);
         };
         for (int edit = 0; edit < 166; ++edit) {
-            const QString before = seen(editor);
-            const bool selected = editor.hasSelectedText();
-            const int size = ungrouped(editor.text(), locale).size();
-            const QString tail = ungrouped(editor.text().mid(editor.cursorPosition()), locale);
+            const QString before = desk.answer("text");
+            const bool selected = editor->hasSelectedText();
+            const auto tail = [&](int from) { return ungrouped(editor->text().mid(from), locale); };
+            const int size = tail(0).size();
+            const QString behind = tail(editor->cursorPosition());
             const int what = random.bounded(16);
-            if (what < 2) {
-                QString text;
-                for (int i = random.bounded(8); i > 0; --i)
-                    text += digit();
-                paste(editor, text);
-            } else if (what == 2) {
-                editor.setValue(decimal(random.bounded(2000000) - 1000000, random.bounded(7)));
-            } else {
-                type(editor, what < 9 ? QChar(digit()) : keys.at(random.bounded(keys.size())));
-            }
-            const QString story =
-                locale.name() + ": " + before + " -> " + seen(editor) + " = " + editor.getValue();
-            QVERIFY2(editor.getValue() == readIndependently(editor.text(), locale),
+            QString step = what < 2 ? "paste " : "type ";
+            for (int i = what < 2 ? random.bounded(8) : int(what < 9); i > 0; --i)
+                step += character();
+            if (what == 2)
+                step = "set Value " +
+                       decimal(random.bounded(2000000) - 1000000, random.bounded(7)).toString();
+            else if (what >= 9)
+                step = "press " + keys.at(random.bounded(keys.size()));
+            desk.act(step);
+            const QString story = locale.name() + ": " + before + ' ' + step + " -> " +
+                                  desk.answer("text") + " = " + editor->getValue();
+            QVERIFY2(editor->getValue() == readIndependently(editor->text(), locale),
                      qPrintable(story));
-            if (what > 2 && what < 9 && !selected &&
-                ungrouped(editor.text(), locale).size() == size + 1)
-                QVERIFY2(ungrouped(editor.text().mid(editor.cursorPosition()), locale) == tail,
-                         qPrintable(story));
+            if (what > 2 && what < 9 && !selected && tail(0).size() == size + 1)
+                QVERIFY2(tail(editor->cursorPosition()) == behind, qPrintable(story));
         }
     }
 }

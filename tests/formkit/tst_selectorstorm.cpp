@@ -42,19 +42,6 @@ Rows boardsOf(int round)
     return rows;
 }
 
-// What users do, with the largest of the number in it.
-const QPair<const char *, int> deeds[] = {{"set stock.StockId %1", 4},
-                                          {"set board.BoardId %1", 41},
-                                          {"row %1", 100},
-                                          {"edit; type Sec%1", Securities / 3},
-                                          {"type Sec%1", Securities / 3},
-                                          {"press Backspace Left", 0},
-                                          {"press Down", 0},
-                                          {"press Return", 0},
-                                          {"press Esc", 0},
-                                          {"at partner; type P; at security", 0},
-                                          {"populate stock; populate board; populate partner", 0}};
-
 } // namespace
 
 // An order form under a host that changes all its tables from another thread.
@@ -127,15 +114,17 @@ void SelectorStormTest::storm()
         host.table("securities").addRow({Securities + 1 + round, 1, 1, "N", "New"});
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     });
+    const QList<DataRow> deeds = rowsOf("stories/storm.txt");
     QRandomGenerator random(41);
     for (int i = 0; i < Announcements && !QTest::currentTestFailed(); ++i) {
         // However fast this thread is, the host changes before each announcement.
         while (writer.rounds() <= i)
             std::this_thread::yield();
         for (int action = 0; action < 4; ++action) {
-            const auto &[deed, largest] = deeds[random.bounded(int(std::size(deeds)))];
-            for (const QString &step : QString(deed).split("; "))
-                desk.act(step.contains('%') ? step.arg(random.bounded(largest + 1)) : step);
+            const DataRow &deed = deeds.at(random.bounded(deeds.size()));
+            const QString number = QString::number(random.bounded(deed[0].toInt() + 1));
+            for (QString step : deed.mid(1))
+                desk.act(step.replace("%1", number));
         }
         checkHub(&desk);
         announce(&host, &desk);

@@ -12,8 +12,8 @@ class StrictTest : public QObject
     Q_OBJECT
 
 public:
-    // Announces one warning whose whole text matches the pattern.
-    void expectWarning(const QString &pattern);
+    // Announces one warning of the running test whose whole text matches the pattern.
+    static void expectWarning(const QString &pattern);
     // Every message (any level) logged since the test function began.
     QStringList messages() const;
 
