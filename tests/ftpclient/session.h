@@ -87,19 +87,16 @@ struct Client
     std::vector<std::string> lines = {"kept"};
 };
 
-struct WithServer
-{
-    ScriptedServer server;
-};
-
-// A scripted server and its client, which goes first.
-struct Session : WithServer, Client
+// A client and its scripted server.
+struct Session : Client
 {
     explicit Session(const QString &script = {}, bool byteByByte = false, unsigned int seconds = 10,
-                     unsigned int bufferSize = 4)
-        : WithServer{ScriptedServer(script, byteByByte)}, Client(seconds, bufferSize)
+                     unsigned int bufferSize = 4, const QByteArray &content = "0123456789")
+        : Client(seconds, bufferSize), server(script, byteByByte, content)
     {
         port = server.port();
     }
     bool login() { return client.Login({"127.0.0.1", port, "joe", "secret"}); }
+
+    ScriptedServer server;
 };

@@ -16,9 +16,9 @@ QString conversation(const QStringList &row)
     const bool slow = row[0].contains("slow");
     const bool byteByByte = row.last() == "byte by byte";
     const bool logsOn = row[1].startsWith("logon ");
-    Session session(row[2], byteByByte, slow ? 2 : 20, byteByByte ? 64 : 4096);
-    if (row[1].contains("aborting"))
-        session.server.content = QByteArray("0123").repeated(1000000);
+    const QByteArray content = row[1].contains("aborting") ? QByteArray("0123").repeated(1000000)
+                                                           : QByteArray("0123456789");
+    Session session(row[2], byteByByte, slow ? 2 : 20, byteByByte ? 64 : 4096, content);
     long long result = logsOn || session.login() ? 0 : -1;
     if (row[1] != "login") {
         session.recorder.log.clear();
@@ -29,8 +29,6 @@ QString conversation(const QStringList &row)
     QStringList sent = session.server.commands().mid(logsOn ? 0 : 3);
     sent.replaceInStrings(QRegularExpression("(PORT 127,0,0,1),.*"), "\\1");
     const QString errors = session.recorder.errors().join('\n');
-    if (!slow)
-        session.server.settle();
     QString outcome = QString::number(result);
     for (int i = 0; i < 3; ++i)
         outcome += session.inStep() || !session.client.IsConnected() ? "" : " out of step";
@@ -166,9 +164,9 @@ private slots:
 
     void listings()
     {
-        Session session;
-        session.server.content = "total 2\r\n-rw-r--r-- 1 a b 5 Jan  1 2000 one\r\n\r\n"
-                                 "drwxr-xr-x 1 a b 5 Jan  1 2000 two";
+        Session session({}, false, 10, 4,
+                        "total 2\r\n-rw-r--r-- 1 a b 5 Jan  1 2000 one\r\n\r\n"
+                        "drwxr-xr-x 1 a b 5 Jan  1 2000 two");
         QVERIFY(session.login());
         std::vector<std::shared_ptr<CFTPFileStatus>> entries;
         QVERIFY(session.client.List("some/path", entries, true));
