@@ -12,7 +12,7 @@ namespace {
 quint16 startServers()
 {
     FILE *const output =
-        ::popen("exec env -u LD_PRELOAD python3 " DATA_FOLDER "/scriptedserver.py", "r");
+        ::popen("exec env -u LD_PRELOAD /usr/bin/python3 " DATA_FOLDER "/scriptedserver.py", "r");
     quint16 port = 0;
     if (!output || std::fscanf(output, "%hu", &port) != 1)
         qFatal("no scripted server");

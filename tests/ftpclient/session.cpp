@@ -79,8 +79,15 @@ long long performOne(Client &c, const QStringList &a)
         const bool sent = client.SendCommand(commandOf(a[1]), {text(a.mid(2))}, reply);
         return sent ? CFTPClient::SimpleErrorCheck(reply) : -1;
     }
+    // Commands sent before the reply to an earlier one is read.
+    if (a[0] == "send")
+        return good(client.SendCommand(commandOf(a[1]), {}));
+    if (a[0] == "reply")
+        return good(client.GetResponse(reply));
     if (a[0] == "noop")
         return client.Noop();
+    if (a[0] == "quit")
+        return client.Logout();
     if (a[0] == "rename")
         return client.Rename(text(a.mid(1, 1)), text(a.mid(2)));
     if (a[0] == "type") {
