@@ -18,13 +18,6 @@ const char fieldNames[] =
     "StockId BoardId SecurityId Price Quantity GoodTill Side Anonymous Hidden "
     "Partner Comment Sum";
 
-QWidget *keyTarget()
-{
-    QWidget *const popup = QApplication::activePopupWidget();
-    QWidget *const focus = popup ? popup->focusWidget() : QApplication::focusWidget();
-    return focus ? focus : popup;
-}
-
 // The text and caret of the field that has the focus.
 QString shownText()
 {
@@ -63,9 +56,9 @@ template <typename Form> QStringList play(const QStringList &story)
         for (const QString &part : what.split(';'))
             values.insert(part.section('=', 0, 0), part.section('=', 1));
         for (const QString &key : verb == "press" ? what.split(' ') : QStringList())
-            QTest::keySequence(keyTarget(), QKeySequence(key));
+            QTest::keySequence(form.windowHandle(), QKeySequence(key));
         for (const QChar c : verb == "type" ? what : QString())
-            QTest::keyClick(keyTarget(), c.toLatin1());
+            QTest::keyClick(form.windowHandle(), c.toLatin1());
         if (verb == "fill")
             form.fill(values);
         if (verb == "check")

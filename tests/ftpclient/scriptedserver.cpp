@@ -1,6 +1,5 @@
 #include "scriptedserver.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 

@@ -49,10 +49,8 @@ long long prepare(Client &c, const QStringList &a)
 {
     if (a[0] == "local")
         c.write(text(a.mid(1)).c_str());
-    else if (a[0] == "local4GiB")
-        return good(QFile::resize(QString::fromStdString(c.local), 1LL << 32));
-    else if (a[0] == "much")
-        c.write(QByteArray(20000000, 'x'));
+    else if (a[0] == "resize")
+        return good(QFile::resize(QString::fromStdString(c.local), a[1].toLongLong()));
     else if (a[0] == "replace")
         c.client.SetResumeMode(false);
     else if (a[0] == "aborting")

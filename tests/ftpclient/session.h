@@ -62,14 +62,6 @@ struct Client
     // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
-    bool get(const std::string &name, bool passive = true) const
-    {
-        return client.DownloadFile(name, local, nsFTP::CType::Image, passive);
-    }
-    bool put(const std::string &name, bool passive = true) const
-    {
-        return client.UploadFile(local, name, false, nsFTP::CType::Image, passive);
-    }
     // Whether a command reads its own reply.
     bool inStep() const
     {

@@ -187,13 +187,12 @@ private slots:
     // The texts themselves are compared above.
     void errorTextsNeedRoom()
     {
-        char text[32] = {};
         for (const unsigned int room : {22U, 11U}) {
+            char text[32] = {};
             errno = room == 22 ? ENOENT : 0;
             const CBlockingSocketException exception("Send");
             QVERIFY(!exception.GetErrorMessage(text, room - 1) && *text == '\0');
             QVERIFY(exception.GetErrorMessage(text, room));
-            *text = '\0';
         }
         QVERIFY(CBlockingSocketException(QByteArray(600, 'x')).GetErrorMessage().empty());
     }

@@ -85,14 +85,14 @@ private slots:
         for (const auto &[bufferSize, there] : steps) {
             Client client(60, bufferSize);
             WORKS(client, client.client.Login(server.logon()));
-            for (const bool passive : {true, false}) {
+            for (const QString mode : {"passive", "active"}) {
                 QFile::remove(client.local.c_str());
-                WORKS(client, client.get("f", passive) && client.read() == content);
-                WORKS(client, client.put("up", passive) && server.get("up") == content);
+                WORKS(client, client.perform("get f " + mode) == 0 && client.read() == content);
+                WORKS(client, client.perform("put up " + mode) == 0 && server.get("up") == content);
                 client.write(content.left(there));
-                WORKS(client, client.get("f", passive) && client.read() == content);
+                WORKS(client, client.perform("get f " + mode) == 0 && client.read() == content);
                 server.put("up", content.left(there));
-                WORKS(client, client.put("up", passive) && server.get("up") == content);
+                WORKS(client, client.perform("put up " + mode) == 0 && server.get("up") == content);
                 QCOMPARE(client.client.Delete("up"), 0);
             }
             QCOMPARE(client.recorder.errors(), QStringList());
@@ -107,8 +107,7 @@ private slots:
         const QByteArray content = bytes(20000000);
         RealSession session(m_kind, content, answersAbort ? 60 : 2);
         WORKS(session, session.login());
-        for (const bool passive : {true, false}) {
-            const char *up = passive ? "passive" : "active";
+        for (const QString mode : {"passive", "active"}) {
             int blocks = 0;
             session.recorder.afterBlock = [&] {
                 if (++blocks % 20 == 0)
@@ -116,7 +115,8 @@ private slots:
             };
             for (const bool down : {true, false}) {
                 session.write(down ? "" : content);
-                WORKS(session, down ? !session.get("f", passive) : !session.put(up, passive));
+                const QString transfer = (down ? "get f " : "put up-" + mode + " ") + mode;
+                WORKS(session, session.perform(transfer) == -1);
                 QVERIFY(content.startsWith(session.read()));
                 const bool open = session.inStep();
                 WORKS(session,
@@ -126,11 +126,12 @@ private slots:
             }
             // What the aborted transfer left is completed.
             session.recorder.afterBlock = [] {};
-            WORKS(session, session.put(up, passive) && session.server.get(up) == content);
+            WORKS(session, session.perform("put up-" + mode + " " + mode) == 0 &&
+                               session.server.get("up-" + mode) == content);
         }
         session.write("");
         session.recorder.afterBlock = [&] { session.server.kill(); };
-        QVERIFY(!session.get("f"));
+        QCOMPARE(session.perform("get f"), -1);
         QVERIFY(session.read().size() < 20000000);
         QVERIFY(session.client.Noop() == -1 && !session.client.IsConnected());
     }
