@@ -81,10 +81,10 @@ void split(benchmark::State &state)
 
 void list(benchmark::State &state)
 {
-    ScriptedServer server;
-    server.content.clear();
+    QByteArray content;
     for (int i = 0; i < int(state.range(0)); ++i)
-        server.content += QByteArray::fromStdString(lineOf(1, i)) + "\r\n";
+        content += QByteArray::fromStdString(lineOf(1, i)) + "\r\n";
+    const ScriptedServer server({}, false, content);
     CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance());
     std::vector<std::shared_ptr<CFTPFileStatus>> entries;
     if (!client.Login({"127.0.0.1", server.port()}))

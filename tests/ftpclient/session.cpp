@@ -49,10 +49,8 @@ long long prepare(Client &c, const QStringList &a)
 {
     if (a[0] == "local")
         c.write(text(a.mid(1)).c_str());
-    else if (a[0] == "local4GiB")
-        return good(QFile::resize(QString::fromStdString(c.local), 1LL << 32));
-    else if (a[0] == "much")
-        c.write(QByteArray(20000000, 'x'));
+    else if (a[0] == "resize")
+        return good(QFile::resize(QString::fromStdString(c.local), a[1].toLongLong()));
     else if (a[0] == "replace")
         c.client.SetResumeMode(false);
     else if (a[0] == "aborting")
@@ -79,8 +77,15 @@ long long performOne(Client &c, const QStringList &a)
         const bool sent = client.SendCommand(commandOf(a[1]), {text(a.mid(2))}, reply);
         return sent ? CFTPClient::SimpleErrorCheck(reply) : -1;
     }
+    // Commands sent before the reply to an earlier one is read.
+    if (a[0] == "send")
+        return good(client.SendCommand(commandOf(a[1]), {}));
+    if (a[0] == "reply")
+        return good(client.GetResponse(reply));
     if (a[0] == "noop")
         return client.Noop();
+    if (a[0] == "quit")
+        return client.Logout();
     if (a[0] == "rename")
         return client.Rename(text(a.mid(1, 1)), text(a.mid(2)));
     if (a[0] == "type") {

@@ -62,14 +62,6 @@ struct Client
     // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
-    bool get(const std::string &name, bool passive = true) const
-    {
-        return client.DownloadFile(name, local, nsFTP::CType::Image, passive);
-    }
-    bool put(const std::string &name, bool passive = true) const
-    {
-        return client.UploadFile(local, name, false, nsFTP::CType::Image, passive);
-    }
     // Whether a command reads its own reply.
     bool inStep() const
     {
@@ -87,19 +79,16 @@ struct Client
     std::vector<std::string> lines = {"kept"};
 };
 
-struct WithServer
-{
-    ScriptedServer server;
-};
-
-// A scripted server and its client, which goes first.
-struct Session : WithServer, Client
+// A client and its scripted server.
+struct Session : Client
 {
     explicit Session(const QString &script = {}, bool byteByByte = false, unsigned int seconds = 10,
-                     unsigned int bufferSize = 4)
-        : WithServer{ScriptedServer(script, byteByByte)}, Client(seconds, bufferSize)
+                     unsigned int bufferSize = 4, const QByteArray &content = "0123456789")
+        : Client(seconds, bufferSize), server(script, byteByByte, content)
     {
         port = server.port();
     }
     bool login() { return client.Login({"127.0.0.1", port, "joe", "secret"}); }
+
+    ScriptedServer server;
 };

@@ -16,9 +16,9 @@ QString conversation(const QStringList &row)
     const bool slow = row[0].contains("slow");
     const bool byteByByte = row.last() == "byte by byte";
     const bool logsOn = row[1].startsWith("logon ");
-    Session session(row[2], byteByByte, slow ? 2 : 20, byteByByte ? 64 : 4096);
-    if (row[1].contains("aborting"))
-        session.server.content = QByteArray("0123").repeated(1000000);
+    const QByteArray content = row[1].contains("aborting") ? QByteArray("0123").repeated(1000000)
+                                                           : QByteArray("0123456789");
+    Session session(row[2], byteByByte, slow ? 2 : 20, byteByByte ? 64 : 4096, content);
     long long result = logsOn || session.login() ? 0 : -1;
     if (row[1] != "login") {
         session.recorder.log.clear();
@@ -29,8 +29,6 @@ QString conversation(const QStringList &row)
     QStringList sent = session.server.commands().mid(logsOn ? 0 : 3);
     sent.replaceInStrings(QRegularExpression("(PORT 127,0,0,1),.*"), "\\1");
     const QString errors = session.recorder.errors().join('\n');
-    if (!slow)
-        session.server.settle();
     QString outcome = QString::number(result);
     for (int i = 0; i < 3; ++i)
         outcome += session.inStep() || !session.client.IsConnected() ? "" : " out of step";
@@ -147,28 +145,11 @@ private slots:
         QCOMPARE(other.client.GetObservers(), CFTPClient::TObserverSet({&other.recorder, &leaves}));
     }
 
-    void sessions()
-    {
-        Session session("NOOP: 200 first; NOOP: 200 second", false, ~0U);
-        const CFTPClient &client = session.client;
-        CReply one;
-        CReply two;
-        QVERIFY(session.login());
-        QVERIFY(client.SendCommand(CCommand::NOOP, {}) && client.SendCommand(CCommand::NOOP, {}));
-        QVERIFY(client.GetResponse(one) && client.GetResponse(two));
-        QCOMPARE(one.Value() + two.Value(), std::string("200 first200 second"));
-        QVERIFY(session.login());
-        QCOMPARE(client.Logout(), 0);
-        QCOMPARE(client.Logout(), -1);
-        QCOMPARE(session.server.commands().join(','),
-                 "USER joe,PASS secret,CWD .,NOOP,NOOP,QUIT,USER joe,PASS secret,CWD .,QUIT");
-    }
-
     void listings()
     {
-        Session session;
-        session.server.content = "total 2\r\n-rw-r--r-- 1 a b 5 Jan  1 2000 one\r\n\r\n"
-                                 "drwxr-xr-x 1 a b 5 Jan  1 2000 two";
+        Session session({}, false, ~0U, 4,
+                        "total 2\r\n-rw-r--r-- 1 a b 5 Jan  1 2000 one\r\n\r\n"
+                        "drwxr-xr-x 1 a b 5 Jan  1 2000 two");
         QVERIFY(session.login());
         std::vector<std::shared_ptr<CFTPFileStatus>> entries;
         QVERIFY(session.client.List("some/path", entries, true));
@@ -240,8 +221,7 @@ private slots:
             }
             int status = 0;
             ::waitpid(child, &status, 0);
-            QVERIFY2(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT,
-                     QByteArray::number(int(&fault - faults)));
+            QVERIFY2(WTERMSIG(status) == SIGABRT, QByteArray::number(int(&fault - faults)));
         }
     }
 };

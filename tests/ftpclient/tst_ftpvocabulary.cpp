@@ -37,21 +37,6 @@ private slots:
         QCOMPARE(CCommand(CCommand::CWD).AsMaskedString({"a"}), std::string("CWD a"));
     }
 
-    void replies()
-    {
-        for (const char *text :
-             {"226 done", "150", "25x", "355", "22", "600", "000", "260", "2x0", ""}) {
-            const bool good =
-                QByteArray("226 done 150 25x 355").contains(text) && qstrlen(text) > 2;
-            CReply reply;
-            QVERIFY(reply.Set("553 earlier") && reply.Code().IsPermanentNegativeReply());
-            QCOMPARE(reply.Set(text), good);
-            QCOMPARE(reply.Value(), std::string(text));
-            QCOMPARE(reply.Code().Value(), good ? std::string(text, 3) : std::string());
-            QVERIFY(reply.Code().IsPositiveReply() == good && !reply.Code().IsNegativeReply());
-        }
-    }
-
     void parameters()
     {
         std::string letters = CType(CType::LocalByte).AsString();

@@ -1,0 +1,212 @@
+"""FTP servers that do what a test tells them to, on loopback.
+
+Prints the port of its desk and ends with the program that reads that. Whoever connects to the desk
+gets a server of its own, which serves one control connection after the other for as long as the
+connection to the desk lasts. The talk there, a line each: an object with "script", "content" (what
+downloads and listings send) and "byte by byte"; the server's port; then, as often as an empty line
+comes, the list of the command lines so far, behind each upload "=" with its first bytes. That
+answer waits (a fifth of a second at most) until the server has done all that it was told to and
+listens again: what it sent is then there to be read.
+
+Without a script a server behaves. A script is a list of "VERB: action|action" parted by ';'; each
+entry serves one command of that verb ("greeting" is one too), after which the verb behaves again.
+Actions:
+  <text>       sent with CR LF; {pasv}, {spaced}, {port}, {size} are filled in, \u2400 is a NUL
+  raw <text>   sent as it stands
+  spam <n> <text>, drip <n> <text>  sent n times, at once or five times a second
+  wait <ms>, close (the control connection), nothing
+  data         moves the whole content, behind the offset of REST; forget drops that offset
+  part <n>     moves the next n bytes and leaves the data connection open
+  end, cut     closes the data connection, cleanly or with a reset
+  flood        sends data until the other side goes
+  from <address>  in active mode, connects from there from now on
+"""
+import json
+import re
+import select
+import socket
+import socketserver
+import struct
+import threading
+import time
+
+BEHAVIOUR = """greeting: 220 ready;USER: 331 password;PASS: 230 in;CWD: 250 there;REST: 350 go on;
+PASV: 227 Entering Passive Mode ({pasv});RNFR: 350 to what;SIZE: 213 {size};
+MDTM: 213 20240229120001;PWD: 257 in step;ABOR: 226 aborted;QUIT: 221 bye|close;
+RETR: 150 here|data|226 done;LIST: 150 here|data|226 done;NLST: 150 here|data|226 x;
+STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
+PATIENCE = 60  # seconds for a peer that does nothing
+
+
+def entries(script):
+    return [entry.partition(": ")[::2] for entry in re.split("; *\n?", script)]
+
+
+class Server(socketserver.StreamRequestHandler):
+    def handle(self):
+        order = json.loads(self.rfile.readline())
+        self.script = entries(order["script"])
+        self.content = order["content"].encode("latin-1")
+        self.byte_by_byte = order["byte by byte"]
+        self.commands, self.offset, self.origin = [], 0, "127.0.0.1"
+        self.passive = self.active = self.data = None
+        self.listens = threading.Event()
+        with socket.create_server(("127.0.0.1", 0)) as listener:
+            threading.Thread(target=self.serve, args=[listener], daemon=True).start()
+            self.answer(listener.getsockname()[1])
+            while self.rfile.readline():
+                self.listens.wait(0.2)
+                self.answer(self.commands)
+            listener.shutdown(socket.SHUT_RDWR)
+
+    def answer(self, what):
+        self.wfile.write(json.dumps(what).encode() + b"\n")
+
+    def serve(self, listener):
+        while True:
+            try:
+                self.control = listener.accept()[0]
+            except OSError:
+                return
+            self.control.settimeout(PATIENCE)
+            self.control.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+            with self.control, self.control.makefile("rb") as self.lines:
+                self.perform("greeting")
+                try:
+                    while not self.lines.closed and self.obey_next():
+                        pass
+                except OSError:
+                    pass
+            self.drop_data()
+            self.passive = self.active = None
+
+    def obey_next(self):
+        self.listens.set()
+        line = self.lines.readline()
+        self.listens.clear()
+        if not line.endswith(b"\r\n"):
+            return False
+        text = line[:-2].decode(errors="replace")
+        self.commands.append(text)
+        verb, _, argument = text.partition(" ")
+        if verb == "REST":
+            self.offset = int(argument)
+        if verb == "PORT":
+            high, low = argument.split(",")[4:]
+            self.active = int(high) * 256 + int(low)
+        self.perform(verb)
+        return True
+
+    def perform(self, verb):
+        known = self.script + entries(BEHAVIOUR)
+        entry = next((e for e in known if e[0] == verb), (verb, "200 ok"))
+        if entry in self.script:
+            self.script.remove(entry)
+        for action in entry[1].split("|"):
+            try:
+                self.act(action, verb)
+            except OSError:  # the other side has gone, or does nothing
+                self.drop_data()
+
+    def act(self, action, verb):
+        word, _, rest = action.partition(" ")
+        number, _, text = rest.partition(" ")
+        if word == "raw":
+            self.send(self.control, self.filled_in(rest))
+        elif word == "spam":
+            self.send(self.control, text.encode() * int(number))
+        elif word == "drip":
+            for _ in range(int(number)):
+                self.send(self.control, text.encode())
+                time.sleep(0.2)
+        elif word == "wait":
+            time.sleep(int(number) / 1000)
+        elif word == "close":
+            self.lines.close()
+            self.control.close()
+        elif word == "data":
+            self.move(verb, None)
+            self.offset = 0
+            self.end_data(reset=False)
+        elif word == "forget":
+            self.offset = 0
+        elif word == "part":
+            self.move(verb, int(number))
+        elif word in ("end", "cut"):
+            self.end_data(reset=word == "cut")
+        elif word == "flood":
+            self.open_data()
+            while True:
+                self.send(self.data, b"x" * (1 << 20))
+        elif word == "from":
+            self.origin = rest
+        elif word != "nothing":
+            self.send(self.control, self.filled_in(action + "\r\n"))
+
+    def send(self, to, data):
+        step = 1 if self.byte_by_byte and len(data) <= 1000 else max(1, len(data))
+        for at in range(0, len(data), step):
+            to.sendall(data[at:at + step])
+
+    def filled_in(self, text):
+        if "{" in text:
+            self.passive, self.active = socket.create_server(("127.0.0.1", 0)), None
+            self.passive.settimeout(PATIENCE)
+            port = "%d,%d" % divmod(self.passive.getsockname()[1], 256)
+            text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
+                    .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
+                    .replace("{size}", str(len(self.content))))
+        return text.replace("\u2400", "\0").encode()
+
+    def open_data(self):
+        """In passive mode the client has connected; in active mode it listens."""
+        if self.data:
+            return
+        if self.active:
+            self.data = socket.create_connection(("127.0.0.1", self.active), PATIENCE,
+                                                 (self.origin, 0))
+        elif self.passive:
+            self.data = self.passive.accept()[0]
+        else:
+            raise OSError("no way was agreed upon")
+        self.data.settimeout(PATIENCE)
+        self.data.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+
+    def end_data(self, reset):
+        self.open_data()
+        linger = struct.pack("ii", reset, 0)
+        self.data.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, linger)
+        self.drop_data()
+
+    def drop_data(self):
+        if self.data:
+            self.data.close()
+            self.data = None
+
+    def move(self, verb, length):
+        self.open_data()
+        if verb in ("RETR", "LIST", "NLST"):
+            part = self.content[self.offset:][:length]
+            self.send(self.data, part)
+            self.offset += len(part)
+            return
+        came = b""
+        while length is None or len(came) < length:
+            part = self.data.recv(65536 if length is None else length - len(came))
+            if not part:
+                break
+            came += part
+        self.commands.append("=" + came[:99].decode("latin-1"))
+
+
+class Desk(socketserver.ThreadingTCPServer):
+    daemon_threads = True
+    request_queue_size = 100
+
+
+with Desk(("127.0.0.1", 0), Server) as desk:
+    threading.Thread(target=desk.serve_forever, daemon=True).start()
+    print(desk.server_address[1], flush=True)
+    reader_gone = select.poll()
+    reader_gone.register(1, 0)
+    reader_gone.poll()
