@@ -1,4 +1,3 @@
-
 #include <formkit/combobox.h>
 #include <formkit/keymapper.h>
 #include <formkit/numbereditor.h>

@@ -88,7 +88,7 @@ private slots:
         CBlockingSocket lone;
         sockaddr_in address = {};
         address.sin_family = AF_INET;
-        const std::string much(50000000, 'x');
+        const std::vector<char> much(50000000);
         QCOMPARE(failureOf([&] { pair.receive(0); }), "Receive timeout");
         QCOMPARE(failureOf([&] { pair.near.Write(much.data(), 50000000, 0); }), "Send timeout");
         QCOMPARE(failureOf([&] { pair.near.Bind(generic(address)); }), "Bind 0x00000016");

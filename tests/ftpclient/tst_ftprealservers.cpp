@@ -29,7 +29,7 @@ struct RealSession : Client
 };
 
 // On failure the end of the client's log is told.
-#define WORKS(session, expression) QVERIFY2(expression, qPrintable((session).recorder.last()))
+#define WORKS(session, expression) QVERIFY2((expression), qPrintable((session).recorder.last()))
 
 } // namespace
 
