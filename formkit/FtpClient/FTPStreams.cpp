@@ -1,5 +1,7 @@
 #include "formkit/FtpClient/FTPStreams.h"
 
+#include <new>
+
 namespace nsFTP {
 
 ITransferNotification::~ITransferNotification() = default;
@@ -63,8 +65,13 @@ CFile::CFile(const std::string &name) : m_File(QFile::decodeName(name.c_str())) 
 
 CFile::~CFile()
 {
-    if (m_File.isOpen())
+    if (!m_File.isOpen())
+        return;
+    try {
         Close(false);
+    } catch (const std::bad_alloc &) {
+        // What could not be put away stays.
+    }
 }
 
 bool CFile::Open(TDirection direction)
