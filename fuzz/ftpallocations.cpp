@@ -2,13 +2,13 @@
 // one fails, and then that one and all behind it. The caller gets std::bad_alloc or a false, the
 // session is closed or in step, nothing is kept, and the same operation then does its work.
 
+#include "failingallocations.h"
 #include "memoryserver.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <atomic>
 #include <climits>
 #include <csignal>
 #include <cstring>
@@ -21,90 +21,15 @@ using namespace nsFTP;
 
 namespace {
 
-// The n-th allocation from now fails (0: none), or that and all later ones.
-std::atomic<long> failAt{0};
-std::atomic<bool> failOn{false};
-std::atomic<long> failed{0};
-std::atomic<long> live{0};
-
-bool fails()
-{
-    if (failAt == 0 || (--failAt > 0))
-        return false;
-    failAt = failOn ? 1 : 0;
-    ++failed;
-    errno = ENOMEM;
-    return true;
-}
-
-void *counted(void *memory)
-{
-    live += memory != nullptr;
-    return memory;
-}
-
-} // namespace
-
-// Qt's containers allocate with malloc, so that this is the place for all of them.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SYSTEM(name) __interceptor_##name
-#else
-#define SYSTEM(name) __libc_##name
-#endif
-extern "C" {
-void *SYSTEM(malloc)(size_t);
-void *SYSTEM(calloc)(size_t, size_t);
-void *SYSTEM(realloc)(void *, size_t);
-void SYSTEM(free)(void *);
-
-void *malloc(size_t size)
-{
-    return fails() ? nullptr : counted(SYSTEM(malloc)(size));
-}
-void *calloc(size_t count, size_t size)
-{
-    return fails() ? nullptr : counted(SYSTEM(calloc)(count, size));
-}
-void *realloc(void *memory, size_t size)
-{
-    if (fails())
-        return nullptr;
-    live -= memory != nullptr;
-    return counted(SYSTEM(realloc)(memory, size));
-}
-void free(void *memory)
-{
-    live -= memory != nullptr;
-    SYSTEM(free)(memory);
-}
-}
-
-void *operator new(size_t size)
-{
-    if (void *const memory = malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void *memory) noexcept
-{
-    free(memory);
-}
-void operator delete(void *memory, size_t /*size*/) noexcept
-{
-    free(memory);
-}
-
-namespace {
-
 // What the server needs does not run out.
 class Server : public MemoryServer
 {
 public:
     void hear(const std::string &line) override
     {
-        const long left = failAt.exchange(0);
+        const long left = std::exchange(Allocations::failAt, 0);
         MemoryServer::hear(line);
-        failAt = left;
+        Allocations::failAt = left;
     }
 };
 
@@ -246,18 +171,18 @@ bool runOut(const Operation &operation, Session &session, long allocation, bool 
 {
     bool done = false;
     bool thrown = false;
-    failed = 0;
-    failOn = on;
-    failAt = allocation;
+    Allocations::failed = 0;
+    Allocations::failOn = on;
+    Allocations::failAt = allocation;
     try {
         done = operation.run(session);
     } catch (const std::bad_alloc &) {
         thrown = true;
     }
-    failAt = 0;
-    demand(failed > 0 || done, "not done although nothing failed");
-    demand(!thrown || failed > 0, "std::bad_alloc out of nothing");
-    return failed > 0;
+    Allocations::failAt = 0;
+    demand(Allocations::failed > 0 || done, "not done although nothing failed");
+    demand(!thrown || Allocations::failed > 0, "std::bad_alloc out of nothing");
+    return Allocations::failed > 0;
 }
 
 // False when the operation has fewer allocations.
@@ -316,10 +241,10 @@ int main()
                 std::snprintf(place, sizeof place, "%s: allocation %ld%s\n", operation.name,
                               allocation, on ? " and all later ones" : "");
                 alarm(60);
-                const long before = live;
+                const long before = Allocations::live;
                 const size_t opened = descriptors();
                 ranOut = tryOut(operation, folder.path(), allocation, on);
-                demand(live == before, "memory is kept");
+                demand(Allocations::live == before, "memory is kept");
                 demand(descriptors() == opened && MemorySocket::handles == 0, "a handle is kept");
                 failures += ranOut;
             }
