@@ -25,10 +25,10 @@ namespace {
 class Server : public MemoryServer
 {
 public:
-    void hear(const std::string &line) override
+    void hear(const char *data, int size) override
     {
         const long left = std::exchange(Allocations::failAt, 0);
-        MemoryServer::hear(line);
+        MemoryServer::hear(data, size);
         Allocations::failAt = left;
     }
 };
@@ -106,6 +106,13 @@ Operation broken(const char *name, MemoryServer::Fault fault,
             }};
 }
 
+// Whatever a scope is left by, the session has to be closed then.
+struct ClosedAtTheEnd
+{
+    ~ClosedAtTheEnd() { demand(!client.IsConnected(), "not closed"); }
+    const CFTPClient &client;
+};
+
 const auto logOff = [](Session &s) { s.client.Logout(); };
 const auto keepPart = [](Session &s) {
     QFile file(QFile::decodeName(s.local.c_str()));
@@ -156,8 +163,13 @@ const std::vector<Operation> Operations = {
      }},
     {"between servers, active",
      [](Session &s) { return s.client.DownloadFile("f", s.other, "g", CType::Image, false); }},
-    broken("no connection", MemoryServer::Connecting,
-           [](Session &s) { return s.client.Login(s.logon); }),
+    {"no connection",
+     [](Session &s) {
+         const ClosedAtTheEnd closed{s.client};
+         s.server.fault = MemoryServer::Connecting;
+         return !s.client.Login(s.logon);
+     },
+     logOff},
     broken("no data connection", MemoryServer::Connecting,
            [](Session &s) { return get(s, CType::Image, true); }),
     broken("broken command", MemoryServer::Sending,

@@ -25,13 +25,16 @@ public:
     // What is sent to downloads and came with uploads.
     std::string content;
     std::string stored;
+    // The half of a command that broke off: the next one is heard behind it.
+    std::string torn;
     // The place of the next fault: the client's sockets cannot connect, send or receive data.
     enum Fault { NoFault, Connecting, Sending, Receiving } fault = NoFault;
     Input input;
 
     // Takes a command of the client.
-    virtual void hear(const std::string &line)
+    virtual void hear(const char *data, int size)
     {
+        const std::string line = std::exchange(torn, {}) + std::string(data, size_t(size));
         const std::string verb = line.substr(0, line.find_first_of(" \r"));
         const std::string argument = line.substr(std::min(verb.size() + 1, line.size()));
         std::string reply = "200 " + line;
@@ -98,14 +101,18 @@ public:
     void Connect(const sockaddr * /*psa*/) const override
     {
         failAt(MemoryServer::Connecting, "Connect");
-        if (m_control)
+        if (m_control) {
+            m_server.torn.clear();
             m_server.input = {"220 Ready\r\n", ""};
+        }
     }
     int Write(const char *data, int size, int /*seconds*/) const override
     {
+        if (m_server.fault == MemoryServer::Sending)
+            m_server.torn.assign(data, size_t(size) / 2);
         failAt(MemoryServer::Sending, "Send");
         if (m_control)
-            m_server.hear({data, size_t(size)});
+            m_server.hear(data, size);
         else
             m_server.stored.append(data, size_t(size));
         return size;

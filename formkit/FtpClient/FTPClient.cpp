@@ -568,13 +568,7 @@ bool CFTPClient::Login(const CLogonInfo &logon)
 int CFTPClient::Logout() const
 {
     const std::lock_guard<std::recursive_mutex> turn(d->exchange);
-    int result = -1;
-    try {
-        result = simple(CCommand::QUIT);
-    } catch (...) {
-        d->drop();
-        throw;
-    }
+    const int result = simple(CCommand::QUIT);
     d->close();
     return result;
 }
