@@ -366,6 +366,8 @@ bool CFTPClient::Private::readReply(CReply &reply)
         tell([&](CNotification &o) { o.OnResponse(reply); });
     } catch (...) {
         giveUpReplies();
+        if (!isReply)
+            drop();
         throw;
     }
     if (!isReply)
