@@ -3,10 +3,12 @@
 #include "contentcheck_p.h"
 #include "loaderror_p.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QThread>
 
 #include <limits>
 
@@ -39,6 +41,30 @@ private:
 
     const QString m_name;
     QSqlDatabase m_database;
+};
+
+constexpr int MostReads = 3;
+
+// What tells that a file has been written to.
+struct FileState
+{
+    explicit FileState(const QFileInfo &file) : size(file.size()), modified(file.lastModified()) {}
+
+    bool operator==(const FileState &other) const
+    {
+        return size == other.size && modified == other.modified;
+    }
+    // The clock of a file system stands still for some milliseconds, in which a change leaves no
+    // trace: what is to be compared is read after them.
+    void waitUntilSettled() const
+    {
+        constexpr qint64 Settled = 20;
+        if (modified.isValid() && modified.msecsTo(QDateTime::currentDateTime()) < Settled)
+            QThread::msleep(Settled);
+    }
+
+    qint64 size;
+    QDateTime modified;
 };
 
 QString quoted(const QString &name)
@@ -112,9 +138,7 @@ DatabaseLoader::DatabaseLoader(const QString &file, const std::vector<const RowL
 std::unique_ptr<DatabaseContent> DatabaseLoader::load()
 {
     try {
-        Connection connection;
-        open(connection.database());
-        std::unique_ptr<DatabaseContent> content = read(connection.database());
+        std::unique_ptr<DatabaseContent> content = readUnchanged();
         for (TableContent &table : content->tables) {
             throwIfCancelled();
             table.sort();
@@ -129,6 +153,27 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::load()
     } catch (const Cancelled &) {
         return nullptr;
     }
+}
+
+// A transaction keeps out writers that ask SQLite, and no others: a file that was written over
+// while it was read, into which halves of two contents may have gone, is read again.
+std::unique_ptr<DatabaseContent> DatabaseLoader::readUnchanged() const
+{
+    for (int attempt = 0; attempt < MostReads; ++attempt) {
+        const FileState before{QFileInfo(m_file)};
+        before.waitUntilSettled();
+        try {
+            Connection connection;
+            open(connection.database());
+            std::unique_ptr<DatabaseContent> content = read(connection.database());
+            if (FileState(QFileInfo(m_file)) == before)
+                return content;
+        } catch (const Exception &) {
+            if (FileState(QFileInfo(m_file)) == before)
+                throw;
+        }
+    }
+    throw Exception(QStringLiteral("%1: was changed while it was read").arg(m_file));
 }
 
 void DatabaseLoader::open(QSqlDatabase &database) const

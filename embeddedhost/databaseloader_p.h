@@ -10,11 +10,12 @@
 #include <functional>
 
 // Reads a SQLite file, within one transaction of a read-only connection of its own, on the
-// thread that calls it.
+// thread that calls it; again, up to twice, when the file was written to meanwhile.
 class DatabaseLoader
 {
 public:
-    // Called at the start and the end of each table and every few thousand rows between.
+    // Called at the start and the end of each table and every few thousand rows between, of each
+    // reading.
     using Progress = std::function<void(int table, int rows, int total)>;
 
     // `cancelled` may be set by any thread while load() runs.
@@ -30,6 +31,7 @@ private:
     {
     };
 
+    std::unique_ptr<DatabaseContent> readUnchanged() const;
     void open(QSqlDatabase &database) const;
     std::unique_ptr<DatabaseContent> read(const QSqlDatabase &database) const;
     void checkColumns(const QSqlDatabase &database, const TableSchema &schema) const;

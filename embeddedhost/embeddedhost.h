@@ -21,9 +21,11 @@ class ReferenceStore;
 // Use it on the thread of the user interface; what it hands out as ICore may be used as the
 // contract says, and one recursive lock serves all its tables. A load reads on a thread of
 // its own and replaces tables, directories and sessions in one step, for which alone it takes
-// the lock; whatever goes wrong before, the former content stays. Rows that are held by
-// Records outlive the change. The host destroys no form: it must outlive them, and all
-// Records.
+// the lock; whatever goes wrong before, the former content stays. Replace the file by renaming
+// another one or in a transaction of SQLite: a load then sees the one or the other. A file that is
+// seen to be written over while it is read is read again, up to twice, before the load fails. Rows
+// that are held by Records outlive the change. The host destroys no form: it must outlive them, and
+// all Records.
 //
 // A million securities is a normal size: some 200 bytes each with their texts, texts that
 // return often (base codes) kept once. A reload needs room for the new rows beside the old.
@@ -75,7 +77,7 @@ public:
 
 signals:
     // Rows read of one table. Each table is reported at least when it is complete; between,
-    // as often as the event loop gets round to it.
+    // as often as the event loop gets round to it. A file that is read again begins again.
     void progress(const QString &table, int rows, int total);
     // The new content is in place: repopulate the forms. When other sessions are open now, the
     // decoder has announced them just before.

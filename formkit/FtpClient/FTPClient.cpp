@@ -209,8 +209,8 @@ bool CFTPClient::Private::open(const std::string &host, unsigned short port)
         const sockaddr_in address = control->GetHostByName(host.c_str(), port);
         control->Connect(reinterpret_cast<const sockaddr *>(&address));
     } catch (const CBlockingSocketException &exception) {
-        report(exception, ReportAt::OpenControl);
         drop();
+        report(exception, ReportAt::OpenControl);
         return false;
     }
     unanswered = 1; // the greeting
@@ -222,6 +222,7 @@ void CFTPClient::Private::close()
     try {
         control->Close();
     } catch (const CBlockingSocketException &exception) {
+        drop();
         report(exception, ReportAt::CloseControl);
     }
     drop();
@@ -251,8 +252,8 @@ bool CFTPClient::Private::limitPassed(size_t lineCount, size_t bytes)
 {
     if (lineCount <= MaxReplyLines && bytes <= MaxReplyBytes && Clock::now() < replyEnd)
         return false;
-    report("Reply limit exceeded.", ReportAt::ReplyLimit);
     drop();
+    report("Reply limit exceeded.", ReportAt::ReplyLimit);
     return true;
 }
 
@@ -317,9 +318,9 @@ bool CFTPClient::Private::takeLine(std::string &line)
     return true;
 }
 
-// Reads one whole reply, whatever its code; false when none came. A reply that was begun before
-// a time-out is read on.
-bool CFTPClient::Private::readReply(CReply &reply)
+// Receives one whole reply, whatever its code; false when none came. A reply that was begun
+// before a time-out is read on.
+bool CFTPClient::Private::takeReply(CReply &reply)
 {
     constexpr long long LongestLimit = 1000000000; // more overflows the clock
     const long long limit = 4LL * (static_cast<long long>(receiveTimeout) + responseDelay);
@@ -340,19 +341,38 @@ bool CFTPClient::Private::readReply(CReply &reply)
         if (limitPassed(partialReplyLines, partialReply.size()))
             return false;
     }
-    const bool hasCode = reply.Set(partialReply);
+    reply.Set(partialReply);
     partialReply.clear();
     partialReplyLines = 0;
-    tell([&](CNotification &o) { o.OnResponse(reply); });
-    if (!hasCode && !startsWithThreeDigits(reply.Value())) {
-        drop();
-        return false;
+    return true;
+}
+
+// Reads one whole reply, and closes the session when it is none.
+bool CFTPClient::Private::readReply(CReply &reply)
+{
+    try {
+        if (!takeReply(reply))
+            return false;
+    } catch (...) {
+        drop(); // what was received of the reply may be lost
+        throw;
     }
-    if (reply.Value().front() != '1') {
+    const bool isReply = !reply.Code().Value().empty() || startsWithThreeDigits(reply.Value());
+    if (isReply && reply.Value().front() != '1') {
         unanswered -= std::min(unanswered, 1U);
         abandoned -= std::min(abandoned, 1U);
     }
-    return true;
+    try {
+        tell([&](CNotification &o) { o.OnResponse(reply); });
+    } catch (...) {
+        giveUpReplies();
+        if (!isReply)
+            drop();
+        throw;
+    }
+    if (!isReply)
+        drop();
+    return isReply;
 }
 
 // Reads what earlier commands are still owed and what nobody asked for, so that the next reply
@@ -442,7 +462,12 @@ void CFTPClient::AttachObserver(CNotification *observer)
 {
     FTP_ASSERT(observer, "pObserver");
     d->observers.insert(observer);
-    observer->m_Clients.insert(this);
+    try {
+        observer->m_Clients.insert(this);
+    } catch (...) {
+        d->observers.erase(observer);
+        throw;
+    }
 }
 
 void CFTPClient::DetachObserver(CNotification *observer)
@@ -562,8 +587,8 @@ bool CFTPClient::SendCommand(const CCommand &command, const CArg &arguments) con
         const std::string line = command.AsString(arguments) + d->lineEnd;
         d->control->Write(line.data(), int(line.size()), d->timeout());
     } catch (const CBlockingSocketException &exception) {
-        d->report(exception, ReportAt::Send);
         d->drop();
+        d->report(exception, ReportAt::Send);
         return false;
     }
     ++d->unanswered;

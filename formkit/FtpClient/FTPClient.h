@@ -21,10 +21,11 @@ namespace nsFTP {
 //     client.Logout();
 //
 // Every operation runs on the caller's thread and returns when the exchange is over. Nothing is
-// thrown (what an observer throws passes through). Results of type int are those of a command:
-// 0 for a positive completion reply, 1 for a negative one, -1 for a reply that is neither and
-// for none. One client serves one thread; only Abort() and IsTransferringData() may be called
-// from another one meanwhile.
+// thrown but std::bad_alloc when memory runs out and what an observer throws: the session is then
+// closed or in step, the data connection is closed, and a download keeps what arrived.
+// Results of type int are those of a command: 0 for a positive completion reply, 1 for a negative
+// one, -1 for a reply that is neither and for none. One client serves one thread; only Abort() and
+// IsTransferringData() may be called from another one meanwhile.
 //
 // What may be relied on
 // - Every wait (connecting, accepting the server's data connection, each receive and send) is
@@ -282,6 +283,7 @@ public:
 private:
     struct Private;
     class DataCommand;
+    struct OwedReplies;
 
     int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr) const;
     bool busy() const;

@@ -47,6 +47,7 @@ struct CFTPClient::Private
     void forgetReplies();
     bool takeText();
     bool takeLine(std::string &line);
+    bool takeReply(CReply &reply);
     bool readReply(CReply &reply);
     bool limitPassed(size_t lines, size_t bytes);
 

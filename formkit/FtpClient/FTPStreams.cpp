@@ -1,5 +1,7 @@
 #include "formkit/FtpClient/FTPStreams.h"
 
+#include <new>
+
 namespace nsFTP {
 
 ITransferNotification::~ITransferNotification() = default;
@@ -63,8 +65,13 @@ CFile::CFile(const std::string &name) : m_File(QFile::decodeName(name.c_str())) 
 
 CFile::~CFile()
 {
-    if (m_File.isOpen())
+    if (!m_File.isOpen())
+        return;
+    try {
         Close(false);
+    } catch (const std::bad_alloc &) {
+        // What could not be put away stays.
+    }
 }
 
 bool CFile::Open(TDirection direction)
@@ -72,7 +79,9 @@ bool CFile::Open(TDirection direction)
     m_enDirection = direction;
     m_bMade = direction == receive && !m_File.exists();
     const QIODevice::OpenMode mode = direction == send ? QIODevice::ReadOnly : QIODevice::ReadWrite;
-    return m_File.open(mode | QIODevice::Unbuffered);
+    const bool opened = m_File.open(mode | QIODevice::Unbuffered);
+    m_nSizeToSend = opened && direction == send ? GetLocalStreamSize() : -1;
+    return opened;
 }
 
 bool CFile::Close(bool transferIsGood)
@@ -88,7 +97,16 @@ bool CFile::Close(bool transferIsGood)
 
 std::string CFile::GetErrorText() const
 {
-    return m_File.errorString().toStdString();
+    return m_bGood ? m_File.errorString().toStdString() : m_strError;
+}
+
+// The first failure tells why: closing the file would forget it.
+void CFile::keepInMind(bool good)
+{
+    if (good || !m_bGood)
+        return;
+    m_bGood = false;
+    m_strError = m_File.errorString().toStdString();
 }
 
 void CFile::goToOffset()
@@ -96,20 +114,29 @@ void CFile::goToOffset()
     m_bOffsetPending = false;
     m_bTouched = true;
     if (!m_File.isSequential())
-        m_bGood = m_File.resize(m_nOffset) && m_File.seek(m_nOffset) && m_bGood;
+        keepInMind(m_File.resize(m_nOffset) && m_File.seek(m_nOffset));
 }
 
 void CFile::OnBytesReceived(const std::vector<char> &buffer, long count)
 {
     if (m_bOffsetPending)
         goToOffset();
-    m_bGood = m_bGood && m_File.write(buffer.data(), count) == count;
+    // A disk that has room for a part takes that, and says why only when asked for the rest.
+    for (qint64 done = 0, part = 0; m_bGood && done < count; done += part) {
+        part = m_File.write(buffer.data() + done, count - done);
+        keepInMind(part > 0);
+    }
 }
 
 void CFile::OnPreBytesSend(char *buffer, unsigned long bufferSize, unsigned long &bytesToSend)
 {
     const qint64 count = m_File.read(buffer, qint64(bufferSize));
-    m_bGood = m_bGood && count >= 0;
+    keepInMind(count >= 0);
+    // What is left of a file that has become shorter is not taken for the whole of it.
+    if (m_bGood && count == 0 && bufferSize > 0 && m_File.pos() < m_nSizeToSend) {
+        m_bGood = false;
+        m_strError = "The file has become shorter.";
+    }
     bytesToSend = static_cast<unsigned long>(std::max<qint64>(count, 0));
 }
 
@@ -138,7 +165,7 @@ unsigned long CFile::ReadLocalStream(long long position, char *buffer, unsigned 
         return 0;
     const qint64 place = m_File.pos();
     const qint64 count = m_File.seek(position) ? m_File.read(buffer, qint64(size)) : 0;
-    m_bGood = m_File.seek(place) && m_bGood;
+    keepInMind(m_File.seek(place));
     return static_cast<unsigned long>(std::max<qint64>(count, 0));
 }
 

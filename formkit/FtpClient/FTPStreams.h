@@ -76,7 +76,7 @@ private:
 
 // A local file. A file that is received keeps its content until the first byte arrives, and a
 // file that was made for a download of which nothing arrived goes again; what did arrive stays,
-// to be resumed.
+// to be resumed. A file that is sent must not become shorter meanwhile.
 class FORMKITFTP_EXPORT CFile : public ITransferNotification
 {
 public:
@@ -87,11 +87,12 @@ public:
     explicit CFile(const std::string &name);
     ~CFile() override;
 
-    // False when the file cannot be opened; GetErrorText() then says why.
+    // False when the file cannot be opened.
     bool Open(TDirection direction);
     // Ends the transfer: a download that is good although no byte came leaves a file of the
     // offset's length. False when the file could not be kept.
     bool Close(bool transferIsGood);
+    // Why the file could not be opened, or the first failure since then.
     std::string GetErrorText() const;
 
     void OnBytesReceived(const std::vector<char> &buffer, long count) override;
@@ -106,14 +107,17 @@ public:
 
 private:
     void goToOffset();
+    void keepInMind(bool good);
 
     QFile m_File;
     TDirection m_enDirection = receive;
     long long m_nOffset = 0;
+    long long m_nSizeToSend = -1;
     bool m_bOffsetPending = false;
     bool m_bMade = false;
     bool m_bTouched = false;
     bool m_bGood = true;
+    std::string m_strError;
 };
 
 // A file name as the bytes that the system has for it.

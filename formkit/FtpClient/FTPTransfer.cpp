@@ -231,8 +231,8 @@ bool CFTPClient::OpenPassiveDataConnection(IBlockingSocket &dataSocket, const CC
         dataSocket.Create(SOCK_STREAM);
         dataSocket.Connect(generic(&address));
     } catch (const CBlockingSocketException &exception) {
-        d->report(exception, ReportAt::Passive);
         dataSocket.Cleanup();
+        d->report(exception, ReportAt::Passive);
         return false;
     }
     return begin(command, path, offset);
@@ -285,6 +285,17 @@ bool CFTPClient::accept(IBlockingSocket &listener, IBlockingSocket &dataSocket) 
     }
     return false;
 }
+
+// What a client is still owed at the end of a scope is left to its next command.
+struct CFTPClient::OwedReplies
+{
+    explicit OwedReplies(Private &client) : d(client) {}
+    OwedReplies(const OwedReplies &) = delete;
+    OwedReplies &operator=(const OwedReplies &) = delete;
+    ~OwedReplies() { d.giveUpReplies(); }
+
+    Private &d;
+};
 
 // The time from a data-channel command's beginning to its final reply, in which Abort() only
 // asks. What the command is still owed afterwards is left to the next one.
@@ -383,8 +394,8 @@ bool CFTPClient::SendData(ITransferNotification &notification, IBlockingSocket &
             nextBlock();
         }
     } catch (const CBlockingSocketException &exception) {
-        d->report(exception, ReportAt::Transfer);
         dataSocket.Cleanup();
+        d->report(exception, ReportAt::Transfer);
         return false;
     }
     return !d->abortRequested || abortTransfer(dataSocket);
@@ -412,8 +423,8 @@ bool CFTPClient::ReceiveData(ITransferNotification &notification, IBlockingSocke
         }
         d->tell([&](CNotification &o) { o.OnEndReceivingData(total); });
     } catch (const CBlockingSocketException &exception) {
-        d->report(exception, ReportAt::Transfer);
         dataSocket.Cleanup();
+        d->report(exception, ReportAt::Transfer);
         return false;
     }
     return !d->abortRequested || abortTransfer(dataSocket);
@@ -670,6 +681,8 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     if (!listening.passiveAddress(address) ||
         connecting.DataPort(dotted(address.sin_addr), ntohs(address.sin_port)) != 0)
         return false;
+    const OwedReplies sourceReplies(*source.d);
+    const OwedReplies targetReplies(*target.d);
     // The target is told first: some servers connect as soon as they know the address, and lose
     // what arrives before they are told to store it. A target that listens may not answer before
     // it has a connection.
@@ -688,8 +701,6 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     CReply stored;
     const bool sourceEnds = begun && source.GetResponse(sent);
     const bool targetEnds = begun && target.GetResponse(stored);
-    source.d->giveUpReplies();
-    target.d->giveUpReplies();
     return sourceEnds && targetEnds && sent.Code().IsPositiveCompletionReply() &&
            stored.Code().IsPositiveCompletionReply();
 }
