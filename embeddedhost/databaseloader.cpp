@@ -67,6 +67,13 @@ struct FileState
     QDateTime modified;
 };
 
+bool hasWriteAheadLog(const QSqlDatabase &database)
+{
+    QSqlQuery query(database);
+    return query.exec(QStringLiteral("PRAGMA journal_mode")) && query.next() &&
+           query.value(0) == QLatin1String("wal");
+}
+
 QString quoted(const QString &name)
 {
     return QLatin1Char('"') + name + QLatin1Char('"');
@@ -156,7 +163,8 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::load()
 }
 
 // A transaction keeps out writers that ask SQLite, and no others: a file that was written over
-// while it was read, into which halves of two contents may have gone, is read again.
+// while it was read, into which halves of two contents may have gone, is read again. One with a
+// write-ahead log changes rightly under its readers, which see the state that they began with.
 std::unique_ptr<DatabaseContent> DatabaseLoader::readUnchanged() const
 {
     for (int attempt = 0; attempt < MostReads; ++attempt) {
@@ -166,7 +174,7 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::readUnchanged() const
             Connection connection;
             open(connection.database());
             std::unique_ptr<DatabaseContent> content = read(connection.database());
-            if (FileState(QFileInfo(m_file)) == before)
+            if (hasWriteAheadLog(connection.database()) || FileState(QFileInfo(m_file)) == before)
                 return content;
         } catch (const Exception &) {
             if (FileState(QFileInfo(m_file)) == before)

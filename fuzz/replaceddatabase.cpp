@@ -60,7 +60,8 @@ QString generationFile(const QString &folder, int generation)
 }
 
 // Runs statements in one transaction, with a pause before its end.
-void change(const QString &file, const QStringList &statements, int generation, int pause)
+void change(const QString &file, const QStringList &statements, int generation, int pause,
+            const QString &pragma = "PRAGMA wal_autocheckpoint = 1")
 {
     {
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "writer");
@@ -69,6 +70,8 @@ void change(const QString &file, const QStringList &statements, int generation, 
         demand(database.open(), "not opened");
         QSqlQuery query(database);
         query.exec("PRAGMA synchronous = OFF");
+        demand(query.exec(pragma), query.lastError().text());
+        query.finish();
         demand(query.exec("BEGIN IMMEDIATE"), query.lastError().text());
         for (QString statement : statements) {
             statement.replace('@', QString::number(generation));
@@ -85,13 +88,17 @@ void change(const QString &file, const QStringList &statements, int generation, 
 class Replacer
 {
 public:
-    explicit Replacer(const QString &folder) : m_folder(folder), m_file(folder + "/reference") {}
+    Replacer(const QString &folder, const QString &way)
+        : m_folder(folder), m_file(folder + "/reference"), m_onlyTransactions(way == "logged")
+    {
+    }
 
     void run()
     {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
-        while (poll(&input, 1, upTo(120)) == 0) {
-            const int kind = m_count++ % 5;
+        while (poll(&input, 1, m_onlyTransactions ? 1 : upTo(120)) == 0) {
+            const int kind = m_onlyTransactions ? 4 : m_count % 5;
+            ++m_count;
             const int generation = 10 + upTo(Generations);
             const QByteArray bytes = contentOf(generationFile(m_folder, generation));
             if (kind == 0) {
@@ -107,7 +114,7 @@ public:
                 QThread::msleep(upTo(5));
                 rename(generation);
             } else {
-                change(m_file, Update, 20 + upTo(70), upTo(20));
+                change(m_file, Update, 20 + upTo(70), m_onlyTransactions ? 0 : upTo(20));
             }
         }
         std::printf("%d", m_count);
@@ -140,6 +147,7 @@ private:
 
     const QString m_folder;
     const QString m_file;
+    const bool m_onlyTransactions;
     std::minstd_rand m_random{1};
     int m_count = 0;
 };
@@ -175,28 +183,15 @@ QString generationOf(EmbeddedHost &host)
     return generation;
 }
 
-} // namespace
-
-int main(int count, char **arguments)
+// Loads so many times while another process replaces the file; how many loads failed.
+int failedLoads(EmbeddedHost &host, const QString &folder, const QString &way, int loads)
 {
-    QCoreApplication app(count, arguments);
-    if (count > 2) {
-        Replacer(QString::fromLocal8Bit(arguments[2])).run();
-        return 0;
-    }
-    const int loads = count > 1 ? atoi(arguments[1]) : 100;
-    const QTemporaryDir folder;
-    for (int i = 0; i < Generations; ++i)
-        change(generationFile(folder.path(), 10 + i), Creation, 10 + i, 0);
-    const QString file = folder.filePath("reference");
-    QFile::copy(generationFile(folder.path(), 10), file);
-    EmbeddedHost host;
-    demand(host.loadNow(file), host.errorText());
-    QString generation = generationOf(host);
-
+    const QString file = host.file();
     QProcess replacer;
-    replacer.start(arguments[0], {"replace", folder.path()});
+    replacer.start(QCoreApplication::applicationFilePath(), {"replace", folder, way});
     std::map<QString, int> errors;
+    QString generation = generationOf(host);
+    int failed = 0;
     int changes = 0;
     QEventLoop loop;
     QObject::connect(&host, &EmbeddedHost::loaded, &loop, &QEventLoop::quit);
@@ -213,6 +208,7 @@ int main(int count, char **arguments)
             demand(now == generation, "a failed load has changed the content");
             demand(host.errorText().startsWith(file + ": "), host.errorText());
             ++errors[host.errorText().mid(file.size() + 2)];
+            ++failed;
         }
         changes += now != generation;
         generation = now;
@@ -223,5 +219,35 @@ int main(int count, char **arguments)
         std::printf("%d times: %s\n", times, qPrintable(text));
     std::printf("%s replacements, %d loads, %d new generations\n",
                 replacer.readAllStandardOutput().data(), loads, changes);
-    return changes > 0 ? 0 : 1;
+    demand(changes > 0, "nothing has changed");
+    return failed;
+}
+
+} // namespace
+
+int main(int count, char **arguments)
+{
+    QCoreApplication app(count, arguments);
+    if (count > 3) {
+        Replacer(QString::fromLocal8Bit(arguments[2]), QString(arguments[3])).run();
+        return 0;
+    }
+    const int loads = count > 1 ? atoi(arguments[1]) : 100;
+    const QTemporaryDir folder;
+    for (int i = 0; i < Generations; ++i)
+        change(generationFile(folder.path(), 10 + i), Creation, 10 + i, 0);
+    const QString file = folder.filePath("reference");
+    QFile::copy(generationFile(folder.path(), 10), file);
+    EmbeddedHost host;
+    demand(host.loadNow(file), host.errorText());
+    failedLoads(host, folder.path(), "anyhow", loads);
+
+    // The log is copied into the file under the eyes of its readers.
+    QFile::remove(file);
+    QFile::copy(generationFile(folder.path(), 10), file);
+    change(file, Update, 10, 0, "PRAGMA journal_mode = WAL");
+    demand(host.loadNow(file), host.errorText());
+    demand(failedLoads(host, folder.path(), "logged", loads) == 0,
+           "a load failed beside a write-ahead log");
+    return 0;
 }
