@@ -23,7 +23,8 @@ void RadioButton::setValue(const QString &value)
 
 void RadioButton::nextCheckState()
 {
-    QRadioButton::nextCheckState();
+    // Qt would uncheck a button that stands alone among its siblings, whose text stays the value.
+    setChecked(true);
     m_value = property(ownText).toString();
     emit changedValue(m_value);
 }
