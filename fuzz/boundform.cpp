@@ -20,7 +20,9 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QCalendarWidget>
 #include <QClipboard>
+#include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
@@ -55,7 +57,7 @@ BoundForm::BoundForm(EmbeddedHost *host, const QString &file)
 {
     new QVBoxLayout(this);
     for (const char *name : {"exchange", "board", "security", "price", "quantity", "total", "till",
-                             "till2", "buy", "sell", "hidden", "comment", "mirror"})
+                             "till2", "when", "buy", "sell", "hidden", "comment", "mirror"})
         make(name);
     m_details = new FormSelector(this);
     layout()->addWidget(m_details);
@@ -75,6 +77,9 @@ Control *BoundForm::add(const QString &name, Control *control, const QString &fi
         control->setProperty("field", field);
     if (auto *const editor = qobject_cast<NumberEditor *>(control))
         editor->decimalValidator()->setLocale(QLocale(m_locale));
+    auto *const combo = qobject_cast<QComboBox *>(control);
+    if (auto *const edit = combo ? combo->lineEdit() : qobject_cast<QLineEdit *>(control))
+        connect(edit, &QLineEdit::textEdited, this, [this] { m_edited = true; });
     return control;
 }
 
@@ -95,6 +100,8 @@ QWidget *BoundForm::make(const QString &name)
         made = add(name, new QuantityEditor(this), "Quantity");
     else if (name == "total")
         made = add(name, new NumberEditor(this, 5), "Total");
+    else if (name == "when")
+        made = add(name, new LineEdit(this), "GoodTill");
     else if (name.startsWith("till"))
         made = add(name, new DateEdit(this), "GoodTill");
     else if (name == "buy" || name == "sell")
@@ -108,8 +115,9 @@ QWidget *BoundForm::make(const QString &name)
     made->setProperty("value_unchecked", "N");
     if (auto *const comment = name == "comment" ? qobject_cast<QLineEdit *>(made) : nullptr)
         comment->setMaxLength(8);
-    if (auto *const total = name == "total" ? qobject_cast<QLineEdit *>(made) : nullptr)
-        total->setReadOnly(true);
+    if (auto *const output =
+            name == "total" || name == "when" ? qobject_cast<QLineEdit *>(made) : nullptr)
+        output->setReadOnly(true);
     layout()->addWidget(made);
     return made;
 }
@@ -212,10 +220,11 @@ void BoundForm::focus(const QString &name, Qt::FocusReason reason) const
     control(name)->setFocus(reason);
 }
 
-void BoundForm::press(const QString &name, int key, const QString &text) const
+void BoundForm::press(const QString &name, int key, const QString &text, bool stays) const
 {
     sendKey(control(name), key, text);
-    closePopups();
+    if (!stays)
+        closePopups();
 }
 
 void BoundForm::paste(const QString &name, const QString &text) const
@@ -231,5 +240,23 @@ void BoundForm::choose(const QString &name, int row) const
     chosen->showPopup();
     chosen->view()->setCurrentIndex(chosen->model()->index(row, 0));
     sendKey(chosen->view(), Qt::Key_Return, {});
+    closePopups();
+}
+
+void BoundForm::complete(const QString &name, int place) const
+{
+    QAbstractItemView *const list = box(name)->completer()->popup();
+    while (place-- > 0)
+        sendKey(list, Qt::Key_Down, {});
+    sendKey(list, Qt::Key_Return, {});
+    closePopups();
+}
+
+void BoundForm::pick(const QString &name, const QDate &day) const
+{
+    qobject_cast<DateEdit *>(control(name))->showPopup();
+    auto *const calendar = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
+    calendar->setSelectedDate(day);
+    sendKey(calendar->findChild<QAbstractItemView *>(), Qt::Key_Return, {});
     closePopups();
 }

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <utility>
 
 class ComboBox;
 class EmbeddedHost;
@@ -29,6 +30,8 @@ public:
     QStringList listed(const QString &box) const;
     // The page of the details that is shown; empty for none.
     QString page() const;
+    // Whether an edit took place since the last call, also one that left the text as it was.
+    bool takeEdited() { return std::exchange(m_edited, false); }
     // The control that has the focus.
     QString focused();
 
@@ -40,9 +43,13 @@ public:
     void setLocale(const QString &locale);
 
     void focus(const QString &name, Qt::FocusReason reason) const;
-    void press(const QString &name, int key, const QString &text) const;
+    // Closes the pop-up that comes with it, if it is not to stay.
+    void press(const QString &name, int key, const QString &text, bool stays = false) const;
     void paste(const QString &name, const QString &text) const;
     void choose(const QString &box, int row) const;
+    // Chooses a row of the list that has dropped down below a typed text, the first being 1.
+    void complete(const QString &box, int place) const;
+    void pick(const QString &name, const QDate &day) const;
 
 private:
     using Maker = std::function<QWidget *(QWidget *parent)>;
@@ -57,5 +64,6 @@ private:
     QMap<QString, QPointer<QWidget>> m_controls;
     FormSelector *m_details = nullptr;
     QString m_locale;
+    bool m_edited = false;
     Properties m_hub;
 };

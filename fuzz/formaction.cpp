@@ -54,6 +54,11 @@ const QStringList numberTexts{"1",
                               "1.50",
                               "1,50"};
 const QStringList lineTexts{"a", "bc ", " d", "a long comment", "x=y", "100 %", "\u00e4\u00f6"};
+const QStringList beginnings{"a+", "A++", "al++", "M+", "ma++", "f+", "o+", "O++", "or+++", "w++"};
+const QStringList fills{
+    "StockId=1|BoardId=2|SecurityId=14|Price=12.5", "StockCode=XB|BoardCode=OP|Security=ORE|Side=B",
+    "BoardId=1|StockId=2|Note=n", "Comment=c|GoodTill=2026-03-15|Hidden=Y|Quantity=7"};
+const QStringList days{"2026.03.15", "1999.03.15", "2100.01.01"};
 const QStringList dateTexts{"15.03.26",   "29.02.28", "30.02.26", "1.1.27",   "15.03.2",
                             "15.03.2026", "3",        ".",        "01.01.99", "x"};
 const QStringList boxTexts{"Alpha", "alpha", "Bet", "Beta", "Main",  "main",   "Futures", "fu",
@@ -115,7 +120,7 @@ QString FormAction::toLine() const
 FormAction FormAction::random(std::mt19937 &random)
 {
     const QString target = random() % 2 ? anyOf(edits, random) : anyOf(boxes, random);
-    switch (random() % 24) {
+    switch (random() % 32) {
     case 0:
     case 1:
     case 2:
@@ -150,6 +155,18 @@ FormAction FormAction::random(std::mt19937 &random)
         return {"create", anyOf(mortal, random), {}};
     case 20:
         return {"locale", {}, anyOf(FormTexts::locales(), random)};
+    case 26:
+    case 27:
+        return {"remake", anyOf(mortal, random), {}};
+    case 21:
+    case 22:
+        return {"reload", {}, QString::number(random() % FormContent::Editions)};
+    case 23:
+        return {"fill", {}, anyOf(fills, random)};
+    case 24:
+        return {"pick", anyOf(dates, random), anyOf(days, random)};
+    case 25:
+        return {"complete", anyOf(boxes, random), anyOf(beginnings, random)};
     default:
         const QString name = anyOf(valueTexts.keys(), random);
         return {"set", name, anyOf(valueTexts[name], random)};

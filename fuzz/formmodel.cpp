@@ -35,6 +35,7 @@ FormModel::FormModel() : m_locale(FormTexts::locales().first())
     add("total", Number, "Total");
     add("till", Date, "GoodTill");
     add("till2", Date, "GoodTill");
+    add("when", Line, "GoodTill");
     add("buy", Radio, "Side", {}, "B");
     add("sell", Radio, "Side", {}, "S");
     add("hidden", Check, "Hidden");
@@ -255,10 +256,10 @@ void FormModel::setLocale(const QString &locale)
 
 // The value controls.
 
-void FormModel::edit(const QString &id, const QString &text)
+void FormModel::edit(const QString &id, const QString &text, bool again)
 {
     Control &control = m_controls[id];
-    if (text == control.text)
+    if (text == control.text && (!again || control.kind == Date))
         return;
     control.text = text;
     if (control.kind == Box) {
@@ -523,6 +524,34 @@ void FormModel::choose(const QString &box, int row)
         return;
     setCurrent(box, all[row]);
     activate(box, all[row]);
+}
+
+QVector<Row> FormModel::completions(const QString &box, const QString &text) const
+{
+    QVector<Row> found;
+    for (const Row &row : rows(box)) {
+        if (row.name.startsWith(text, Qt::CaseInsensitive))
+            found << row;
+    }
+    return found;
+}
+
+void FormModel::complete(const QString &box, const QString &text, int place)
+{
+    const QVector<Row> found = completions(box, text);
+    for (int i = 0; i < place; ++i)
+        edit(box, found[i].name);
+    setCurrent(box, found[place - 1]);
+    activate(box, found[place - 1]);
+}
+
+void FormModel::pick(const QString &id, const QString &day)
+{
+    const QString date = FormTexts::date(day);
+    if (date == m_controls[id].value)
+        return;
+    m_controls[id].text = FormTexts::writeDate(date);
+    takeDate(id, date);
 }
 
 void FormModel::step(const QString &box, int by)

@@ -21,10 +21,15 @@ public:
     void create(const QString &control);
     void setLocale(const QString &locale);
 
-    // What a user does. The text of a control after an edit is taken as it is.
-    void edit(const QString &control, const QString &text);
+    // What a user does. The text of a control after an edit is taken as it is, also the same again.
+    void edit(const QString &control, const QString &text, bool again = false);
     void click(const QString &control);
     void choose(const QString &box, int row);
+    // The rows that complete a text; trying one after the other up to a place.
+    QVector<FormContent::Row> completions(const QString &box, const QString &text) const;
+    void complete(const QString &box, const QString &text, int place);
+    // A date of the calendar, in any system form.
+    void pick(const QString &control, const QString &day);
     // Up and down in a list.
     void step(const QString &box, int rows);
     void leave(const QString &control);

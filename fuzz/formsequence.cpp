@@ -70,29 +70,56 @@ private:
         if (action.verb == "set") {
             m_form.hub().setValue(target, action.text);
             m_model.set(target, action.text);
-        } else if (action.verb == "load") {
+        } else if (action.verb == "fill") {
+            fill(action.text.split('|'));
+        } else if (action.verb == "load" || action.verb == "reload") {
             if (!m_form.load(action.text.toInt()))
                 m_faults << "the host does not load";
             m_model.load(action.text.toInt());
+            for (const char *box : {"exchange", "board", "security"}) {
+                if (action.verb == "reload" && m_model.exists(box)) {
+                    m_form.refresh(box);
+                    m_model.refresh(box);
+                }
+            }
         } else if (action.verb == "refresh" && m_model.exists(target)) {
             m_form.refresh(target);
             m_model.refresh(target);
-        } else if (action.verb == "destroy" && m_model.exists(target)) {
-            m_form.destroy(target);
-            m_model.destroy(target);
-        } else if (action.verb == "create" && !m_model.exists(target)) {
-            m_form.create(target);
-            m_model.create(target);
+        } else if (action.verb == "destroy" || action.verb == "create" || action.verb == "remake") {
+            remake(target, action.verb != "create", action.verb != "destroy");
         } else if (action.verb == "locale") {
             m_form.setLocale(action.text);
             m_model.setLocale(action.text);
         }
     }
 
+    void remake(const QString &target, bool isToGo, bool isToCome)
+    {
+        if (isToGo && m_model.exists(target)) {
+            m_form.destroy(target);
+            m_model.destroy(target);
+        }
+        if (isToCome && !m_model.exists(target)) {
+            m_form.create(target);
+            m_model.create(target);
+        }
+    }
+
+    void fill(const QStringList &pairs)
+    {
+        Values values;
+        for (const QString &pair : pairs)
+            values.insert(pair.section('=', 0, 0), pair.section('=', 1));
+        m_form.hub().setValues(values);
+        for (auto entry = values.cbegin(); entry != values.cend(); ++entry)
+            m_model.set(entry.key(), entry.value().toString());
+    }
+
     void doAsUser(const FormAction &action)
     {
         const QString &target = action.target;
-        if (!QStringList{"type", "paste", "replace", "key", "choose", "step", "focus", "click"}
+        if (!QStringList{"type", "paste", "replace", "key", "choose", "step", "focus", "click",
+                         "complete", "pick"}
                  .contains(action.verb))
             return;
         takeFocus(target, action.verb == "focus" ? Qt::TabFocusReason : Qt::MouseFocusReason);
@@ -120,6 +147,11 @@ private:
         } else if (action.verb == "step") {
             m_form.press(target, action.text == "Up" ? Qt::Key_Up : Qt::Key_Down, {});
             m_model.step(target, action.text == "Up" ? -1 : 1);
+        } else if (action.verb == "complete") {
+            complete(target, QString(action.text).remove('+'), action.text.count('+'));
+        } else if (action.verb == "pick") {
+            m_form.pick(target, QDate::fromString(action.text, "yyyy.MM.dd"));
+            m_model.pick(target, action.text);
         } else if (action.verb == "click") {
             m_form.press(target, Qt::Key_Space, " ");
             m_model.click(target);
@@ -140,10 +172,29 @@ private:
     template <typename Do> void edit(const QString &target, Do change)
     {
         const QString before = m_form.shown(target);
+        m_form.takeEdited();
         change();
         const QString after = m_form.shown(target);
-        if (after != before)
-            m_model.edit(target, after);
+        if (m_form.takeEdited() || after != before)
+            m_model.edit(target, after, true);
+        const QString locale = m_model.locale();
+        if (isNumber(target) && FormTexts::isTidy(before, locale) &&
+            !FormTexts::isTidy(after, locale))
+            blame(target, FormTexts::write(FormTexts::read(after, locale), locale), after);
+    }
+
+    void complete(const QString &target, const QString &text, int place)
+    {
+        edit(target, [&] { m_form.press(target, Qt::CTRL + Qt::Key_A, {}); });
+        for (int i = 0; i < text.size(); ++i) {
+            const bool isLast = i + 1 == text.size();
+            edit(target, [&] { m_form.press(target, 0, text.mid(i, 1), isLast); });
+        }
+        const int count = m_model.completions(target, text).size();
+        if (count == 0 || place == 0 || text.isEmpty())
+            return m_form.press(target, Qt::Key_Shift, {});
+        m_form.complete(target, std::min(place, count));
+        m_model.complete(target, text, std::min(place, count));
     }
 
     // What is pasted over all is that number, or is refused.
@@ -170,8 +221,8 @@ private:
                       held.contains(name) ? held[name] : "(absent)");
         }
         for (const char *name : {"exchange", "board", "security", "price", "quantity", "total",
-                                 "till", "till2", "buy", "sell", "hidden", "comment", "mirror",
-                                 "noteA", "offset", "noteB", "price2", "remark"})
+                                 "till", "till2", "when", "buy", "sell", "hidden", "comment",
+                                 "mirror", "noteA", "offset", "noteB", "price2", "remark"})
             compareShown(name);
         if (m_form.page() != m_model.page())
             blame("page", m_model.page(), m_form.page());

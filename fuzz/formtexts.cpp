@@ -119,6 +119,19 @@ QString FormTexts::write(const QString &value, const QString &locale)
     return shown.text().replace('.', symbols.point).replace('\'', symbols.groups.front());
 }
 
+bool FormTexts::isTidy(const QString &shown, const QString &locale)
+{
+    const QChar point = symbolsOf(locale).point;
+    const QString value = read(shown, locale);
+    QString digits = shown;
+    digits.remove(QRegularExpression("^[+-]"));
+    if (!isNumber(value) || digits.startsWith(point))
+        return true;
+    if (digits.endsWith(point))
+        digits.chop(1);
+    return digits == write(value, locale).remove('-');
+}
+
 QString FormTexts::sum(const QString &summand, const QString &addendum)
 {
     const Number parts[] = {parse(summand), parse(addendum)};

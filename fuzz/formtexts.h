@@ -18,6 +18,9 @@ QString read(const QString &shown, const QString &locale);
 QString readStrictly(const QString &shown, const QString &locale);
 // What a field shows of a value.
 QString write(const QString &value, const QString &locale);
+// Whether a text that is a number is written as the locale does it, but for what is being typed: a
+// point without digits on one side, the minus of a zero.
+bool isTidy(const QString &shown, const QString &locale);
 // The sum of two fields, by the rules of Summator.
 QString sum(const QString &summand, const QString &addendum);
 
