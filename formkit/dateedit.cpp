@@ -49,7 +49,7 @@ void DateEdit::setValue(const QString &value)
 
 void DateEdit::setValue(const QString &value, bool updateText)
 {
-    const datetime date(value);
+    const datetime date(datetime(value).date());
     const QString normal = date.toString();
     if (normal == value && date == m_value)
         return;

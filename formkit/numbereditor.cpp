@@ -73,6 +73,9 @@ public:
         QString text = input;
         int caret = pos;
         State state = isMisread(input, pos) ? Invalid : DecimalValidator::validate(text, caret);
+        // What is given is a number as the locale writes it, or is to be shown as it is.
+        if (m_isGiven && text != input)
+            state = Invalid;
         if (state != Invalid) {
             input = text;
             pos = caret;

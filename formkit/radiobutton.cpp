@@ -24,6 +24,8 @@ void RadioButton::setValue(const QString &value)
 void RadioButton::nextCheckState()
 {
     QRadioButton::nextCheckState();
+    // Qt unchecks a button that stands alone among its siblings; its text stays the value.
+    setChecked(true);
     m_value = property(ownText).toString();
     emit changedValue(m_value);
 }
