@@ -473,6 +473,9 @@ void Desk::learnAnswers()
         box()->comboBoxValidator()->fixup(input);
         return verdict + ' ' + input;
     };
+    m_answers["delegates"] = [this](Words) {
+        return QString::number(completions()->findChildren<QAbstractItemDelegate *>().size());
+    };
     m_answers["popup"] = [](Words) { return QApplication::activePopupWidget() ? "open" : ""; };
     m_answers["turns"] = [this](Words) {
         QCoreApplication::processEvents();
