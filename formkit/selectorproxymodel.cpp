@@ -79,7 +79,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
         sourceModel()->disconnect(this);
     // Past QSortFilterProxyModel, whose own mapping would come to life.
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    QAbstractProxyModel::setSourceModel(source); // clazy:exclude=skipped-base-method
+    QAbstractProxyModel::setSourceModel(source);
     if (source) {
         const auto begin = [this] { beginRebuild(); };
         const auto end = [this] { endRebuild(); };
@@ -457,15 +457,13 @@ QModelIndex SelectorProxyModel::mapFromSource(const QModelIndex &sourceIndex) co
 QItemSelection SelectorProxyModel::mapSelectionToSource(const QItemSelection &selection) const
 {
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    return QAbstractProxyModel::mapSelectionToSource(
-        selection); // clazy:exclude=skipped-base-method
+    return QAbstractProxyModel::mapSelectionToSource(selection);
 }
 
 QItemSelection SelectorProxyModel::mapSelectionFromSource(const QItemSelection &selection) const
 {
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)
-    return QAbstractProxyModel::mapSelectionFromSource(
-        selection); // clazy:exclude=skipped-base-method
+    return QAbstractProxyModel::mapSelectionFromSource(selection);
 }
 
 QModelIndex SelectorProxyModel::index(int row, int column, const QModelIndex &parent) const

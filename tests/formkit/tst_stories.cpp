@@ -73,7 +73,7 @@ void StoriesTest::quietOpening()
     QItemSelectionModel *const selection = view->selectionModel();
     selection->select(view->model()->index(1, 0), QItemSelectionModel::Select);
     QVector<bool> quiet;
-    connect(selection, &QItemSelectionModel::selectionChanged,
+    connect(selection, &QItemSelectionModel::selectionChanged, this,
             [&] { quiet << view->signalsBlocked(); });
     desk.act("press F4");
     QCOMPARE(quiet, QVector<bool>{true});
