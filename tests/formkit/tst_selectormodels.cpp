@@ -116,7 +116,8 @@ void SelectorModelsTest::mapping()
     const QItemSelection all(source.index(0, 0), source.index(4, 0));
     const QItemSelection shown = proxy.mapSelectionFromSource(all);
     QCOMPARE(proxy.mapSelectionToSource(shown).indexes().size(), 2);
-    QVERIFY(!proxy.removeRows(0, 1));
+    QVERIFY(!proxy.removeRows(0, 1) && !proxy.removeColumns(0, 1));
+    QVERIFY(!proxy.insertRows(0, 1) && !proxy.insertColumns(0, 1));
 }
 
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
@@ -199,6 +200,9 @@ void SelectorModelsTest::changes()
         if (order < 2)
             std::stable_sort(expected.begin(), expected.end(), before);
         QCOMPARE(texts(proxy), expected);
+        const QString text = odd.next(2);
+        const auto isText = [&](const QString &t) { return !text.compare(t, Qt::CaseInsensitive); };
+        QCOMPARE(proxy.countOfText(text), std::count_if(expected.begin(), expected.end(), isText));
         for (const auto &each : held) {
             QVERIFY(each.first.isValid() || act < 7);
             QVERIFY(!each.first.isValid() || proxy.mapToSource(each.first) == each.second);
@@ -298,6 +302,7 @@ void SelectorModelsTest::boardCheckList()
 {
     TestHost host;
     TestTable &table = host.table("boards");
+    host.table("stocks").setRows({{1, "One", "A"}, {2, "Two", "B"}});
     table.setRows({{7, 1, "B", "b"}, {8, 1, "A", "a"}, {7, 2, "B", "c"}, {9, 2, "B", "hidden"}});
     CheckList<BoardSelectorModel> model;
     QStringList notes;
@@ -321,6 +326,12 @@ void SelectorModelsTest::boardCheckList()
     for (int row = 0; row < model.rowCount(); ++row)
         QCOMPARE(model.at(row).field(table.columnIndex("name")).toString(), texts(model).at(row));
     QVERIFY(model.at(-1).isNull() && model.at(3).isNull());
+    BoardSelectorFilteredModel filtered;
+    filtered.setSourceModel(&model);
+    for (const int stock : {1, 1, 2, 9}) {
+        filtered.setStockId(stock);
+        QCOMPARE(filtered.rowCount(), stock == 9 ? 3 : 3 - stock);
+    }
     table.setRows({});
     QVERIFY(model.at(0).isNull());
 }
