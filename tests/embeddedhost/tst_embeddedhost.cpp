@@ -132,8 +132,8 @@ void EmbeddedHostTest::refusedFiles()
         QCOMPARE(host.liveRows(), Rows);
     }
     QFile damaged(makeFile("b"));
-    QVERIFY(damaged.open(QIODevice::ReadWrite) && damaged.seek(damaged.size() / 2));
-    damaged.write(QByteArray(4096, 'x'));
+    QVERIFY(damaged.open(QIODevice::ReadWrite) && damaged.seek(damaged.size() / 2) &&
+            damaged.write(QByteArray(4096, 'x')) == 4096);
     damaged.close();
     QVERIFY(!host.loadNow(damaged.fileName()));
     QCOMPARE(host.errorText(),

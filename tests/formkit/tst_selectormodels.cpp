@@ -116,8 +116,7 @@ void SelectorModelsTest::mapping()
     const QItemSelection all(source.index(0, 0), source.index(4, 0));
     const QItemSelection shown = proxy.mapSelectionFromSource(all);
     QCOMPARE(proxy.mapSelectionToSource(shown).indexes().size(), 2);
-    QVERIFY(!proxy.removeRows(0, 1) && !proxy.removeColumns(0, 1));
-    QVERIFY(!proxy.insertRows(0, 1) && !proxy.insertColumns(0, 1));
+    QVERIFY(!proxy.removeRows(0, 1));
 }
 
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
@@ -221,7 +220,7 @@ void SelectorModelsTest::typeAhead()
     OddTexts odd;
     QVector<QVariantList> rows;
     for (int i = 0; i < 800; ++i)
-        rows << QVariantList{i + 1, 1, 1, "C", odd.next(6), {}, 20};
+        rows << QVariantList{i + 1, 1, 1, "C", QString(i % 40 ? 0 : 99, 'a') + odd.next(6), {}, 20};
     host.table("securities").setRows(rows);
     host.setSessions({{1, 20}});
     SecuritySelectorBox box;
@@ -317,6 +316,8 @@ void SelectorModelsTest::boardCheckList()
     QVERIFY(model.check(0, false) && model.check(2, false));
     QCOMPARE(notes.size(), 1);
     QTRY_COMPARE(notes.mid(1), QStringList("some: 1,7"));
+    for (int row = 0; row < 3; ++row)
+        QCOMPARE(model.index(row, 0).data(Qt::CheckStateRole).toInt(), row == 1 ? 2 : 0);
     QVERIFY(model.check(-1, false));
     table.failAtCell(1);
     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
