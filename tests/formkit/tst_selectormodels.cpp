@@ -220,7 +220,7 @@ void SelectorModelsTest::typeAhead()
     OddTexts odd;
     QVector<QVariantList> rows;
     for (int i = 0; i < 800; ++i)
-        rows << QVariantList{i + 1, 1, 1, "C", QString(i % 40 ? 0 : 99, 'a') + odd.next(6), {}, 20};
+        rows << QVariantList{i + 1, 1, 1, "C", QString(i % 40 ? 0 : 30, 'a') + odd.next(6), {}, 20};
     host.table("securities").setRows(rows);
     host.setSessions({{1, 20}});
     SecuritySelectorBox box;
