@@ -46,6 +46,16 @@ private:
     const CFTPClient &m_client;
 };
 
+// Needs memory of its own.
+class Listener : public CFTPClient::CNotification
+{
+public:
+    void OnResponse(const CReply &reply) override { m_heard.push_back(reply.Value()); }
+
+private:
+    std::vector<std::string> m_heard;
+};
+
 struct Session
 {
     explicit Session(const QString &folder)
@@ -150,6 +160,12 @@ const std::vector<Operation> Operations = {
          Aborter aborter(s.client);
          s.client.AttachObserver(&aborter);
          return !get(s, CType::Image, true);
+     }},
+    {"listen",
+     [](Session &s) {
+         Listener listener;
+         s.client.AttachObserver(&listener);
+         return s.client.Noop() == 0;
      }},
     {"rename", [](Session &s) { return s.client.Rename("a", "b") == 0; }},
     {"time",

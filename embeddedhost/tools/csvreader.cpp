@@ -11,8 +11,6 @@ CsvReader::CsvReader(const QString &file) : m_file(file)
         throw Exception(QStringLiteral("%1: %2").arg(file, source.errorString()));
     m_text = QString::fromUtf8(source.readAll());
     m_text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    if (m_text.startsWith(QChar(QChar::ByteOrderMark)))
-        m_text.remove(0, 1);
 }
 
 QVector<CsvReader::Cell> CsvReader::nextRow()

@@ -107,6 +107,9 @@ void EmbeddedHostTest::contentOfAFile()
     QVERIFY(!boards->checkFlagsById(1, 9, 1) && !boards->checkFlagsById(3, 9, -1));
     QVERIFY(boards->isPositionById(2, 7) && !boards->isPositionById(1, 7));
     QVERIFY(!boards->isPositionById(1, 8));
+    const QString distinct = "UPDATE securities SET base_code = 'B' || sec_id";
+    QVERIFY2(host.loadNow(makeFile("x", distinct, "5000")), qPrintable(host.errorText()));
+    QCOMPARE(column(host.table("securities"), "base_code").last(), QString("B5000"));
 }
 
 void EmbeddedHostTest::refusedFiles()
@@ -128,6 +131,13 @@ void EmbeddedHostTest::refusedFiles()
         QCOMPARE(host.stockDirectory()->codeById(1), QString("XAa"));
         QCOMPARE(host.liveRows(), Rows);
     }
+    QFile damaged(makeFile("b"));
+    QVERIFY(damaged.open(QIODevice::ReadWrite) && damaged.seek(damaged.size() / 2) &&
+            damaged.write(QByteArray(4096, 'x')) == 4096);
+    damaged.close();
+    QVERIFY(!host.loadNow(damaged.fileName()));
+    QCOMPARE(host.errorText(),
+             damaged.fileName() + ": table \"securities\": database disk image is malformed");
 }
 
 // Fifty reloads, by turns from two files, while this thread walks: whoever holds the lock

@@ -28,6 +28,7 @@
 #include <QCalendarWidget>
 #include <QClipboard>
 #include <QCompleter>
+#include <QProxyStyle>
 #include <QScrollBar>
 #include <QStandardItemModel>
 #include <QVBoxLayout>
@@ -61,6 +62,14 @@ int idRole(const ComboBox *box)
            : qobject_cast<const StockSelectorBox_Code *>(box) ? int(Qt::UserRole)
                                                               : Qt::UserRole + 1;
 }
+
+struct Iconless : QProxyStyle
+{
+    QIcon standardIcon(StandardPixmap, const QStyleOption *, const QWidget *) const override
+    {
+        return {};
+    }
+};
 
 template <typename Box, typename Model> void changeModel(QWidget *control, const QString &how)
 {
@@ -254,8 +263,13 @@ void Desk::learnHandling()
             QVERIFY2(QMetaObject::invokeMethod(m_control, name.toLatin1(), Q_ARG(QString, value)),
                      qPrintable(words));
     };
-    m_steps["clearError"] = [this](Words name) {
-        QVERIFY(QMetaObject::invokeMethod(control(name), "clearError"));
+    m_steps["call"] = [this](Words slot) {
+        QVERIFY(QMetaObject::invokeMethod(m_control, slot.toLatin1()));
+    };
+    m_steps["iconless"] = [this](Words) {
+        auto *const style = new Iconless;
+        style->setParent(m_control);
+        m_control->setStyle(style);
     };
     m_steps["locale"] = [this](Words name) {
         qobject_cast<NumberEditor *>(m_control)->decimalValidator()->setLocale(QLocale(name));
@@ -475,6 +489,22 @@ void Desk::learnAnswers()
     };
     m_answers["delegates"] = [this](Words) {
         return QString::number(completions()->findChildren<QAbstractItemDelegate *>().size());
+    };
+    // What the open list draws of each partner, code and name: one letter for what looks the same.
+    m_answers["drawn"] = [this](Words) {
+        const QImage all = list()->viewport()->grab().toImage();
+        const int width =
+            list()->fontMetrics().horizontalAdvance('0') * PartnerSelectorBox::CodeColumnWidth;
+        QList<QImage> seen;
+        QString letters;
+        for (int i = 0; i < 2 * box()->count(); ++i) {
+            QRect part = list()->visualRect(box()->model()->index(i / 2, box()->modelColumn()));
+            i % 2 ? part.setLeft(width) : part.setWidth(width);
+            if (!seen.contains(all.copy(part)))
+                seen << all.copy(part);
+            letters += QChar('A' + seen.indexOf(all.copy(part)));
+        }
+        return letters;
     };
     m_answers["popup"] = [](Words) { return QApplication::activePopupWidget() ? "open" : ""; };
     m_answers["turns"] = [this](Words) {

@@ -1,6 +1,7 @@
 #include "desk.h"
 
 #include <formkit/formselector.h>
+#include <formkit/label.h>
 #include <formkit/state.h>
 
 #include <support/stricttest.h>
@@ -232,6 +233,9 @@ void FormsTest::stateTrace()
 {
     QStateMachine machine;
     QState plain(&machine), away(&machine);
+    const State bare("Bare", QState::ParallelStates, &plain), brief("Brief");
+    QCOMPARE(bare.objectName() + bare.fullName() + brief.fullName(), QString("BareBareBrief"));
+    QVERIFY(bare.childMode() != brief.childMode() && Label("tick").text() == "tick");
     auto *top = new State("Desk", "Top", &plain);
     auto *leaf = new State("Order", "Leaf", QState::ParallelStates, top);
     machine.setInitialState(&plain);

@@ -115,6 +115,9 @@ void NumberEditorTest::values()
             const QString verdict = editor.isValid() ? "valid" : "invalid";
             QCOMPARE(verdict + ' ' + editor.getDecimal().toString(), row[canBeZero ? 1 : 2]);
         }
+        NumberEditor other;
+        other.setValue(editor.getDecimal());
+        QCOMPARE(other.getValue(), editor.getDecimal().toString());
     }
 }
 

@@ -199,6 +199,9 @@ void SelectorModelsTest::changes()
         if (order < 2)
             std::stable_sort(expected.begin(), expected.end(), before);
         QCOMPARE(texts(proxy), expected);
+        const QString text = odd.next(2);
+        const auto isText = [&](const QString &t) { return !text.compare(t, Qt::CaseInsensitive); };
+        QCOMPARE(proxy.countOfText(text), std::count_if(expected.begin(), expected.end(), isText));
         for (const auto &each : held) {
             QVERIFY(each.first.isValid() || act < 7);
             QVERIFY(!each.first.isValid() || proxy.mapToSource(each.first) == each.second);
@@ -217,7 +220,7 @@ void SelectorModelsTest::typeAhead()
     OddTexts odd;
     QVector<QVariantList> rows;
     for (int i = 0; i < 800; ++i)
-        rows << QVariantList{i + 1, 1, 1, "C", odd.next(6), {}, 20};
+        rows << QVariantList{i + 1, 1, 1, "C", QString(i % 40 ? 0 : 30, 'a') + odd.next(6), {}, 20};
     host.table("securities").setRows(rows);
     host.setSessions({{1, 20}});
     SecuritySelectorBox box;
@@ -298,6 +301,7 @@ void SelectorModelsTest::boardCheckList()
 {
     TestHost host;
     TestTable &table = host.table("boards");
+    host.table("stocks").setRows({{1, "One", "A"}, {2, "Two", "B"}});
     table.setRows({{7, 1, "B", "b"}, {8, 1, "A", "a"}, {7, 2, "B", "c"}, {9, 2, "B", "hidden"}});
     CheckList<BoardSelectorModel> model;
     QStringList notes;
@@ -312,6 +316,8 @@ void SelectorModelsTest::boardCheckList()
     QVERIFY(model.check(0, false) && model.check(2, false));
     QCOMPARE(notes.size(), 1);
     QTRY_COMPARE(notes.mid(1), QStringList("some: 1,7"));
+    for (int row = 0; row < 3; ++row)
+        QCOMPARE(model.index(row, 0).data(Qt::CheckStateRole).toInt(), row == 1 ? 2 : 0);
     QVERIFY(model.check(-1, false));
     table.failAtCell(1);
     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
@@ -321,6 +327,12 @@ void SelectorModelsTest::boardCheckList()
     for (int row = 0; row < model.rowCount(); ++row)
         QCOMPARE(model.at(row).field(table.columnIndex("name")).toString(), texts(model).at(row));
     QVERIFY(model.at(-1).isNull() && model.at(3).isNull());
+    BoardSelectorFilteredModel filtered;
+    filtered.setSourceModel(&model);
+    for (const int stock : {1, 1, 2, 9}) {
+        filtered.setStockId(stock);
+        QCOMPARE(filtered.rowCount(), stock == 9 ? 3 : 3 - stock);
+    }
     table.setRows({});
     QVERIFY(model.at(0).isNull());
 }

@@ -103,6 +103,17 @@ private slots:
         waiting->Listen();
         CBlockingSocket none;
         QCOMPARE(failureOf([&] { waiting->Accept(none, generic(address)); }), "Accept 0x0000006e");
+        // Nor does anybody answer where the queue is full.
+        ::listen(int(waiting->operator SOCKET()), 0);
+        waiting->GetSockAddr(generic(address));
+        CBlockingSocket queue[4];
+        QStringList outcomes;
+        for (CBlockingSocket &next : queue) {
+            next.Create();
+            next.SetWaitLimit(1);
+            outcomes << failureOf([&] { next.Connect(generic(address)); });
+        }
+        QVERIFY(outcomes.contains("none") && outcomes.last() == "Connect 0x0000006e");
         // Closed behind the object's back.
         ::close(int(lone.operator SOCKET()));
         QCOMPARE(failureOf([&] { lone.Listen(); }), "Listen 0x00000009");

@@ -147,7 +147,7 @@ private slots:
 
     void listings()
     {
-        Session session({}, false, ~0U, 4,
+        Session session("REST: 350 ok|forget", false, ~0U, 4,
                         "total 2\r\n-rw-r--r-- 1 a b 5 Jan  1 2000 one\r\n\r\n"
                         "drwxr-xr-x 1 a b 5 Jan  1 2000 two");
         QVERIFY(session.login());
@@ -163,6 +163,10 @@ private slots:
         COutputStream tooSmall("", 5);
         QVERIFY(!session.client.DownloadFile("f", tooSmall, CType::Image, true));
         QVERIFY(session.inStep());
+        COutputStream begun("");
+        begun.OnBytesReceived({'t', 'o', 't'}, 3);
+        QVERIFY(!session.client.DownloadFile("f", begun, CType::Image, true));
+        QCOMPARE(begun.GetText(), std::string("tot")); // not its beginning twice
     }
 
     void forgottenPeers()

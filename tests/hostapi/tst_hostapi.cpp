@@ -110,6 +110,8 @@ void HostApiTest::numbers()
         QCOMPARE(outcome([&] { return (a + b).toString(); }), row[2]);
         QCOMPARE(outcome([&] { return (a - b).toString(); }), row[3]);
         QCOMPARE(a.compare(b), row[4].toInt());
+        if (a.word() == 0)
+            QCOMPARE(outcome([&] { return (-b).toString(); }), row[3]);
     }
 }
 
@@ -165,8 +167,12 @@ void HostApiTest::cells()
     }
     for (const DataRow &row : rowsOf("boardlists.txt")) {
         bool ok = row[0] != row[1];
-        QCOMPARE(boardListToString(boardListFromString(row[0], &ok)), row[1]);
+        boardlist boards = boardListFromString(row[0], &ok);
+        quint32 presence = 1;
+        const Field field(FieldType::BoardList, &boards, &presence, 1);
+        QCOMPARE(boardListToString(boards), row[1]);
         QCOMPARE(ok, row[0] == row[1]);
+        QVERIFY(field.toString() == row[1] && field.compare(field) == 0);
     }
 }
 
@@ -286,7 +292,7 @@ void HostApiTest::indexAndFilter()
 void HostApiTest::noTables()
 {
     Table *table = ICore::instance()->table("securities");
-    QVERIFY(Record(table).field(table->columnIndex("sec_id")).isNull());
+    QVERIFY((Record(table).field(table->columnIndex("sec_id")) = 5).isNull());
     QCOMPARE(BoardDirectory::i()->idByCode(StockDirectory::i()->codeById(1), "ARCX"), 0);
     TestHost host;
     host.removeTable("gx.diler");
