@@ -51,7 +51,11 @@ template <typename T> T *as(QObject *object)
 template <typename... Controls> QObject *createOneOf(const QString &name, QWidget *form)
 {
     QObject *made = nullptr;
-    ((name == Controls::staticMetaObject.className() ? made = new Controls(form) : nullptr), ...);
+    const auto tryOne = [&](const QMetaObject &meta, auto make) {
+        if (name == meta.className())
+            made = make();
+    };
+    (tryOne(Controls::staticMetaObject, [form] { return new Controls(form); }), ...);
     return made;
 }
 
