@@ -11,8 +11,9 @@ namespace {
 
 DesignedFormSelector *selectorOf(QWidget *widget)
 {
-    auto *selector = dynamic_cast<DesignedFormSelector *>(widget);
-    return selector ? selector : dynamic_cast<DesignedFormSelector *>(widget->parentWidget());
+    if (auto *selector = dynamic_cast<DesignedFormSelector *>(widget))
+        return selector;
+    return widget ? dynamic_cast<DesignedFormSelector *>(widget->parentWidget()) : nullptr;
 }
 
 } // namespace

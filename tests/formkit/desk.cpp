@@ -244,7 +244,7 @@ void Desk::sendKey(int key, const QString &text) const
     if (text.isEmpty() && !(key & Qt::KeyboardModifierMask)) {
         QTest::keyClick(target, Qt::Key(key));
     } else {
-        QKeyEvent press(QEvent::KeyPress, key & ~Qt::KeyboardModifierMask,
+        QKeyEvent press(QEvent::KeyPress, int(key & ~Qt::KeyboardModifierMask),
                         Qt::KeyboardModifiers(key & Qt::KeyboardModifierMask), text);
         QApplication::sendEvent(target, &press);
     }
