@@ -156,7 +156,7 @@ private:
 QString generationOf(EmbeddedHost &host)
 {
     const TableLock lock(host.table("stocks"));
-    const QString generation = host.stockDirectory()->codeById(1);
+    QString generation = host.stockDirectory()->codeById(1);
     const QVector<SessionId> sessions = host.currentSessions();
     demand(host.boardDirectory()->codeById(1, 7) == generation && sessions.size() == 1 &&
                QString::number(sessions[0].sess_id) == generation,

@@ -90,8 +90,9 @@ void NumberEditorTest::randomEdits()
             for (int i = what < 2 ? random.bounded(8) : int(what < 9); i > 0; --i)
                 step += character();
             if (what == 2)
-                step = "set Value " +
-                       decimal(random.bounded(2000000) - 1000000, random.bounded(7)).toString();
+                step =
+                    "set Value " +
+                    decimal(random.bounded(2000000) - 1000000, short(random.bounded(7))).toString();
             else if (what >= 9)
                 step = "press " + keys.at(random.bounded(keys.size()));
             desk.act(step);
