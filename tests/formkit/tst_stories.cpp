@@ -1,5 +1,6 @@
 #include "desk.h"
 
+#include <formkit/pushbuttonsend.h>
 #include <hostapi/exception.h>
 
 #include <support/stricttest.h>
@@ -25,6 +26,7 @@ private slots:
     void stories_data();
     void stories();
     void quietOpening();
+    void keptIcon();
     void failingHost();
 
 private:
@@ -81,6 +83,18 @@ void StoriesTest::quietOpening()
 }
 
 // At every cell that is read: nothing changes, nothing stays locked.
+// An icon made anew at each write would fill Qt's cache of pictures.
+void StoriesTest::keptIcon()
+{
+    PushButtonSend button;
+    button.setValue("");
+    const qint64 first = button.icon().cacheKey();
+    button.setValue("Limit");
+    button.setValue("");
+    QVERIFY(!button.icon().isNull());
+    QCOMPARE(button.icon().cacheKey(), first);
+}
+
 void StoriesTest::failingHost()
 {
     for (const QString box :
