@@ -22,7 +22,8 @@ public:
     void setValue(const QString &value);
 
 signals:
-    // The user has clicked the button; the argument is its own text.
+    // The user has clicked the button; the argument is its own text. A click never unchecks, not
+    // even a button that stands alone: its text stays the value.
     void changedValue(const QString &value);
 
 protected:
