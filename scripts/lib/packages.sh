@@ -119,8 +119,12 @@ try_in_fresh_root() {
     }
     cp "$1"/*.deb "$root/tmp/"
     cp -r tests/package/consumer "$root/tmp/"
+    # Of this machine's environment what the net needs; a compiler's launcher, say, is not there.
+    local environment
+    mapfile -t environment < <(env | grep -iE '^[a-z]+_proxy=')
+    environment+=(PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root)
     # shellcheck disable=SC2016  # the inner shell's variables
-    chroot "$root" /bin/bash -euo pipefail -c '
+    env -i "${environment[@]}" chroot "$root" /bin/bash -euo pipefail -c '
         export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
         quiet() { "$@" >/tmp/log 2>&1 || { tail -n 30 /tmp/log >&2; return 1; }; }
         quiet apt-get install -y --no-install-recommends /tmp/libformkit-qt5-0_*.deb
