@@ -3,6 +3,8 @@
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -23,6 +25,7 @@ constexpr char SourceName[] = "formkit/FtpClient/FTPClient";
 constexpr size_t MaxReplyLines = 100000;
 constexpr size_t MaxReplyBytes = size_t(8) << 20;
 constexpr int MaxUnaskedReplies = 100;
+constexpr int MaxPreliminaries = 10;
 
 // The logon of each firewall type, in steps of three: what to send, and the step that follows a
 // 2xx and a 3xx reply.
@@ -245,7 +248,6 @@ void CFTPClient::Private::forgetReplies()
     unanswered = 0;
     abandoned = 0;
     perhapsOneMore = false;
-    abortReplyMayBeLate = false;
 }
 
 bool CFTPClient::Private::limitPassed(size_t lineCount, size_t bytes)
@@ -318,13 +320,18 @@ bool CFTPClient::Private::takeLine(std::string &line)
     return true;
 }
 
+// By when a reply has to be complete that is waited for from now on.
+CFTPClient::Private::Clock::time_point CFTPClient::Private::replyDeadline() const
+{
+    constexpr long long LongestLimit = 1000000000; // more overflows the clock
+    const long long limit = 4LL * (static_cast<long long>(receiveTimeout) + responseDelay);
+    return Clock::now() + std::chrono::seconds(std::clamp(limit, 1LL, LongestLimit));
+}
+
 // Receives one whole reply, whatever its code; false when none came. A reply that was begun
 // before a time-out is read on.
 bool CFTPClient::Private::takeReply(CReply &reply)
 {
-    constexpr long long LongestLimit = 1000000000; // more overflows the clock
-    const long long limit = 4LL * (static_cast<long long>(receiveTimeout) + responseDelay);
-    replyEnd = Clock::now() + std::chrono::seconds(std::clamp(limit, 1LL, LongestLimit));
     replyBytes = 0;
     bool complete = false;
     while (!complete) {
@@ -348,8 +355,9 @@ bool CFTPClient::Private::takeReply(CReply &reply)
 }
 
 // Reads one whole reply, and closes the session when it is none.
-bool CFTPClient::Private::readReply(CReply &reply)
+bool CFTPClient::Private::readReply(CReply &reply, Clock::time_point latest)
 {
+    replyEnd = std::min(replyDeadline(), latest);
     try {
         if (!takeReply(reply))
             return false;
@@ -375,37 +383,76 @@ bool CFTPClient::Private::readReply(CReply &reply)
     return isReply;
 }
 
-// Reads what earlier commands are still owed and what nobody asked for, so that the next reply
-// belongs to the next command. False when that cannot be had: the session is then closed.
+// Reads past a few replies of class 1; false when no other reply with a code came, in the time
+// that one reply has.
+bool CFTPClient::Private::readFinalReply(CReply &reply)
+{
+    const Clock::time_point latest = replyDeadline();
+    bool isPreliminary = true;
+    for (int i = 0; i <= MaxPreliminaries && isPreliminary; ++i) {
+        if (!readReply(reply, latest) || reply.Code().Value().empty())
+            return false;
+        isPreliminary = reply.Code().IsPositivePreliminaryReply();
+    }
+    return !isPreliminary;
+}
+
+bool CFTPClient::Private::write(const CCommand &command, const CArg &arguments)
+{
+    tell([&](CNotification &o) { o.OnSendCommand(command, arguments); });
+    try {
+        const std::string line = command.AsString(arguments) + lineEnd;
+        control->Write(line.data(), int(line.size()), timeout());
+    } catch (const CBlockingSocketException &exception) {
+        drop();
+        report(exception, ReportAt::Send);
+        return false;
+    }
+    ++unanswered;
+    return true;
+}
+
+// Reads what earlier commands are still owed and what nobody asked for, all in the time that one
+// reply has, so that the next reply belongs to the next command. False when that cannot be had:
+// the session is then closed.
 bool CFTPClient::Private::settle()
 {
+    const Clock::time_point latest = replyDeadline();
     for (int i = 0; abandoned > 0; ++i) {
         CReply reply;
-        if (i == MaxUnaskedReplies || !readReply(reply)) {
+        if (i == MaxUnaskedReplies || !readReply(reply, latest)) {
             drop();
             return false;
         }
     }
     if (perhapsOneMore && !settlePerhaps())
         return false;
-    return unanswered > 0 || readUnasked();
+    return unanswered > 0 || readUnasked(latest);
 }
 
-// Some servers answer an abort with one reply, others with two that come together.
+// Some servers answer an abort with one reply, others with two, the second of which may take its
+// time. PWD tells: nothing is answered with 257 but that.
 bool CFTPClient::Private::settlePerhaps()
 {
     perhapsOneMore = false;
-    for (int i = 0; i < 100 && !somethingWaits(); ++i)
+    auto outOfStep = qScopeGuard([this] { drop(); });
+    CReply reply;
+    if (!write(CCommand::PWD, {}) || !readFinalReply(reply))
+        return false;
+    // Another is the abort's reply, which PWD's follows, or that of a server that does not know
+    // PWD.
+    const bool isOwn = reply.Code().Value() == "257";
+    for (int i = 0; i < 100 && !isOwn && !somethingWaits(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    abortReplyMayBeLate = connected() && !somethingWaits();
-    return connected();
+    outOfStep.dismiss();
+    return true;
 }
 
-bool CFTPClient::Private::readUnasked()
+bool CFTPClient::Private::readUnasked(Clock::time_point latest)
 {
     for (int i = 0; somethingWaits(); ++i) {
         CReply reply;
-        if (i == MaxUnaskedReplies || !readReply(reply)) {
+        if (i == MaxUnaskedReplies || !readReply(reply, latest)) {
             drop();
             return false;
         }
@@ -582,41 +629,25 @@ bool CFTPClient::SendCommand(const CCommand &command, const CArg &arguments) con
         return false;
     if (command == CCommand::TYPE || command == CCommand::REIN)
         d->representation.reset();
-    d->tell([&](CNotification &o) { o.OnSendCommand(command, arguments); });
-    try {
-        const std::string line = command.AsString(arguments) + d->lineEnd;
-        d->control->Write(line.data(), int(line.size()), d->timeout());
-    } catch (const CBlockingSocketException &exception) {
-        d->drop();
-        d->report(exception, ReportAt::Send);
-        return false;
-    }
-    ++d->unanswered;
-    return true;
+    return d->write(command, arguments);
 }
 
 bool CFTPClient::SendCommand(const CCommand &command, const CArg &arguments, CReply &reply) const
 {
     const std::lock_guard<std::recursive_mutex> turn(d->exchange);
-    if (!SendCommand(command, arguments))
-        return false;
-    bool read = GetResponse(reply);
-    if (read && d->abortReplyMayBeLate && command != CCommand::ABOR) {
-        // These codes speak of a transfer's end: one that comes first is the abort's.
-        d->abortReplyMayBeLate = false;
-        const std::string &code = reply.Code().Value();
-        if (code == "225" || code == "226" || code == "426") {
-            ++d->unanswered;
-            read = GetResponse(reply);
-        }
-    }
-    return read;
+    return SendCommand(command, arguments) && GetResponse(reply);
 }
 
 bool CFTPClient::GetResponse(CReply &reply) const
 {
     const std::lock_guard<std::recursive_mutex> turn(d->exchange);
-    return d->readReply(reply) && !reply.Code().Value().empty();
+    if (!d->readReply(reply))
+        return false;
+    // One that announces another, by a code that is none, is not waited for.
+    const bool hasCode = !reply.Code().Value().empty();
+    if (!hasCode)
+        d->giveUpReplies();
+    return hasCode;
 }
 
 int CFTPClient::SimpleErrorCheck(const CReply &reply)

@@ -30,14 +30,16 @@ namespace nsFTP {
 // What may be relied on
 // - Every wait (connecting, accepting the server's data connection, each receive and send) is
 //   bounded by the receive time-out; looking up a host name takes as long as the system's
-//   resolver does. One reply as a whole is bounded to four times the receive time-out plus
-//   response delay, 100,000 lines and 8 MiB: what goes beyond closes the session. A transfer as
-//   a whole is not bounded while bytes come: Abort() ends it. A listing is bounded to 64 MiB.
+//   resolver does. One reply as a whole, and all that is read before a command together, is
+//   bounded to four times the receive time-out plus response delay, one reply to 100,000 lines
+//   and 8 MiB: what goes beyond closes the session. A transfer as a whole is not bounded while
+//   bytes come: Abort() ends it. A listing is bounded to 64 MiB and 1,000,000 lines.
 // - A reply belongs to its command. What a command that timed out, was aborted or broke off is
 //   still owed is read (and reported) before the next command goes out, and so is what a server
-//   sends unasked; when an owed reply does not come in time, when a reply is no reply (no three
-//   digits), and when the peer closes, the session is closed: IsConnected() is false, and
-//   commands give -1 until the next Login().
+//   sends unasked. After an abort that was answered once the client asks PWD, whose reply shows
+//   whether another one was on its way. When an owed reply does not come in time, when a reply is
+//   no reply (no three digits), and when the peer closes, the session is closed: IsConnected() is
+//   false, and commands give -1 until the next Login().
 // - CR, LF and NUL in an argument of a command, in logon data or in a host name are refused
 //   before a byte is sent; the report names the command.
 // - Paths and names are bytes, sent and given as they are.
@@ -50,8 +52,8 @@ public:
 
     // An observer, called synchronously on the client's thread; several of one client in the
     // order of their addresses. A client or observer that is destroyed leaves all its partners.
-    // From within a call an observer may attach and detach and may call Abort(); it must not
-    // send commands or destroy the client.
+    // From within a call an observer may attach and detach and may call Abort(), which gives -1
+    // outside of transfers and lists; it must not send commands or destroy the client.
     class FORMKITFTP_EXPORT CNotification
     {
     public:
@@ -246,8 +248,10 @@ public:
 
     // While a transfer runs: asks it to stop after the block in hand and gives 0; the transfer
     // then closes the data connection, sends ABOR and fails. (A transfer that has not come to
-    // its data yet ends before them.) Else sends ABOR. May be called from another thread, which
-    // it never blocks: it gives -1 and does nothing while a command of another kind runs.
+    // its data yet ends before them.) While a command of another kind runs, on another thread or
+    // around an observer, it gives -1 and does nothing. Else it sends ABOR and waits for the reply
+    // like any command, on the thread that calls: also when the transfer that was meant has just
+    // ended.
     int Abort() const;
 
     // The steps of a transfer, for callers that put one together themselves.

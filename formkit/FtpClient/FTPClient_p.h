@@ -47,14 +47,17 @@ struct CFTPClient::Private
     void forgetReplies();
     bool takeText();
     bool takeLine(std::string &line);
+    Clock::time_point replyDeadline() const;
     bool takeReply(CReply &reply);
-    bool readReply(CReply &reply);
+    bool readReply(CReply &reply, Clock::time_point latest = Clock::time_point::max());
+    bool readFinalReply(CReply &reply);
     bool limitPassed(size_t lines, size_t bytes);
 
     // Keeping commands and replies in step.
+    bool write(const CCommand &command, const CArg &arguments);
     bool settle();
     bool settlePerhaps();
-    bool readUnasked();
+    bool readUnasked(Clock::time_point latest);
     bool somethingWaits() const;
     void giveUpReplies() { abandoned = unanswered; }
     bool accepted(const CCommand &command, const CArg &arguments) const;
@@ -92,7 +95,9 @@ struct CFTPClient::Private
     unsigned int unanswered = 0;
     unsigned int abandoned = 0;
     bool perhapsOneMore = false;
-    bool abortReplyMayBeLate = false;
+
+    // How many calls of observers are under way, one within the other.
+    mutable std::atomic<int> telling{0};
 
     // One exchange at a time; Abort() from another thread keeps out of one.
     std::recursive_mutex exchange;
@@ -104,6 +109,15 @@ struct CFTPClient::Private
 // In the order of the addresses, whatever observers attach or detach meanwhile.
 template <typename Call> void CFTPClient::Private::tell(Call call) const
 {
+    struct Scope
+    {
+        explicit Scope(std::atomic<int> &depth) : m_depth(depth) { ++m_depth; }
+        Scope(const Scope &) = delete;
+        Scope &operator=(const Scope &) = delete;
+        ~Scope() { --m_depth; }
+
+        std::atomic<int> &m_depth;
+    } const scope(telling);
     for (auto it = observers.begin(); it != observers.end();) {
         CNotification *const observer = *it;
         call(*observer);

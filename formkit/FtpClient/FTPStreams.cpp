@@ -1,5 +1,6 @@
 #include "formkit/FtpClient/FTPStreams.h"
 
+#include <algorithm>
 #include <new>
 
 namespace nsFTP {
@@ -31,7 +32,8 @@ bool COutputStream::GetNextLine(std::string &line)
 
 void COutputStream::OnBytesReceived(const std::vector<char> &buffer, long count)
 {
-    m_bGood = m_bGood && size_t(count) <= m_nLimit - m_strText.size();
+    m_nLines += long(std::count(buffer.begin(), buffer.begin() + count, '\n'));
+    m_bGood = m_bGood && size_t(count) <= m_nLimit - m_strText.size() && m_nLines <= MostLines;
     if (m_bGood)
         m_strText.append(buffer.data(), size_t(count));
 }
@@ -52,6 +54,7 @@ bool COutputStream::SetLocalStreamOffset(long long offset)
     if (offset < 0 || size_t(offset) > m_strText.size())
         return false;
     m_strText.resize(size_t(offset));
+    m_nLines = long(std::count(m_strText.begin(), m_strText.end(), '\n'));
     return true;
 }
 
@@ -61,7 +64,14 @@ unsigned long COutputStream::ReadLocalStream(long long position, char *buffer, u
     return there ? m_strText.copy(buffer, size, size_t(position)) : 0;
 }
 
-CFile::CFile(const std::string &name) : m_File(QFile::decodeName(name.c_str())) {}
+CFile::CFile(const std::string &name) : m_File(QFile::decodeName(QByteArray::fromStdString(name)))
+{
+    if (name.find('\0') == std::string::npos &&
+        !m_File.fileName().contains(QChar::ReplacementCharacter))
+        return;
+    m_bGood = false;
+    m_strError = "The name is no text in the system's encoding.";
+}
 
 CFile::~CFile()
 {
@@ -76,6 +86,8 @@ CFile::~CFile()
 
 bool CFile::Open(TDirection direction)
 {
+    if (!m_bGood)
+        return false;
     m_enDirection = direction;
     m_bMade = direction == receive && !m_File.exists();
     const QIODevice::OpenMode mode = direction == send ? QIODevice::ReadOnly : QIODevice::ReadWrite;

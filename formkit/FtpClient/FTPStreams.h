@@ -40,13 +40,15 @@ public:
 };
 
 // A text in memory that collects a listing and hands it back line by line. A listing longer
-// than the limit (in bytes) makes the transfer fail, so that data without end cannot fill the
-// memory.
+// than the limit (in bytes) or of more than MostLines lines makes the transfer fail, so that data
+// without end cannot fill the memory.
 class FORMKITFTP_EXPORT COutputStream : public ITransferNotification
 {
 public:
     // 64 MiB.
     static constexpr size_t DefaultLimit = size_t(64) << 20;
+    // Of each a caller makes an entry, which is larger than a short line.
+    static constexpr long MostLines = 1000000;
 
     // Empty; the name is what observers read.
     explicit COutputStream(const std::string &name, size_t limit = DefaultLimit);
@@ -71,6 +73,7 @@ private:
     std::string m_strText;
     size_t m_nLimit;
     size_t m_nRead = 0;
+    long m_nLines = 0;
     bool m_bGood = true;
 };
 
@@ -83,7 +86,8 @@ public:
     // What the file is opened for.
     enum TDirection { receive, send };
 
-    // The name as bytes, as the system has it.
+    // The name as bytes, as the system has it. One that is no text in the system's encoding, or
+    // holds a NUL, cannot be opened: other names would mean the same file.
     explicit CFile(const std::string &name);
     ~CFile() override;
 

@@ -13,8 +13,6 @@ namespace nsFTP {
 
 namespace {
 
-constexpr int MostPreliminaries = 10;
-
 class TransferringScope
 {
 public:
@@ -242,6 +240,8 @@ bool CFTPClient::OpenActiveDataConnection(IBlockingSocket &dataSocket, const CCo
                                           const std::string &path, unsigned int offset) const
 {
     FTP_ASSERT(command.IsDatachannelCommand(), "false");
+    if (!d->connected())
+        return false;
     const std::unique_ptr<IBlockingSocket> listener(d->control->CreateInstance());
     try {
         listener->SetWaitLimit(d->timeout());
@@ -445,10 +445,8 @@ bool CFTPClient::abortTransfer(IBlockingSocket &dataSocket) const
 void CFTPClient::sendAbort() const
 {
     CReply reply;
-    bool read = SendCommand(CCommand::ABOR, {}) && GetResponse(reply);
     // Some go on about the transfer with a reply of class 1.
-    for (int i = 0; i < MostPreliminaries && read && reply.Code().IsPositivePreliminaryReply(); ++i)
-        read = GetResponse(reply);
+    const bool read = SendCommand(CCommand::ABOR, {}) && d->readFinalReply(reply);
     if (!read || reply.Code().IsTransientNegativeReply()) {
         d->giveUpReplies();
         return;
@@ -467,9 +465,10 @@ int CFTPClient::Abort() const
             return 0;
         }
     }
-    // Held by another thread's command: an abort has no business there.
+    // Held by another thread's command, or called by an observer from within one: an abort has
+    // no business there.
     const std::unique_lock<std::recursive_mutex> turn(d->exchange, std::try_to_lock);
-    if (!turn.owns_lock())
+    if (!turn.owns_lock() || d->telling > 0)
         return -1;
     d->abortRequested = false;
     return simple(CCommand::ABOR);
@@ -672,8 +671,9 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     // there is something to send. In ASCII the answer means nothing: many servers refuse it with
     // the code of a missing file.
     CReply size;
-    if (mayResume(representation) && source.SendCommand(CCommand::SIZE, {sourceFile}, size) &&
-        size.Code().Value() == "550")
+    if (mayResume(representation))
+        source.simple(CCommand::SIZE, {sourceFile}, &size);
+    if (size.Code().Value() == "550")
         return false;
     const CFTPClient &listening = passive ? source : target;
     const CFTPClient &connecting = passive ? target : source;

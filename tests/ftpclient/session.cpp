@@ -55,6 +55,8 @@ long long prepare(Client &c, const QStringList &a)
         c.client.SetResumeMode(false);
     else if (a[0] == "aborting")
         c.recorder.afterBlock = [&] { c.client.Abort(); };
+    else if (a[0] == "cancelling")
+        c.recorder.beforeCommand = [&] { c.recorder.log << QString::number(c.client.Abort()); };
     else if (a[0] == "meanwhile")
         c.recorder.afterBlock = [&c, other = a.mid(1)] {
             c.recorder.log << QString("meanwhile %1").arg(transfer(c, other));

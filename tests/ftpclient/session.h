@@ -9,12 +9,13 @@
 
 #include <functional>
 
-// Writes down what a client reports. The hook runs after each block.
+// Writes down what a client reports. The hooks run after each block and before each command.
 class Recorder : public nsFTP::CFTPClient::CNotification
 {
 public:
     QStringList log;
     std::function<void()> afterBlock = [] {};
+    std::function<void()> beforeCommand = [] {};
 
     // The end of the log, for a message.
     QString last() const { return log.mid(qMax(0, log.size() - 10)).join('\n') + '\n'; }
@@ -44,6 +45,7 @@ public:
     void OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments) override
     {
         log << "> " + QString::fromStdString(command.AsString(arguments));
+        beforeCommand();
     }
     void OnResponse(const nsFTP::CReply &reply) override
     {
@@ -62,11 +64,14 @@ struct Client
     // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
-    // Whether a command reads its own reply.
+    // Whether commands read their own replies.
     bool inStep() const
     {
-        nsFTP::CReply reply;
-        return client.SendCommand(nsFTP::CCommand::PWD, {}, reply) && reply.Code().Value() == "257";
+        using nsFTP::CCommand;
+        nsFTP::CReply pwd;
+        nsFTP::CReply mdtm;
+        return client.SendCommand(CCommand::PWD, {}, pwd) && pwd.Code().Value() == "257" &&
+               client.SendCommand(CCommand::MDTM, {"f"}, mdtm) && mdtm.Code().Value() == "213";
     }
     void write(const QByteArray &bytes) const { writeFile(local.c_str(), bytes); }
     QByteArray read() const { return readFile(local.c_str()); }

@@ -25,6 +25,7 @@ QString conversation(const QStringList &row)
         result = session.perform(row[1]);
     }
     session.recorder.afterBlock = [] {};
+    session.recorder.beforeCommand = [] {};
     const QString log = session.recorder.log.join(',');
     QStringList sent = session.server.commands().mid(logsOn ? 0 : 3);
     sent.replaceInStrings(QRegularExpression("(PORT 127,0,0,1),.*"), "\\1");
@@ -59,7 +60,8 @@ QString between(const QStringList &row)
                         !source.client.UploadFile(source.client, "a", "b", CType::Image, true);
     QStringList sent = source.server.commands().mid(3) + target.server.commands().mid(3);
     sent.replaceInStrings(QRegularExpression("PORT .*"), "PORT");
-    const bool asTold = sent.join(',') == QString("%1,PWD,%2,PWD").arg(row[4], row[5]);
+    const bool asTold =
+        sent.join(',') == QString("%1,PWD,MDTM f,%2,PWD,MDTM f").arg(row[4], row[5]);
     return in && good == (row[3] == "yes") && inStep && asTold ? "" : sent.join(',');
 }
 
@@ -167,6 +169,33 @@ private slots:
         begun.OnBytesReceived({'t', 'o', 't'}, 3);
         QVERIFY(!session.client.DownloadFile("f", begun, CType::Image, true));
         QCOMPARE(begun.GetText(), std::string("tot")); // not its beginning twice
+        COutputStream lines("");
+        const std::vector<char> lineFeeds(COutputStream::MostLines, '\n');
+        lines.OnBytesReceived(lineFeeds, COutputStream::MostLines);
+        QVERIFY(lines.IsGood());
+        QVERIFY(lines.SetLocalStreamOffset(1));
+        lines.OnBytesReceived(lineFeeds, COutputStream::MostLines);
+        QVERIFY(!lines.IsGood());
+    }
+
+    // Other names would mean the same file.
+    void namesOfNoText()
+    {
+        Client one(1, 1);
+        for (const std::string &name : {std::string("\xE9"), std::string("z\0tail", 6)}) {
+            CFile file(one.folder.filePath("").toStdString() + "/" + name);
+            QVERIFY(!file.Open(CFile::receive) && !file.Open(CFile::send));
+            QVERIFY(file.GetErrorText().find("encoding") != std::string::npos);
+        }
+        QVERIFY(QDir(one.folder.path()).isEmpty());
+    }
+
+    void closedSessions()
+    {
+        const CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance());
+        nsSocket::CBlockingSocket data;
+        QVERIFY(!client.OpenActiveDataConnection(data, CCommand::LIST, "", 0));
+        QVERIFY(!client.OpenPassiveDataConnection(data, CCommand::LIST, "", 0));
     }
 
     void forgottenPeers()
