@@ -10,6 +10,7 @@
 #include <support/testhost.h>
 
 #include <QAbstractItemModelTester>
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QLineEdit>
 #include <QRandomGenerator>
@@ -96,6 +97,7 @@ private slots:
     void withoutASource();
     void stockCheckList();
     void boardCheckList();
+    void tallRow();
 };
 
 void SelectorModelsTest::mapping()
@@ -335,6 +337,19 @@ void SelectorModelsTest::boardCheckList()
     }
     table.setRows({});
     QVERIFY(model.at(0).isNull());
+}
+
+// A name of many lines does not make all rows as high.
+void SelectorModelsTest::tallRow()
+{
+    TestHost host;
+    TestTable &table = host.table("securities");
+    host.setSessions({{1, 20}});
+    table.setRows({{1, 1, 1, "A", QString(30, '\n') + 'x', {}, 20}});
+    const SecuritySelectorBox box;
+    const int font = box.view()->fontMetrics().height();
+    const int height = box.view()->sizeHintForRow(0);
+    QVERIFY2(height >= font && height <= 2 * font, qPrintable(QString::number(height)));
 }
 
 QTEST_MAIN(SelectorModelsTest)
