@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QRandomGenerator>
 #include <QStandardItemModel>
+#include <QStringListModel>
 
 namespace {
 
@@ -92,6 +93,7 @@ class SelectorModelsTest : public StrictTest
 
 private slots:
     void mapping();
+    void lookUps();
     void changes();
     void typeAhead();
     void withoutASource();
@@ -119,6 +121,39 @@ void SelectorModelsTest::mapping()
     const QItemSelection shown = proxy.mapSelectionFromSource(all);
     QCOMPARE(proxy.mapSelectionToSource(shown).indexes().size(), 2);
     QVERIFY(!proxy.removeRows(0, 1));
+}
+
+// A key is found by reading the rows of its hash, whether it is there or not.
+void SelectorModelsTest::lookUps()
+{
+    struct Counted : QStringListModel
+    {
+        mutable int reads = 0;
+        QVariant data(const QModelIndex &index, int role) const override
+        {
+            ++reads;
+            const QString text = QStringListModel::data(index, Qt::DisplayRole).toString();
+            return role == NumberRole ? QVariant(text.toLongLong()) : text;
+        }
+    } source;
+    QStringList numbers;
+    for (int number = 0; number < 1000; ++number)
+        numbers << QString::number(number);
+    source.setStringList(numbers);
+    SelectorProxyModel proxy;
+    proxy.setKeyRoles({NumberRole, TextRole});
+    proxy.setSourceModel(&source);
+    source.reads = 0;
+    for (const int role : {NumberRole, TextRole}) {
+        const QModelIndexList found =
+            proxy.match(proxy.index(0, 0), role, "995", 1, Qt::MatchExactly);
+        QCOMPARE(found.value(0).data().toString(), QString("995"));
+        QVERIFY(proxy.match(proxy.index(0, 0), role, "none", 1, Qt::MatchExactly).isEmpty());
+    }
+    const QModelIndexList found =
+        proxy.match(proxy.index(0, 0), NumberRole, 995, 1, Qt::MatchExactly);
+    QCOMPARE(found.value(0).data().toString(), QString("995"));
+    QVERIFY2(source.reads < 50, qPrintable(QString::number(source.reads)));
 }
 
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
@@ -265,6 +300,9 @@ void SelectorModelsTest::withoutASource()
         QCOMPARE(filter->rowCount(), 0);
         filter->setSourceModel(&foreign);
     }
+    QSignalSpy resets(&securities, &QAbstractItemModel::modelReset);
+    securities.setStockBoard("XE", ""); // as before, all
+    QCOMPARE(resets.size(), 0);
     securities.setStockBoard("MX", "TQ");
     QCOMPARE(boards.rowCount() + securities.rowCount(), 0);
 }
