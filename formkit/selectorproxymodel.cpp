@@ -79,6 +79,11 @@ void SelectorProxyModel::setKeyRoles(const QVector<int> &roles)
         m->keys.insert(role, sourceModel() ? RowIndex(sourceModel(), role) : RowIndex());
 }
 
+QVector<int> SelectorProxyModel::keyRoles() const
+{
+    return QVector<int>(m->keys.keyBegin(), m->keys.keyEnd());
+}
+
 void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
 {
     if (source == sourceModel())
@@ -113,7 +118,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
             beginResetModel();
             m->setShown({});
             m->sourceOrder.clear();
-            setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
+            setKeyRoles(keyRoles());
             endResetModel();
         });
     }
@@ -137,7 +142,7 @@ void SelectorProxyModel::rebuild()
     m->sourceOrder.clear();
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
-    setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
+    setKeyRoles(keyRoles());
     m->setShown(inOrder(acceptedRows()));
 }
 

@@ -1,3 +1,4 @@
+#include <formkit/boardselectorbox.h>
 #include <formkit/boardselectorfilteredmodel.h>
 #include <formkit/boardselectormodel.h>
 #include <formkit/securityselectorbox.h>
@@ -99,6 +100,7 @@ private slots:
     void withoutASource();
     void stockCheckList();
     void boardCheckList();
+    void fixedList();
     void tallRow();
 };
 
@@ -375,6 +377,21 @@ void SelectorModelsTest::boardCheckList()
     }
     table.setRows({});
     QVERIFY(model.at(0).isNull());
+}
+
+// The check of another row is no news in a box that cannot be edited.
+void SelectorModelsTest::fixedList()
+{
+    TestHost host;
+    host.table("boards").setRows({{7, 1, "B", "b"}, {8, 1, "A", "a"}});
+    BoardSelectorBox box;
+    auto *const model = new CheckList<BoardSelectorModel>;
+    box.setSourceModel(model);
+    box.setEditable(false);
+    box.setCurrentIndex(0);
+    const QSignalSpy reports(&box, &BoardSelectorBox::boardIdChanged);
+    QVERIFY(model->check(1, false) && model->check(0, false));
+    QCOMPARE(reports.size(), 0);
 }
 
 // A name of many lines does not make all rows as high.
