@@ -65,10 +65,12 @@ void EmbeddedHost::deliver()
     }
     if (!self || news.outcome == LoadJob::Running)
         return;
-    if (news.outcome == LoadJob::Cancelled)
+    if (news.outcome == LoadJob::Cancelled) {
+        m_error.clear();
         emit cancelled();
-    else
+    } else {
         finish(news.outcome == LoadJob::Loaded, news.otherSessions, news.error);
+    }
 }
 
 bool EmbeddedHost::loadNow(const QString &file)

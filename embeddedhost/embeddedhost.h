@@ -41,7 +41,8 @@ public:
     ~EmbeddedHost() override;
 
     // Starts a load, which ends with one of the signals loaded(), failed() and cancelled(),
-    // always after this call has returned. A load that is under way is cancelled first.
+    // always after this call has returned. A load that is under way is cancelled first; calls
+    // that are made before it has ended start one load, of the last file.
     void load(const QString &file);
     // Loads the file that was last asked for again.
     void reload();

@@ -192,8 +192,8 @@ void PartnerSelectorBox::setPartner(const QString &code)
 {
     if (code == m_partner)
         return;
-    m_partner = code;
     const int row = rowsOfText(code).first;
+    m_partner = row >= 0 ? codeAt(row) : code;
     if (row >= 0)
         chooseRow(row);
     else

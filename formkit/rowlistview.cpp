@@ -5,6 +5,21 @@
 #include <QPainter>
 #include <QScrollBar>
 
+#include <algorithm>
+
+namespace {
+
+bool isOneLine(const QString &text)
+{
+    return std::none_of(text.begin(), text.end(), [](QChar character) {
+        const QChar::Category category = character.category();
+        return category == QChar::Other_Control || category == QChar::Separator_Line ||
+               category == QChar::Separator_Paragraph;
+    });
+}
+
+} // namespace
+
 RowListView::RowListView(QWidget *parent) : QAbstractItemView(parent)
 {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -48,7 +63,7 @@ QModelIndex RowListView::indexOfRow(int row) const
     return model() ? model()->index(row, m_column, rootIndex()) : QModelIndex();
 }
 
-// That of the first row, on which all others are modelled.
+// That of the first row, on which all others are modelled. A row of many lines is none to go by.
 int RowListView::rowHeight() const
 {
     if (m_rowHeight == 0) {
@@ -56,6 +71,8 @@ int RowListView::rowHeight() const
         if (!first.isValid())
             return fontMetrics().height();
         m_rowHeight = qMax(1, itemDelegate()->sizeHint(viewOptions(), first).height());
+        if (!isOneLine(first.data().toString()))
+            m_rowHeight = qMin(m_rowHeight, 2 * fontMetrics().height());
     }
     return m_rowHeight;
 }

@@ -12,9 +12,11 @@ void SecuritySelectorFilteredModel::setStockBoard(const QString &stockCode,
 {
     if (stockCode == m_stockCode && boardCode == m_boardCode)
         return;
+    const bool showedAll = showsAll();
     m_stockCode = stockCode;
     m_boardCode = boardCode;
-    invalidate();
+    if (!showedAll || !showsAll())
+        invalidate();
 }
 
 bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,

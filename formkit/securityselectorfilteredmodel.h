@@ -12,7 +12,7 @@ public:
     explicit SecuritySelectorFilteredModel(QObject *parent = nullptr);
 
 public slots:
-    // The exact codes; a change of either rebuilds the list.
+    // The exact codes; a change that narrows or widens the list rebuilds it.
     void setStockBoard(const QString &stockCode, const QString &boardCode);
 
 protected:

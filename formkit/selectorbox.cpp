@@ -12,8 +12,9 @@ struct SelectorBox::Kept
 {
     EditState edit;
     bool wasChoice = false;
-    // The row that the edit text stood for.
+    // The row that the edit text stood for, and what it was found by.
     QVariantList key;
+    QVariantList lookUps;
     // The row that the user was on in the open list.
     QVariantList listKey;
     bool completing = false;
@@ -107,6 +108,9 @@ int SelectorBox::rowOfText(Qt::CaseSensitivity sensitivity) const
 {
     if (isCurrentText(sensitivity))
         return currentIndex();
+    // Only a choice can mean a row without a name.
+    if (currentText().isEmpty())
+        return -1;
     return m_list ? m_list->rowOfText(currentText(), sensitivity) : -1;
 }
 
@@ -118,7 +122,7 @@ QVariant SelectorBox::dataOfText(int role) const
 
 void SelectorBox::chooseKey(int role, const QVariant &key)
 {
-    if (!m_list)
+    if (!m_list || key.toString().isEmpty())
         return;
     const int row = m_list->rowsOfKey(role, key).value(0, -1);
     const QString before = currentText();
@@ -133,7 +137,10 @@ void SelectorBox::clearChoice()
 {
     if (completer())
         completer()->popup()->hide();
+    const bool wasNameless = m_showsChoice && currentText().isEmpty();
     setCurrentIndex(-1);
+    if (wasNameless)
+        report(QString());
 }
 
 void SelectorBox::beginRefresh()
@@ -149,10 +156,11 @@ void SelectorBox::beginRefresh()
     // A source that was destroyed has nothing left to read.
     if (!m_list->sourceModel())
         return;
-    if (m_showsChoice || !currentText().isEmpty())
-        m_kept->key = keyOfRow(m_showsChoice ? currentIndex() : rowOfTypedText());
+    const int row = m_showsChoice ? currentIndex() : rowOfTypedText();
+    m_kept->key = dataOfRow(row, m_keyRoles);
+    m_kept->lookUps = dataOfRow(row, m_list->keyRoles());
     if (view()->isVisible())
-        m_kept->listKey = keyOfRow(view()->currentIndex().row());
+        m_kept->listKey = dataOfRow(view()->currentIndex().row(), m_keyRoles);
 }
 
 void SelectorBox::endRefresh()
@@ -176,7 +184,9 @@ void SelectorBox::endRefresh()
         completer()->popup()->hide();
     }
     const bool stoodForARow = m_kept->wasChoice || !m_kept->key.isEmpty();
-    if (stoodForARow && (row < 0 || rowOfTypedText() != row))
+    const bool isSame = row >= 0 && rowOfTypedText() == row &&
+                        dataOfRow(row, m_list->keyRoles()) == m_kept->lookUps;
+    if (stoodForARow && !isSame)
         report(currentText());
     else
         m_unreported = !stoodForARow;
@@ -191,27 +201,29 @@ void SelectorBox::beginDataChange()
 void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &bottomRight)
 {
     const bool isTyped = !m_showsChoice && !m_kept->edit.text().isEmpty();
+    // What a box that cannot be edited showed before is not known.
+    const bool isUnseen = isTyped || !lineEdit();
     const QString shown = currentText();
     if (isTyped)
         setEditText(m_kept->edit.text());
     m_kept->edit.restoreCaret(lineEdit());
     m_refreshing = false;
     noteChoice();
-    const bool isWholeList = topLeft.row() != bottomRight.row();
+    const bool isWholeList = topLeft.row() == 0 && bottomRight.row() == m_list->rowCount() - 1;
     if (isWholeList)
         measureTexts(m_list->sourceModel());
-    if (isTyped ? isWholeList : shown != m_kept->edit.text())
+    if (isUnseen ? isWholeList : shown != m_kept->edit.text())
         report(currentText());
 }
 
-QVariantList SelectorBox::keyOfRow(int row) const
+QVariantList SelectorBox::dataOfRow(int row, const QVector<int> &roles) const
 {
-    QVariantList key;
-    for (const int role : m_keyRoles) {
+    QVariantList all;
+    for (const int role : roles) {
         if (row >= 0)
-            key.append(itemData(row, role));
+            all.append(itemData(row, role));
     }
-    return key;
+    return all;
 }
 
 int SelectorBox::rowOfKey(const QVariantList &key) const
@@ -220,7 +232,7 @@ int SelectorBox::rowOfKey(const QVariantList &key) const
         return -1;
     const QVector<int> rows = m_list->rowsOfKey(m_keyRoles.first(), key.first());
     for (const int row : rows) {
-        if (keyOfRow(row) == key)
+        if (dataOfRow(row, m_keyRoles) == key)
             return row;
     }
     return -1;

@@ -7,15 +7,18 @@
 class SelectorProxyModel;
 
 // What the boxes that select from a reference table have in common. Beside its own list each
-// box shows, whatever its size, in time that does not grow with the table, and:
+// box shows, whatever its size, in time that does not grow with the table (opening it while
+// the box cannot be edited excepted: some styles then measure every row), and:
 // - A refresh of the list (its model is populated anew, or the filter changes) keeps the
 //   choice: the same row by its key stays current, and a half-typed text stays as it is,
-//   caret and all; the box reports nothing. Only when the chosen row is gone does the box
-//   empty itself and report that. When it is a typed text that names the row, the text stays,
-//   and the box reports what it stands for now. A row that comes to match a half-typed text
-//   is not chosen before the user goes on typing or leaves the box.
+//   caret and all; the box reports nothing unless an id or a code of the row has become another
+//   one. Only when the chosen row is gone does the box empty itself and report that. When it is
+//   a typed text that names the row, the text stays, and the box reports what it stands for now. A
+//   row that comes to match a half-typed text is not chosen before the user goes on typing or
+//   leaves the box.
 // - While the current row's text is the edit text, it is that row that the box answers for;
-//   otherwise the first row of that text.
+//   otherwise the first row of that text. A row without a name counts while it is chosen;
+//   an empty text as such stands for no row.
 // - It chooses when it is left (see ComboBox::chooseWhenLeft()).
 class FORMKIT_EXPORT SelectorBox : public ComboBox
 {
@@ -40,7 +43,7 @@ protected:
     void clearChoice();
     // The data of the row of the edit text, in any letter case; invalid for none.
     QVariant dataOfText(int role) const;
-    // Chooses the first row of a key, if there is one.
+    // Chooses the first row of a key, if there is one. An empty key is that of no row.
     void chooseKey(int role, const QVariant &key);
 
     TextRows rowsOfText(const QString &text) const override;
@@ -63,7 +66,7 @@ private:
     void endDataChange(const QModelIndex &topLeft, const QModelIndex &bottomRight);
     void noteChoice();
     void noteIndex();
-    QVariantList keyOfRow(int row) const;
+    QVariantList dataOfRow(int row, const QVector<int> &roles) const;
     int rowOfKey(const QVariantList &key) const;
     int rowOfText(Qt::CaseSensitivity sensitivity) const;
     void report(const QString &text);

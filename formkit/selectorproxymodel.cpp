@@ -9,6 +9,15 @@
 
 #include <algorithm>
 
+namespace {
+
+bool isInteger(const QVariant &value)
+{
+    return value.userType() == QMetaType::Int || value.userType() == QMetaType::LongLong;
+}
+
+} // namespace
+
 struct SelectorProxyModel::Mapping
 {
     enum Order { Source, Ascending, Descending };
@@ -70,6 +79,11 @@ void SelectorProxyModel::setKeyRoles(const QVector<int> &roles)
         m->keys.insert(role, sourceModel() ? RowIndex(sourceModel(), role) : RowIndex());
 }
 
+QVector<int> SelectorProxyModel::keyRoles() const
+{
+    return QVector<int>(m->keys.keyBegin(), m->keys.keyEnd());
+}
+
 void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
 {
     if (source == sourceModel())
@@ -104,7 +118,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
             beginResetModel();
             m->setShown({});
             m->sourceOrder.clear();
-            setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
+            setKeyRoles(keyRoles());
             endResetModel();
         });
     }
@@ -128,7 +142,7 @@ void SelectorProxyModel::rebuild()
     m->sourceOrder.clear();
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
-    setKeyRoles(QVector<int>(m->keys.keyBegin(), m->keys.keyEnd()));
+    setKeyRoles(keyRoles());
     m->setShown(inOrder(acceptedRows()));
 }
 
@@ -407,21 +421,27 @@ QModelIndexList SelectorProxyModel::match(const QModelIndex &start, int role, co
     }
     const bool wholeText = type == Qt::MatchExactly || type == Qt::MatchFixedString;
     const bool indexed = start.row() == 0 && start.column() == 0 && hits == 1 && wholeText;
-    const bool isText = value.userType() == QMetaType::QString;
-    if (!indexed || !(isText || type == Qt::MatchFixedString))
+    const bool asText = type == Qt::MatchFixedString || value.userType() == QMetaType::QString;
+    // Of texts a number equals several, "7" and "07".
+    const bool asNumber = isInteger(value) && isInteger(data(index(0, 0), role));
+    if (!indexed || !(asText || asNumber))
         return QSortFilterProxyModel::match(start, role, value, hits, flags);
 
     const bool exact = type == Qt::MatchExactly || flags & Qt::MatchCaseSensitive;
     const Qt::CaseSensitivity sensitivity = exact ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    if (role == Qt::DisplayRole) {
+    if (role == Qt::DisplayRole && asText) {
         const int row = rowOfText(value.toString(), sensitivity);
         return row < 0 ? QModelIndexList() : QModelIndexList{index(row, 0)};
     }
-    if (!m->keys.contains(role) || type == Qt::MatchExactly)
+    if (!m->keys.contains(role))
         return QSortFilterProxyModel::match(start, role, value, hits, flags);
     const QVector<int> keyRows = rowsOfKey(role, value);
     for (const int row : keyRows) {
-        if (data(index(row, 0), role).toString().compare(value.toString(), sensitivity) == 0)
+        const QVariant key = data(index(row, 0), role);
+        const bool equals = type == Qt::MatchExactly
+                                ? value == key
+                                : key.toString().compare(value.toString(), sensitivity) == 0;
+        if (equals)
             return {index(row, 0)};
     }
     return {};

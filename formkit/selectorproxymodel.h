@@ -35,6 +35,8 @@ public:
     // The roles by which rows are looked up. Their data must be texts or integers that change
     // only when the source is reset.
     void setKeyRoles(const QVector<int> &roles);
+    // Ascending.
+    QVector<int> keyRoles() const;
 
     // The first row with that text; -1 for none.
     int rowOfText(const QString &text, Qt::CaseSensitivity sensitivity) const;

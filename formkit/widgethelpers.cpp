@@ -67,6 +67,6 @@ void moveWidgetRelatively(QWidget *widget, const QWidget *relativeTo, Qt::Alignm
 
 QString centerJustified(const QString &text, int width, QChar fill)
 {
-    const int room = qMax(0, width - text.size());
+    const int room = qMax(width, text.size()) - text.size();
     return QString(room / 2, fill) + text + QString(room - room / 2, fill);
 }

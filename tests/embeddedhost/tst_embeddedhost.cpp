@@ -222,6 +222,10 @@ void EmbeddedHostTest::endsOfALoad()
     QVERIFY(!host.loadNow(QCoreApplication::applicationFilePath()));
     QVERIFY2(host.errorText().contains("not a database"), qPrintable(host.errorText()));
     QCOMPARE(host.liveRows(), Rows);
+    host.load(large);
+    host.cancel();
+    QTRY_COMPARE_WITH_TIMEOUT(cancelled.size(), 4, 60000);
+    QCOMPARE(host.errorText(), QString());
     host.load(large); // and the host goes
 }
 

@@ -260,8 +260,8 @@ void DesktopTest::texts()
 {
     const QStringList justified{centerJustified("ab", 5, '-'), centerJustified("ab", 6, '-'),
                                 centerJustified("ab", 2, '-'), centerJustified("ab", -1, '-'),
-                                centerJustified("", 1, '-')};
-    QCOMPARE(justified.join(' '), QString("-ab-- --ab-- ab ab -"));
+                                centerJustified("", 1, '-'),   centerJustified("ab", INT_MIN, '-')};
+    QCOMPARE(justified.join(' '), QString("-ab-- --ab-- ab ab - ab"));
 }
 
 void DesktopTest::lifetimes()

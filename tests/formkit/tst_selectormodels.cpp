@@ -1,3 +1,4 @@
+#include <formkit/boardselectorbox.h>
 #include <formkit/boardselectorfilteredmodel.h>
 #include <formkit/boardselectormodel.h>
 #include <formkit/securityselectorbox.h>
@@ -10,10 +11,12 @@
 #include <support/testhost.h>
 
 #include <QAbstractItemModelTester>
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QLineEdit>
 #include <QRandomGenerator>
 #include <QStandardItemModel>
+#include <QStringListModel>
 
 namespace {
 
@@ -91,11 +94,14 @@ class SelectorModelsTest : public StrictTest
 
 private slots:
     void mapping();
+    void lookUps();
     void changes();
     void typeAhead();
     void withoutASource();
     void stockCheckList();
     void boardCheckList();
+    void fixedList();
+    void tallRow();
 };
 
 void SelectorModelsTest::mapping()
@@ -117,6 +123,39 @@ void SelectorModelsTest::mapping()
     const QItemSelection shown = proxy.mapSelectionFromSource(all);
     QCOMPARE(proxy.mapSelectionToSource(shown).indexes().size(), 2);
     QVERIFY(!proxy.removeRows(0, 1));
+}
+
+// A key is found by reading the rows of its hash, whether it is there or not.
+void SelectorModelsTest::lookUps()
+{
+    struct Counted : QStringListModel
+    {
+        mutable int reads = 0;
+        QVariant data(const QModelIndex &index, int role) const override
+        {
+            ++reads;
+            const QString text = QStringListModel::data(index, Qt::DisplayRole).toString();
+            return role == NumberRole ? QVariant(text.toLongLong()) : text;
+        }
+    } source;
+    QStringList numbers;
+    for (int number = 0; number < 1000; ++number)
+        numbers << QString::number(number);
+    source.setStringList(numbers);
+    SelectorProxyModel proxy;
+    proxy.setKeyRoles({NumberRole, TextRole});
+    proxy.setSourceModel(&source);
+    source.reads = 0;
+    for (const int role : {NumberRole, TextRole}) {
+        const QModelIndexList found =
+            proxy.match(proxy.index(0, 0), role, "995", 1, Qt::MatchExactly);
+        QCOMPARE(found.value(0).data().toString(), QString("995"));
+        QVERIFY(proxy.match(proxy.index(0, 0), role, "none", 1, Qt::MatchExactly).isEmpty());
+    }
+    const QModelIndexList found =
+        proxy.match(proxy.index(0, 0), NumberRole, 995, 1, Qt::MatchExactly);
+    QCOMPARE(found.value(0).data().toString(), QString("995"));
+    QVERIFY2(source.reads < 50, qPrintable(QString::number(source.reads)));
 }
 
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
@@ -263,6 +302,9 @@ void SelectorModelsTest::withoutASource()
         QCOMPARE(filter->rowCount(), 0);
         filter->setSourceModel(&foreign);
     }
+    QSignalSpy resets(&securities, &QAbstractItemModel::modelReset);
+    securities.setStockBoard("XE", ""); // as before, all
+    QCOMPARE(resets.size(), 0);
     securities.setStockBoard("MX", "TQ");
     QCOMPARE(boards.rowCount() + securities.rowCount(), 0);
 }
@@ -335,6 +377,34 @@ void SelectorModelsTest::boardCheckList()
     }
     table.setRows({});
     QVERIFY(model.at(0).isNull());
+}
+
+// The check of another row is no news in a box that cannot be edited.
+void SelectorModelsTest::fixedList()
+{
+    TestHost host;
+    host.table("boards").setRows({{7, 1, "B", "b"}, {8, 1, "A", "a"}});
+    BoardSelectorBox box;
+    auto *const model = new CheckList<BoardSelectorModel>;
+    box.setSourceModel(model);
+    box.setEditable(false);
+    box.setCurrentIndex(0);
+    const QSignalSpy reports(&box, &BoardSelectorBox::boardIdChanged);
+    QVERIFY(model->check(1, false) && model->check(0, false));
+    QCOMPARE(reports.size(), 0);
+}
+
+// A name of many lines does not make all rows as high.
+void SelectorModelsTest::tallRow()
+{
+    TestHost host;
+    TestTable &table = host.table("securities");
+    host.setSessions({{1, 20}});
+    table.setRows({{1, 1, 1, "A", QString(30, '\n') + 'x', {}, 20}});
+    const SecuritySelectorBox box;
+    const int font = box.view()->fontMetrics().height();
+    const int height = box.view()->sizeHintForRow(0);
+    QVERIFY2(height >= font && height <= 2 * font, qPrintable(QString::number(height)));
 }
 
 QTEST_MAIN(SelectorModelsTest)
