@@ -6,6 +6,8 @@
 
 #include <support/stricttest.h>
 
+#include <QAbstractButton>
+#include <QButtonGroup>
 #include <QRandomGenerator>
 #include <QStateMachine>
 #include <QVBoxLayout>
@@ -51,6 +53,7 @@ private slots:
     void walk();
     void mischief();
     void addressUsedAgain();
+    void oneChoice();
     void pagesByHand();
     void storm();
     void stateTrace();
@@ -152,6 +155,54 @@ void FormsTest::addressUsedAgain()
     const QPointer<Properties> alive(hub);
     connect(hub, &Properties::hasChanged, [hub] { delete hub; });
     QTRY_VERIFY(!alive);
+}
+
+// Buttons of one name in two boxes, exclusive in each: the one whose text the hub holds is checked,
+// no other, and only the one that is clicked reports.
+void FormsTest::oneChoice()
+{
+    const QStringList sides{"Buy", "Sell", "Short", "Cover"};
+    const char *const clicks = "click Buy|click Sell|click Buy|click Sell";
+    const char *const all = "click Buy|click Short|click Buy|click Sell|hub |click Sell|hub Cover|"
+                            "hub Short|hub Buy|click Cover|hub Hold|click Cover";
+    const std::tuple<const char *, bool, QString> rows[] = {
+        {"RadioButton", false, all}, {"RadioButton", true, all}, {"PushButtonSend", true, clicks}};
+    for (const auto &[className, isGrouped, steps] : rows) {
+        QWidget form;
+        QWidget *const boxes[] = {new QWidget(&form), new QWidget(&form)};
+        QButtonGroup groups[2];
+        QList<QAbstractButton *> buttons;
+        QString log;
+        for (const QString &side : sides) {
+            const int box = buttons.size() / 2;
+            buttons << qobject_cast<QAbstractButton *>(Desk::create(className, boxes[box]));
+            buttons.last()->setCheckable(true);
+            buttons.last()->setProperty("field", "Side");
+            buttons.last()->setProperty("value", side);
+            if (isGrouped)
+                groups[box].addButton(buttons.last());
+        }
+        Properties hub;
+        hub.connectAll(&form);
+        for (const QString &step : steps.split('|')) {
+            const QString side = step.section(' ', 1);
+            const bool isClick = step.startsWith("click");
+            int reports = 0;
+            QList<QSharedPointer<QSignalSpy>> spies;
+            for (QAbstractButton *const button : qAsConst(buttons))
+                spies << QSharedPointer<QSignalSpy>::create(button, SIGNAL(changedValue(QString)));
+            if (isClick)
+                buttons[sides.indexOf(side)]->click();
+            else
+                hub.setValue("Side", side);
+            for (const auto &spy : qAsConst(spies))
+                reports += spy->count();
+            QCOMPARE(reports, isClick ? 1 : 0);
+            QCOMPARE(hub.values()["Side"].toString(), side);
+            for (QAbstractButton *const button : qAsConst(buttons))
+                QCOMPARE(button->isChecked(), button->property("value") == side);
+        }
+    }
 }
 
 // Pages that no form file names, and hubs that come and go.
