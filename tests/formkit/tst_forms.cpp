@@ -8,6 +8,7 @@
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QCompleter>
 #include <QRandomGenerator>
 #include <QStateMachine>
 #include <QVBoxLayout>
@@ -54,6 +55,7 @@ private slots:
     void mischief();
     void addressUsedAgain();
     void oneChoice();
+    void completions();
     void pagesByHand();
     void storm();
     void stateTrace();
@@ -203,6 +205,40 @@ void FormsTest::oneChoice()
                 QCOMPARE(button->isChecked(), button->property("value") == side);
         }
     }
+}
+
+// What a completer puts into a line reaches the hub as it is seen; what a program puts there does
+// not.
+void FormsTest::completions()
+{
+    TestHost host;
+    Desk desk(&host, "controls");
+    auto *const edit = qobject_cast<QLineEdit *>(desk.control("comment"));
+    auto *const completer = new QCompleter(QStringList{"ACC-17", "ACC-18"}, edit);
+    edit->setCompleter(completer);
+    desk.act("type AC");
+    QAbstractItemView *const list = completer->popup();
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(desk.answer("reports"), QString("value=A value=AC value=ACC-17"));
+
+    // Opened by a program, where nothing has been typed since the focus came.
+    desk.act("leave");
+    desk.act("edit ACC");
+    desk.act("at comment");
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    completer->setCompletionPrefix("ACC");
+    completer->complete();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      list->visualRect(list->model()->index(1, 0)).center());
+    QCOMPARE(desk.held("Comment"), QString("ACC-18"));
+
+    completer->setCompletionMode(QCompleter::InlineCompletion);
+    desk.act("press Ctrl+A");
+    desk.act("type A");
+    QCOMPARE(edit->text(), QString("ACC-17"));
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
 }
 
 // Pages that no form file names, and hubs that come and go.
