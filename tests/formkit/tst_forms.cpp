@@ -11,6 +11,7 @@
 #include <QCompleter>
 #include <QRandomGenerator>
 #include <QStateMachine>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #ifdef __GLIBC__
@@ -56,6 +57,7 @@ private slots:
     void addressUsedAgain();
     void oneChoice();
     void completions();
+    void busyFeed();
     void pagesByHand();
     void storm();
     void stateTrace();
@@ -143,15 +145,24 @@ void FormsTest::addressUsedAgain()
 {
     auto *const hub = new Properties;
     alignas(Probe) char place[sizeof(Probe)];
-    for (int life = 0; life < 3; ++life) {
+    for (int life = 0; life < 6; ++life) {
         auto *const probe = new (place) Probe;
-        hub->setValue("Value", QString::number(life));
-        probe->enter("a stranger's");
-        QCOMPARE(probe->state(), QString("a stranger's 0 0"));
-        QCOMPARE(hub->values().value("Value").toString(), QString::number(life));
         QCOMPARE(hub->objectProperty(probe), QStringList());
+        if (life < 3) {
+            hub->setValue("Value", QString::number(life));
+            probe->enter("a stranger's");
+            QCOMPARE(probe->state(), QString("a stranger's 0 0"));
+            QCOMPARE(hub->values().value("Value").toString(), QString::number(life));
+        }
         hub->connectAll(probe);
+        hub->setValue("Value", "bound");
+        QCOMPARE(probe->state(), life < 3 ? "bound 2 1" : "bound 1 1");
+        // One that cuts its own connections dies unheard.
+        if (life != 1)
+            probe->disconnect();
         probe->~Probe();
+        hub->dumpObjProp();
+        QVERIFY(messages().takeLast().startsWith("Properties::dumpObjProp"));
     }
     // The hub may be destroyed by its listener, too.
     const QPointer<Properties> alive(hub);
@@ -239,6 +250,18 @@ void FormsTest::completions()
     desk.act("type A");
     QCOMPARE(edit->text(), QString("ACC-17"));
     QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+}
+
+// A feed that is back before the hub's own turn.
+void FormsTest::busyFeed()
+{
+    Properties hub;
+    int quote = 0;
+    QTimer feed;
+    connect(&feed, &QTimer::timeout, [&] { hub.setValue("Last", QString::number(++quote)); });
+    feed.start(0);
+    QSignalSpy changed(&hub, &Properties::hasChanged);
+    QTRY_VERIFY(!changed.isEmpty());
 }
 
 // Pages that no form file names, and hubs that come and go.
