@@ -3,6 +3,7 @@
 #include <formkit/formselector.h>
 #include <formkit/label.h>
 #include <formkit/state.h>
+#include <hostapi/exception.h>
 
 #include <support/stricttest.h>
 
@@ -57,8 +58,10 @@ private slots:
     void addressUsedAgain();
     void oneChoice();
     void completions();
+    void throwingControl();
     void busyFeed();
     void pagesByHand();
+    void changesWhileBinding();
     void storm();
     void stateTrace();
 };
@@ -252,6 +255,38 @@ void FormsTest::completions()
     QCOMPARE(desk.held("Comment"), QString("ACC-17"));
 }
 
+// A control that throws as it is written keeps nobody else from the value, and no page from coming
+// later.
+void FormsTest::throwingControl()
+{
+    TestHost host;
+    Desk desk(&host, "pages");
+    auto *const control = desk.control("page1")->findChild<Probe *>("plain1");
+    desk.act("hub StockId 1");
+    desk.act("hub BoardId 1");
+    desk.answer("turns");
+    const auto fail = [] { throw Exception(QStringLiteral("a cell that is gone")); };
+    control->onWrite = fail;
+    QVERIFY_EXCEPTION_THROWN(desk.act("hub BoardId 2"), Exception);
+    QCOMPARE(desk.answer("turns"), QString("1"));
+    QCOMPARE(desk.answer("listeners", "plain0|plain1|plain2"),
+             QString("plain0=0|plain1=0|plain2=0"));
+    for (const char *const page : {"page0", "page1", "page2"})
+        QVERIFY(!desk.control(page)->isVisible());
+    control->onWrite = nullptr;
+    desk.act("hub BoardId 3");
+    QVERIFY(desk.control("page2")->isVisible());
+
+    for (const char *const name : {"plain0", "plain1", "price1"})
+        desk.act("bind " + QString(name) + " Value=Code");
+    desk.answer("turns");
+    control->onWrite = fail;
+    QVERIFY_EXCEPTION_THROWN(desk.act("hub Code 7"), Exception);
+    QCOMPARE(desk.answer("turns"), QString("1"));
+    for (const char *const name : {"plain0.Value", "price1.Value"})
+        QCOMPARE(desk.answer(name), QString("7"));
+}
+
 // A feed that is back before the hub's own turn.
 void FormsTest::busyFeed()
 {
@@ -287,6 +322,16 @@ void FormsTest::pagesByHand()
     QCOMPARE(selector->findChildren<QObject *>().size(), objects);
     QCOMPARE(selector->getWidgetList().size(), 3);
 
+    // One that is taken out is let go, and may come back.
+    QWidget *const page = desk.control("page2");
+    page->setParent(nullptr);
+    QCOMPARE(selector->getWidgetList().size(), 2);
+    selector->addWidget({9, 9}, desk.control("page0"));
+    page->setProperty("boards", "9,8");
+    QVERIFY(!page->parent());
+    selector->addWidget({2, 0}, page);
+    QVERIFY(page->isVisible());
+
     // Without a hub the page stays; another hub has its own say.
     selector->setHub(nullptr);
     QVERIFY(desk.control("page2")->isVisible());
@@ -298,6 +343,41 @@ void FormsTest::pagesByHand()
     selector->setHub(desk.hub());
     other.setValue("Value", "late");
     QCOMPARE(desk.answer("plain2.Value"), QString("unheard"));
+}
+
+// Another hub, the same hub, another page for the board, from a control that is being bound: nobody
+// of before listens on, and what was asked for last is bound.
+void FormsTest::changesWhileBinding()
+{
+    TestHost host;
+    for (const char *const deed : {"other hub", "same hub", "other page"}) {
+        const QString asked(deed);
+        Desk desk(&host, "pages");
+        Properties other;
+        other.setValue("Value", "of the other");
+        auto *const selector = qobject_cast<FormSelector *>(desk.control("pages"));
+        auto *const first = desk.control("page1")->findChild<Probe *>("price1");
+        desk.act("hub Price 1");
+        first->onWrite = [&] {
+            first->onWrite = nullptr;
+            if (asked == "other page")
+                selector->addWidget({1, 2}, desk.control("page2"));
+            else
+                selector->setHub(asked == "other hub" ? &other : desk.hub());
+        };
+        desk.act("hub StockId 1");
+        desk.act("hub BoardId 2");
+        const bool isOtherPage = asked == "other page";
+        QCOMPARE(desk.control("page1")->isVisible(), !isOtherPage);
+        QCOMPARE(desk.control("page2")->isVisible(), isOtherPage);
+        QCOMPARE(
+            desk.answer("listeners", "plain1|price1|plain2"),
+            QString(isOtherPage ? "plain1=0|price1=0|plain2=1" : "plain1=1|price1=1|plain2=0"));
+        desk.act("hub Value late");
+        QCOMPARE(desk.answer("plain1.Value"), QString(asked == "other hub"  ? "of the other"
+                                                      : asked == "same hub" ? "late"
+                                                                            : ""));
+    }
 }
 
 void FormsTest::storm()
