@@ -22,8 +22,8 @@ public:
     void setValue(const QString &value);
 
 signals:
-    // The user has toggled the box. The argument is the text of the checked state in either
-    // case: read Value for the state.
+    // The user has toggled the box, or another box of its exclusive QButtonGroup is checked. The
+    // argument is the text of the checked state in either case: read Value for the state.
     void changedValue(const QString &value);
 
 protected:

@@ -39,7 +39,9 @@ FormSelector::FormSelector(Properties *hub, QWidget *parent)
 
 void FormSelector::setHub(Properties *hub)
 {
-    unbindPages();
+    // Bindings that move are undone where they are made.
+    if (!m_moving)
+        unbindPages(m_hub);
     m_hub = hub;
     setWidget(m_shown);
 }
@@ -119,8 +121,9 @@ QWidget *FormSelector::newHolder(QWidget *form)
     return holder;
 }
 
-QWidget *FormSelector::holderOf(const QWidget *form) const
+QWidget *FormSelector::pageToShow() const
 {
+    const QPointer<QWidget> form = m_boardForms.value(m_shown);
     for (const Page &page : m_pages) {
         if (form && page.form == form)
             return page.holder;
@@ -130,11 +133,13 @@ QWidget *FormSelector::holderOf(const QWidget *form) const
 
 void FormSelector::dropDeadPages()
 {
-    const auto isAlive = [](const Page &page) { return page.form && page.holder; };
+    const auto isAlive = [](const Page &page) { return page.isAlive(); };
     const auto firstDead = std::stable_partition(m_pages.begin(), m_pages.end(), isAlive);
     const QVector<Page> dead(firstDead, m_pages.end());
     m_pages.erase(firstDead, m_pages.end());
     for (const Page &page : dead) {
+        if (page.form)
+            page.form->removeEventFilter(this);
         // The stack would show a neighbour in place of a current page that goes.
         if (page.holder && page.holder == m_stack->currentWidget())
             m_stack->setCurrentWidget(m_emptyPage);
@@ -146,7 +151,7 @@ QList<QWidget *> FormSelector::getWidgetList() const
 {
     QList<QWidget *> forms;
     for (const Page &page : m_pages) {
-        if (page.form)
+        if (page.isAlive())
             forms << page.form;
     }
     std::sort(forms.begin(), forms.end(), std::less<QWidget *>());
@@ -183,28 +188,40 @@ void FormSelector::setWidget(boardid board)
 }
 
 // Binds the page of m_shown alone and answers it. A control that is bound may ask for another
-// board, or destroy the page or the selector. Pages that send each other away in a ring are
-// left alone, unbound, once each could have had a turn.
+// board, page or hub, throw, or destroy the page or the selector. Pages that send each other away
+// in a ring are left alone, unbound, once each could have had a turn.
 QPointer<QWidget> FormSelector::moveBindings()
 {
     const QPointer<FormSelector> alive(this);
+    QPointer<Properties> hub;
     QPointer<QWidget> page;
-    boardid bound;
+    const auto isOutdated = [&] { return hub != m_hub || page != pageToShow(); };
     int turns = m_pages.size() + 1;
     m_moving = true;
     do {
-        bound = m_shown;
-        page = holderOf(m_boardForms.value(bound));
-        unbindPages();
-        if (m_hub && m_hub->connectAll(page) && page)
-            reportSums(page);
+        hub = m_hub;
+        page = pageToShow();
+        unbindPages(hub);
+        try {
+            if (hub && hub->connectAll(page) && page && !isOutdated())
+                reportSums(page);
+        } catch (...) {
+            if (alive) {
+                m_moving = false;
+                unbindPages(hub);
+                m_stack->setCurrentWidget(m_emptyPage);
+            }
+            throw;
+        }
         if (!alive)
             return nullptr;
-    } while (bound != m_shown && --turns > 0);
+        if (hub != m_hub)
+            unbindPages(hub);
+    } while (isOutdated() && --turns > 0);
     m_moving = false;
-    if (bound != m_shown) {
+    if (isOutdated()) {
         qWarning() << "FormSelector::setWidget: the sub-forms send each other away";
-        unbindPages();
+        unbindPages(m_hub);
         return nullptr;
     }
     return page;
@@ -224,10 +241,10 @@ void FormSelector::reportSums(QWidget *page)
     }
 }
 
-void FormSelector::unbindPages()
+void FormSelector::unbindPages(Properties *hub)
 {
-    if (!m_hub)
+    if (!hub)
         return;
     for (const Page &page : qAsConst(m_pages))
-        m_hub->disconnectAll(page.holder);
+        hub->disconnectAll(page.holder);
 }

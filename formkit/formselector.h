@@ -41,9 +41,11 @@ class QStackedLayout;
 // plug-in writes that.
 //
 // Without a hub it only shows. Hub and sub-forms may be destroyed at any time, also while the
-// bindings move; a board whose sub-form is gone shows an empty page. Sub-forms whose controls
-// answer their binding with a change of board are followed, unless they send each other away
-// in a ring: then the empty page is shown, with a warning.
+// bindings move; a board whose sub-form is gone shows an empty page. An exception that a control
+// throws as it is bound passes through: then the empty page is shown, and nothing is bound, until
+// the next change of board. Sub-forms whose controls answer their binding with a change of board
+// are followed, unless they send each other away in a ring: then the empty page is shown, with a
+// warning.
 class FORMKIT_EXPORT FormSelector : public QWidget
 {
     Q_OBJECT
@@ -81,7 +83,7 @@ public:
 
     // Shows the sub-form of a board and moves the bindings to it, whatever the ids say. A
     // call that comes while the bindings move (from a control that is bound) takes effect
-    // when they have moved.
+    // when they have moved, and so does one of setHub() or addWidget().
     void setWidget(boardid board);
 
     // Follows the pages' "boards".
@@ -94,14 +96,17 @@ private:
         QPointer<QWidget> holder;
         // Those that the form's property asked for.
         boardlist boards;
+
+        // A form that stands elsewhere by now is no page.
+        bool isAlive() const { return form && holder && form->parentWidget() == holder; }
     };
 
     Page &pageOf(QWidget *form);
     void readBoards(QWidget *form);
     QWidget *newHolder(QWidget *form);
-    QWidget *holderOf(const QWidget *form) const;
+    QWidget *pageToShow() const;
     void dropDeadPages();
-    void unbindPages();
+    void unbindPages(Properties *hub);
     QPointer<QWidget> moveBindings();
     static void reportSums(QWidget *page);
 

@@ -1,5 +1,7 @@
 #include "lineedit.h"
 
+#include <QCompleter>
+
 LineEdit::LineEdit(QWidget *parent) : QLineEdit(parent)
 {
     connect(this, &QLineEdit::textEdited, this, &LineEdit::edit_changed);
@@ -9,9 +11,38 @@ void LineEdit::setValue(const QString &value)
 {
     if (text() != value)
         setText(value);
+    m_known = text();
+}
+
+void LineEdit::focusInEvent(QFocusEvent *event)
+{
+    QLineEdit::focusInEvent(event);
+    listenToCompleter();
+}
+
+// Qt puts a completion in by setText(), which it does not report as an edit, in connections that
+// it makes for the time of the focus. These stand behind them and go with them.
+void LineEdit::listenToCompleter()
+{
+    if (!completer())
+        return;
+    connect(completer(), QOverload<const QString &>::of(&QCompleter::highlighted), this,
+            &LineEdit::takeCompletion, Qt::UniqueConnection);
+    connect(completer(), QOverload<const QString &>::of(&QCompleter::activated), this,
+            &LineEdit::takeCompletion, Qt::UniqueConnection);
+}
+
+// A row of the list is highlighted first and then activated: one edit.
+void LineEdit::takeCompletion()
+{
+    if (text() != m_known)
+        edit_changed(text());
 }
 
 void LineEdit::edit_changed(const QString &newValue)
 {
+    // A completer may have come since the focus did.
+    listenToCompleter();
+    m_known = newValue;
     emit changedValue(newValue);
 }

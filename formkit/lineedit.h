@@ -21,9 +21,19 @@ public:
     void setValue(const QString &value);
 
 signals:
-    // The user has edited the text.
+    // The user has edited the text, by hand or by a completion that is lit or picked.
     void changedValue(const QString &newValue);
+
+protected:
+    void focusInEvent(QFocusEvent *event) override;
 
 private slots:
     void edit_changed(const QString &newValue);
+
+private:
+    void listenToCompleter();
+    void takeCompletion();
+
+    // The text last set or reported.
+    QString m_known;
 };

@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QVarLengthArray>
 
+#include <algorithm>
+#include <exception>
 #include <limits>
 
 namespace {
@@ -91,6 +93,7 @@ bool Properties::connectOne(const QString &name, QObject *object, const QByteArr
                    << object;
         return false;
     }
+    forgetStranger(object);
     bind(name, object, index);
     listen(name, {object, index});
     return true;
@@ -105,10 +108,23 @@ void Properties::bind(const QString &name, QObject *object, int propertyIndex)
 {
     m_bindings.insert(name, {object, propertyIndex});
     ++m_bindingChanges;
-    if (!m_boundNames.contains(object))
-        connect(object, &QObject::destroyed, this, &Properties::forget, Qt::UniqueConnection);
-    if (!m_boundNames.contains(object, name))
-        m_boundNames.insert(object, name);
+    Bound &bound = m_bound[object];
+    bound.object = object;
+    bound.names.insert(name);
+    connect(object, &QObject::destroyed, this, &Properties::forget, Qt::UniqueConnection);
+}
+
+bool Properties::isAlive(QObject *object) const
+{
+    const auto bound = m_bound.constFind(object);
+    return bound != m_bound.constEnd() && bound->object;
+}
+
+// One that has cut its own connections dies unheard; another may stand at its address then.
+void Properties::forgetStranger(QObject *object)
+{
+    if (m_bound.contains(object) && !isAlive(object))
+        forget(object);
 }
 
 // Connects the property's notify signal, if it has one, and brings hub and property to one
@@ -160,6 +176,7 @@ bool Properties::connectAll(QObject *object)
         info = classInfo(meta);
     }
 
+    forgetStranger(object);
     bool anyBound = false;
     const QPointer<Properties> hub(this);
     const QPointer<QObject> alive(object);
@@ -202,6 +219,10 @@ bool Properties::disconnectOne(const QString &name, QObject *object, const QByte
     }
     m_bindings.remove(name, key);
     ++m_bindingChanges;
+    const auto isOfObject = [object](const Key &bound) { return bound.object == object; };
+    const auto ofName = qAsConst(m_bindings).equal_range(name);
+    if (m_bound.contains(object) && std::none_of(ofName.first, ofName.second, isOfObject))
+        m_bound[object].names.remove(name);
     const int notify = notifySignal(key);
     if (notify >= 0) {
         m_notifyKeys.remove({object, notify});
@@ -236,12 +257,18 @@ bool Properties::disconnectAll(QObject *object)
 
 void Properties::setValue(const QString &name, const QString &value)
 {
-    const QPointer<Properties> alive(this);
+    // The hub may be gone behind the write, and the write may throw.
+    reportLater();
     const auto held = m_values.constFind(name);
     const QString old = held == m_values.constEnd() ? QString() : held->toString();
     if (old != value)
         write(name, value, nullptr);
-    if (alive)
+}
+
+// A running timer is left alone: started anew by each turn of a busy feed, it would never end.
+void Properties::reportLater()
+{
+    if (!m_changeTimer->isActive())
         m_changeTimer->start();
 }
 
@@ -257,7 +284,7 @@ void Properties::setValues(const Values &values)
 
 // Stores the value and hands it to the properties of its name. A property may answer at once,
 // and then anything may happen before write() returns: objects die, bindings come and go, the
-// name gets another value.
+// name gets another value. An exception of one property is thrown on when the others are written.
 void Properties::write(const QString &name, const QString &value, const QObject *except)
 {
     const QVariant content(value);
@@ -288,51 +315,61 @@ void Properties::write(const QString &name, const QString &value, const QObject 
         if (alive)
             m_write = current.outer;
     });
+    std::exception_ptr failure;
     for (const Key &key : keys) {
         if (key.object == except)
             continue;
         if (m_bindingChanges != bindingChange && !m_bindings.contains(current.name, key))
             continue;
-        key.object->metaObject()->property(key.index).write(key.object, content);
+        if (!isAlive(key.object)) {
+            forget(key.object);
+            continue;
+        }
+        try {
+            key.object->metaObject()->property(key.index).write(key.object, content);
+        } catch (...) {
+            if (!failure)
+                failure = std::current_exception();
+        }
         if (!alive || current.superseded)
-            return;
+            break;
     }
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 void Properties::propertyChanged()
 {
     QObject *const from = sender();
     const Key key = m_notifyKeys.value({from, senderSignalIndex()});
-    if (!key.object) {
-        m_changeTimer->start();
+    reportLater();
+    if (!key.object)
         return;
-    }
     const QString name = m_keyNames.value(key);
     const QString content = from->metaObject()->property(key.index).read(from).toString();
-    const QPointer<Properties> alive(this);
     if (content != m_values.value(name).toString())
         write(name, content, from);
-    if (alive)
-        m_changeTimer->start();
 }
 
 QStringList Properties::objectProperty(QObject *object) const
 {
-    return m_objectNames.values(object);
+    return isAlive(object) ? m_objectNames.values(object) : QStringList();
 }
 
 void Properties::dumpObjProp()
 {
     qDebug() << "Properties::dumpObjProp" << this;
     const QList<QObject *> objects = m_objectNames.keys();
-    for (QObject *object : objects)
-        qDebug() << "objProp4:" << object << objectProperty(object);
+    for (QObject *object : objects) {
+        if (isAlive(object))
+            qDebug() << "objProp4:" << object << objectProperty(object);
+    }
 }
 
 void Properties::forget(QObject *object)
 {
-    const QStringList names = m_boundNames.values(object);
-    for (const QString &name : names) {
+    const Bound bound = m_bound.take(object);
+    for (const QString &name : bound.names) {
         for (auto it = m_bindings.find(name); it != m_bindings.end() && it.key() == name;)
             it = it->object == object ? m_bindings.erase(it) : it + 1;
     }
@@ -344,6 +381,5 @@ void Properties::forget(QObject *object)
     for (auto it = m_keyNames.lowerBound(first);
          it != m_keyNames.end() && it.key().object == object;)
         it = m_keyNames.erase(it);
-    m_boundNames.remove(object);
     m_objectNames.remove(object);
 }

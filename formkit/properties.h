@@ -2,10 +2,12 @@
 
 #include <formkit/values.h>
 
+#include <QHash>
 #include <QMap>
-#include <QMultiHash>
 #include <QMultiMap>
 #include <QObject>
+#include <QPointer>
+#include <QSet>
 #include <QStringList>
 
 class QTimer;
@@ -79,11 +81,13 @@ public:
     // Unbinds an object tree: each property that the objects' own classes declare, under its
     // own name. It is not the exact reverse of connectAll(): "super" is not followed, and
     // bindings made by "field" and "fields" stay and still receive, though nobody listens to
-    // the property any more. True when anything was unbound.
+    // the property any more. True when the tree has such a property, bound or not.
     bool disconnectAll(QObject *object);
 
     // Writes a value into every property bound under the name, unless the hub holds it
-    // already (a name that is absent counts as empty). hasChanged() follows in either case.
+    // already (a name that is absent counts as empty). hasChanged() follows in either case. An
+    // exception that a property throws comes out when all the others are written; the hub keeps
+    // the value.
     void setValue(const QString &name, const QString &value);
     // setValue() for each entry, by ascending name.
     void setValues(const Values &values);
@@ -106,12 +110,22 @@ protected slots:
 
 private:
     struct Write;
+    struct Bound
+    {
+        QPointer<QObject> object;
+        // The names in m_bindings under which it stands, so that it is forgotten in time that
+        // does not grow with the form.
+        QSet<QString> names;
+    };
     using Aliases = QMap<QByteArray, QString>;
 
     static Aliases aliasesOf(QObject *object);
     void bind(const QString &name, QObject *object, int propertyIndex);
     void listen(const QString &name, const Key &key);
     void write(const QString &name, const QString &value, const QObject *except);
+    void reportLater();
+    bool isAlive(QObject *object) const;
+    void forgetStranger(QObject *object);
     void forget(QObject *object);
 
     QMap<Key, Key> m_notifyKeys;
@@ -121,9 +135,8 @@ private:
     QTimer *m_changeTimer;
     QMultiMap<QObject *, QString> m_objectNames;
 
-    // The names in m_bindings under which an object stands, so that it is forgotten in time
-    // that does not grow with the form.
-    QMultiHash<QObject *, QString> m_boundNames;
+    // The objects that are bound, or were, until they are destroyed.
+    QHash<QObject *, Bound> m_bound;
     // Counts the changes of m_bindings, so that a write under way notices.
     int m_bindingChanges = 0;
     // The innermost write under way.

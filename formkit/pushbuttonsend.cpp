@@ -1,5 +1,6 @@
 #include "pushbuttonsend.h"
 
+#include <QButtonGroup>
 #include <QEvent>
 #include <QStyle>
 #include <QVariant>
@@ -44,7 +45,12 @@ void PushButtonSend::changeEvent(QEvent *event)
 
 void PushButtonSend::nextCheckState()
 {
+    const bool leavesToAnother =
+        isChecked() && group() && group()->exclusive() && group()->checkedButton() != this;
     QPushButton::nextCheckState();
+    // A group unchecks the button by the same call when another one is checked.
+    if (leavesToAnother)
+        return;
     m_value = property(ownText).toString();
     setThisState(true);
     emit changedValue(m_value);

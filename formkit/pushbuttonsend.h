@@ -7,7 +7,7 @@
 
 // A button that sends one of several values: the text of its dynamic property "value", set
 // in the form designer. The button whose value is selected bears an OK icon and is the form's
-// default. The form makes the button checkable: Qt reports the clicks of no other.
+// default. A button that the form makes checkable stays down besides.
 class FORMKIT_EXPORT PushButtonSend : public QPushButton
 {
     Q_OBJECT

@@ -1,5 +1,7 @@
 #include "radiobutton.h"
 
+#include <QButtonGroup>
+#include <QPointer>
 #include <QVariant>
 
 namespace {
@@ -18,12 +20,37 @@ QString RadioButton::getValue() const
 void RadioButton::setValue(const QString &value)
 {
     m_value = value;
-    setChecked(value == property(ownText).toString());
+    if (value == property(ownText).toString())
+        setChecked(true);
+    else
+        uncheck();
+}
+
+// Qt unchecks no button that is exclusive.
+void RadioButton::uncheck()
+{
+    if (!isChecked())
+        return;
+    const QPointer<QButtonGroup> inGroup(group());
+    const bool isExclusive = autoExclusive();
+    const bool isGroupExclusive = inGroup && inGroup->exclusive();
+    setAutoExclusive(false);
+    if (inGroup)
+        inGroup->setExclusive(false);
+    setChecked(false);
+    setAutoExclusive(isExclusive);
+    if (inGroup)
+        inGroup->setExclusive(isGroupExclusive);
 }
 
 void RadioButton::nextCheckState()
 {
+    const bool leavesToAnother =
+        isChecked() && group() && group()->exclusive() && group()->checkedButton() != this;
     QRadioButton::nextCheckState();
+    // A group unchecks the button by the same call when another one is checked.
+    if (leavesToAnother)
+        return;
     // Qt unchecks a button that stands alone among its siblings; its text stays the value.
     setChecked(true);
     m_value = property(ownText).toString();

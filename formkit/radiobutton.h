@@ -17,18 +17,21 @@ public:
 
     // The button's own text while it is checked, otherwise the text last set or clicked.
     QString getValue() const;
-    // Checks the button if the text is its own, silently, and remembers the text. (Qt lets an
-    // exclusive button be unchecked only by another one that is checked.)
+    // Checks the button if the text is its own, otherwise unchecks it, an exclusive one too,
+    // silently, and remembers the text.
     void setValue(const QString &value);
 
 signals:
     // The user has clicked the button; the argument is its own text. A click never unchecks, not
-    // even a button that stands alone: its text stays the value.
+    // even a button that stands alone: its text stays the value. A button that is unchecked because
+    // another one is checked does not report.
     void changedValue(const QString &value);
 
 protected:
     void nextCheckState() override;
 
 private:
+    void uncheck();
+
     QString m_value;
 };

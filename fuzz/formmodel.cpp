@@ -292,22 +292,16 @@ void FormModel::click(const QString &id)
         notify(id, control.name, control.text.isEmpty() ? "N" : "Y");
         return;
     }
-    // Qt tells nothing of a click on the checked button of several.
-    const QString other = id == "buy" ? "sell" : "buy";
-    if (m_controls[other].exists && !control.text.isEmpty())
-        return;
     check(id, true);
     notify(id, control.name, control.detail);
 }
 
-// Of several buttons the checked one is unchecked by another alone.
+// Of several buttons one is checked.
 void FormModel::check(const QString &id, bool checked)
 {
-    Control &other = m_controls[id == "buy" ? "sell" : "buy"];
     if (checked)
-        other.text.clear();
-    if (checked || !other.exists)
-        m_controls[id].text = checked ? "x" : "";
+        m_controls[id == "buy" ? "sell" : "buy"].text.clear();
+    m_controls[id].text = checked ? "x" : "";
 }
 
 void FormModel::addUp(const QString &id)

@@ -3,11 +3,16 @@
 #include <formkit/formselector.h>
 #include <formkit/label.h>
 #include <formkit/state.h>
+#include <hostapi/exception.h>
 
 #include <support/stricttest.h>
 
+#include <QAbstractButton>
+#include <QButtonGroup>
+#include <QCompleter>
 #include <QRandomGenerator>
 #include <QStateMachine>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #ifdef __GLIBC__
@@ -51,7 +56,12 @@ private slots:
     void walk();
     void mischief();
     void addressUsedAgain();
+    void oneChoice();
+    void completions();
+    void throwingControl();
+    void busyFeed();
     void pagesByHand();
+    void changesWhileBinding();
     void storm();
     void stateTrace();
 };
@@ -138,20 +148,155 @@ void FormsTest::addressUsedAgain()
 {
     auto *const hub = new Properties;
     alignas(Probe) char place[sizeof(Probe)];
-    for (int life = 0; life < 3; ++life) {
+    for (int life = 0; life < 6; ++life) {
         auto *const probe = new (place) Probe;
-        hub->setValue("Value", QString::number(life));
-        probe->enter("a stranger's");
-        QCOMPARE(probe->state(), QString("a stranger's 0 0"));
-        QCOMPARE(hub->values().value("Value").toString(), QString::number(life));
         QCOMPARE(hub->objectProperty(probe), QStringList());
+        if (life < 3) {
+            hub->setValue("Value", QString::number(life));
+            probe->enter("a stranger's");
+            QCOMPARE(probe->state(), QString("a stranger's 0 0"));
+            QCOMPARE(hub->values().value("Value").toString(), QString::number(life));
+        }
         hub->connectAll(probe);
+        hub->setValue("Value", "bound");
+        QCOMPARE(probe->state(), life < 3 ? "bound 2 1" : "bound 1 1");
+        // One that cuts its own connections dies unheard.
+        if (life != 1)
+            probe->disconnect();
         probe->~Probe();
+        hub->dumpObjProp();
+        QVERIFY(messages().takeLast().startsWith("Properties::dumpObjProp"));
     }
     // The hub may be destroyed by its listener, too.
     const QPointer<Properties> alive(hub);
     connect(hub, &Properties::hasChanged, [hub] { delete hub; });
     QTRY_VERIFY(!alive);
+}
+
+// Buttons of one name in two boxes, exclusive in each: the one whose text the hub holds is checked,
+// no other, and only the one that is clicked reports.
+void FormsTest::oneChoice()
+{
+    const QStringList sides{"Buy", "Sell", "Short", "Cover"};
+    const char *const clicks = "click Buy|click Sell|click Buy|click Sell";
+    const char *const all = "click Buy|click Short|click Buy|click Sell|hub |click Sell|hub Cover|"
+                            "hub Short|hub Buy|click Cover|hub Hold|click Cover";
+    const std::tuple<const char *, bool, QString> rows[] = {
+        {"RadioButton", false, all}, {"RadioButton", true, all}, {"PushButtonSend", true, clicks}};
+    for (const auto &[className, isGrouped, steps] : rows) {
+        QWidget form;
+        QWidget *const boxes[] = {new QWidget(&form), new QWidget(&form)};
+        QButtonGroup groups[2];
+        QList<QAbstractButton *> buttons;
+        QString log;
+        for (const QString &side : sides) {
+            const int box = buttons.size() / 2;
+            buttons << qobject_cast<QAbstractButton *>(Desk::create(className, boxes[box]));
+            buttons.last()->setCheckable(true);
+            buttons.last()->setProperty("field", "Side");
+            buttons.last()->setProperty("value", side);
+            if (isGrouped)
+                groups[box].addButton(buttons.last());
+        }
+        Properties hub;
+        hub.connectAll(&form);
+        for (const QString &step : steps.split('|')) {
+            const QString side = step.section(' ', 1);
+            const bool isClick = step.startsWith("click");
+            int reports = 0;
+            QList<QSharedPointer<QSignalSpy>> spies;
+            for (QAbstractButton *const button : qAsConst(buttons))
+                spies << QSharedPointer<QSignalSpy>::create(button, SIGNAL(changedValue(QString)));
+            if (isClick)
+                buttons[sides.indexOf(side)]->click();
+            else
+                hub.setValue("Side", side);
+            for (const auto &spy : qAsConst(spies))
+                reports += spy->count();
+            QCOMPARE(reports, isClick ? 1 : 0);
+            QCOMPARE(hub.values()["Side"].toString(), side);
+            for (QAbstractButton *const button : qAsConst(buttons))
+                QCOMPARE(button->isChecked(), button->property("value") == side);
+        }
+    }
+}
+
+// What a completer puts into a line reaches the hub as it is seen; what a program puts there does
+// not.
+void FormsTest::completions()
+{
+    TestHost host;
+    Desk desk(&host, "controls");
+    auto *const edit = qobject_cast<QLineEdit *>(desk.control("comment"));
+    auto *const completer = new QCompleter(QStringList{"ACC-17", "ACC-18"}, edit);
+    edit->setCompleter(completer);
+    desk.act("type AC");
+    QAbstractItemView *const list = completer->popup();
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    QTest::keyClick(list, Qt::Key_Return);
+    QCOMPARE(desk.answer("reports"), QString("value=A value=AC value=ACC-17"));
+
+    // Opened by a program, where nothing has been typed since the focus came.
+    desk.act("leave");
+    desk.act("edit ACC");
+    desk.act("at comment");
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    completer->setCompletionPrefix("ACC");
+    completer->complete();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      list->visualRect(list->model()->index(1, 0)).center());
+    QCOMPARE(desk.held("Comment"), QString("ACC-18"));
+
+    completer->setCompletionMode(QCompleter::InlineCompletion);
+    desk.act("press Ctrl+A");
+    desk.act("type A");
+    QCOMPARE(edit->text(), QString("ACC-17"));
+    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+}
+
+// A control that throws as it is written keeps nobody else from the value, and no page from coming
+// later.
+void FormsTest::throwingControl()
+{
+    TestHost host;
+    Desk desk(&host, "pages");
+    auto *const control = desk.control("page1")->findChild<Probe *>("plain1");
+    desk.act("hub StockId 1");
+    desk.act("hub BoardId 1");
+    desk.answer("turns");
+    const auto fail = [] { throw Exception(QStringLiteral("a cell that is gone")); };
+    control->onWrite = fail;
+    QVERIFY_EXCEPTION_THROWN(desk.act("hub BoardId 2"), Exception);
+    QCOMPARE(desk.answer("turns"), QString("1"));
+    QCOMPARE(desk.answer("listeners", "plain0|plain1|plain2"),
+             QString("plain0=0|plain1=0|plain2=0"));
+    for (const char *const page : {"page0", "page1", "page2"})
+        QVERIFY(!desk.control(page)->isVisible());
+    control->onWrite = nullptr;
+    desk.act("hub BoardId 3");
+    QVERIFY(desk.control("page2")->isVisible());
+
+    for (const char *const name : {"plain0", "plain1", "price1"})
+        desk.act("bind " + QString(name) + " Value=Code");
+    desk.answer("turns");
+    control->onWrite = fail;
+    QVERIFY_EXCEPTION_THROWN(desk.act("hub Code 7"), Exception);
+    QCOMPARE(desk.answer("turns"), QString("1"));
+    for (const char *const name : {"plain0.Value", "price1.Value"})
+        QCOMPARE(desk.answer(name), QString("7"));
+}
+
+// A feed that is back before the hub's own turn.
+void FormsTest::busyFeed()
+{
+    Properties hub;
+    int quote = 0;
+    QTimer feed;
+    connect(&feed, &QTimer::timeout, [&] { hub.setValue("Last", QString::number(++quote)); });
+    feed.start(0);
+    QSignalSpy changed(&hub, &Properties::hasChanged);
+    QTRY_VERIFY(!changed.isEmpty());
 }
 
 // Pages that no form file names, and hubs that come and go.
@@ -177,6 +322,16 @@ void FormsTest::pagesByHand()
     QCOMPARE(selector->findChildren<QObject *>().size(), objects);
     QCOMPARE(selector->getWidgetList().size(), 3);
 
+    // One that is taken out is let go, and may come back.
+    QWidget *const page = desk.control("page2");
+    page->setParent(nullptr);
+    QCOMPARE(selector->getWidgetList().size(), 2);
+    selector->addWidget({9, 9}, desk.control("page0"));
+    page->setProperty("boards", "9,8");
+    QVERIFY(!page->parent());
+    selector->addWidget({2, 0}, page);
+    QVERIFY(page->isVisible());
+
     // Without a hub the page stays; another hub has its own say.
     selector->setHub(nullptr);
     QVERIFY(desk.control("page2")->isVisible());
@@ -188,6 +343,41 @@ void FormsTest::pagesByHand()
     selector->setHub(desk.hub());
     other.setValue("Value", "late");
     QCOMPARE(desk.answer("plain2.Value"), QString("unheard"));
+}
+
+// Another hub, the same hub, another page for the board, from a control that is being bound: nobody
+// of before listens on, and what was asked for last is bound.
+void FormsTest::changesWhileBinding()
+{
+    TestHost host;
+    for (const char *const deed : {"other hub", "same hub", "other page"}) {
+        const QString asked(deed);
+        Desk desk(&host, "pages");
+        Properties other;
+        other.setValue("Value", "of the other");
+        auto *const selector = qobject_cast<FormSelector *>(desk.control("pages"));
+        auto *const first = desk.control("page1")->findChild<Probe *>("price1");
+        desk.act("hub Price 1");
+        first->onWrite = [&] {
+            first->onWrite = nullptr;
+            if (asked == "other page")
+                selector->addWidget({1, 2}, desk.control("page2"));
+            else
+                selector->setHub(asked == "other hub" ? &other : desk.hub());
+        };
+        desk.act("hub StockId 1");
+        desk.act("hub BoardId 2");
+        const bool isOtherPage = asked == "other page";
+        QCOMPARE(desk.control("page1")->isVisible(), !isOtherPage);
+        QCOMPARE(desk.control("page2")->isVisible(), isOtherPage);
+        QCOMPARE(
+            desk.answer("listeners", "plain1|price1|plain2"),
+            QString(isOtherPage ? "plain1=0|price1=0|plain2=1" : "plain1=1|price1=1|plain2=0"));
+        desk.act("hub Value late");
+        QCOMPARE(desk.answer("plain1.Value"), QString(asked == "other hub"  ? "of the other"
+                                                      : asked == "same hub" ? "late"
+                                                                            : ""));
+    }
 }
 
 void FormsTest::storm()
