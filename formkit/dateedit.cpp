@@ -54,18 +54,20 @@ void DateEdit::setValue(const QString &value, bool updateText)
     if (normal == value && date == m_value)
         return;
     m_value = date;
-    if (updateText)
+    if (updateText) {
+        m_given = date;
         setEditText(shown(date));
+    }
     emit changedValue(normal);
 }
 
-// The century of a two-digit year is in the value alone: a text that shows the value's date
-// means that date.
+// The century of a two-digit year is in the date alone: a text that shows the given date means
+// that date.
 datetime DateEdit::readText() const
 {
     const QString text = lineEdit()->text();
-    if (!m_value.isNull() && text == shown(m_value))
-        return datetime(m_value.date());
+    if (!m_given.isNull() && text == shown(m_given))
+        return m_given;
     return datetime::fromSystemString(text, true, QLocale::ShortFormat);
 }
 

@@ -18,7 +18,7 @@ class QCalendarWidget;
 // is not kept. Setting an empty value while there is none leaves half-typed text alone.
 //
 // Under a format with a two-digit year, typed dates lie in 2000 to 2099; a date set by the
-// program or picked from the calendar keeps its century, for as long as its text stands.
+// program or picked from the calendar keeps its century, also when its text comes back after edits.
 class FORMKIT_EXPORT DateEdit : public QComboBox
 {
     Q_OBJECT
@@ -62,4 +62,5 @@ private:
 
     std::unique_ptr<QCalendarWidget> m_calendar;
     datetime m_value;
+    datetime m_given; // what the text was set from
 };

@@ -70,8 +70,7 @@ private:
 
 bool isReadable(QStringView digits, const LocaleSymbols &symbols)
 {
-    return digits.size() <= MaxDigits &&
-           std::all_of(digits.begin(), digits.end(),
+    return std::all_of(digits.begin(), digits.end(),
                        [&symbols](QChar c) { return symbols.digitValue(c) >= 0; });
 }
 
@@ -165,20 +164,22 @@ QValidator::State DecimalValidator::validate(QString &input, int &pos) const
     const int count =
         countUngrouped(QStringView(input).left(qBound(0, pos, input.size())), symbols);
     const Cut cut(input, symbols);
-    if (cut.shape() == Cut::NoNumber || (cut.shape() == Cut::Decimal && m_digits <= 0))
-        return Invalid;
-    if (cut.isNegative() && !m_canNegative)
+    if (cut.shape() == Cut::NoNumber || !isReadable(cut.integer(), symbols))
         return Invalid;
     const int integerDigits = int(cut.integer().size());
-    if (cut.shape() == Cut::Integer && integerDigits == 0)
-        return Intermediate;
-
-    if (!isReadable(cut.integer(), symbols))
+    const bool isSign = cut.shape() == Cut::Integer && integerDigits == 0;
+    if (!isSign) {
+        rewrite(input, cut, symbols);
+        pos = placeBehind(count, input, symbols);
+    }
+    if (cut.isNegative() && !m_canNegative)
         return Invalid;
-    rewrite(input, cut, symbols);
+    if (isSign)
+        return Intermediate;
+    if (cut.shape() == Cut::Decimal && m_digits <= 0)
+        return Invalid;
     if (m_numDigits > 0 && integerDigits > m_numDigits)
         return Invalid;
-    pos = placeBehind(count, input, symbols);
 
     const int fractionDigits = int(cut.fraction().size());
     if (integerDigits + fractionDigits == 0)

@@ -9,7 +9,8 @@
 
 // Checks and regroups, keystroke by keystroke, the text of a line edit that holds a decimal
 // number: limits its digits, inserts the group separators of the locale, drops leading zeros
-// and a leading plus, and keeps the caret behind the same character.
+// and a leading plus, and keeps the caret behind as many characters as before, separators not
+// counted.
 //
 // The locale is QValidator::locale(): the default locale of the time of construction, or what
 // setLocale() says. Every locale of QLocale works. Typed characters stand for those that
@@ -52,8 +53,8 @@ public:
     bool getCanBeZero() const { return m_canBeZero; }
 
     // Judges the text and regroups it. An empty text and a lone sign are Intermediate and left
-    // as they are; so is a point without digits, in the locale's own characters. What happened
-    // to an Invalid text and its caret is of no use.
+    // as they are; so is a point without digits, in the locale's own characters. A number beyond
+    // the limits is Invalid and regrouped; any other Invalid text is left as it is.
     State validate(QString &input, int &pos) const override;
     // Judges a complete text, without a limit on its digits and without changing it.
     State validateParsedString(const QString &text) const;

@@ -55,15 +55,29 @@ public:
     EditGuard(QLineEdit *editor, int digits)
         : DecimalValidator(digits, true, true, editor), m_editor(editor)
     {
-        connect(editor, &QLineEdit::selectionChanged, this,
-                [this] { m_selected = m_editor->selectedText().size(); });
+        connect(editor, &QLineEdit::selectionChanged, this, &EditGuard::noteSelection);
     }
 
     // Shows a text that is not to be read as another number than it says.
     void show(const QString &text)
     {
         const QScopedValueRollback<bool> given(m_isGiven, true);
+        if (text.size() > m_editor->maxLength())
+            m_editor->setMaxLength(text.size());
+        // QLineEdit does not ask again about the same text.
+        if (text == m_editor->text())
+            m_editor->clear();
         m_editor->setText(text);
+    }
+
+    // Whether the shown text says no number, although without its separators it might.
+    bool isShownForeign() const { return m_isShownForeign; }
+    // Whether the text was refused, so that it is not shown unless QLineEdit cannot undo it.
+    bool hasRefused(const QString &text) const { return !text.isEmpty() && text == m_refused; }
+
+    bool isMisgrouped(QStringView text) const
+    {
+        return ::isMisgrouped(text, LocaleSymbols(locale()));
     }
 
     State validate(QString &input, int &pos) const override
@@ -72,36 +86,46 @@ public:
             return DecimalValidator::validate(input, pos);
         QString text = input;
         int caret = pos;
-        State state = isMisread(input, pos) ? Invalid : DecimalValidator::validate(text, caret);
+        State state = DecimalValidator::validate(text, caret);
+        const bool isMisread = this->isMisread(input, pos);
         // What is given is a number as the locale writes it, or is to be shown as it is.
-        if (m_isGiven && text != input)
+        const bool isKept = isMisread || !fits(text) || (m_isGiven && text != input);
+        if (isKept)
             state = Invalid;
-        if (state != Invalid) {
-            input = text;
-            pos = caret;
-        } else if (mayStay(input)) {
-            state = Intermediate;
-        } else {
+        if (state == Invalid && !mayStay(input)) {
+            m_refused = input;
             return Invalid;
         }
-        if (input != m_shown)
-            m_selected = 0;
+        const bool isNumber = state != Invalid || validateParsedString(text) != Invalid;
+        if (isNumber && !isKept) {
+            input = text;
+            pos = caret;
+        }
+        m_isShownForeign = !isNumber || (isKept && isMisgrouped(input));
         m_shown = input;
-        return state;
+        m_refused.clear();
+        // Undo selects without selectionChanged().
+        noteSelection();
+        return state == Invalid ? Intermediate : state;
     }
 
 private:
+    void noteSelection() const { m_selected = m_editor->selectedText().size(); }
+
     // A text that the program sets comes without a history.
     bool isOfProgram() const { return !m_editor->isUndoAvailable() && !isUndone(); }
     // Undoing leads back to what was shown before.
     bool isUndone() const { return m_editor->isRedoAvailable(); }
 
+    // QLineEdit cuts off what does not fit.
+    bool fits(const QString &text) const { return text.size() <= m_editor->maxLength(); }
+
     bool refusesShown() const
     {
         QString shown = m_shown;
         int pos = 0;
-        return isMisgrouped(shown, LocaleSymbols(locale())) ||
-               DecimalValidator::validate(shown, pos) == Invalid;
+        return m_isShownForeign || DecimalValidator::validate(shown, pos) == Invalid ||
+               !fits(shown);
     }
 
     bool mayStay(const QString &text) const
@@ -110,26 +134,26 @@ private:
     }
 
     // Whether separators out of place would be dropped, and make another number: anywhere in a
-    // value that is given, in a text that is asked about again and in a refused one that is
+    // value that is given, in a text that was shown before and in one that was no number and is
     // edited; otherwise in what one edit put in front of the caret in place of the selection.
     // Single characters are typed; the groups move around them.
     bool isMisread(const QString &text, int pos) const
     {
-        const LocaleSymbols symbols(locale());
-        if (m_isGiven || text == m_shown)
-            return isMisgrouped(text, symbols);
+        if (m_isGiven || text == m_shown || isUndone())
+            return isMisgrouped(text);
         if (isOfProgram())
             return false;
-        if (refusesShown())
-            return isMisgrouped(text, symbols);
+        if (m_isShownForeign)
+            return isMisgrouped(text);
         const int size = text.size() - (m_shown.size() - m_selected);
-        return size > 1 && size <= pos &&
-               isMisgrouped(QStringView(text).mid(pos - size, size), symbols);
+        return size > 1 && size <= pos && isMisgrouped(QStringView(text).mid(pos - size, size));
     }
 
     QLineEdit *m_editor;
     bool m_isGiven = false;
     mutable QString m_shown;
+    mutable QString m_refused;
+    mutable bool m_isShownForeign = false;
     mutable int m_selected = 0;
 };
 
@@ -232,7 +256,7 @@ void NumberEditor::setValue(const QString &newValue)
     const QString newText = toText(newValue);
     const bool looksNew = newText != toText(m_value);
     m_value = newValue;
-    if (looksNew)
+    if (looksNew && newText != text())
         showText(newText);
 }
 
@@ -243,8 +267,6 @@ void NumberEditor::setValue(decimal newValue)
 
 void NumberEditor::showText(const QString &newText)
 {
-    if (newText == text())
-        return;
     const bool wasBlocked = blockSignals(true);
     m_validator->show(newText);
     blockSignals(wasBlocked);
@@ -252,7 +274,11 @@ void NumberEditor::showText(const QString &newText)
 
 void NumberEditor::edit_changed(const QString &newText)
 {
-    const QString newValue = fromText(newText);
+    // After a limit has changed, Redo may bring back what is refused now. QLineEdit keeps that,
+    // and would refuse nothing from then on.
+    if (m_validator->hasRefused(newText))
+        showText(newText);
+    const QString newValue = m_validator->isShownForeign() ? newText : fromText(newText);
     if (newValue == m_value || toText(newValue) == toText(m_value))
         return;
     m_value = newValue;
@@ -275,6 +301,15 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
     QLineEdit::keyPressEvent(event);
 }
 
+// The guard knows how much was selected, but not how much a commit replaces besides.
+void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
+{
+    const QString &composed = event->commitString();
+    QInputMethodEvent none;
+    const bool isRefused = composed.size() > 1 && m_validator->isMisgrouped(composed);
+    QLineEdit::inputMethodEvent(isRefused ? &none : event);
+}
+
 void NumberEditor::typeSystemPoint(QKeyEvent *event)
 {
     QKeyEvent typed(event->type(), event->key(), event->modifiers(),
@@ -291,5 +326,6 @@ bool NumberEditor::wouldComeBack(int position) const
         return false;
     QString without = text();
     without.remove(position, 1);
-    return m_validator->validate(without, position) != QValidator::Invalid && without == text();
+    m_validator->validate(without, position);
+    return without == text();
 }

@@ -12,8 +12,12 @@ class DecimalValidator;
 //
 // A number set by program is shown in full, also beyond the limits for typing; a value that is
 // no number is shown as it is. While the editor shows such a refused text, an edit that leads to
-// another refused text is undone unless it only removes characters. Once the text is a number
-// within the limits, everything is as usual.
+// another refused text is undone unless it only removes characters. A number stays grouped
+// meanwhile; in a text that is none, separators out of place are not dropped, so that it becomes
+// no other number. Once the text is a number within the limits, everything is as usual.
+//
+// The group separators count for maxLength(): an edit that needs more of them than fit is
+// refused. A longer text that setValue() shows raises maxLength(), rather than being cut.
 //
 // What is pasted, dropped or composed at one go is refused when its group separators do not
 // stand where the locale groups: "1.50" is not taken for 150 under a locale whose point is a
@@ -51,7 +55,8 @@ public:
     void setCanBeZero(bool canBeZero);
 
     // The editor's own validator. Its locale is the one that the user reads and types; after
-    // setLocale() on it the value is shown anew. (The widget's locale does not count.)
+    // setLocale() on it the value is shown anew, and Undo does not lead back to texts of the
+    // locale before. (The widget's locale does not count.)
     DecimalValidator *decimalValidator() const;
 
     // The value in system form, empty when the editor is. A text that is no number yet, such as
@@ -80,6 +85,7 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
 
 private slots:
     void edit_changed(const QString &newText);

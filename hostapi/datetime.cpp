@@ -91,6 +91,9 @@ QDate readLeapDayOfYear00(const QString &text, const QString &format)
 
 QDate readDate(const QString &text, const QString &format)
 {
+    // QLocale takes a plus in front of a number.
+    if (text.contains(QLatin1Char('+')))
+        return {};
     const QDate read = QLocale::system().toDate(text, format);
     if (format.contains(QLatin1String("yyyy")))
         return read;

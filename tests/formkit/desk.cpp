@@ -295,6 +295,13 @@ void Desk::learnHandling()
         event.setCommitString(text);
         QApplication::sendEvent(edit(), &event);
     };
+    // Composes a text in place of as many characters in front of the caret: recompose 3 abc
+    m_steps["recompose"] = [this](Words words) {
+        const int count = word(words, 0).toInt();
+        QInputMethodEvent event;
+        event.setCommitString(words.section(' ', 1), -count, count);
+        QApplication::sendEvent(edit(), &event);
+    };
     m_steps["wheel"] = [this](Words angle) {
         const bool isOpen = box() && box()->view()->isVisible();
         QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
