@@ -164,22 +164,20 @@ QValidator::State DecimalValidator::validate(QString &input, int &pos) const
     const int count =
         countUngrouped(QStringView(input).left(qBound(0, pos, input.size())), symbols);
     const Cut cut(input, symbols);
-    if (cut.shape() == Cut::NoNumber || !isReadable(cut.integer(), symbols))
+    if (cut.shape() == Cut::NoNumber || (cut.shape() == Cut::Decimal && m_digits <= 0))
         return Invalid;
-    const int integerDigits = int(cut.integer().size());
-    const bool isSign = cut.shape() == Cut::Integer && integerDigits == 0;
-    if (!isSign) {
-        rewrite(input, cut, symbols);
-        pos = placeBehind(count, input, symbols);
-    }
     if (cut.isNegative() && !m_canNegative)
         return Invalid;
-    if (isSign)
+    const int integerDigits = int(cut.integer().size());
+    if (cut.shape() == Cut::Integer && integerDigits == 0)
         return Intermediate;
-    if (cut.shape() == Cut::Decimal && m_digits <= 0)
+
+    if (integerDigits > MaxDigits || !isReadable(cut.integer(), symbols))
         return Invalid;
+    rewrite(input, cut, symbols);
     if (m_numDigits > 0 && integerDigits > m_numDigits)
         return Invalid;
+    pos = placeBehind(count, input, symbols);
 
     const int fractionDigits = int(cut.fraction().size());
     if (integerDigits + fractionDigits == 0)
@@ -189,6 +187,19 @@ QValidator::State DecimalValidator::validate(QString &input, int &pos) const
     if (cut.shape() == Cut::Decimal && fractionDigits > m_digits)
         return Invalid;
     return judge(cut.text(), fractionDigits);
+}
+
+void DecimalValidator::regroup(QString &input, int &pos) const
+{
+    const LocaleSymbols &symbols = this->symbols();
+    const Cut cut(input, symbols);
+    const bool isSign = cut.shape() == Cut::Integer && cut.integer().isEmpty();
+    if (cut.shape() == Cut::NoNumber || isSign || !isReadable(cut.integer(), symbols))
+        return;
+    const int count =
+        countUngrouped(QStringView(input).left(qBound(0, pos, input.size())), symbols);
+    rewrite(input, cut, symbols);
+    pos = placeBehind(count, input, symbols);
 }
 
 QValidator::State DecimalValidator::judge(QStringView number, int scale) const

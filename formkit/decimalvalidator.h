@@ -53,8 +53,8 @@ public:
     bool getCanBeZero() const { return m_canBeZero; }
 
     // Judges the text and regroups it. An empty text and a lone sign are Intermediate and left
-    // as they are; so is a point without digits, in the locale's own characters. A number beyond
-    // the limits is Invalid and regrouped; any other Invalid text is left as it is.
+    // as they are; so is a point without digits, in the locale's own characters. What happened
+    // to an Invalid text and its caret is of no use.
     State validate(QString &input, int &pos) const override;
     // Judges a complete text, without a limit on its digits and without changing it.
     State validateParsedString(const QString &text) const;
@@ -70,6 +70,10 @@ public:
     // What counts as a zero everywhere in number entry: less than about 1e-12 in size, and what
     // is no number at all.
     static bool isZero(double number) { return qIsNaN(number) || qFuzzyCompare(number + 1.0, 1.0); }
+
+protected:
+    // Writes a number as validate() does, also beyond the limits; any other text stays as it is.
+    void regroup(QString &input, int &pos) const;
 
 private:
     const LocaleSymbols &symbols() const;

@@ -70,6 +70,8 @@ public:
         m_editor->setText(text);
     }
 
+    using DecimalValidator::regroup;
+
     // Whether the shown text says no number, although without its separators it might.
     bool isShownForeign() const { return m_isShownForeign; }
     // Whether the text was refused, so that it is not shown unless QLineEdit cannot undo it.
@@ -87,6 +89,11 @@ public:
         QString text = input;
         int caret = pos;
         State state = DecimalValidator::validate(text, caret);
+        if (state == Invalid) {
+            text = input;
+            caret = pos;
+            regroup(text, caret);
+        }
         const bool isMisread = this->isMisread(input, pos);
         // What is given is a number as the locale writes it, or is to be shown as it is.
         const bool isKept = isMisread || !fits(text) || (m_isGiven && text != input);
@@ -326,6 +333,6 @@ bool NumberEditor::wouldComeBack(int position) const
         return false;
     QString without = text();
     without.remove(position, 1);
-    m_validator->validate(without, position);
+    m_validator->regroup(without, position);
     return without == text();
 }
