@@ -144,8 +144,7 @@ void FormModel::deliver(const QString &id, const QString &name, const QString &v
         const QString date = FormTexts::date(value);
         if (date == value && date == control.value)
             return;
-        control.text = FormTexts::writeDate(date);
-        takeDate(id, date);
+        giveDate(id, date);
     } else if (control.kind == Check) {
         if (value == "Y" || value == "N")
             control.text = value == "Y" ? "x" : "";
@@ -267,15 +266,23 @@ void FormModel::edit(const QString &id, const QString &text, bool again)
     } else if (control.kind == Line) {
         notify(id, control.name, text);
     } else if (control.kind == Date) {
-        takeDate(id, FormTexts::readDate(text));
+        const bool isGiven = text == FormTexts::writeDate(control.given);
+        takeDate(id, isGiven ? control.given : FormTexts::readDate(text));
     } else if (control.kind == Number) {
-        const QString value = FormTexts::read(text, m_locale);
+        const QString value = FormTexts::readStrictly(text, m_locale);
         if (value == control.value ||
             FormTexts::write(value, m_locale) == FormTexts::write(control.value, m_locale))
             return;
         control.value = value;
         notify(id, control.name, value);
     }
+}
+
+void FormModel::giveDate(const QString &id, const QString &date)
+{
+    m_controls[id].given = date;
+    m_controls[id].text = FormTexts::writeDate(date);
+    takeDate(id, date);
 }
 
 void FormModel::takeDate(const QString &id, const QString &value)
@@ -550,8 +557,7 @@ void FormModel::pick(const QString &id, const QString &day)
     const QString date = FormTexts::date(day);
     if (date == m_controls[id].value)
         return;
-    m_controls[id].text = FormTexts::writeDate(date);
-    takeDate(id, date);
+    giveDate(id, date);
 }
 
 void FormModel::step(const QString &box, int by)

@@ -59,6 +59,7 @@ private:
         QSet<QString> heard;
         QString text;
         QString value;
+        QString given; // the date that the text was set from
         QString addendum;
     };
     struct List
@@ -80,6 +81,7 @@ private:
     void notify(const QString &id, const QString &name, const QString &value);
     void showPage();
     void check(const QString &id, bool checked);
+    void giveDate(const QString &id, const QString &date);
     void takeDate(const QString &id, const QString &value);
     void addUp(const QString &id);
 

@@ -204,9 +204,9 @@ private:
         const QString before = m_form.shown(target);
         edit(target, [&] { m_form.paste(target, text); });
         const QString after = m_form.shown(target);
-        const QString meant = FormTexts::readStrictly(text, m_model.locale());
+        const QString meant = FormTexts::readStrictly(text.trimmed(), m_model.locale());
         if (isNumber(target) && after != before &&
-            FormTexts::read(after, m_model.locale()) != meant)
+            FormTexts::readStrictly(after, m_model.locale()) != meant)
             blame(target, meant, after);
     }
 

@@ -97,14 +97,12 @@ QString FormTexts::read(const QString &shown, const QString &locale)
 
 QString FormTexts::readStrictly(const QString &shown, const QString &locale)
 {
-    const Symbols symbols = symbolsOf(locale);
-    const QString trimmed = shown.trimmed();
-    QString plain = trimmed;
-    for (const QChar group : symbols.groups)
+    QString plain = shown;
+    for (const QChar group : symbolsOf(locale).groups)
         plain.replace(group, QLatin1Char('\''));
     static const QRegularExpression grouped(
         "^[+-]?([0-9]*|[0-9]{1,3}('[0-9]{3})+)([^0-9'][0-9]*)?$");
-    return grouped.match(plain).hasMatch() ? read(trimmed, locale) : shown;
+    return grouped.match(plain).hasMatch() ? read(shown, locale) : shown;
 }
 
 QString FormTexts::write(const QString &value, const QString &locale)
