@@ -206,7 +206,7 @@ private:
         const QString after = m_form.shown(target);
         const QString meant = FormTexts::readStrictly(text.trimmed(), m_model.locale());
         if (isNumber(target) && after != before &&
-            FormTexts::read(after, m_model.locale()) != meant)
+            FormTexts::readStrictly(after, m_model.locale()) != meant)
             blame(target, meant, after);
     }
 
