@@ -305,7 +305,18 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
         if (isDelete)
             return;
     }
-    QLineEdit::keyPressEvent(event);
+    if (event->matches(QKeySequence::Redo) && !isReadOnly())
+        redo();
+    else
+        QLineEdit::keyPressEvent(event);
+}
+
+// Behind the redone removal of a selection QLineEdit takes a refused key back by too many steps,
+// and leaves digits and NULs that were never typed.
+void NumberEditor::redo()
+{
+    QLineEdit::redo();
+    deselect();
 }
 
 // The guard knows how much was selected, but not how much a commit replaces besides.

@@ -78,6 +78,8 @@ public slots:
     // textChanged() does not come either. An equal value leaves the text and the caret alone.
     void setValue(const QString &newValue);
     void setValue(decimal newValue);
+    // QLineEdit's, for the keys and the context menu; leaves nothing selected.
+    void redo();
 
 signals:
     // The user changed the value. Regrouping, or a point without digits behind it, does not.
