@@ -317,6 +317,8 @@ void NumberEditor::redo()
 {
     QLineEdit::redo();
     deselect();
+    // It may have put the caret behind the end.
+    setCursorPosition(qMin(cursorPosition(), int(text().size())));
 }
 
 // The guard knows how much was selected, but not how much a commit replaces besides.
