@@ -311,13 +311,12 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
         QLineEdit::keyPressEvent(event);
 }
 
-// Behind the redone removal of a selection QLineEdit takes a refused key back by too many steps,
-// and leaves digits and NULs that were never typed.
+// QLineEdit may put the caret behind the end. And behind the redone removal of a selection, as long
+// as it remembers that, it takes a refused key back by too many steps, and leaves digits and NULs
+// that were never typed. To set the caret mends both.
 void NumberEditor::redo()
 {
     QLineEdit::redo();
-    deselect();
-    // It may have put the caret behind the end.
     setCursorPosition(qMin(cursorPosition(), int(text().size())));
 }
 

@@ -424,17 +424,17 @@ QModelIndexList SelectorProxyModel::match(const QModelIndex &start, int role, co
     const bool asText = type == Qt::MatchFixedString || value.userType() == QMetaType::QString;
     // Of texts a number equals several, "7" and "07".
     const bool asNumber = isInteger(value) && isInteger(data(index(0, 0), role));
-    if (!indexed || !(asText || asNumber))
+    const bool isDisplay = role == Qt::DisplayRole && asText;
+    const bool isKey = m->keys.contains(role) && (asText || asNumber);
+    if (!indexed || !(isDisplay || isKey))
         return QSortFilterProxyModel::match(start, role, value, hits, flags);
 
     const bool exact = type == Qt::MatchExactly || flags & Qt::MatchCaseSensitive;
     const Qt::CaseSensitivity sensitivity = exact ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    if (role == Qt::DisplayRole && asText) {
+    if (isDisplay) {
         const int row = rowOfText(value.toString(), sensitivity);
         return row < 0 ? QModelIndexList() : QModelIndexList{index(row, 0)};
     }
-    if (!m->keys.contains(role))
-        return QSortFilterProxyModel::match(start, role, value, hits, flags);
     const QVector<int> keyRows = rowsOfKey(role, value);
     for (const int row : keyRows) {
         const QVariant key = data(index(row, 0), role);

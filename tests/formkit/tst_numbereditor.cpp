@@ -144,6 +144,12 @@ void NumberEditorTest::completeTexts()
     }
     for (const char *text : {"", "-", ".", "99999999999999999999"})
         QVERIFY_EXCEPTION_THROWN(validator.textToDecimal(text), Exception);
+    // An editor's own takes other texts than the shown one too.
+    const NumberEditor editor;
+    QString text = "-1234567";
+    int pos = 2;
+    QCOMPARE(editor.decimalValidator()->validate(text, pos), QValidator::Acceptable);
+    QCOMPARE(text.insert(pos, '|'), QString("-1|,234,567"));
 }
 
 void NumberEditorTest::verdicts()
