@@ -188,7 +188,6 @@ void FormsTest::oneChoice()
         QWidget *const boxes[] = {new QWidget(&form), new QWidget(&form)};
         QButtonGroup groups[2];
         QList<QAbstractButton *> buttons;
-        QString log;
         for (const QString &side : sides) {
             const int box = buttons.size() / 2;
             buttons << qobject_cast<QAbstractButton *>(Desk::create(className, boxes[box]));
@@ -293,7 +292,7 @@ void FormsTest::busyFeed()
     Properties hub;
     int quote = 0;
     QTimer feed;
-    connect(&feed, &QTimer::timeout, [&] { hub.setValue("Last", QString::number(++quote)); });
+    connect(&feed, &QTimer::timeout, this, [&] { hub.setValue("Last", QString::number(++quote)); });
     feed.start(0);
     QSignalSpy changed(&hub, &Properties::hasChanged);
     QTRY_VERIFY(!changed.isEmpty());
