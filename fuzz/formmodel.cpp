@@ -187,13 +187,18 @@ void FormModel::load(int edition)
 
 // Pages and controls that come and go.
 
+QString FormModel::pageOfBoard() const
+{
+    if (m_stock == 1 && (m_board == 1 || m_board == 2))
+        return "pageA";
+    if ((m_stock == 1 && m_board == 3) || (m_stock == 2 && m_board == 1))
+        return "pageB";
+    return {};
+}
+
 void FormModel::showPage()
 {
-    QString page;
-    if (m_stock == 1 && (m_board == 1 || m_board == 2))
-        page = "pageA";
-    if ((m_stock == 1 && m_board == 3) || (m_stock == 2 && m_board == 1))
-        page = "pageB";
+    const QString page = pageOfBoard();
     m_page = m_controls.value(page).exists && !page.isEmpty() ? page : QString();
     for (Control &control : m_controls) {
         if (!control.page.isEmpty())
@@ -233,8 +238,12 @@ void FormModel::create(const QString &id)
         control.value.clear();
         control.addendum.clear();
     }
-    if (m_controls[id].kind == Page)
-        return showPage();
+    if (m_controls[id].kind == Page) {
+        // The other one stays bound, sums and all.
+        if (id == pageOfBoard())
+            showPage();
+        return;
+    }
     if (m_controls[id].kind == Box) {
         m_lists[id] = {};
         m_lists[id].edition = m_edition;

@@ -79,6 +79,7 @@ private:
     void deliverToBox(const QString &id, const QString &name, const QString &value);
     void bind(const QString &id);
     void notify(const QString &id, const QString &name, const QString &value);
+    QString pageOfBoard() const;
     void showPage();
     void check(const QString &id, bool checked);
     void giveDate(const QString &id, const QString &date);
