@@ -18,6 +18,7 @@ private slots:
     void refusedFiles();
     void reloadUnderWalks();
     void endsOfALoad();
+    void writtenOverMeanwhile();
     void sessionsAndPlugins();
     void madeFromCsv();
     void generated();
@@ -227,6 +228,35 @@ void EmbeddedHostTest::endsOfALoad()
     QTRY_COMPARE_WITH_TIMEOUT(cancelled.size(), 4, 60000);
     QCOMPARE(host.errorText(), QString());
     host.load(large); // and the host goes
+}
+
+// As a copying program does, which asks nobody. The two contents are alike, page for page: half of
+// each would read without an error.
+void EmbeddedHostTest::writtenOverMeanwhile()
+{
+    const QString file = makeFile("a", {}, "60000");
+    QByteArray contents[] = {contentOf(makeFile("b", {}, "60000")), contentOf(file)};
+    EmbeddedHost host;
+    int written = 0;
+    bool isWritten = false;
+    connect(&host, &EmbeddedHost::progress, this, [&](const QString &table, int rows, int total) {
+        if (isWritten || table != "securities" || rows == 0 || rows == total)
+            return;
+        isWritten = true;
+        QFile over(file);
+        QVERIFY(over.open(QFile::ReadWrite));
+        QCOMPARE(over.write(contents[written % 2]), over.size());
+        ++written;
+    });
+    for (int load = 0; load < 20 && written < 2; ++load) {
+        isWritten = false;
+        host.load(file);
+        QTRY_VERIFY_WITH_TIMEOUT(!host.isLoading(), 60000);
+        QCOMPARE(host.errorText(), QString());
+        const QStringList names = column(host.table("securities"), "sec_name");
+        QCOMPARE(names.filter(written % 2 == 1 ? " b" : " a").size(), 60000);
+    }
+    QCOMPARE(written, 2);
 }
 
 void EmbeddedHostTest::sessionsAndPlugins()
