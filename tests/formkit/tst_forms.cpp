@@ -56,6 +56,7 @@ private slots:
     void walk();
     void mischief();
     void addressUsedAgain();
+    void unboundMeanwhile();
     void oneChoice();
     void completions();
     void throwingControl();
@@ -167,10 +168,33 @@ void FormsTest::addressUsedAgain()
         hub->dumpObjProp();
         QVERIFY(messages().takeLast().startsWith("Properties::dumpObjProp"));
     }
+    // What was meant for one is not for another that stands there under its own name.
+    for (const char *const name : {"One", "Other"}) {
+        auto *const probe = new (place) Probe;
+        hub->connectOne(name, probe, "Value");
+        hub->setValue("One", name);
+        QCOMPARE(probe->state(), QString(name) == "One" ? "One 1 1" : " 0 1");
+        probe->disconnect();
+        probe->~Probe();
+    }
     // The hub may be destroyed by its listener, too.
     const QPointer<Properties> alive(hub);
     connect(hub, &Properties::hasChanged, [hub] { delete hub; });
     QTRY_VERIFY(!alive);
+}
+
+// Whichever of the two is written first.
+void FormsTest::unboundMeanwhile()
+{
+    Properties hub;
+    Probe one;
+    Probe other;
+    for (Probe *const probe : {&one, &other})
+        hub.connectOne("Name", probe, "Value");
+    one.onWrite = [&] { hub.disconnectOne("Name", &other, "Value"); };
+    other.onWrite = [&] { hub.disconnectOne("Name", &one, "Value"); };
+    hub.setValue("Name", "new");
+    QCOMPARE((one.state() + other.state()).count("new"), 1);
 }
 
 // Buttons of one name in two boxes, exclusive in each: the one whose text the hub holds is checked,
