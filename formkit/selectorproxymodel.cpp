@@ -39,7 +39,8 @@ struct SelectorProxyModel::Mapping
     void setShown(const QVector<int> &rows)
     {
         shown = rows;
-        inverse.clear();
+        // clear() would first copy what is shared, and then keep the room for it.
+        inverse = {};
     }
 
     int proxyRow(int sourceRow) const
@@ -117,7 +118,7 @@ void SelectorProxyModel::setSourceModel(QAbstractItemModel *source)
         connect(source, &QObject::destroyed, this, [this] {
             beginResetModel();
             m->setShown({});
-            m->sourceOrder.clear();
+            m->sourceOrder = {};
             setKeyRoles(keyRoles());
             endResetModel();
         });
@@ -139,7 +140,7 @@ void SelectorProxyModel::endRebuild()
 
 void SelectorProxyModel::rebuild()
 {
-    m->sourceOrder.clear();
+    m->sourceOrder = {};
     // Now rather than when the filter is first cleared: that is to cost no sort.
     sourceOrder();
     setKeyRoles(keyRoles());
@@ -224,7 +225,7 @@ const QVector<int> &SelectorProxyModel::sourceOrder() const
         for (int row = 0; row < texts.size(); ++row)
             texts[row] = sourceText(row);
         m->sourceOrder = FoldedText::ascending(texts);
-        m->sourcePlaces.resize(texts.size());
+        m->sourcePlaces = QVector<int>(texts.size());
         for (int place = 0; place < texts.size(); ++place)
             m->sourcePlaces[m->sourceOrder.at(place)] = place;
     }
@@ -292,7 +293,7 @@ void SelectorProxyModel::sourceDataChanged(const QModelIndex &topLeft,
     if (isOneRow)
         moveInSourceOrder(topLeft.row());
     else
-        m->sourceOrder.clear();
+        m->sourceOrder = {};
     if (!isOneRow || !staysInPlace(topLeft.row())) {
         relayout();
         if (!isOneRow && !m->shown.isEmpty())
