@@ -70,16 +70,16 @@ public:
     bool run(int seconds, int perSecond, int changes)
     {
         m_perSecond = perSecond;
+        m_total = seconds * perSecond;
         warmUp();
-        m_times.reserve(2 * seconds * perSecond);
+        m_times.reserve(m_total);
         m_rows = m_host->liveRows();
         m_sessions = m_host->currentSessions();
         m_clock.start();
         m_act.start(std::max(1, 1000 / perSecond));
         m_change.start(seconds * 1000 / changes);
-        QTimer::singleShot(seconds * 1000, qApp, &QCoreApplication::quit);
         QApplication::exec();
-        return verdict(seconds);
+        return verdict(double(m_clock.elapsed()) / 1000);
     }
 
 private:
@@ -106,12 +106,14 @@ private:
     void act()
     {
         // What a slow event has made late is made good for, but not at once.
-        const qint64 due = m_clock.elapsed() * m_perSecond / 1000;
+        const qint64 due = std::min<qint64>(m_clock.elapsed() * m_perSecond / 1000, m_total);
         for (int i = 0; i < 5 && m_times.size() < due; ++i) {
             const double before = processorMilliseconds();
             m_user.act();
             m_times << processorMilliseconds() - before;
         }
+        if (m_times.size() >= m_total)
+            QCoreApplication::quit();
     }
 
     // A slow machine changes less often: a load that is under way is let come to its end.
@@ -144,7 +146,7 @@ private:
         std::fflush(stdout);
     }
 
-    bool verdict(int seconds) const
+    bool verdict(double seconds) const
     {
         if (m_heap.size() < 8) {
             std::printf("Too short: the heap was read %d times.\n", int(m_heap.size()));
@@ -156,7 +158,7 @@ private:
         const double after = quantile(m_heap.mid(int(m_heap.size()) - quarter), 0);
         const double growth = 100 * (after - before) / before;
         const double rate = double(m_times.size()) / seconds;
-        std::printf("counts: %d events in %d s (%.0f a second; of processor time half took up to "
+        std::printf("counts: %d events in %.1f s (%.0f a second; of processor time half took up to "
                     "%.2f ms, 99 %% up to %.2f, the longest, in which all securities may be read "
                     "anew, %.0f), heap %.2f MB in the second quarter, %.2f MB in the last (%+.2f "
                     "%%), %d warnings, %d failed loads\n",
@@ -178,6 +180,7 @@ private:
     qint64 m_rows = 0;
     QVector<SessionId> m_sessions;
     int m_perSecond = 0;
+    int m_total = 0;
     int m_failures = 0;
 };
 
