@@ -93,9 +93,9 @@ private:
             QApplication::processEvents();
             box->hidePopup();
         }
-        // Of blocks that do not grow malloc takes some more for as long as it has holes that are
-        // a little too large: for a million securities 207.8 MB at first, 210.7 MB after twelve
-        // loads and ever after, while 166.1 MB are asked for each time.
+        // malloc takes more for the same blocks while it has holes that are a little too large:
+        // for a million securities 208 MB at first, 210.7 MB after some twelve loads and no more
+        // after 28, while 166.1 MB are asked for each time.
         for (int load = 0; load < 14; ++load) {
             m_host->load(load % 2 ? m_databases.first() : m_databases.last());
             while (m_host->isLoading())
