@@ -18,6 +18,8 @@
 #include <QStandardItemModel>
 #include <QStringListModel>
 
+#include <malloc.h>
+
 namespace {
 
 using ModelTester = QAbstractItemModelTester;
@@ -95,6 +97,7 @@ class SelectorModelsTest : public StrictTest
 private slots:
     void mapping();
     void lookUps();
+    void roomOfLookUps();
     void changes();
     void typeAhead();
     void withoutASource();
@@ -159,6 +162,30 @@ void SelectorModelsTest::lookUps()
 }
 
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
+// A table of all rows, made for a look-up, is gone once few rows are shown.
+void SelectorModelsTest::roomOfLookUps()
+{
+    constexpr int Rows = 200000;
+    QStringList numbers;
+    for (int number = 0; number < Rows; ++number)
+        numbers << QString::number(number);
+    QStringListModel source(numbers);
+    Prefixed proxy;
+    proxy.setSourceModel(&source);
+    const auto heapOfFewRows = [&](bool isLookedUp) {
+        proxy.prefix = "";
+        proxy.invalidate();
+        if (isLookedUp)
+            proxy.mapFromSource(source.index(0));
+        proxy.prefix = "12345";
+        proxy.invalidate();
+        const struct mallinfo2 heap = mallinfo2();
+        return qint64(heap.uordblks + heap.hblkhd);
+    };
+    const qint64 before = heapOfFewRows(false);
+    QVERIFY(heapOfFewRows(true) - before < Rows);
+}
+
 void SelectorModelsTest::changes()
 {
     OddTexts odd;
