@@ -20,15 +20,15 @@ std::string lineOf(int style, int number)
     const std::string n = std::to_string(number);
     switch (style) {
     case 0:
-        return "+i8388621." + n + ",m825718503,r,s280,\tfile" + n + ".html";
+        return "+i77." + n + ",m1049371565,r,s9130,\tfile" + n + ".html";
     case 1:
-        return "-rw-r--r--   1 root     other        531 Jan 29 03:26 file" + n + ".html";
+        return "-rw-r--r--   1 clerk    desk         731 Feb 11 07:42 file" + n + ".html";
     case 2:
-        return "-rw-r--r--   1 root     other        531 Jan 29  2003 file" + n + ".html";
+        return "-rw-r--r--   1 clerk    desk         731 Feb 11  2009 file" + n + ".html";
     case 3:
-        return "FILE" + n + ".TXT;1      2 30-DEC-1996 17:44 [SYSTEM] (RWED,RWED,RE,RE)";
+        return "FILE" + n + ".TXT;3      4 17-OCT-2001 08:25 [CLERK] (RWED,RWED,RE,RE)";
     default:
-        return "04-14-00  03:47PM                  589 file" + n + ".htm";
+        return "05-02-00  01:26PM                  874 file" + n + ".htm";
     }
 }
 

@@ -208,10 +208,10 @@ bool CFTPListParser::ParseEPLF(CFTPFileStatus &status, std::string_view line) co
     return true;
 }
 
-// -rw-r--r--   1 root     other        531 Jan 29 03:26 README
-// drwxrwxr-x               folder        2 May 10  1996 network
-// -------r--         326  1391972  1392298 Nov 22  1995 MegaPhone.sit
-// d [R----F--] supervisor            512       Jan 16 18:53    login
+// -rw-r--r--   1 clerk    desk         731 Feb 11 07:42 NOTES
+// drwxrwxr-x               folder        6 Jul 19  2007 trades
+// -------r--         412   870033   870445 Aug 30  2006 Blotter.dat
+// d [R----F--] backoffice            768       Jan 22 16:08    ledger
 bool CFTPListParser::ParseUNIXStyleListing(CFTPFileStatus &status, std::string_view line)
 {
     if (!IsUNIXStyleListing(line))
@@ -266,8 +266,8 @@ bool CFTPListParser::ParseUNIXStyleListing(CFTPFileStatus &status, std::string_v
     status.sizeType = CFTPFileStatus::sizeBytes;
     status.size = size;
     std::string_view name = walk.rest();
-    const bool netWare = line.size() > 1 && (line[1] == ' ' || line[1] == '[');
-    if (netWare && name.substr(0, 3) == "   ")
+    const bool oneLetterKind = line.size() > 1 && (line[1] == ' ' || line[1] == '[');
+    if (oneLetterKind && name.substr(0, 3) == "   ")
         name.remove_prefix(3);
     if (kind == 'l')
         name = name.substr(0, name.find(" -> "));
@@ -301,7 +301,7 @@ bool CFTPListParser::readDate(std::string_view month, std::string_view day,
     return true;
 }
 
-// 00README.TXT;1      2 30-DEC-1996 17:44 [SYSTEM] (RWED,RWED,RE,RE)
+// NOTES.TXT;3         4 17-OCT-2001 08:25 [CLERK] (RWED,RWED,RE,RE)
 bool CFTPListParser::ParseMultiNetListing(CFTPFileStatus &status, std::string_view line) const
 {
     Walk walk(line);
@@ -338,8 +338,8 @@ bool CFTPListParser::ParseMultiNetListing(CFTPFileStatus &status, std::string_vi
     return true;
 }
 
-// 04-27-00  09:09PM       <DIR>          licensed
-// 04-14-00  03:47PM                  589 readme.htm
+// 05-12-03  08:17PM       <DIR>          statements
+// 05-02-00  01:26PM                  874 fees.htm
 bool CFTPListParser::ParseMSDOSListing(CFTPFileStatus &status, std::string_view line) const
 {
     if (!IsMSDOSListing(line))

@@ -63,8 +63,8 @@ public:
 // The parser for EPLF, UNIX (ls -l), MultiNet (VMS) and MS-DOS listings. Any bytes may come: a
 // number that does not fit, a day outside 1 to 31 or a year above 9999 is no number, and the
 // line then no entry (a size that is no number reads as -1, an EPLF time leaves the time unknown).
-// Names keep their blanks, leading ones too, except in NetWare's form of the UNIX style (the line's
-// second character is a blank or '['), where three blanks stand between the time and the name.
+// Names keep their blanks, leading ones too, except in UNIX-style lines with a one-letter kind
+// followed by a blank or '[', where three blanks stand between the time and the name.
 class FORMKITFTP_EXPORT CFTPListParser : public IFileListParser
 {
 public:
