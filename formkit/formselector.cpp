@@ -1,5 +1,6 @@
 #include "formselector.h"
 
+#include "doing_p.h"
 #include "properties.h"
 #include "summator.h"
 
@@ -197,6 +198,7 @@ QPointer<QWidget> FormSelector::moveBindings()
     QPointer<QWidget> page;
     const auto isOutdated = [&] { return hub != m_hub || page != pageToShow(); };
     int turns = m_pages.size() + 1;
+    const Doing program(Doing::Program);
     m_moving = true;
     do {
         hub = m_hub;
