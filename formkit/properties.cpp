@@ -204,7 +204,8 @@ void Properties::listen(const QString &name, const Key &key)
     }
 }
 
-Properties::Aliases Properties::aliasesOf(QObject *object)
+// `bound` are the properties of the object that connectAll() binds.
+Properties::Aliases Properties::aliasesOf(QObject *object, const QList<QByteArray> &bound)
 {
     Aliases aliases;
     const QList<QByteArray> dynamic = object->dynamicPropertyNames();
@@ -217,8 +218,12 @@ Properties::Aliases Properties::aliasesOf(QObject *object)
         const QStringList pairs = object->property("fields").toString().split(QLatin1Char(' '));
         for (const QString &pair : pairs) {
             const QStringList pieces = pair.split(QLatin1Char('='));
-            if (pieces.size() > 1)
-                aliases.insert(pieces.at(1).toLatin1(), pieces.at(0));
+            const QByteArray property = pieces.value(1).toLatin1();
+            if (bound.contains(property))
+                aliases.insert(property, pieces.first());
+            else if (!pair.isEmpty())
+                qWarning() << "Properties::connectAll: no property for" << pair
+                           << "in the fields of" << object;
         }
     }
     return aliases;
@@ -240,8 +245,8 @@ bool Properties::connectAll(QObject *object)
     const QPointer<Properties> hub(this);
     const QPointer<QObject> alive(object);
     if (bindsOwnProperties(info)) {
-        const Aliases aliases = aliasesOf(object);
         const QList<QByteArray> properties = ownProperties(meta);
+        const Aliases aliases = aliasesOf(object, properties);
         for (const QByteArray &property : properties) {
             const QString name = aliases.value(property, propertyName(property));
             if (!m_objectNames.contains(object, name))

@@ -27,7 +27,8 @@ class QTimer;
 // - The dynamic property "field" of an object names the hub name for its user property (for
 //   its `Value`, where it has no readable user property).
 // - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-//   and a property of the object ("A=StockId B=BoardId"). Parts without "=" are skipped.
+//   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
+//   skipped with a warning.
 //
 // The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
 // while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
@@ -144,7 +145,7 @@ private:
     };
     using Aliases = QMap<QByteArray, QString>;
 
-    static Aliases aliasesOf(QObject *object);
+    static Aliases aliasesOf(QObject *object, const QList<QByteArray> &bound);
     void bind(const QString &name, QObject *object, int propertyIndex);
     void listen(const QString &name, const Key &key);
     using Keys = QVarLengthArray<Key, 16>;

@@ -76,7 +76,7 @@ public:
     // The model behind the box's proxy, or its model; null for no box.
     QAbstractItemModel *source() const;
     // What the hub holds under a name.
-    QString held(const QString &name) const { return m_hub->values()[name].toString(); }
+    QString held(const QString &name) const { return m_hub->values()[name]; }
     Properties *hub() const { return m_hub.get(); }
 
     // Does a step ("press F4 Down").
