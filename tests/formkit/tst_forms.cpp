@@ -414,24 +414,15 @@ void FormsTest::tabOrder()
     addPage(2);
     window.show();
     QVERIFY(QTest::qWaitForWindowActive(&window));
-    const auto tabs = [&](Qt::Key key, const char *from, int count) {
-        window.findChild<QWidget *>(from)->setFocus();
-        QStringList names;
-        for (int i = 0; i < count; ++i) {
-            QTest::keyClick(window.focusWidget(), key);
-            names << window.focusWidget()->objectName();
-        }
-        return names.join(' ');
-    };
-    for (const QString &board : QStringList{"0", "1", "2"}) {
-        selector->setBoardId(board);
-        QCOMPARE(tabs(Qt::Key_Tab, "before", 5),
-                 QString("date%1 line%1 after last before").arg(board));
-        QCOMPARE(tabs(Qt::Key_Backtab, "after", 3), QString("line%1 date%1 before").arg(board));
-    }
     for (QWidget *const page : selector->getWidgetList())
         page->parentWidget()->show();
-    QCOMPARE(tabs(Qt::Key_Tab, "before", 7), QString("date1 line1 date0 line0 date2 line2 after"));
+    QStringList names;
+    window.findChild<QWidget *>("before")->setFocus();
+    for (int i = 0; i < 9; ++i) {
+        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+        names << window.focusWidget()->objectName();
+    }
+    QCOMPARE(names.join(' '), QString("date1 line1 date0 line0 date2 line2 after last before"));
 }
 
 // Another hub, the same hub, another page for the board, from a control that is being bound: nobody
