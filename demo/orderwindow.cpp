@@ -178,9 +178,20 @@ void OrderWindow::showValues()
     m_ui->values->show(m_hub.values());
 }
 
+QMap<QString, QString> OrderWindow::rejections() const
+{
+    QMap<QString, QString> reasons = rejectedFields(m_hub.values());
+    const QStringList unshown = m_hub.unshown();
+    for (const QString &name : unshown) {
+        if (!reasons.contains(name))
+            reasons.insert(name, tr("This is not what was set; enter it again"));
+    }
+    return reasons;
+}
+
 void OrderWindow::check()
 {
-    const QMap<QString, QString> reasons = rejectedFields(m_hub.values());
+    const QMap<QString, QString> reasons = rejections();
     m_validation.set(reasons.keys());
     const QList<QLabel *> captions = m_ui->form->findChildren<QLabel *>();
     for (QLabel *caption : captions) {
@@ -200,9 +211,9 @@ void OrderWindow::check()
 
 void OrderWindow::send()
 {
-    if (m_hub.values().value("Action") == QLatin1String("place")) {
+    if (m_hub.values()["Action"] == QLatin1String("place")) {
         check();
-        if (!rejectedFields(m_hub.values()).isEmpty())
+        if (!rejections().isEmpty())
             return;
     }
     emit sent();

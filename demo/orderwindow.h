@@ -50,6 +50,7 @@ private:
     // Gives each board the sub-form of its security type.
     void registerBoards();
     void showValues();
+    QMap<QString, QString> rejections() const;
     void check();
     void send();
     void announceSessions();

@@ -15,13 +15,31 @@ QString shown(const datetime &date)
     return date.toSystemString(true, QLocale::ShortFormat);
 }
 
+datetime typed(const QString &text)
+{
+    const datetime date = datetime::fromSystemString(text, true, QLocale::ShortFormat);
+    return date.isNull() ? datetime::fromFullYearString(text, QLocale::ShortFormat) : date;
+}
+
+// Knows years of four digits, too.
+class TypedDateValidator : public DateValidator
+{
+public:
+    using DateValidator::DateValidator;
+
+    State validate(QString &input, int &) const override
+    {
+        return input.isEmpty() || !typed(input).isNull() ? Acceptable : Intermediate;
+    }
+};
+
 } // namespace
 
 DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
 {
     setEditable(true);
     new ComboBoxManners(this);
-    lineEdit()->setValidator(new DateValidator(this));
+    lineEdit()->setValidator(new TypedDateValidator(this));
     lineEdit()->setAlignment(Qt::AlignHCenter);
 
     const QString pattern = QLocale::system().dateFormat(QLocale::ShortFormat);
@@ -49,16 +67,16 @@ void DateEdit::setValue(const QString &value)
 
 void DateEdit::setValue(const QString &value, bool updateText)
 {
-    const datetime date(datetime(value).date());
+    const datetime date(value);
     const QString normal = date.toString();
+    if (updateText)
+        m_given = datetime(date.date());
     if (normal == value && date == m_value)
         return;
     m_value = date;
-    if (updateText) {
-        m_given = date;
+    if (updateText)
         setEditText(shown(date));
-    }
-    emit changedValue(normal);
+    Q_EMIT changedValue(normal);
 }
 
 // The century of a two-digit year is in the date alone: a text that shows the given date means
@@ -68,7 +86,7 @@ datetime DateEdit::readText() const
     const QString text = lineEdit()->text();
     if (!m_given.isNull() && text == shown(m_given))
         return m_given;
-    return datetime::fromSystemString(text, true, QLocale::ShortFormat);
+    return typed(text);
 }
 
 void DateEdit::onTextChanged()
@@ -108,7 +126,8 @@ void DateEdit::hidePopup()
 
 void DateEdit::calendarActivated(const QDate &date)
 {
-    setValue(datetime(date).toString(), true);
+    if (date != m_value.date())
+        setValue(datetime(date).toString(), true);
     hidePopup();
 }
 

@@ -1,5 +1,6 @@
 #include "formselector.h"
 
+#include "doing_p.h"
 #include "properties.h"
 #include "summator.h"
 
@@ -118,7 +119,31 @@ QWidget *FormSelector::newHolder(QWidget *form)
     }
     column->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
     m_stack->addWidget(holder);
+    placeInTabOrder(form);
     return holder;
+}
+
+// Qt puts what joins a window at the end of its tab order.
+void FormSelector::placeInTabOrder(QWidget *form)
+{
+    QWidget *last = this;
+    for (QWidget *w = nextInFocusChain(); w != this && isAncestorOf(w); w = w->nextInFocusChain()) {
+        if (w->focusPolicy() != Qt::NoFocus && !form->isAncestorOf(w))
+            last = w;
+    }
+    QVector<QWidget *> controls;
+    for (QWidget *w = nextInFocusChain(); w != this; w = w->nextInFocusChain()) {
+        if (w->focusPolicy() != Qt::NoFocus && form->isAncestorOf(w))
+            controls << w;
+    }
+    // Qt orders only what takes the focus.
+    const Qt::FocusPolicy policy = focusPolicy();
+    setFocusPolicy(Qt::TabFocus);
+    for (QWidget *const control : qAsConst(controls)) {
+        setTabOrder(last, control);
+        last = control;
+    }
+    setFocusPolicy(policy);
 }
 
 QWidget *FormSelector::pageToShow() const
@@ -197,6 +222,7 @@ QPointer<QWidget> FormSelector::moveBindings()
     QPointer<QWidget> page;
     const auto isOutdated = [&] { return hub != m_hub || page != pageToShow(); };
     int turns = m_pages.size() + 1;
+    const Doing program(Doing::Program);
     m_moving = true;
     do {
         hub = m_hub;

@@ -29,7 +29,14 @@ class QStackedLayout;
 // what is there already, shown or not, and makes its names known to FormValidation at one go;
 // the next change of board, or setHub() with the same hub, then leaves only the shown one
 // bound. Call setHub() after connectAll() if hidden sub-forms hold members that report by
-// themselves, such as a Summator. The sums of a sub-form are reported each time it is shown.
+// themselves, such as a Summator.
+//
+// On purpose addWidget() shows a sub-form of the current board at once; each change of board
+// unbinds every sub-form, not the last one alone; and the sums of a sub-form are reported each time
+// it is shown.
+//
+// In the tab order the controls of the sub-forms stand where the selector stands, sub-form by
+// sub-form as they were added, each in its own order.
 //
 // In a form file the selector is a container whose pages are its sub-forms, each with the
 // dynamic property "boards": the boards that it serves, written as boardListToString() does
@@ -104,6 +111,7 @@ private:
     Page &pageOf(QWidget *form);
     void readBoards(QWidget *form);
     QWidget *newHolder(QWidget *form);
+    void placeInTabOrder(QWidget *form);
     QWidget *pageToShow() const;
     void dropDeadPages();
     void unbindPages(Properties *hub);

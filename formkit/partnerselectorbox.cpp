@@ -1,5 +1,6 @@
 #include "partnerselectorbox.h"
 
+#include "doing_p.h"
 #include "editstate_p.h"
 #include "foldedtext_p.h"
 #include "partnerlinedelegate_p.h"
@@ -85,6 +86,7 @@ QStandardItemModel *PartnerSelectorBox::readPartners()
 
 void PartnerSelectorBox::populate()
 {
+    const Doing ofHost(Doing::Program);
     QStandardItemModel *const model = readPartners();
     const QString listCode = codeAt(view()->currentIndex().row());
     const QString listName = nameAt(view()->currentIndex().row());

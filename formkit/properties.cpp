@@ -1,11 +1,10 @@
 #include "properties.h"
 
+#include "doing_p.h"
+
 #include <QDebug>
 #include <QMetaProperty>
-#include <QPointer>
-#include <QScopeGuard>
 #include <QTimer>
-#include <QVarLengthArray>
 
 #include <algorithm>
 #include <exception>
@@ -62,18 +61,76 @@ QMetaMethod changedSlot(const Properties *hub)
     return meta->method(meta->indexOfSlot("propertyChanged()"));
 }
 
+QMetaProperty propertyOf(const Properties::Key &key)
+{
+    return key.object->metaObject()->property(key.index);
+}
+
+bool isIdProperty(const Properties::Key &key)
+{
+    return QByteArray(propertyOf(key).name()).endsWith("Id");
+}
+
 // How often properties may answer one write of their name with yet another value.
 constexpr int MaxAnswers = 20;
 
+// Lets all steps be taken before the first exception among them goes on.
+class FirstFailure
+{
+public:
+    template <typename Step> void attempt(Step step)
+    {
+        try {
+            step();
+        } catch (...) {
+            if (!m_first)
+                m_first = std::current_exception();
+        }
+    }
+    void rethrow() const
+    {
+        if (m_first)
+            std::rethrow_exception(m_first);
+    }
+
+private:
+    std::exception_ptr m_first;
+};
+
 } // namespace
 
-// A write of one name to all its properties.
+// A write of one name to its properties.
 struct Properties::Write
 {
+    Write(Properties *properties, const QString &written)
+        : hub(properties), name(written), outer(std::exchange(properties->m_write, this))
+    {
+    }
+    ~Write()
+    {
+        if (hub)
+            hub->m_write = outer;
+    }
+    Q_DISABLE_COPY(Write)
+
+    // The name got another value since, which everybody has been handed but the object whose
+    // property answered with it; null when the program set it.
+    void supersede(const Key &answer)
+    {
+        superseded = true;
+        answered = answer;
+    }
+    bool isLeftFor(const Key &key) const
+    {
+        return !superseded || (key.object == answered.object && key.index != answered.index);
+    }
+
+    const QPointer<Properties> hub;
     const QString name;
     Write *const outer;
-    // The name got another value since, which has been handed to everybody already.
     bool superseded = false;
+    Key answered;
+    int answers = 0;
 };
 
 Properties::Properties(QObject *parent) : QObject(parent), m_changeTimer(new QTimer(this))
@@ -138,14 +195,17 @@ void Properties::listen(const QString &name, const Key &key)
         connect(key.object, property.notifySignal(), this, changedSlot(this),
                 Qt::ConnectionType(Qt::AutoConnection | Qt::UniqueConnection));
     }
-    const auto held = m_values.constFind(name);
-    if (held != m_values.constEnd())
-        property.write(key.object, QVariant(*held));
-    else if (property.hasNotifySignal())
+    if (m_values.contains(name)) {
+        const Doing binding(Doing::Program);
+        Write current(this, name);
+        property.write(key.object, m_values.value(name));
+    } else if (property.hasNotifySignal()) {
         m_values.insert(name, property.read(key.object).toString());
+    }
 }
 
-Properties::Aliases Properties::aliasesOf(QObject *object)
+// `bound` are the properties of the object that connectAll() binds.
+Properties::Aliases Properties::aliasesOf(QObject *object, const QList<QByteArray> &bound)
 {
     Aliases aliases;
     const QList<QByteArray> dynamic = object->dynamicPropertyNames();
@@ -158,8 +218,12 @@ Properties::Aliases Properties::aliasesOf(QObject *object)
         const QStringList pairs = object->property("fields").toString().split(QLatin1Char(' '));
         for (const QString &pair : pairs) {
             const QStringList pieces = pair.split(QLatin1Char('='));
-            if (pieces.size() > 1)
-                aliases.insert(pieces.at(1).toLatin1(), pieces.at(0));
+            const QByteArray property = pieces.value(1).toLatin1();
+            if (bound.contains(property))
+                aliases.insert(property, pieces.first());
+            else if (!pair.isEmpty())
+                qWarning() << "Properties::connectAll: no property for" << pair
+                           << "in the fields of" << object;
         }
     }
     return aliases;
@@ -181,8 +245,8 @@ bool Properties::connectAll(QObject *object)
     const QPointer<Properties> hub(this);
     const QPointer<QObject> alive(object);
     if (bindsOwnProperties(info)) {
-        const Aliases aliases = aliasesOf(object);
         const QList<QByteArray> properties = ownProperties(meta);
+        const Aliases aliases = aliasesOf(object, properties);
         for (const QByteArray &property : properties) {
             const QString name = aliases.value(property, propertyName(property));
             if (!m_objectNames.contains(object, name))
@@ -261,8 +325,11 @@ void Properties::setValue(const QString &name, const QString &value)
     reportLater();
     const auto held = m_values.constFind(name);
     const QString old = held == m_values.constEnd() ? QString() : held->toString();
+    const Doing program = Doing::programTakesOver();
+    if (held != m_values.constEnd() || !value.isEmpty())
+        m_given.insert(name, value);
     if (old != value)
-        write(name, value, nullptr);
+        write(name, value, {});
 }
 
 // A running timer is left alone: started anew by each turn of a busy feed, it would never end.
@@ -272,52 +339,57 @@ void Properties::reportLater()
         m_changeTimer->start();
 }
 
-void Properties::setValues(const Values &values)
+// What hears of one value may change the caller's map, or destroy the hub.
+template <typename Deed> void Properties::forEachName(Values values, Deed deed)
 {
     const QPointer<Properties> alive(this);
-    // What hears of one value may change the caller's map.
-    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
-    const Values copy(values);
-    for (auto entry = copy.cbegin(); entry != copy.cend() && alive; ++entry)
-        setValue(entry.key(), entry.value().toString());
+    FirstFailure failure;
+    for (auto entry = values.cbegin(); entry != values.cend() && alive; ++entry)
+        failure.attempt([&] { deed(entry.key(), entry.value().toString()); });
+    failure.rethrow();
 }
 
-// Stores the value and hands it to the properties of its name. A property may answer at once,
-// and then anything may happen before write() returns: objects die, bindings come and go, the
-// name gets another value. An exception of one property is thrown on when the others are written.
-void Properties::write(const QString &name, const QString &value, const QObject *except)
+void Properties::setValues(const Values &values)
 {
-    const QVariant content(value);
-    m_values.insert(name, content);
+    forEachName(values,
+                [this](const QString &name, const QString &value) { setValue(name, value); });
+}
 
-    Write current{name, m_write};
-    int answers = 0;
-    for (Write *outer = m_write; outer; outer = outer->outer) {
-        if (outer->name == name) {
-            outer->superseded = true;
-            ++answers;
-        }
-    }
-    if (answers > MaxAnswers) {
-        qWarning() << "Properties::setValue: the properties bound to" << name << "disagree";
-        return;
-    }
+void Properties::showAgain()
+{
+    reportLater();
+    const Doing program = Doing::programTakesOver();
+    // Showing one value may have changed the next.
+    forEachName(m_values, [this](const QString &name, const QString &) {
+        write(name, m_values.value(name).toString(), {});
+    });
+}
 
-    QVarLengthArray<Key, 16> keys;
+Properties::Keys Properties::keysOf(const QString &name) const
+{
+    Keys keys;
     for (auto it = m_bindings.constFind(name); it != m_bindings.constEnd() && it.key() == name;
          ++it)
         keys.append(*it);
+    return keys;
+}
 
-    const QPointer<Properties> alive(this);
+// Stores the value and hands it to the properties of its name, but for the object whose property
+// it is from. A property may answer at once, and then anything may happen before write() returns:
+// objects die, bindings come and go, the name gets another value.
+void Properties::write(const QString &name, const QString &value, const Key &from)
+{
+    m_values.insert(name, QVariant(value));
+    if (!supersede(name, from)) {
+        qWarning() << "Properties::setValue: the properties bound to" << name << "disagree";
+        return;
+    }
+    Write current(this, name);
     const int bindingChange = m_bindingChanges;
-    m_write = &current;
-    const auto done = qScopeGuard([&] {
-        if (alive)
-            m_write = current.outer;
-    });
-    std::exception_ptr failure;
+    FirstFailure failure;
+    const Keys keys = keysOf(name);
     for (const Key &key : keys) {
-        if (key.object == except)
+        if (key.object == from.object || !current.isLeftFor(key))
             continue;
         if (m_bindingChanges != bindingChange && !m_bindings.contains(current.name, key))
             continue;
@@ -325,17 +397,33 @@ void Properties::write(const QString &name, const QString &value, const QObject 
             forget(key.object);
             continue;
         }
-        try {
-            key.object->metaObject()->property(key.index).write(key.object, content);
-        } catch (...) {
-            if (!failure)
-                failure = std::current_exception();
-        }
-        if (!alive || current.superseded)
+        const QVariant held = m_values.value(current.name);
+        failure.attempt([&] { propertyOf(key).write(key.object, held); });
+        if (!current.hub)
             break;
     }
-    if (failure)
-        std::rethrow_exception(failure);
+    failure.rethrow();
+}
+
+// Tells the writes of the name that are under way. False when its properties have answered too
+// often, which ends these writes.
+bool Properties::supersede(const QString &name, const Key &from)
+{
+    const auto forEachWrite = [&](auto deed) {
+        for (Write *write = m_write; write; write = write->outer) {
+            if (write->name == name)
+                deed(write);
+        }
+    };
+    Write *outermost = nullptr;
+    forEachWrite([&](Write *write) {
+        write->supersede(from);
+        outermost = write;
+    });
+    if (!outermost || ++outermost->answers <= MaxAnswers)
+        return true;
+    forEachWrite([](Write *write) { write->supersede({}); });
+    return false;
 }
 
 void Properties::propertyChanged()
@@ -345,10 +433,58 @@ void Properties::propertyChanged()
     reportLater();
     if (!key.object)
         return;
+    const Doing user(Doing::User);
     const QString name = m_keyNames.value(key);
-    const QString content = from->metaObject()->property(key.index).read(from).toString();
-    if (content != m_values.value(name).toString())
-        write(name, content, from);
+    const QString content = propertyOf(key).read(from).toString();
+    if (content == m_values.value(name).toString())
+        return;
+    if (Doing::isUsers())
+        m_given.remove(name);
+    else if (m_write && m_write->name == name && m_given.contains(name) &&
+             !isNothing(name, content))
+        m_given.insert(name, content);
+    write(name, content, key);
+}
+
+QStringList Properties::unshown() const
+{
+    QStringList names;
+    const QMap<QString, QString> given = m_given;
+    for (auto it = given.cbegin(); it != given.cend(); ++it) {
+        if (!isShown(it.key(), *it))
+            names << it.key();
+    }
+    return names;
+}
+
+bool Properties::isShown(const QString &name, const QString &given) const
+{
+    const QString held = m_values.value(name).toString();
+    const auto isHeld = [&](const QString &text) {
+        return text == held || (isNothing(name, text) && isNothing(name, held));
+    };
+    const auto isRead = [&](const Key &key) {
+        if (!m_keyNames.contains(key) || !isAlive(key.object))
+            return true;
+        try {
+            const QVariant read = propertyOf(key).read(key.object);
+            QVariant asRead(held);
+            return (asRead.convert(read.userType()) && asRead == read) || isHeld(read.toString());
+        } catch (...) {
+            return false;
+        }
+    };
+    const Keys keys = keysOf(name);
+    return isHeld(given) && std::all_of(keys.begin(), keys.end(), isRead);
+}
+
+bool Properties::isNothing(const QString &name, const QString &value) const
+{
+    if (value != QLatin1String("0"))
+        return value.isEmpty();
+    const Keys keys = keysOf(name);
+    return std::any_of(keys.begin(), keys.end(),
+                       [this](const Key &key) { return isAlive(key.object) && isIdProperty(key); });
 }
 
 QStringList Properties::objectProperty(QObject *object) const

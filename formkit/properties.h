@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QSet>
 #include <QStringList>
+#include <QVarLengthArray>
 
 class QTimer;
 
@@ -26,7 +27,8 @@ class QTimer;
 // - The dynamic property "field" of an object names the hub name for its user property (for
 //   its `Value`, where it has no readable user property).
 // - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-//   and a property of the object ("A=StockId B=BoardId"). Parts without "=" are skipped.
+//   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
+//   skipped with a warning.
 //
 // The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
 // while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
@@ -36,6 +38,9 @@ class QTimer;
 // A property may answer a write with a form of its own (a date in normal form, say): the hub
 // takes that over and hands it on. Properties of one name that go on contradicting one another
 // are left as they stand after a while, with a warning.
+//
+// Before a program acts on the values it asks unshown() whether they are what it set and what the
+// user sees.
 class FORMKIT_EXPORT Properties : public QObject
 {
     Q_OBJECT
@@ -89,9 +94,30 @@ public:
     // exception that a property throws comes out when all the others are written; the hub keeps
     // the value.
     void setValue(const QString &name, const QString &value);
-    // setValue() for each entry, by ascending name.
+    // setValue() for each entry, by ascending name. An exception comes out when all are set.
     void setValues(const Values &values);
     Values values() const { return m_values; }
+
+    /// The names, ascending, that the program has set to a value that the form does not show: the
+    /// value has become another since, and not by the user; or a property that the hub listens to
+    /// does not read it (an id that is not listed yet, say), or throws. Ask before an order is
+    /// accepted.
+    ///
+    /// A property may answer the write of its name in a form of its own: that form counts from
+    /// then on, unless it is empty. Empty and "0" are one for a name that is bound to a property
+    /// whose own name ends in "Id". An empty value for a name that the hub does not hold sets
+    /// nothing.
+    ///
+    /// What the user changes leaves the list, with everything that changes in consequence. The
+    /// user's is each change that a property reports by itself: neither while the hub, by order of
+    /// the program, writes or binds, nor while formkit's controls follow new data of the host or
+    /// another sub-form. A program that sets a control past the hub, and a control of a host's own
+    /// that follows its data, count as the user.
+    QStringList unshown() const;
+    /// Writes every value that the hub holds once more into every property bound under its name,
+    /// by ascending name; for data that have come after the values. hasChanged() follows. An
+    /// exception comes out when all are written.
+    void showAgain();
 
     // The names under which connectAll() bound the object's properties, the latest first.
     QStringList objectProperty(QObject *object) const;
@@ -119,10 +145,16 @@ private:
     };
     using Aliases = QMap<QByteArray, QString>;
 
-    static Aliases aliasesOf(QObject *object);
+    static Aliases aliasesOf(QObject *object, const QList<QByteArray> &bound);
     void bind(const QString &name, QObject *object, int propertyIndex);
     void listen(const QString &name, const Key &key);
-    void write(const QString &name, const QString &value, const QObject *except);
+    using Keys = QVarLengthArray<Key, 16>;
+    Keys keysOf(const QString &name) const;
+    template <typename Deed> void forEachName(Values values, Deed deed);
+    bool isNothing(const QString &name, const QString &value) const;
+    bool isShown(const QString &name, const QString &given) const;
+    void write(const QString &name, const QString &value, const Key &from);
+    bool supersede(const QString &name, const Key &from);
     void reportLater();
     bool isAlive(QObject *object) const;
     void forgetStranger(QObject *object);
@@ -132,6 +164,8 @@ private:
     QMultiMap<QString, Key> m_bindings;
     QMap<Key, QString> m_keyNames;
     Values m_values;
+    // What the program has set and the user has not changed since.
+    QMap<QString, QString> m_given;
     QTimer *m_changeTimer;
     QMultiMap<QObject *, QString> m_objectNames;
 

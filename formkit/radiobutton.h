@@ -22,9 +22,9 @@ public:
     void setValue(const QString &value);
 
 signals:
-    // The user has clicked the button; the argument is its own text. A click never unchecks, not
-    // even a button that stands alone: its text stays the value. A button that is unchecked because
-    // another one is checked does not report.
+    // The user has clicked the button; the argument is its own text. A click never unchecks, on
+    // purpose not even a button that stands alone: its text stays the value. A button that is
+    // unchecked because another one is checked does not report.
     void changedValue(const QString &value);
 
 protected:

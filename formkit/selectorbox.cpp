@@ -1,5 +1,6 @@
 #include "selectorbox.h"
 
+#include "doing_p.h"
 #include "editstate_p.h"
 #include "rowlistview_p.h"
 #include "selectorcompleter_p.h"
@@ -165,6 +166,7 @@ void SelectorBox::beginRefresh()
 
 void SelectorBox::endRefresh()
 {
+    const Doing ofHost(Doing::Program);
     const int row = rowOfKey(m_kept->key);
     // QComboBox has shown row 0 meanwhile.
     setCurrentIndex(row);
@@ -200,6 +202,7 @@ void SelectorBox::beginDataChange()
 
 void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &bottomRight)
 {
+    const Doing ofHost(Doing::Program);
     const bool isTyped = !m_showsChoice && !m_kept->edit.text().isEmpty();
     // What a box that cannot be edited showed before is not known.
     const bool isUnseen = isTyped || !lineEdit();

@@ -1,6 +1,7 @@
 #include "values.h"
 
-QString Values::operator[](const QString &name) const
+// NOLINTNEXTLINE(readability-const-return-type)
+const QString Values::operator[](const QString &name) const
 {
     return value(name).toString();
 }

@@ -186,6 +186,14 @@ datetime datetime::fromSystemString(const QString &text, bool dateOnly, QLocale:
     return datetime(readDate(typed, asTyped(QLocale::system().dateFormat(type))), time);
 }
 
+datetime datetime::fromFullYearString(const QString &text, QLocale::FormatType type)
+{
+    QString format = asTyped(QLocale::system().dateFormat(type));
+    if (!format.contains(QLatin1String("yyyy")))
+        format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    return datetime(readDate(asTyped(text), format));
+}
+
 datetime datetime::addYears(int years) const
 {
     return isNull() ? *this : datetime(date().addYears(years), time());

@@ -49,9 +49,12 @@ public:
     QString toSystemString(bool dateOnly, QLocale::FormatType type) const;
     // Reads the locale form; null for a text that is none. Native digits count as well, and
     // direction marks, which no keyboard has, need not be typed. Under a format with a
-    // two-digit year every date lies in 2000 to 2099 ("29.02.00" and "01.01.70" too). Hours
-    // that the local clock skips in spring are read like any other.
+    // two-digit year every date lies in 2000 to 2099, on purpose "29.02.00" and "01.01.70" too.
+    // Hours that the local clock skips in spring are read like any other.
     static datetime fromSystemString(const QString &text, bool dateOnly, QLocale::FormatType type);
+    /// Reads the locale form of a date with four digits for the year, also where the format has
+    /// two; null for a text that is none.
+    static datetime fromFullYearString(const QString &text, QLocale::FormatType type);
 
     // The same day of another year, 28 February for a 29th that it lacks. Null stays null.
     datetime addYears(int years) const;

@@ -57,7 +57,7 @@ int main(int argc, char **argv)
 
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
-        const QStringList wrong = wrongFields(hub.values());
+        const QStringList wrong = wrongFields(hub.values()) + hub.unshown();
         validation.set(wrong);
         if (wrong.isEmpty())
             dialog.accept();

@@ -81,7 +81,7 @@ void FormkitOrder::refresh()
 void FormkitOrder::check()
 {
     const Values order = values();
-    QStringList wrong;
+    QStringList wrong = m_hub.unshown();
     for (const char *name : {"StockId", "BoardId", "SecurityId", "Price", "Quantity", "GoodTill"}) {
         if (order[name].isEmpty() || order[name] == "0")
             wrong << name;

@@ -337,6 +337,7 @@ void Desk::learnHubSteps()
             values.insert(pair.section('=', 0, 0), pair.section('=', 1));
         m_hub->setValues(values);
     };
+    m_steps["again"] = [this](Words) { m_hub->showAgain(); };
     m_steps["invalid"] = [this](Words names) {
         m_validation.set(names.split(' ', Qt::SkipEmptyParts));
     };
@@ -518,6 +519,7 @@ void Desk::learnAnswers()
         return letters;
     };
     m_answers["popup"] = [](Words) { return QApplication::activePopupWidget() ? "open" : ""; };
+    m_answers["unshown"] = [this](Words) { return m_hub->unshown().join(' '); };
     m_answers["turns"] = [this](Words) {
         QCoreApplication::processEvents();
         return QString::number(std::exchange(m_turns, 0));

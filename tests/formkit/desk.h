@@ -16,13 +16,14 @@ class Probe : public QWidget
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "this")
-    Q_PROPERTY(QString Value MEMBER value WRITE setValue NOTIFY changed USER true)
+    Q_PROPERTY(QString Value READ getValue WRITE setValue NOTIFY changed USER true)
     Q_PROPERTY(QString Plain MEMBER plain)
     Q_PROPERTY(QString Fixed READ objectName)
 
 public:
     using QWidget::QWidget;
 
+    QString getValue() const { return onRead ? onRead() : value; }
     void setValue(const QString &text);
     // As a user would.
     void enter(const QString &text);
@@ -31,6 +32,7 @@ public:
     QString listeners() const { return QString::number(receivers(SIGNAL(changed()))); }
 
     std::function<void()> onWrite; // what else it does then
+    std::function<QString()> onRead;
 
 signals:
     void changed();
@@ -76,7 +78,7 @@ public:
     // The model behind the box's proxy, or its model; null for no box.
     QAbstractItemModel *source() const;
     // What the hub holds under a name.
-    QString held(const QString &name) const { return m_hub->values()[name].toString(); }
+    QString held(const QString &name) const { return m_hub->values()[name]; }
     Properties *hub() const { return m_hub.get(); }
 
     // Does a step ("press F4 Down").

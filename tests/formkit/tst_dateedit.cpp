@@ -34,8 +34,8 @@ private slots:
 void DateEditTest::newEdit()
 {
     DateEdit edit;
-    edit.setValue("2016.03.01 00:00:00.000", false);
-    QCOMPARE(edit.getValue() + edit.currentText(), QString("2016.03.01 00:00:00.000"));
+    edit.setValue("2016.03.01 10:30:00.000", false);
+    QCOMPARE(edit.getValue() + edit.currentText(), QString("2016.03.01 10:30:00.000"));
     edit.setValue({});
     edit.showPopup();
     QCOMPARE(openCalendar()->selectedDate(), QDate::currentDate());

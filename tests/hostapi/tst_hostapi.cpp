@@ -104,6 +104,7 @@ void HostApiTest::numbers()
         QCOMPARE(result, row[3] == "!" ? refusal : row[3]);
     }
     QVERIFY(decimal::canConvert(u"", true));
+    QCOMPARE(decimal("-1.50").toString(), QString("-1.50"));
     for (const DataRow &row : rowsOf("sums.txt")) {
         const decimal a(row[0]);
         const decimal b(row[1]);
