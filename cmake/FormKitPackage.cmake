@@ -65,8 +65,24 @@ function(formkit_install_package)
         DESTINATION ${package_dir} COMPONENT development)
     install(EXPORT FormKitQt5Targets NAMESPACE FormKit::
         DESTINATION ${package_dir} COMPONENT development)
-    install(FILES LICENSE README.md CHANGELOG.md
+    formkit_install_documents()
+endfunction()
+
+# Pages and examples stand to each other as in the tree, so that the pages' links hold. Those to
+# headers lead to the installed ones.
+function(formkit_install_documents)
+    install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
-    install(DIRECTORY docs
-        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+    install(DIRECTORY docs examples
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
+        REGEX "/examples/CMakeLists\\.txt$" EXCLUDE)
+    file(RELATIVE_PATH headers_from_docs ${CMAKE_INSTALL_FULL_DOCDIR}
+        ${CMAKE_INSTALL_FULL_INCLUDEDIR}/FormKitQt5)
+    foreach(folder hostapi formkit embeddedhost)
+        file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
+        file(CREATE_LINK ${headers_from_docs}/${folder} ${PROJECT_BINARY_DIR}/links/${folder}
+            SYMBOLIC)
+        install(FILES ${PROJECT_BINARY_DIR}/links/${folder}
+            DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+    endforeach()
 endfunction()

@@ -51,6 +51,11 @@ function(formkit_add_library target)
     target_link_libraries(${target}
         PUBLIC ${own_targets} ${qt_targets}
         PRIVATE $<BUILD_INTERFACE:formkit_options>)
+    # A program may have classes of its own called ComboBox, Label or Table: what a library calls
+    # stays its own. Its users have to be compiled with -fPIC, which the Qt targets see to.
+    if(NOT APPLE)
+        target_link_options(${target} PRIVATE -Wl,-Bsymbolic)
+    endif()
     # clang leaves the sanitizer runtimes' symbols undefined in shared objects.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT APPLE AND NOT FORMKIT_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)

@@ -9,7 +9,9 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QJsonDocument>
-#include <QStyleFactory>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
 #include <QUrl>
 
 #include <cstdio>
@@ -70,19 +72,47 @@ Options parse(const QApplication &app)
     return options;
 }
 
+// Fusion draws outlines a shade darker than the window, which cannot be seen on a dark one.
+class DarkStyle : public QProxyStyle
+{
+public:
+    DarkStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        const bool isBox = element == PE_FrameLineEdit || element == PE_IndicatorCheckBox;
+        if (!isBox && element != PE_FrameGroupBox && element != PE_IndicatorRadioButton)
+            return;
+        // The title of a group stands above its frame.
+        const qreal top = element == PE_FrameGroupBox ? option->fontMetrics.height() + 3 : 0;
+        const QRectF outline = QRectF(option->rect).adjusted(0.5, top + 0.5, -0.5, -0.5);
+        const qreal radius = element == PE_IndicatorRadioButton ? outline.width() / 2 : 2;
+        const bool hasFocus = option->state & State_HasFocus;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(option->palette.color(hasFocus ? QPalette::Highlight : QPalette::Midlight));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(outline, radius, radius);
+        painter->restore();
+    }
+};
+
 void useDarkPalette()
 {
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(new DarkStyle);
     QPalette palette(QColor(70, 70, 70), QColor(53, 53, 53));
-    palette.setColor(QPalette::Base, QColor(42, 42, 42));
-    palette.setColor(QPalette::AlternateBase, QColor(48, 48, 48));
+    palette.setColor(QPalette::Base, QColor(35, 35, 35));
+    palette.setColor(QPalette::AlternateBase, QColor(42, 42, 42));
+    palette.setColor(QPalette::Midlight, QColor(130, 130, 130));
     palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
                             QPalette::HighlightedText, QPalette::ToolTipText}) {
         palette.setColor(role, Qt::white);
-        palette.setColor(QPalette::Disabled, role, Qt::gray);
+        palette.setColor(QPalette::Disabled, role, Qt::lightGray);
     }
-    palette.setColor(QPalette::PlaceholderText, Qt::gray);
+    palette.setColor(QPalette::PlaceholderText, Qt::lightGray);
     QApplication::setPalette(palette);
 }
 
@@ -148,12 +178,11 @@ int main(int argc, char **argv)
     if (options.headless && !host.loadNow(database))
         return fail(host.errorText());
     OrderWindow window(&host);
+    if (!options.headless)
+        host.load(database);
     window.fill(values);
     if (options.headless)
         return runScript(&window, options);
-
-    QObject::connect(&host, &EmbeddedHost::loaded, &window, [&] { window.fill(values); });
     window.show();
-    host.load(database);
     return QApplication::exec();
 }

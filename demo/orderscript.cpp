@@ -69,6 +69,7 @@ bool OrderScript::run()
 {
     if (!QDir().mkpath(m_folder))
         return fail(QStringLiteral("%1: cannot make the folder").arg(m_folder));
+    m_window->resize(1000, 720);
     m_window->show();
     m_window->activateWindow();
     QApplication::setActiveWindow(m_window);

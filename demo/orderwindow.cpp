@@ -16,6 +16,9 @@
 #include <formkit/summator.h>
 #include <hostapi/fieldconstvalue.h>
 
+#include <QAccessible>
+#include <QScreen>
+
 #include <utility>
 
 namespace {
@@ -40,6 +43,8 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
     , m_securities(new SecuritySelectorModel(this))
 {
     m_ui->setupUi(this);
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    resize(size().boundedTo(screen()->availableSize() - QSize(0, 2 * titleBar)));
     m_ui->exchange->setSourceModel(m_stocks);
     m_ui->board->setSourceModel(m_boards);
     m_ui->security->setSourceModel(m_securities);
@@ -89,12 +94,25 @@ void OrderWindow::makeSubForms()
         --place.board_id;
         m_ui->details->addWidget(place, subForm);
     }
+    // Tab would come to what was made last at the end.
+    QWidget *before = m_ui->comment;
+    const QList<QWidget *> controls = m_ui->details->findChildren<QWidget *>();
+    for (QWidget *control : controls) {
+        if (control->focusPolicy() & Qt::TabFocus) {
+            setTabOrder(before, control);
+            before = control;
+        }
+    }
 }
 
 void OrderWindow::makeSum()
 {
     auto *sum = new Summator(m_ui->form);
     sum->setProperty("fields", QStringLiteral("Price=Summand Offset=Addendum Total=Value"));
+    // What nobody can type into has no field's ground.
+    QPalette palette;
+    palette.setBrush(QPalette::Base, Qt::transparent);
+    m_ui->total->setPalette(palette);
 }
 
 void OrderWindow::makeStates()
@@ -129,6 +147,7 @@ void OrderWindow::connectHost()
     connect(m_host, &EmbeddedHost::loaded, this, [this] {
         refresh();
         endProgress(tr("Reference data loaded"));
+        fill(std::exchange(m_toFill, {}));
     });
     connect(m_host, &EmbeddedHost::failed, this, &OrderWindow::endProgress);
     connect(m_host, &EmbeddedHost::cancelled, this, [this] { endProgress(tr("Cancelled")); });
@@ -165,6 +184,10 @@ void OrderWindow::registerBoards()
 
 void OrderWindow::fill(const Values &values)
 {
+    if (m_host->isLoading()) {
+        m_toFill = values;
+        return;
+    }
     for (const char *name : {"StockId", "StockCode", "BoardId", "BoardCode"}) {
         const auto value = values.constFind(QLatin1String(name));
         if (value != values.constEnd())
@@ -176,6 +199,8 @@ void OrderWindow::fill(const Values &values)
 void OrderWindow::showValues()
 {
     m_ui->values->show(m_hub.values());
+    if (m_hub.values() != m_told)
+        tell(QString());
 }
 
 QMap<QString, QString> OrderWindow::rejections() const
@@ -189,10 +214,11 @@ QMap<QString, QString> OrderWindow::rejections() const
     return reasons;
 }
 
-void OrderWindow::check()
+bool OrderWindow::check()
 {
     const QMap<QString, QString> reasons = rejections();
     m_validation.set(reasons.keys());
+    QStringList inOrderOfTheForm;
     const QList<QLabel *> captions = m_ui->form->findChildren<QLabel *>();
     for (QLabel *caption : captions) {
         QStringList texts;
@@ -202,21 +228,39 @@ void OrderWindow::check()
                 texts << reasons.value(name);
         }
         caption->setToolTip(texts.join(QLatin1Char('\n')));
+        inOrderOfTheForm << texts;
     }
+    tell(reasons.isEmpty() ? tr("Valid, not placed")
+                           : tr("Not valid: %1").arg(inOrderOfTheForm.value(0)));
     if (reasons.isEmpty())
         emit accepted();
     else
         emit rejected();
+    return reasons.isEmpty();
 }
 
 void OrderWindow::send()
 {
-    if (m_hub.values()["Action"] == QLatin1String("place")) {
-        check();
-        if (!rejections().isEmpty())
-            return;
-    }
+    const bool places = m_hub.values()["Action"] == QLatin1String("place");
+    if (places && !check())
+        return;
+    tell(places ? tr("Order placed: %1 %2 %3")
+                      .arg((m_ui->buy->isChecked() ? m_ui->buy : m_ui->sell)->text(),
+                           m_ui->quantity->text(), m_ui->security->currentText())
+                : tr("Order withdrawn"));
     emit sent();
+}
+
+void OrderWindow::tell(const QString &outcome)
+{
+    m_told = m_hub.values();
+    // A line of its own also when there is nothing to tell: the form does not move.
+    m_ui->outcome->setText(outcome.isEmpty() ? QStringLiteral(" ") : outcome);
+    m_ui->outcome->setToolTip(outcome);
+    if (outcome.isEmpty())
+        return;
+    QAccessibleEvent alert(m_ui->outcome, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 // Closes all but the first session of each exchange, or opens them again.

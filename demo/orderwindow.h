@@ -32,7 +32,8 @@ public:
     Properties *hub() { return &m_hub; }
     // A control of the form by its name in the form designer, sub-forms included.
     QWidget *control(const char *name) const;
-    // Fills the form; exchange, board and security in that order, as each narrows the next.
+    // Fills the form, once the data are there when they are being loaded: exchange, board and
+    // security in that order, as each narrows the next.
     void fill(const Values &values);
 
 signals:
@@ -51,8 +52,11 @@ private:
     void registerBoards();
     void showValues();
     QMap<QString, QString> rejections() const;
-    void check();
+    // Marks what the terminal rejects; whether that is nothing.
+    bool check();
     void send();
+    // Says above the buttons what has become of the order, until it is changed.
+    void tell(const QString &outcome);
     void announceSessions();
     void showProgress(const QString &table, int rows, int total);
     void endProgress(const QString &text);
@@ -67,6 +71,10 @@ private:
     QHash<QString, QWidget *> m_subForms;
     Properties m_hub;
     FormValidation m_validation;
+    // What waits for a load to end.
+    Values m_toFill;
+    // The values of which tell() has spoken.
+    Values m_told;
     QStateMachine m_machine;
     // What was open before the button "New sessions" closed some; empty while all are open.
     QVector<SessionId> m_allSessions;

@@ -123,8 +123,7 @@ QVector<Control> makeControls()
         ->firstContent = caption("text", tr("Choice"));
     add(control<PushButtonSend>(values, tr("A button that sends its text as the value")), {120, 32},
         {field, value})
-        ->firstContent =
-        caption("text", tr("Send")) + xmlProperty("checkable", QStringLiteral("<bool>true</bool>"));
+        ->firstContent = caption("text", tr("Send"));
 
     add(control<StockSelectorBox>(selectors, tr("Selects an exchange")), boxSize, {field, fields});
     add(control<StockSelectorBox_Code>(selectors, tr("Selects an exchange by its code, for forms "

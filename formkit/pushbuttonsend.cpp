@@ -3,7 +3,10 @@
 #include <QButtonGroup>
 #include <QEvent>
 #include <QStyle>
+#include <QStyleOptionButton>
 #include <QVariant>
+
+#include <algorithm>
 
 namespace {
 
@@ -28,12 +31,31 @@ void PushButtonSend::setThisState(bool selected)
 {
     if (selected) {
         setDefault(true);
-        if (m_okIcon.isNull())
-            m_okIcon = style()->standardIcon(QStyle::SP_DialogOkButton);
-        setIcon(m_okIcon);
+        setIcon(okIcon());
     } else {
         setIcon(QIcon());
     }
+}
+
+const QIcon &PushButtonSend::okIcon() const
+{
+    if (m_okIcon.isNull())
+        m_okIcon = style()->standardIcon(QStyle::SP_DialogOkButton);
+    return m_okIcon;
+}
+
+QSize PushButtonSend::sizeHint() const
+{
+    if (!icon().isNull())
+        return QPushButton::sizeHint();
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.icon = okIcon();
+    const QSize words = fontMetrics().size(Qt::TextShowMnemonic, text());
+    // The gap is QPushButton's own.
+    const QSize contents(words.width() + 4 + iconSize().width(),
+                         std::max(words.height(), iconSize().height()));
+    return style()->sizeFromContents(QStyle::CT_PushButton, &option, contents, this);
 }
 
 void PushButtonSend::changeEvent(QEvent *event)
@@ -53,5 +75,5 @@ void PushButtonSend::nextCheckState()
         return;
     m_value = property(ownText).toString();
     setThisState(true);
-    emit changedValue(m_value);
+    Q_EMIT changedValue(m_value);
 }

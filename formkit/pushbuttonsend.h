@@ -5,9 +5,11 @@
 #include <QIcon>
 #include <QPushButton>
 
-// A button that sends one of several values: the text of its dynamic property "value", set
-// in the form designer. The button whose value is selected bears an OK icon and is the form's
-// default. A button that the form makes checkable stays down besides.
+/// A button that sends one of several values: the text of its dynamic property "value", set
+/// in the form designer. The button whose value is selected bears an OK icon and is the form's
+/// default. Leave it an ordinary push button: one that is checkable stays down and is announced as
+/// a check box; one that is exclusive too is announced as a radio button, sends when an arrow key
+/// reaches it, and cannot be reached by Tab while another one is down.
 class FORMKIT_EXPORT PushButtonSend : public QPushButton
 {
     Q_OBJECT
@@ -17,14 +19,17 @@ class FORMKIT_EXPORT PushButtonSend : public QPushButton
 public:
     explicit PushButtonSend(QWidget *parent = nullptr);
 
-    // The button's own text while it is checked, otherwise the text last set or clicked.
+    /// The button's own text while it is checked, otherwise the text last set or clicked.
     QString getValue() const;
-    // Selects the button if the text is its own, silently; otherwise its icon goes. Once the
-    // form's default, it stays the default until another button takes its place.
+    /// Selects the button if the text is its own, silently; otherwise its icon goes. Once the
+    /// form's default, it stays the default until another button takes its place.
     void setValue(const QString &value);
 
-signals:
-    // The user has clicked the button; the argument is its own text.
+    /// Has room for the OK icon, whether it is shown or not, so that no neighbour moves.
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    /// The user has clicked the button; the argument is its own text.
     void changedValue(const QString &value);
 
 protected:
@@ -34,7 +39,9 @@ protected:
 private:
     void setThisState(bool selected);
 
+    const QIcon &okIcon() const;
+
     QString m_value;
     // The style's, read once: each reading makes new pictures, which Qt keeps for a while.
-    QIcon m_okIcon;
+    mutable QIcon m_okIcon;
 };

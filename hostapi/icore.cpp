@@ -1,8 +1,7 @@
 #include "icore.h"
 
+#include "emptylists_p.h"
 #include "emptytable_p.h"
-
-#include <QDebug>
 
 #include <map>
 #include <memory>
@@ -77,12 +76,15 @@ ICore *ICore::instance()
 void ICore::install(ICore *core)
 {
     installedCore = core;
+    EmptyLists::forget();
 }
 
 Table *ICore::table(const QString &name)
 {
+    if (this == &emptyCore())
+        EmptyLists::warn(QStringLiteral("ICore::table: no host is installed: lists stay empty"));
     if (Table *found = database()->table(name))
         return found;
-    qWarning() << "ICore::table: the host has no table" << name;
+    EmptyLists::warn(QStringLiteral("ICore::table: the host has no table \"%1\"").arg(name));
     return emptyCore().database()->table(name);
 }

@@ -46,8 +46,8 @@ public:
     // Null takes the core away again. Not thread-safe.
     static void install(ICore *core);
 
-    // The table of a name, never null: one that the host lacks reads as empty, and a warning
-    // names it (unless no core is installed at all).
+    // The table of a name, never null: one that the host lacks reads as empty. A warning names
+    // it, or says that no core is installed: once for the core that is installed.
     Table *table(const QString &name);
 
     // The same objects for as long as the core lives; never null.

@@ -1,5 +1,7 @@
 #include "securitiessessionfilter.h"
 
+#include "emptylists_p.h"
+
 #include <algorithm>
 
 SecuritiesSessionFilter::SecuritiesSessionFilter(const Table *, int sessionColumn,
@@ -32,6 +34,12 @@ bool SecuritiesSessionFilter::filter(const Record &record) const
 {
     if (record.isNull())
         return false;
+    if (m_sessions.isEmpty()) {
+        if (!m_warned.exchange(true))
+            EmptyLists::warn(QStringLiteral(
+                "SecuritiesSessionFilter: no session is open: no security is listed"));
+        return false;
+    }
     const SessionId session{record.field(m_stockColumn).toInteger(),
                             record.field(m_sessionColumn).toInteger()};
     return std::binary_search(m_sessions.begin(), m_sessions.end(), session) &&

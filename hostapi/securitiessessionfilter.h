@@ -5,6 +5,8 @@
 
 #include <QList>
 
+#include <atomic>
+
 // Accepts the securities of the trading sessions that were open when the filter was made
 // (ICore::currentSessions()). It does not follow the host: make a new one when the sessions
 // change.
@@ -20,7 +22,8 @@ public:
     SecuritiesSessionFilter &operator=(const SecuritiesSessionFilter &) = delete;
     ~SecuritiesSessionFilter() override;
 
-    // False for a null record.
+    // False for a null record. The first row that is refused because no session is open at all
+    // is warned of, once for the core that is installed.
     bool filter(const Record &record) const override;
     std::unique_ptr<ValueFilter> clone() const override;
 
@@ -30,4 +33,6 @@ private:
     // Sorted.
     QVector<SessionId> m_sessions;
     std::unique_ptr<ValueFilter> m_parent;
+    // Spares all rows but the first the search for the warning.
+    mutable std::atomic<bool> m_warned{false};
 };

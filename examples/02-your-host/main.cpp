@@ -1,14 +1,18 @@
 #include "terminalhost.h"
 
 #include <formkit/boardselectorbox.h>
+#include <formkit/boardselectormodel.h>
 #include <formkit/partnerselectorbox.h>
 #include <formkit/properties.h>
 #include <formkit/securityselectorbox.h>
+#include <formkit/securityselectormodel.h>
 #include <formkit/stockselectorbox.h>
+#include <formkit/stockselectormodel.h>
 
 #include <QApplication>
 #include <QDebug>
 #include <QFormLayout>
+#include <QPushButton>
 
 int main(int argc, char **argv)
 {
@@ -26,9 +30,23 @@ int main(int argc, char **argv)
     layout->addRow("&Exchange", new StockSelectorBox);
     layout->addRow("&Board", new BoardSelectorBox);
     layout->addRow("&Security", new SecuritySelectorBox);
-    layout->addRow("&Partner", new PartnerSelectorBox);
+    auto *partner = new PartnerSelectorBox;
+    layout->addRow("&Partner", partner);
+    auto *refresh = new QPushButton("&Read again");
+    layout->addRow(refresh);
+    QObject::connect(refresh, &QPushButton::clicked, [&form, partner] {
+        for (auto *model : form.findChildren<StockSelectorModel *>())
+            model->populate();
+        for (auto *model : form.findChildren<BoardSelectorModel *>())
+            model->populate();
+        for (auto *model : form.findChildren<SecuritySelectorModel *>())
+            model->populate();
+        partner->populate();
+    });
+
     Properties hub;
     hub.connectAll(&form);
+    hub.setValue("StockId", "1");
     QObject::connect(&hub, &Properties::hasChanged, [&] { qDebug() << hub.values(); });
     form.show();
     return QApplication::exec();

@@ -53,7 +53,6 @@ std::vector<Exhibit> exhibits()
     auto *red = new Label("Price");
     red->setError("The price must be above zero");
     auto *send = make<PushButtonSend>({{"value", "place"}, {"text", "Place"}});
-    send->setCheckable(true);
     send->setValue("place");
     auto *code = new StockSelectorBox_Code;
     code->populate();

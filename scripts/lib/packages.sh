@@ -17,8 +17,8 @@ expected_files() {
     version=$(version_of_tree)
     case $1 in
         libformkit-qt5-doc)
-            printf '/usr/share/doc/formkit-qt5/%s\n' LICENSE README.md CHANGELOG.md
-            git ls-files docs | sed 's,^,/usr/share/doc/formkit-qt5/,'
+            { git ls-files docs 'examples/*/*'; printf '%s\n' {LICENSE,README.md,C*.md} \
+                hostapi formkit embeddedhost; } | sed 's,^,/usr/share/doc/formkit-qt5/,'
             return ;;
         libformkit-qt5-designer)
             echo '/usr/lib/*/qt5/plugins/designer/formkitdesigner.so'

@@ -16,7 +16,7 @@ ensure_packages() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
 
-    local as_root=()
+    local as_root=() errors
     if [ "$(id -u)" -ne 0 ]; then
         if ! command -v sudo >/dev/null; then
             echo "Missing packages: ${missing[*]}. Install them as root, or install sudo." >&2
@@ -25,9 +25,16 @@ ensure_packages() {
         as_root=(sudo)
     fi
     echo "Installing: ${missing[*]}"
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq update
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get -qq install -y --no-install-recommends "${missing[@]}" >/dev/null
+    # For another installation apt waits itself, for another reading of the lists it does not.
+    until errors=$("${as_root[@]}" env LC_ALL=C apt-get -qq update 2>&1); do
+        if ! grep -q 'Could not get lock' <<<"$errors"; then
+            echo "$errors" >&2
+            return 1
+        fi
+        sleep 2
+    done
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=1800 \
+        install -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 # build <preset> [target...]: configures on the first run, or when the build files have

@@ -65,6 +65,7 @@ private slots:
 // The plug-in has every widget of the library, and what it says of each one is true.
 void DesignerTest::controls()
 {
+    expectWarning("ICore::table: no host is installed: lists stay empty");
     QStringList widgets;
     const QRegularExpression widget(
         "class FORMKIT_EXPORT (\\w+) : public "

@@ -277,6 +277,9 @@ void HostApiTest::indexAndFilter()
     QCOMPARE(idsOf(all, tens.get()), QString("13"));
     QCOMPARE(idsOf(all, both.get()), QString("3"));
     QVERIFY(!open->filter(Record()));
+    host.setSessions({});
+    expectWarning("SecuritiesSessionFilter: no session is open: no security is listed");
+    QCOMPARE(idsOf(all, filter(-1, nullptr).get()) + idsOf(all, filter(-1, nullptr).get()), "");
 
     table.setRows(securities.mid(1));
     const int before = table.cellReads();
@@ -293,12 +296,15 @@ void HostApiTest::indexAndFilter()
 
 void HostApiTest::noTables()
 {
+    expectWarning("ICore::table: no host is installed: lists stay empty");
     Table *table = ICore::instance()->table("securities");
+    QCOMPARE(ICore::instance()->table("securities"), table);
     QVERIFY((Record(table).field(table->columnIndex("sec_id")) = 5).isNull());
     QCOMPARE(BoardDirectory::i()->idByCode(StockDirectory::i()->codeById(1), "ARCX"), 0);
     TestHost host;
     host.removeTable("gx.diler");
     expectWarning("ICore::table: the host has no table \"gx.diler\"");
+    table = ICore::instance()->table("gx.diler");
     QCOMPARE(ICore::instance()->table("gx.diler")->masterIndex()->count(), 0);
 }
 

@@ -3,32 +3,45 @@
 #include <formkit/FtpClient/FTPListParse.h>
 #include <formkit/numbereditor.h>
 #include <formkit/properties.h>
+#include <formkit/securityselectorbox.h>
 #include <hostapi/decimal.h>
+#include <hostapi/exception.h>
 
 #include <QApplication>
 
-namespace {
+bool ownClassesWork();
 
-bool hostApiAdds()
-{
-    return (decimal(u"10.5") + decimal(u"0.25")).toString() == "10.75";
-}
+namespace {
 
 bool formKitBinds()
 {
-    NumberEditor price;
-    price.setProperty("field", "Price");
+    QWidget form;
+    auto *price = new NumberEditor(&form);
+    price->setProperty("field", "Price");
+    new SecuritySelectorBox(&form);
     Properties hub;
-    hub.connectAll(&price);
+    int changes = 0;
+    QObject::connect(&hub, &Properties::hasChanged, &form, [&changes] { ++changes; });
+    hub.connectAll(&form);
     hub.setValue("Price", "101.25");
-    return price.getValue() == "101.25";
+    QCoreApplication::processEvents();
+    return price->getValue() == "101.25" && changes == 1;
+}
+
+bool exceptionIsCaught()
+{
+    try {
+        return decimal(u"a lot") == decimal();
+    } catch (const Exception &) {
+        return true;
+    }
 }
 
 bool ftpParses()
 {
     nsFTP::CFTPFileStatus status;
-    return nsFTP::CFTPListParser().Parse(status, "+i8388621.29609,m824255902,/,\tdev") &&
-           status.name == "dev";
+    return nsFTP::CFTPListParser().Parse(status, "+i7.19,m1700000000,/,\tquotes") &&
+           status.name == "quotes";
 }
 
 bool embeddedHostRefuses()
@@ -42,8 +55,7 @@ bool embeddedHostRefuses()
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
-    const bool works[] = {hostApiAdds(), formKitBinds(), ftpParses(), embeddedHostRefuses()};
-    qInfo("HostApi %d, FormKit %d, Ftp %d, EmbeddedHost %d", works[0], works[1], works[2],
-          works[3]);
-    return works[0] && works[1] && works[2] && works[3] ? 0 : 1;
+    const bool works = formKitBinds() && ftpParses() && ownClassesWork() && exceptionIsCaught() &&
+                       embeddedHostRefuses();
+    return works ? 0 : 1;
 }

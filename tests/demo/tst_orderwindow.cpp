@@ -1,0 +1,60 @@
+#include "support/stricttest.h"
+
+#include "databasefile.h"
+#include "orderwindow.h"
+
+#include <embeddedhost/embeddedhost.h>
+
+#include <QAccessible>
+
+// The window as somebody in front of a display has it.
+class OrderWindowTest : public StrictTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    // Values that come before the data are loaded, then the buttons by keyboard.
+    void order()
+    {
+        EmbeddedHost host;
+        ICore::install(&host);
+        OrderWindow window(&host);
+        QSignalSpy loaded(&host, &EmbeddedHost::loaded);
+        host.load(DatabaseFile::sample());
+        Values order;
+        for (const QString &part :
+             QString("StockId=1 BoardId=1 SecurityId=100004 Side=B Price=12.5 "
+                     "Quantity=100 GoodTill=2999.12.31")
+                 .split(' '))
+            order.insert(part.section('=', 0, 0), part.section('=', 1));
+        window.fill(order);
+        QVERIFY(loaded.wait());
+        for (const char *name : {"exchange", "board", "security"})
+            QVERIFY2(window.control(name)->property("currentIndex").toInt() >= 0, name);
+
+        window.show();
+        QApplication::setActiveWindow(&window);
+        QWidget *const check = window.control("check");
+        check->setFocus();
+        for (const char *name : {"place", "withdraw"}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCOMPARE(QApplication::focusWidget(), window.control(name));
+            QCOMPARE(QAccessible::queryAccessibleInterface(window.control(name))->role(),
+                     QAccessible::Button);
+        }
+
+        const QRect place = check->geometry();
+        QTest::keyClick(window.control("place"), Qt::Key_Space);
+        QSignalSpy changed(window.hub(), &Properties::hasChanged);
+        QVERIFY(changed.wait());
+        QCOMPARE(check->geometry(), place);
+        QObject *const outcome = window.control("outcome");
+        QCOMPARE(outcome->property("text").toString(), "Order placed: Buy 100 THISTLE BREWING");
+        QTest::keyClicks(window.control("price"), "1");
+        QVERIFY(changed.wait());
+        QCOMPARE(outcome->property("text").toString(), " ");
+    }
+};
+
+QTEST_MAIN(OrderWindowTest)
+#include "tst_orderwindow.moc"
