@@ -361,7 +361,9 @@ void Properties::showAgain()
     const Doing program = Doing::programTakesOver();
     // Showing one value may have changed the next.
     forEachName(m_values, [this](const QString &name, const QString &) {
-        write(name, m_values.value(name).toString(), {});
+        const QString value = m_values.value(name).toString();
+        m_given.insert(name, value);
+        write(name, value, {});
     });
 }
 

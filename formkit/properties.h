@@ -115,8 +115,8 @@ public:
     /// that follows its data, count as the user.
     QStringList unshown() const;
     /// Writes every value that the hub holds once more into every property bound under its name,
-    /// by ascending name; for data that have come after the values. hasChanged() follows. An
-    /// exception comes out when all are written.
+    /// by ascending name, as if the program set it; for data that have come after the values.
+    /// hasChanged() follows. An exception comes out when all are written.
     void showAgain();
 
     // The names under which connectAll() bound the object's properties, the latest first.
