@@ -362,7 +362,12 @@ void Properties::showAgain()
     // Showing one value may have changed the next.
     forEachName(m_values, [this](const QString &name, const QString &) {
         const QString value = m_values.value(name).toString();
-        m_given.insert(name, value);
+        const Keys keys = keysOf(name);
+        const auto isWritable = [this](const Key &key) {
+            return isAlive(key.object) && propertyOf(key).isWritable();
+        };
+        if (std::any_of(keys.begin(), keys.end(), isWritable))
+            m_given.insert(name, value);
         write(name, value, {});
     });
 }
