@@ -359,9 +359,7 @@ void Properties::showAgain()
 {
     reportLater();
     const Doing program = Doing::programTakesOver();
-    // Showing one value may have changed the next.
-    forEachName(m_values, [this](const QString &name, const QString &) {
-        const QString value = m_values.value(name).toString();
+    forEachName(m_values, [this](const QString &name, const QString &value) {
         const Keys keys = keysOf(name);
         const auto isWritable = [this](const Key &key) {
             return isAlive(key.object) && propertyOf(key).isWritable();
