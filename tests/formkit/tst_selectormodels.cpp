@@ -75,7 +75,7 @@ private:
 template <typename Model> class CheckList : public Model
 {
 public:
-    CheckList() { this->m_checkable = true; }
+    CheckList() { this->checkable = true; }
     bool filter(const Record &record) const override
     {
         return record.field(record.table()->columnIndex("name")).toString() != "hidden";
