@@ -18,8 +18,6 @@
 #include <QStandardItemModel>
 #include <QStringListModel>
 
-#include <malloc.h>
-
 namespace {
 
 using ModelTester = QAbstractItemModelTester;
@@ -88,7 +86,102 @@ public:
     }
 };
 
+// Every row's judgement asks a directory.
+template <typename List> class Asking : public List
+{
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+    {
+        StockDirectory::i()->codeById(1);
+        return List::filterAcceptsRow(row, parent);
+    }
+};
+
+// Every model and list over a host that has other rows by now.
+struct Form
+{
+    TestHost host;
+    std::unique_ptr<CheckList<StockSelectorModel>> stocks;
+    std::unique_ptr<CheckList<BoardSelectorModel>> boards, otherBoards;
+    std::unique_ptr<SecuritySelectorModel> securities;
+    Asking<SelectorProxyModel> stockList;
+    BoardSelectorFilteredModel boardList;
+    Asking<SelectorProxyModel> allBoards;
+    Asking<SecuritySelectorFilteredModel> securityList;
+    const QVector<SelectorProxyModel *> lists{&stockList, &boardList, &allBoards, &securityList};
+    std::vector<std::unique_ptr<ModelTester>> testers;
+    int openResets = 0;
+
+    Form()
+    {
+        fillHost("old", 3);
+        stocks = std::make_unique<CheckList<StockSelectorModel>>();
+        boards = std::make_unique<CheckList<BoardSelectorModel>>();
+        otherBoards = std::make_unique<CheckList<BoardSelectorModel>>();
+        securities = std::make_unique<SecuritySelectorModel>();
+        boardList.setBoardFlagsOffFilter(4);
+        for (SelectorProxyModel *const list : lists)
+            list->setKeyRoles({NumberRole, TextRole});
+        stockList.setSourceModel(stocks.get());
+        boardList.setSourceModel(boards.get());
+        allBoards.setSourceModel(boards.get());
+        securityList.setSourceModel(securities.get());
+        stocks->populate();
+        boards->populate();
+        securities->populate();
+        for (SelectorProxyModel *const list : lists) {
+            testers.push_back(std::make_unique<ModelTester>(list, Strictly));
+            for (const QAbstractItemModel *model :
+                 {list->sourceModel(), static_cast<QAbstractItemModel *>(list)}) {
+                QObject::connect(model, &QAbstractItemModel::modelAboutToBeReset, model,
+                                 [this] { ++openResets; });
+                QObject::connect(model, &QAbstractItemModel::modelReset, model,
+                                 [this] { --openResets; });
+            }
+        }
+        fillHost("new", 4);
+        otherBoards->populate();
+    }
+    void fillHost(const QString &name, int count)
+    {
+        QVector<QVariantList> stockRows, boardRows, securityRows;
+        for (int i = 1; i <= count; ++i) {
+            stockRows << QVariantList{i, name + QString::number(i), QString("S%1").arg(i)};
+            boardRows << QVariantList{i,   1 + i % 2, QString("B%1").arg(i), stockRows.last().at(1),
+                                      "F", i};
+            securityRows << QVariantList{i, 1 + i % 2, i, "C", stockRows.last().at(1), {}, 20};
+        }
+        host.setSessions({{1, 20}, {2, 20}});
+        host.table("stocks").setRows(stockRows);
+        host.table("boards").setRows(boardRows);
+        host.table("securities").setRows(securityRows);
+    }
+    // What all models and lists show and find.
+    QStringList state() const
+    {
+        QStringList all;
+        for (SelectorProxyModel *const list : lists) {
+            const QAbstractItemModel &source = *list->sourceModel();
+            for (int row = 0; row < source.rowCount(); ++row) {
+                const QModelIndex index = source.index(row, 0);
+                all << index.data().toString() + index.data(Qt::CheckStateRole).toString();
+            }
+            for (const QString &text : texts(*list)) {
+                const QModelIndex found = list->index(list->rowOfText(text, Qt::CaseSensitive), 0);
+                const QVariant key = found.data(TextRole);
+                all << QString("%1 at %2, %3 of its key")
+                           .arg(text)
+                           .arg(found.row())
+                           .arg(list->rowsOfKey(TextRole, key).indexOf(found.row()));
+            }
+        }
+        return all;
+    }
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<void(Form &)>)
 
 class SelectorModelsTest : public StrictTest
 {
@@ -96,9 +189,10 @@ class SelectorModelsTest : public StrictTest
 
 private slots:
     void mapping();
-    void lookUps();
-    void roomOfLookUps();
     void changes();
+    void failures_data();
+    void failures();
+    void foreignReset();
     void typeAhead();
     void withoutASource();
     void stockCheckList();
@@ -128,64 +222,7 @@ void SelectorModelsTest::mapping()
     QVERIFY(!proxy.removeRows(0, 1));
 }
 
-// A key is found by reading the rows of its hash, whether it is there or not.
-void SelectorModelsTest::lookUps()
-{
-    struct Counted : QStringListModel
-    {
-        mutable int reads = 0;
-        QVariant data(const QModelIndex &index, int role) const override
-        {
-            ++reads;
-            const QString text = QStringListModel::data(index, Qt::DisplayRole).toString();
-            return role == NumberRole ? QVariant(text.toLongLong()) : text;
-        }
-    } source;
-    QStringList numbers;
-    for (int number = 0; number < 1000; ++number)
-        numbers << QString::number(number);
-    source.setStringList(numbers);
-    SelectorProxyModel proxy;
-    proxy.setKeyRoles({NumberRole, TextRole});
-    proxy.setSourceModel(&source);
-    source.reads = 0;
-    for (const int role : {NumberRole, TextRole}) {
-        const QModelIndexList found =
-            proxy.match(proxy.index(0, 0), role, "995", 1, Qt::MatchExactly);
-        QCOMPARE(found.value(0).data().toString(), QString("995"));
-        QVERIFY(proxy.match(proxy.index(0, 0), role, "none", 1, Qt::MatchExactly).isEmpty());
-    }
-    const QModelIndexList found =
-        proxy.match(proxy.index(0, 0), NumberRole, 995, 1, Qt::MatchExactly);
-    QCOMPARE(found.value(0).data().toString(), QString("995"));
-    QVERIFY2(source.reads < 50, qPrintable(QString::number(source.reads)));
-}
-
 // Against a plain sort of what the source has and the filter accepts, and the base's own match().
-// A table of all rows, made for a look-up, is gone once few rows are shown.
-void SelectorModelsTest::roomOfLookUps()
-{
-    constexpr int Rows = 200000;
-    QStringList numbers;
-    for (int number = 0; number < Rows; ++number)
-        numbers << QString::number(number);
-    QStringListModel source(numbers);
-    Prefixed proxy;
-    proxy.setSourceModel(&source);
-    const auto heapOfFewRows = [&](bool isLookedUp) {
-        proxy.prefix = "";
-        proxy.invalidate();
-        if (isLookedUp)
-            proxy.mapFromSource(source.index(0));
-        proxy.prefix = "12345";
-        proxy.invalidate();
-        const struct mallinfo2 heap = mallinfo2();
-        return qint64(heap.uordblks + heap.hblkhd);
-    };
-    const qint64 before = heapOfFewRows(false);
-    QVERIFY(heapOfFewRows(true) - before < Rows);
-}
-
 void SelectorModelsTest::changes()
 {
     OddTexts odd;
@@ -277,6 +314,93 @@ void SelectorModelsTest::changes()
     source.reset();
     QCOMPARE(proxy.rowCount(), 0);
     QVERIFY(!proxy.sourceModel());
+}
+
+void SelectorModelsTest::failures_data()
+{
+    QTest::addColumn<std::function<void(Form &)>>("act");
+    // A change of data has happened, whatever a filter says to it.
+    QTest::addColumn<bool>("isKept");
+    const auto row = [](const char *name, const std::function<void(Form &)> &act,
+                        bool isKept = false) { QTest::newRow(name) << act << isKept; };
+    row("stocks", [](Form &form) { form.stocks->populate(); });
+    row("boards", [](Form &form) { form.boards->populate(); });
+    row("securities", [](Form &form) { form.securities->populate(); });
+    row("sessions", [](Form &form) { Q_EMIT form.host.decoder()->aNewSessions(); });
+    row("all checks", [](Form &form) { form.boards->check(-1, false); });
+    row(
+        "one check", [](Form &form) { form.boards->check(1, false); }, true);
+    const auto code = SecuritySelectorModel::SecurityIdRole;
+    row(
+        "role", [=](Form &form) { form.securities->setDefaultDataRole(code); }, true);
+    row("stock code", [](Form &form) { form.boardList.setStockCode("S2"); });
+    row("stock id", [](Form &form) { form.boardList.setStockId(2); });
+    row("flags on", [](Form &form) { form.boardList.setBoardFlagsOnFilter(1); });
+    row("flags off", [](Form &form) { form.boardList.setBoardFlagsOffFilter(1); });
+    row("kind", [](Form &form) { form.boardList.setSecTypeFilter('F'); });
+    row("board", [](Form &form) { form.securityList.setStockBoard("S2", "B1"); });
+    row("model", [](Form &form) { form.boardList.setSourceModel(form.otherBoards.get()); });
+}
+
+// Whichever cell cannot be read and whichever call of a directory fails: the old rows stay, no
+// reset stays open, and the same again works.
+void SelectorModelsTest::failures()
+{
+    QFETCH(std::function<void(Form &)>, act);
+    QFETCH(bool, isKept);
+    Form undisturbed;
+    act(undisturbed);
+    const QStringList after = undisturbed.state();
+    int failures = 0;
+    for (const QString at : {"directories", "stocks", "boards", "securities"}) {
+        bool hasFailed = true;
+        for (int n = 1; hasFailed; ++n) {
+            Form form;
+            const QStringList before = form.state();
+            const auto failAt = [&](int call) {
+                if (at == "directories")
+                    form.host.failAtDirectoryCall(call);
+                else
+                    form.host.table(at).failAtCell(call);
+            };
+            failAt(n);
+            hasFailed = false;
+            try {
+                act(form);
+            } catch (const Exception &) {
+                hasFailed = true;
+            }
+            failAt(0);
+            failures += hasFailed;
+            QCOMPARE(form.state(), hasFailed && !isKept ? before : after);
+            QCOMPARE(form.openResets, 0);
+            act(form);
+            QCOMPARE(form.state(), after);
+        }
+    }
+    QVERIFY(failures > 0);
+}
+
+// A model of somebody else's has no old rows any more.
+void SelectorModelsTest::foreignReset()
+{
+    TestHost host;
+    QStringListModel source({"b", "a"});
+    Asking<SelectorProxyModel> list;
+    const ModelTester tester(&list, Strictly);
+    list.setSourceModel(&source);
+    const QSignalSpy resets(&list, &QAbstractItemModel::modelReset);
+    for (const bool isOneRow : {false, true}) {
+        host.failAtDirectoryCall(2);
+        QVERIFY_EXCEPTION_THROWN(source.setStringList({"d", "c", "e"}), Exception);
+        QCOMPARE(list.rowCount(), 0);
+        if (isOneRow)
+            source.setData(source.index(1), "C");
+        else
+            list.invalidate();
+        QCOMPARE(texts(list), QStringList({isOneRow ? "C" : "c", "d", "e"}));
+    }
+    QCOMPARE(resets.size(), 4);
 }
 
 // What the completer of a box offers, against a walk over all rows.
