@@ -3,6 +3,7 @@
 #include "foldedtext_p.h"
 
 #include <algorithm>
+#include <utility>
 
 RowIndex::RowIndex(int count, KeyOf keyOf) : m_keyOf(std::move(keyOf))
 {
@@ -11,11 +12,11 @@ RowIndex::RowIndex(int count, KeyOf keyOf) : m_keyOf(std::move(keyOf))
         buckets *= 2;
     m_last.fill(-1, buckets);
     m_previous.resize(count);
-    for (int row = 0; row < count; ++row) {
-        int &last = m_last[int(hash(m_keyOf(row)) & size_t(buckets - 1))];
-        m_previous[row] = last;
-        last = row;
-    }
+    for (int row = 0; row < count; ++row)
+        m_previous[row] = int(hash(m_keyOf(row)) & size_t(buckets - 1));
+    // In a loop of its own: it waits for memory all over the table, many rows at a time.
+    for (int row = 0; row < count; ++row)
+        m_previous[row] = std::exchange(m_last[m_previous.at(row)], row);
 }
 
 // A number has the hash of its digits as text, without making the text.
