@@ -109,7 +109,6 @@ struct Form
     Asking<SelectorProxyModel> allBoards;
     Asking<SecuritySelectorFilteredModel> securityList;
     const QVector<SelectorProxyModel *> lists{&stockList, &boardList, &allBoards, &securityList};
-    std::vector<std::unique_ptr<ModelTester>> testers;
     int openResets = 0;
 
     Form()
@@ -130,13 +129,11 @@ struct Form
         boards->populate();
         securities->populate();
         for (SelectorProxyModel *const list : lists) {
-            testers.push_back(std::make_unique<ModelTester>(list, Strictly));
-            for (const QAbstractItemModel *model :
-                 {list->sourceModel(), static_cast<QAbstractItemModel *>(list)}) {
-                QObject::connect(model, &QAbstractItemModel::modelAboutToBeReset, model,
-                                 [this] { ++openResets; });
-                QObject::connect(model, &QAbstractItemModel::modelReset, model,
-                                 [this] { --openResets; });
+            new ModelTester(list, Strictly, list);
+            using Model = QAbstractItemModel;
+            for (const Model *model : {list->sourceModel(), static_cast<Model *>(list)}) {
+                QObject::connect(model, &Model::modelAboutToBeReset, [this] { ++openResets; });
+                QObject::connect(model, &Model::modelReset, [this] { --openResets; });
             }
         }
         fillHost("new", 4);
@@ -161,18 +158,12 @@ struct Form
     {
         QStringList all;
         for (SelectorProxyModel *const list : lists) {
-            const QAbstractItemModel &source = *list->sourceModel();
-            for (int row = 0; row < source.rowCount(); ++row) {
-                const QModelIndex index = source.index(row, 0);
-                all << index.data().toString() + index.data(Qt::CheckStateRole).toString();
-            }
+            all << texts(*list->sourceModel()) << "shown:";
             for (const QString &text : texts(*list)) {
                 const QModelIndex found = list->index(list->rowOfText(text, Qt::CaseSensitive), 0);
-                const QVariant key = found.data(TextRole);
-                all << QString("%1 at %2, %3 of its key")
-                           .arg(text)
-                           .arg(found.row())
-                           .arg(list->rowsOfKey(TextRole, key).indexOf(found.row()));
+                const QVector<int> ofKey = list->rowsOfKey(TextRole, found.data(TextRole));
+                all << text + (ofKey.contains(found.row()) ? "" : " is not found")
+                    << found.data(Qt::CheckStateRole).toString();
             }
         }
         return all;
@@ -253,8 +244,6 @@ void SelectorModelsTest::changes()
                      proxy.QAbstractItemModel::match(start, role, value, hits, kind));
         }
     };
-    for (int i = 0; i < 1500; ++i)
-        matchLikeTheBase();
     int order = Qt::AscendingOrder;
     for (int round = 0; round < 3000; ++round) {
         QVector<QPair<QPersistentModelIndex, QPersistentModelIndex>> held;
@@ -302,9 +291,6 @@ void SelectorModelsTest::changes()
         if (order < 2)
             std::stable_sort(expected.begin(), expected.end(), before);
         QCOMPARE(texts(proxy), expected);
-        const QString text = odd.next(2);
-        const auto isText = [&](const QString &t) { return !text.compare(t, Qt::CaseInsensitive); };
-        QCOMPARE(proxy.countOfText(text), std::count_if(expected.begin(), expected.end(), isText));
         for (const auto &each : held) {
             QVERIFY(each.first.isValid() || act < 7);
             QVERIFY(!each.first.isValid() || proxy.mapToSource(each.first) == each.second);
@@ -474,7 +460,10 @@ void SelectorModelsTest::stockCheckList()
         for (const qint32 id : stocks)
             notes.last() += QString::number(id);
     });
-    model.sendStocksChanged();
+    auto *const timer = model.findChild<QTimer *>();
+    timer->setSingleShot(true);
+    timer->start();
+    QTRY_COMPARE(notes.size(), 1);
     model.populate();
     QVERIFY(model.flags(model.index(0, 0)) & Qt::ItemIsUserCheckable);
     QVERIFY(!model.check(1, true) && model.check(1, false));
