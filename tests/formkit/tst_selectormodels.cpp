@@ -146,7 +146,7 @@ struct Form
             stockRows << QVariantList{i, name + QString::number(i), QString("S%1").arg(i)};
             boardRows << QVariantList{i,   1 + i % 2, QString("B%1").arg(i), stockRows.last().at(1),
                                       "F", i};
-            securityRows << QVariantList{i, 1 + i % 2, i, "C", stockRows.last().at(1), {}, 20};
+            securityRows << QVariantList{9 - i, 1 + i % 2, i, "C", stockRows.last().at(1), {}, 20};
         }
         host.setSessions({{1, 20}, {2, 20}});
         host.table("stocks").setRows(stockRows);
@@ -387,6 +387,9 @@ void SelectorModelsTest::foreignReset()
         QCOMPARE(texts(list), QStringList({isOneRow ? "C" : "c", "d", "e"}));
     }
     QCOMPARE(resets.size(), 4);
+    host.failAtDirectoryCall(1);
+    QVERIFY_EXCEPTION_THROWN(source.setData(source.index(1), "f"), Exception);
+    QCOMPARE(texts(list), QStringList({"d", "e", "f"}));
 }
 
 // What the completer of a box offers, against a walk over all rows.
@@ -400,6 +403,8 @@ void SelectorModelsTest::typeAhead()
     host.table("securities").setRows(rows);
     host.setSessions({{1, 20}});
     SecuritySelectorBox box;
+    const QStringList inModel = texts(*box.findChild<SecuritySelectorModel *>());
+    QVERIFY(std::is_sorted(inModel.begin(), inModel.end()));
     const QStringList all = texts(*box.model());
     for (int round = 0; round < 1500; ++round) {
         const QString typed = round == 0 ? QString("i") : odd.next(3);
