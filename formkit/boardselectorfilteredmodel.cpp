@@ -10,8 +10,7 @@ BoardSelectorFilteredModel::BoardSelectorFilteredModel(QObject *parent) : Select
 
 void BoardSelectorFilteredModel::setStockCode(const QString &stockCode)
 {
-    m_stockCode = stockCode;
-    invalidate();
+    setCondition(m_stockCode, stockCode);
 }
 
 void BoardSelectorFilteredModel::setStockId(int id)
@@ -23,22 +22,18 @@ void BoardSelectorFilteredModel::setStockId(int id)
 
 void BoardSelectorFilteredModel::setSecTypeFilter(QChar secType)
 {
-    if (secType == m_secType)
-        return;
-    m_secType = secType;
-    invalidate();
+    if (secType != m_secType)
+        setCondition(m_secType, secType);
 }
 
 void BoardSelectorFilteredModel::setBoardFlagsOnFilter(qlonglong boardFlagsOn)
 {
-    m_boardFlagsOn = boardFlagsOn;
-    invalidate();
+    setCondition(m_boardFlagsOn, boardFlagsOn);
 }
 
 void BoardSelectorFilteredModel::setBoardFlagsOffFilter(qlonglong boardFlagsOff)
 {
-    m_boardFlagsOff = boardFlagsOff;
-    invalidate();
+    setCondition(m_boardFlagsOff, boardFlagsOff);
 }
 
 bool BoardSelectorFilteredModel::filterAcceptsRow(int sourceRow,

@@ -3,7 +3,8 @@
 #include <formkit/selectorproxymodel.h>
 
 // The boards of one exchange, or of all, with or without certain flags of the host's board
-// directory. Its source is a BoardSelectorModel. Setting a condition rebuilds the list.
+// directory. Its source is a BoardSelectorModel. Setting a condition rebuilds the list; when the
+// directory throws, condition and list stay as they were.
 class FORMKIT_EXPORT BoardSelectorFilteredModel : public SelectorProxyModel
 {
     Q_OBJECT
@@ -11,7 +12,7 @@ class FORMKIT_EXPORT BoardSelectorFilteredModel : public SelectorProxyModel
 public:
     explicit BoardSelectorFilteredModel(QObject *parent = nullptr);
 
-public slots:
+public Q_SLOTS:
     // The exact code of the exchange whose boards are shown; empty for all.
     void setStockCode(const QString &stockCode);
     // The same by id. An id that no exchange has shows all boards.
@@ -30,6 +31,6 @@ protected:
 private:
     QString m_stockCode;
     QChar m_secType;
-    qint64 m_boardFlagsOn = 0;
-    qint64 m_boardFlagsOff = 0;
+    qlonglong m_boardFlagsOn = 0;
+    qlonglong m_boardFlagsOff = 0;
 };

@@ -6,6 +6,8 @@
 
 #include <QScopeGuard>
 
+#include <optional>
+
 BoardSelectorModel::BoardSelectorModel(QObject *parent)
     : CheckListModel(parent)
     , m_table(ICore::instance()->table(QStringLiteral("boards")))
@@ -21,24 +23,50 @@ BoardSelectorModel::BoardSelectorModel(QObject *parent)
 
 void BoardSelectorModel::populate()
 {
-    beginResetModel();
-    const TableLock lock(m_table);
-    {
-        const auto reset = qScopeGuard([this] { endResetModel(); });
-        QVector<Data> rows = TableWalk::read<Data>(m_table, this);
-        TableWalk::sortLaterFirst(rows.begin(), rows.end(), [](const Data &a, const Data &b) {
-            return a.board.stock_id != b.board.stock_id ? a.board.stock_id < b.board.stock_id
-                                                        : a.boardCode < b.boardCode;
-        });
-        m_rows = rows;
-    }
-    m_timer.start();
+    std::optional<TableLock> lock;
+    QVector<Data> rows;
+    bool isNew = false;
+    // Also when a receiver of the reset throws; while the table is still locked.
+    const auto report = qScopeGuard([this, &isNew] {
+        if (isNew)
+            m_timer.start();
+    });
+    const auto read = [&] {
+        lock.emplace(m_table);
+        rows = readRows();
+    };
+    refresh(read, [&] {
+        m_rows.swap(rows);
+        isNew = !isNew;
+    });
+}
+
+QVector<BoardSelectorModel::Data> BoardSelectorModel::readRows() const
+{
+    TableWalk::LastAnswer<int, QString> stockCode;
+    const auto readOne = [this, &stockCode](const Record &record) {
+        const int stockId = record.field(m_stockIdColumn).toInteger();
+        return readRow(record, stockCode.of(stockId, [stockId] {
+            return StockDirectory::i()->codeById(stockId);
+        }));
+    };
+    QVector<Data> rows = TableWalk::read<Data>(
+        m_table, [this](const Record &record) { return filter(record); }, readOne);
+    TableWalk::sortLaterFirst(rows.begin(), rows.end(), [](const Data &a, const Data &b) {
+        return a.board.stock_id != b.board.stock_id ? a.board.stock_id < b.board.stock_id
+                                                    : a.boardCode < b.boardCode;
+    });
+    return rows;
+}
+
+boardid BoardSelectorModel::boardOf(const Record &record) const
+{
+    return {record.field(m_stockIdColumn).toInteger(), record.field(m_boardIdColumn).toInteger()};
 }
 
 bool BoardSelectorModel::filter(const Record &record) const
 {
-    const boardid board{record.field(m_stockIdColumn).toInteger(),
-                        record.field(m_boardIdColumn).toInteger()};
+    const boardid board = boardOf(record);
     if (m_forPositions && !BoardDirectory::i()->isPositionById(board.stock_id, board.board_id))
         return false;
     return m_filterBoards.isEmpty() || m_filterBoards.contains(board);
@@ -46,12 +74,18 @@ bool BoardSelectorModel::filter(const Record &record) const
 
 BoardSelectorModel::Data BoardSelectorModel::read(const Record &record) const
 {
+    const int stockId = record.field(m_stockIdColumn).toInteger();
+    return readRow(record, StockDirectory::i()->codeById(stockId));
+}
+
+BoardSelectorModel::Data BoardSelectorModel::readRow(const Record &record,
+                                                     const QString &stockCode) const
+{
     Data data;
     data.name = record.field(m_nameColumn).toString();
     data.boardCode = record.field(m_codeColumn).toString();
-    data.board = {record.field(m_stockIdColumn).toInteger(),
-                  record.field(m_boardIdColumn).toInteger()};
-    data.stockCode = StockDirectory::i()->codeById(data.board.stock_id);
+    data.stockCode = stockCode;
+    data.board = boardOf(record);
     return data;
 }
 
@@ -108,13 +142,6 @@ void BoardSelectorModel::rowCheckChanged()
 void BoardSelectorModel::sendBoardsChanged()
 {
     Boards keys;
-    bool enable = false;
-    const QVector<Data> rows = m_rows;
-    for (const Data &row : rows) {
-        if (row.checked)
-            keys.add(row.board);
-        else
-            enable = true;
-    }
-    emit boardsChanged(enable, keys);
+    const bool enable = TableWalk::addChecked(m_rows, &Data::board, &keys);
+    Q_EMIT boardsChanged(enable, keys);
 }

@@ -40,8 +40,9 @@ public:
     explicit BoardSelectorModel(QObject *parent = nullptr);
 
     // Reads the table anew, under its lock; of two boards of one exchange and code the later
-    // read stands first. Reports the check list once, from the event loop. What the host
-    // throws passes through, with the lock given back and the rows left as they were.
+    // read stands first. Reports the check list once, from the event loop. What the host,
+    // filter() or the filter of a proxy throws passes through, with the lock given back and the
+    // rows left as they were, here and in the proxies.
     virtual void populate();
     // Whether a board is to be listed: one on which positions are kept, if setForPositions()
     // asks for it, and one of the filter boards, if there are any. Called under the lock.
@@ -60,11 +61,11 @@ public:
 
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
-public slots:
+public Q_SLOTS:
     // Emits boardsChanged() with the state of the check list.
     void sendBoardsChanged();
 
-signals:
+Q_SIGNALS:
     // The chosen boards, ascending. `enable` says that some board is not chosen, so that
     // there is something to filter by. Emitted from the event loop after every population
     // and after each change of one check (not after all are set at once).
@@ -77,7 +78,11 @@ protected:
     void rowCheckChanged() override;
 
 private:
-    QTimer m_timer;
+    QVector<Data> readRows() const;
+    Data readRow(const Record &record, const QString &stockCode) const;
+    boardid boardOf(const Record &record) const;
+
+    QTimer m_timer{this};
     QVector<Data> m_rows;
     Table *m_table;
     int m_stockIdColumn;

@@ -29,12 +29,16 @@ int compare(const QString &a, const QString &b)
 class Alphabet
 {
 public:
-    explicit Alphabet(const QVector<QString> &texts) : m_codes(UnitCount)
+    Alphabet() : m_codes(UnitCount) {}
+
+    // To be told of every text, and then number() called once, before keys are asked for.
+    void add(const QString &text)
     {
-        for (const QString &text : texts) {
-            for (const QChar c : text)
-                m_codes[c.unicode()] = 1;
-        }
+        for (const QChar c : text)
+            m_codes[c.unicode()] = 1;
+    }
+    void number()
+    {
         std::vector<ushort> letters;
         for (uint unit = 0; unit < UnitCount; ++unit) {
             if (m_codes[unit] != 0)
@@ -184,17 +188,24 @@ size_t FoldedText::hash(const QString &text)
     return size_t(hash ^ hash >> 32);
 }
 
-QVector<int> FoldedText::ascending(const QVector<QString> &texts)
+QVector<int> FoldedText::ascending(int count, const std::function<QString(int)> &textOf)
 {
-    QVector<int> rows(texts.size());
+    QVector<QString> texts(count);
+    Alphabet alphabet;
+    for (int row = 0; row < count; ++row) {
+        texts[row] = textOf(row);
+        // Now rather than in a walk of its own, to which each text would be far away again.
+        alphabet.add(texts.at(row));
+    }
+    alphabet.number();
+    QVector<int> rows(count);
     std::iota(rows.begin(), rows.end(), 0);
-    const Alphabet alphabet(texts);
     if (alphabet.hasPairs()) {
         std::stable_sort(rows.begin(), rows.end(),
                          [&texts](int a, int b) { return compare(texts.at(a), texts.at(b)) < 0; });
         return rows;
     }
-    std::vector<Item> items(size_t(texts.size()));
+    std::vector<Item> items(rows.size());
     for (const int row : qAsConst(rows))
         items[size_t(row)].row = row;
     PrefixSort(texts, alphabet).sort(items.data(), items.data() + items.size(), 0);

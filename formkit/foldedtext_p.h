@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 // Texts as the selectors compare them: ignoring case, character by character, exactly as
 // QString::compare() and startsWith() do with Qt::CaseInsensitive (one character folds to one
 // character, so ς meets σ and ß only itself).
@@ -20,9 +22,9 @@ QString completionKey(const QString &text);
 // Equal for texts that are equal ignoring case.
 size_t hash(const QString &text);
 
-// The positions 0 to texts.size() - 1 in ascending order of their texts ignoring case; equal
-// texts keep their order. Made for a million texts: several times faster than a sort that
-// compares them in pairs.
-QVector<int> ascending(const QVector<QString> &texts);
+// The numbers 0 to count - 1 in ascending order of their texts ignoring case; equal texts keep
+// their order. Each text is asked for once. Made for a million texts: several times faster than a
+// sort that compares them in pairs.
+QVector<int> ascending(int count, const std::function<QString(int)> &textOf);
 
 } // namespace FoldedText

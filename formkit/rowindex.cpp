@@ -2,36 +2,34 @@
 
 #include "foldedtext_p.h"
 
-#include <QAbstractItemModel>
-
 #include <algorithm>
+#include <utility>
 
-RowIndex::RowIndex(const QAbstractItemModel *model, int role) : m_model(model), m_role(role)
+RowIndex::RowIndex(int count, KeyOf keyOf) : m_keyOf(std::move(keyOf))
 {
-    const int count = model->rowCount();
     int buckets = 16;
     while (buckets < count)
         buckets *= 2;
     m_last.fill(-1, buckets);
     m_previous.resize(count);
-    for (int row = 0; row < count; ++row) {
-        int &last = m_last[int(hash(model->index(row, 0).data(role)) & size_t(buckets - 1))];
-        m_previous[row] = last;
-        last = row;
-    }
+    for (int row = 0; row < count; ++row)
+        m_previous[row] = int(hash(m_keyOf(row)) & size_t(buckets - 1));
+    // In a loop of its own: it waits for memory all over the table, many rows at a time.
+    for (int row = 0; row < count; ++row)
+        m_previous[row] = std::exchange(m_last[m_previous.at(row)], row);
 }
 
 // A number has the hash of its digits as text, without making the text.
-size_t RowIndex::hash(const QVariant &value)
+size_t RowIndex::hash(const QVariant &key)
 {
     bool isNumber = false;
     qlonglong number = 0;
-    const int type = value.userType();
+    const int type = key.userType();
     if (type == QMetaType::Int || type == QMetaType::LongLong) {
-        number = value.toLongLong();
+        number = key.toLongLong();
         isNumber = true;
     } else {
-        const QString text = value.toString();
+        const QString text = key.toString();
         // Most codes begin with a letter, which spares them the attempt.
         const bool isWord = !text.isEmpty() && text.at(0) > QLatin1Char('9');
         if (!isWord)
@@ -44,16 +42,15 @@ size_t RowIndex::hash(const QVariant &value)
     return size_t(mixed ^ mixed >> 32);
 }
 
-QVector<int> RowIndex::rows(const QVariant &value) const
+QVector<int> RowIndex::rows(const QVariant &key) const
 {
     QVector<int> found;
     if (m_last.isEmpty())
         return found;
-    const QString text = value.toString();
-    int row = m_last.at(int(hash(value) & size_t(m_last.size() - 1)));
+    const QString text = key.toString();
+    int row = m_last.at(int(hash(key) & size_t(m_last.size() - 1)));
     for (; row >= 0; row = m_previous.at(row)) {
-        const QString other = m_model->index(row, 0).data(m_role).toString();
-        if (QString::compare(text, other, Qt::CaseInsensitive) == 0)
+        if (m_keyOf(row).toString().compare(text, Qt::CaseInsensitive) == 0)
             found.append(row);
     }
     std::reverse(found.begin(), found.end());

@@ -3,27 +3,28 @@
 #include <QVariant>
 #include <QVector>
 
-class QAbstractItemModel;
+#include <functional>
 
-// Finds the rows of a model whose data of one role equals a text ignoring case, in time that
-// does not grow with the model. Two numbers a row are all that it keeps; it reads the model
-// again to tell rows of one hash apart.
+/// Finds the rows of a table whose key equals a text ignoring case, in time that does not grow
+/// with the table. Two numbers for each row are all that it keeps; it asks for keys again to
+/// tell rows of one hash apart.
 class RowIndex
 {
 public:
-    RowIndex() = default;
-    // Reads the role of every row of the model, which must outlive the index and have changed
-    // nothing of it by the time of a look-up.
-    RowIndex(const QAbstractItemModel *model, int role);
+    /// A text or an integer, the same at each call.
+    using KeyOf = std::function<QVariant(int row)>;
 
-    // Ascending.
-    QVector<int> rows(const QVariant &value) const;
+    RowIndex() = default;
+    /// Asks for the keys of the rows 0 to `count` - 1.
+    RowIndex(int count, KeyOf keyOf);
+
+    /// Ascending.
+    QVector<int> rows(const QVariant &key) const;
 
 private:
-    static size_t hash(const QVariant &value);
+    static size_t hash(const QVariant &key);
 
-    const QAbstractItemModel *m_model = nullptr;
-    int m_role = 0;
+    KeyOf m_keyOf;
     // By hash, the last row of that hash; by row, the one before it; -1 ends the chain.
     QVector<int> m_last;
     QVector<int> m_previous;

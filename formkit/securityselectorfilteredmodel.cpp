@@ -12,11 +12,17 @@ void SecuritySelectorFilteredModel::setStockBoard(const QString &stockCode,
 {
     if (stockCode == m_stockCode && boardCode == m_boardCode)
         return;
-    const bool showedAll = showsAll();
-    m_stockCode = stockCode;
-    m_boardCode = boardCode;
-    if (!showedAll || !showsAll())
-        invalidate();
+    QString otherStock = stockCode;
+    QString otherBoard = boardCode;
+    const auto exchange = [&] {
+        m_stockCode.swap(otherStock);
+        m_boardCode.swap(otherBoard);
+    };
+    // Neither before nor after is there a condition.
+    if (showsAll() && (stockCode.isEmpty() || boardCode.isEmpty()))
+        exchange();
+    else
+        changeFilter(exchange);
 }
 
 bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
@@ -31,11 +37,10 @@ bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
     return row.stockCode == m_stockCode && row.boardCode == m_boardCode;
 }
 
-SelectorProxyModel::RowRange SecuritySelectorFilteredModel::candidateRows() const
+RowRange SecuritySelectorFilteredModel::candidateRows() const
 {
     const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
     if (!securities || showsAll())
         return SelectorProxyModel::candidateRows();
-    const SecuritySelectorModel::RowRange rows = securities->rowsOfBoard(m_stockCode, m_boardCode);
-    return {rows.first, rows.last};
+    return securities->rowsOfBoard(m_stockCode, m_boardCode);
 }

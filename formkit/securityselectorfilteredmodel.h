@@ -11,8 +11,9 @@ class FORMKIT_EXPORT SecuritySelectorFilteredModel : public SelectorProxyModel
 public:
     explicit SecuritySelectorFilteredModel(QObject *parent = nullptr);
 
-public slots:
-    // The exact codes; a change that narrows or widens the list rebuilds it.
+public Q_SLOTS:
+    // The exact codes; a change that narrows or widens the list rebuilds it. Codes and list stay as
+    // they were when a subclass's filter throws.
     void setStockBoard(const QString &stockCode, const QString &boardCode);
 
 protected:

@@ -1,5 +1,6 @@
 #include "securityselectormodel.h"
 
+#include "modelrefresh_p.h"
 #include "tablewalk_p.h"
 
 #include <hostapi/icore.h>
@@ -7,7 +8,6 @@
 #include <hostapi/securitiessessionfilter.h>
 
 #include <QMap>
-#include <QScopeGuard>
 
 #include <tuple>
 
@@ -15,10 +15,41 @@ namespace {
 
 using BoardKey = std::pair<QString, QString>;
 
-BoardKey boardOf(const SecuritySelectorModel::Data &data)
+BoardKey keyOf(const SecuritySelectorModel::Data &data)
 {
     return {data.stockCode, data.boardCode};
 }
+
+// The names of rows, to be compared. Most differ in their first four characters, which are kept
+// together, so that the names need not be fetched from all over the memory.
+class Names
+{
+public:
+    explicit Names(const QVector<SecuritySelectorModel::Data> &rows) : m_rows(rows)
+    {
+        m_starts.reserve(size_t(rows.size()));
+        for (const SecuritySelectorModel::Data &row : rows)
+            m_starts.push_back(startOf(row.secName));
+    }
+    bool isBefore(int a, int b) const
+    {
+        const quint64 startA = m_starts[size_t(a)];
+        const quint64 startB = m_starts[size_t(b)];
+        return startA != startB ? startA < startB : m_rows.at(a).secName < m_rows.at(b).secName;
+    }
+
+private:
+    static quint64 startOf(const QString &name)
+    {
+        quint64 start = 0;
+        for (int i = 0; i < 4; ++i)
+            start = start << 16 | (i < name.size() ? name.at(i).unicode() : 0);
+        return start;
+    }
+
+    const QVector<SecuritySelectorModel::Data> &m_rows;
+    std::vector<quint64> m_starts;
+};
 
 } // namespace
 
@@ -30,6 +61,7 @@ bool SecuritySelectorModel::Data::operator<(const Data &other) const
 
 SecuritySelectorModel::SecuritySelectorModel(QObject *parent)
     : QAbstractListModel(parent)
+    , m_refresh(new ModelRefresh(this))
     , m_table(ICore::instance()->table(QStringLiteral("securities")))
     , m_stockIdColumn(m_table->columnIndex(QStringLiteral("stock_id")))
     , m_boardIdColumn(m_table->columnIndex(QStringLiteral("board_id")))
@@ -70,15 +102,28 @@ void SecuritySelectorModel::aNewSessions()
 
 void SecuritySelectorModel::populate()
 {
-    beginResetModel();
-    const auto reset = qScopeGuard([this] { endResetModel(); });
     QVector<Data> rows;
-    {
-        const TableLock lock(m_table);
-        rows = TableWalk::read<Data>(m_table, this);
-    }
-    sortByBoard(&rows);
-    m_rows = rows;
+    QVector<Group> groups;
+    const auto read = [&] {
+        rows = readRows();
+        groups = sortByBoard(&rows);
+    };
+    m_refresh->run(read, [&] {
+        m_rows.swap(rows);
+        m_groups.swap(groups);
+    });
+}
+
+QVector<SecuritySelectorModel::Data> SecuritySelectorModel::readRows() const
+{
+    TableWalk::LastAnswer<boardid, Codes> codes;
+    const auto readOne = [this, &codes](const Record &record) {
+        const boardid board = boardOf(record);
+        return readRow(record, board, codes.of(board, [board] { return codesOf(board); }));
+    };
+    const TableLock lock(m_table);
+    return TableWalk::read<Data>(
+        m_table, [this](const Record &record) { return filter(record); }, readOne);
 }
 
 bool SecuritySelectorModel::filter(const Record &record) const
@@ -86,13 +131,30 @@ bool SecuritySelectorModel::filter(const Record &record) const
     return m_sessions->filter(record);
 }
 
+boardid SecuritySelectorModel::boardOf(const Record &record) const
+{
+    return {record.field(m_stockIdColumn).toInteger(), record.field(m_boardIdColumn).toInteger()};
+}
+
+SecuritySelectorModel::Codes SecuritySelectorModel::codesOf(boardid board)
+{
+    return {StockDirectory::i()->codeById(board.stock_id),
+            BoardDirectory::i()->codeById(board.stock_id, board.board_id)};
+}
+
 SecuritySelectorModel::Data SecuritySelectorModel::read(const Record &record) const
 {
-    const int stockId = record.field(m_stockIdColumn).toInteger();
+    const boardid board = boardOf(record);
+    return readRow(record, board, codesOf(board));
+}
+
+SecuritySelectorModel::Data SecuritySelectorModel::readRow(const Record &record, boardid board,
+                                                           const Codes &codes) const
+{
     Data data;
-    data.boardId = record.field(m_boardIdColumn).toInteger();
-    data.stockCode = StockDirectory::i()->codeById(stockId);
-    data.boardCode = BoardDirectory::i()->codeById(stockId, data.boardId);
+    data.boardId = board.board_id;
+    data.stockCode = codes.stock;
+    data.boardCode = codes.board;
     data.secId = record.field(m_secIdColumn).toInteger64();
     data.secName = record.field(m_secNameColumn).toString();
     data.secCode = record.field(m_secCodeColumn).toString();
@@ -103,7 +165,7 @@ SecuritySelectorModel::Data SecuritySelectorModel::read(const Record &record) co
 // The order of operator<, the later read first among equals: boards are few and their
 // securities mostly read one after the other, so to sort each board by name costs a fraction
 // of a sort of them all.
-void SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
+QVector<SecuritySelectorModel::Group> SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
 {
     QMap<BoardKey, QVector<RowRange>> runs;
     for (int first = 0; first < rows->size();) {
@@ -112,14 +174,15 @@ void SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
         while (last < rows->size() && rows->at(last).boardCode == start.boardCode &&
                rows->at(last).stockCode == start.stockCode)
             ++last;
-        runs[boardOf(start)].append({first, last});
+        runs[keyOf(start)].append({first, last});
         first = last;
     }
 
-    const auto byName = [rows](int a, int b) { return rows->at(a).secName < rows->at(b).secName; };
+    const Names names(*rows);
+    const auto byName = [&names](int a, int b) { return names.isBefore(a, b); };
     std::vector<int> order;
     order.reserve(size_t(rows->size()));
-    m_groups.clear();
+    QVector<Group> groups;
     for (auto board = runs.cbegin(); board != runs.cend(); ++board) {
         const int first = int(order.size());
         for (const RowRange &run : *board) {
@@ -127,9 +190,10 @@ void SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
                 order.push_back(row);
         }
         TableWalk::sortLaterFirst(order.begin() + first, order.end(), byName);
-        m_groups.append({board.key().first, board.key().second, {first, int(order.size())}});
+        groups.append({board.key().first, board.key().second, {first, int(order.size())}});
     }
     TableWalk::arrange(rows, std::move(order));
+    return groups;
 }
 
 SecuritySelectorModel::RowRange SecuritySelectorModel::rowsOfBoard(const QString &stockCode,
@@ -151,7 +215,7 @@ void SecuritySelectorModel::setDefaultDataRole(ItemDataRole role)
         return;
     m_defaultDataRole = role;
     if (!m_rows.isEmpty())
-        emit dataChanged(index(0), index(m_rows.size() - 1));
+        Q_EMIT dataChanged(index(0), index(m_rows.size() - 1));
 }
 
 int SecuritySelectorModel::rowCount(const QModelIndex &parent) const

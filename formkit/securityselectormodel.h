@@ -1,12 +1,15 @@
 #pragma once
 
 #include <formkit/formkit_export.h>
+#include <formkit/rowrange.h>
+#include <hostapi/boardid.h>
 
 #include <QAbstractListModel>
 #include <QVector>
 
 #include <memory>
 
+class ModelRefresh;
 class Record;
 class Table;
 class ValueFilter;
@@ -47,21 +50,15 @@ public:
         bool operator<(const Data &other) const;
     };
 
-    // A run of rows, `first` to `last` - 1.
-    struct RowRange
-    {
-        // The first row, and the one behind the last.
-        int first;
-        int last;
-    };
+    using RowRange = ::RowRange;
 
     // Finds the table and the decoder plug-in; does not populate.
     explicit SecuritySelectorModel(QObject *parent = nullptr);
     ~SecuritySelectorModel() override;
 
     // Reads the table anew, under its lock; of two securities of one board and name the later
-    // read stands first. What the host throws passes through, with the lock given back and
-    // the rows left as they were.
+    // read stands first. What the host, filter() or the filter of a proxy throws passes
+    // through, with the lock given back and the rows left as they were, here and in the proxies.
     virtual void populate();
     // Whether a security is to be listed: one of an open session. Called under the lock.
     virtual bool filter(const Record &record) const;
@@ -83,7 +80,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
-public slots:
+public Q_SLOTS:
     // The open sessions have changed: takes them over and repopulates.
     void aNewSessions();
 
@@ -96,9 +93,21 @@ private:
         RowRange rows;
     };
 
-    void connectDecoder();
-    void sortByBoard(QVector<Data> *rows);
+    // What the directories call a board.
+    struct Codes
+    {
+        QString stock;
+        QString board;
+    };
 
+    void connectDecoder();
+    QVector<Data> readRows() const;
+    Data readRow(const Record &record, boardid board, const Codes &codes) const;
+    boardid boardOf(const Record &record) const;
+    static Codes codesOf(boardid board);
+    static QVector<Group> sortByBoard(QVector<Data> *rows);
+
+    ModelRefresh *m_refresh;
     QVector<Data> m_rows;
     // In the order of m_rows.
     QVector<Group> m_groups;

@@ -1,10 +1,15 @@
 #pragma once
 
-#include <formkit/formkit_export.h>
+#include <formkit/flatproxymodel.h>
 
-#include <QSortFilterProxyModel>
+#include <formkit/rowrange.h>
 
+#include <exception>
+#include <functional>
 #include <memory>
+#include <utility>
+
+class RowOrder;
 
 // The list that a selector box shows: the rows of a flat source model that the filter
 // accepts, in the order of their display texts, ignoring case (QString::compare(), no
@@ -18,7 +23,13 @@
 // inert: filter patterns and roles, sort roles, sort case sensitivity, dynamicSortFilter.
 // sortColumn() and sortOrder() always report column 0, ascending. Rows are neither inserted,
 // removed nor dragged through it.
-class FORMKIT_EXPORT SelectorProxyModel : public QSortFilterProxyModel
+//
+// When the filter throws, the exception passes, and the list stays as it was: also when a model of
+// this library is populated or changes its checks, which then keeps its old rows too. Data of the
+// source that change are shown whatever the filter throws. Another source that is reset, or whose
+// rows come, go or move, has its old rows no longer: its list is empty until the filter next gives
+// an answer.
+class FORMKIT_EXPORT SelectorProxyModel : public FlatProxyModel
 {
     Q_OBJECT
 
@@ -45,41 +56,12 @@ public:
     // The rows whose data of a key role reads as the value does, ignoring case, ascending.
     QVector<int> rowsOfKey(int role, const QVariant &value) const;
 
-    // Applies the filter anew, in one model reset.
+    // Applies the filter again, in one model reset.
     void invalidate();
 
     void setSourceModel(QAbstractItemModel *source) override;
-    QModelIndex mapToSource(const QModelIndex &proxyIndex) const override;
-    QModelIndex mapFromSource(const QModelIndex &sourceIndex) const override;
-    QItemSelection mapSelectionToSource(const QItemSelection &selection) const override;
-    QItemSelection mapSelectionFromSource(const QItemSelection &selection) const override;
-
-    QModelIndex index(int row, int column,
-                      const QModelIndex &parent = QModelIndex()) const override;
-    QModelIndex parent(const QModelIndex &child) const override;
-    using QObject::parent;
-    QModelIndex sibling(int row, int column, const QModelIndex &index) const override;
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
-    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
-    bool hasChildren(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-    bool setHeaderData(int section, Qt::Orientation orientation, const QVariant &value,
-                       int role = Qt::EditRole) override;
-    Qt::ItemFlags flags(const QModelIndex &index) const override;
-    QModelIndex buddy(const QModelIndex &index) const override;
-    QSize span(const QModelIndex &index) const override;
-    QMimeData *mimeData(const QModelIndexList &indexes) const override;
-    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
-                      const QModelIndex &parent) override;
-    bool insertRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
-    bool insertColumns(int column, int count, const QModelIndex &parent = QModelIndex()) override;
-    bool removeRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
-    bool removeColumns(int column, int count, const QModelIndex &parent = QModelIndex()) override;
-    bool canFetchMore(const QModelIndex &parent) const override;
-    void fetchMore(const QModelIndex &parent) override;
     // Look-ups of one hit do not walk the list: of a whole text or key from the first row on,
     // of a beginning of the text, ignoring case, from any row on.
     QModelIndexList match(const QModelIndex &start, int role, const QVariant &value, int hits = 1,
@@ -90,40 +72,46 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 protected:
+    int sourceRow(int row) const override;
+    int rowOfSource(int sourceRow) const override;
     // Whether a row is shown; every row, unless a subclass says otherwise.
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
 
-    // A run of source rows, `first` to `last` - 1, outside which filterAcceptsRow() accepts
-    // none; the whole source unless a subclass knows better. It is what makes a narrow filter
-    // cheap.
-    struct RowRange
-    {
-        // The first row, and the one behind the last.
-        int first;
-        int last;
-    };
-    // Asked anew at each rebuild of the list.
+    using RowRange = ::RowRange;
+    // The source rows outside which filterAcceptsRow() accepts none; the whole source unless a
+    // subclass knows better. It is what makes a narrow filter cheap. Asked again at each rebuild
+    // of the list.
     virtual RowRange candidateRows() const;
 
-private:
-    struct Mapping;
+    /// Changes what filterAcceptsRow() asks for, and applies the filter in one model reset.
+    /// `exchange` exchanges the old condition for the new one and, called again, back: that
+    /// happens when the filter throws, before the exception passes. It must not throw.
+    void changeFilter(const std::function<void()> &exchange);
+    /// changeFilter() for one value.
+    template <typename T> void setCondition(T &condition, T value)
+    {
+        changeFilter([&condition, &value] { std::swap(condition, value); });
+    }
 
-    void beginRebuild();
+private:
+    struct Lists;
+    struct Private;
+
+    void follow(QAbstractItemModel *source);
     void endRebuild();
-    void rebuild();
-    void relayout();
+    void show(const Lists &lists);
+    Lists readLists() const;
+    Lists filteredLists() const;
+    QVector<int> acceptedRows() const;
+    bool accepts(int sourceRow) const;
     void sourceDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
                            const QVector<int> &roles);
-    void moveInSourceOrder(int sourceRow);
-    bool staysInPlace(int sourceRow) const;
-    bool isBetweenNeighbours(const QVector<int> &rows, int position, bool ascending) const;
-    QVector<int> acceptedRows() const;
-    QVector<int> inOrder(QVector<int> accepted) const;
-    const QVector<int> &sourceOrder() const;
-    QString sourceText(int sourceRow) const;
-    QString text(int row) const;
-    int firstNotBefore(const QString &text, bool orEqual) const;
-    int rowStartingWith(const QString &beginning, int from, bool wrap) const;
+    std::exception_ptr placeRow(int sourceRow);
+    std::exception_ptr placeRows();
+    void relayout(RowOrder order, const QVector<int> &rows);
+    bool isIndexed(const QModelIndex &start, int role, const QVariant &value, int hits,
+                   Qt::MatchFlags flags) const;
+    int rowOfWhole(int role, const QVariant &value, Qt::MatchFlags flags) const;
 
-    std::unique_ptr<Mapping> m;
+    std::unique_ptr<Private> d;
 };

@@ -4,8 +4,6 @@
 
 #include <hostapi/icore.h>
 
-#include <QScopeGuard>
-
 StockSelectorModel::StockSelectorModel(QObject *parent)
     : CheckListModel(parent)
     , m_table(ICore::instance()->table(QStringLiteral("stocks")))
@@ -18,16 +16,18 @@ StockSelectorModel::StockSelectorModel(QObject *parent)
 
 void StockSelectorModel::populate()
 {
-    beginResetModel();
-    const auto reset = qScopeGuard([this] { endResetModel(); });
     QVector<Data> rows;
-    {
-        const TableLock lock(m_table);
-        rows = TableWalk::read<Data>(m_table, this);
-    }
-    TableWalk::sortLaterFirst(rows.begin(), rows.end(),
-                              [](const Data &a, const Data &b) { return a.code < b.code; });
-    m_rows = rows;
+    const auto readRows = [this, &rows] {
+        {
+            const TableLock lock(m_table);
+            rows = TableWalk::read<Data>(
+                m_table, [this](const Record &record) { return filter(record); },
+                [this](const Record &record) { return read(record); });
+        }
+        TableWalk::sortLaterFirst(rows.begin(), rows.end(),
+                                  [](const Data &a, const Data &b) { return a.code < b.code; });
+    };
+    refresh(readRows, [this, &rows] { m_rows.swap(rows); });
 }
 
 bool StockSelectorModel::filter(const Record &) const
@@ -65,13 +65,6 @@ QVariant StockSelectorModel::data(const QModelIndex &index, int role) const
 void StockSelectorModel::sendStocksChanged()
 {
     Stocks keys;
-    bool enable = false;
-    const QVector<Data> rows = m_rows;
-    for (const Data &row : rows) {
-        if (row.checked)
-            keys.add(row.id);
-        else
-            enable = true;
-    }
-    emit stocksChanged(enable, keys);
+    const bool enable = TableWalk::addChecked(m_rows, &Data::id, &keys);
+    Q_EMIT stocksChanged(enable, keys);
 }

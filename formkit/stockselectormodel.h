@@ -36,8 +36,9 @@ public:
     explicit StockSelectorModel(QObject *parent = nullptr);
 
     // Reads the table anew, under its lock. Rows are sorted by code (case-sensitive); of two
-    // with one code the later read stands first. What the host throws passes through, with
-    // the lock given back and the rows left as they were.
+    // with one code the later read stands first. What the host,
+    // filter() or the filter of a proxy throws passes through, with the lock given back and the
+    // rows left as they were, here and in the proxies.
     virtual void populate();
     // Whether an exchange is to be listed; every one, unless a subclass drops some. Called
     // under the table's lock.
@@ -47,11 +48,11 @@ public:
 
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
-public slots:
+public Q_SLOTS:
     // Emits stocksChanged() with the state of the check list.
     void sendStocksChanged();
 
-signals:
+Q_SIGNALS:
     // The chosen exchanges, ascending. `enable` says that some exchange is not chosen, so
     // that there is something to filter by.
     void stocksChanged(bool enable, Stocks keys);
@@ -61,9 +62,9 @@ protected:
     bool isChecked(int row) const override { return m_rows.at(row).checked; }
     void setChecked(int row, bool checked) override { m_rows[row].checked = checked; }
 
-    // Calls sendStocksChanged() when it times out. The model never starts it: its owner does,
-    // or calls the slot.
-    QTimer m_timer;
+    // A child object. Calls sendStocksChanged() when it times out. The model never starts it: its
+    // owner does, or calls the slot.
+    QTimer m_timer{this};
 
 private:
     QVector<Data> m_rows;

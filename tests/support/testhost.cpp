@@ -222,13 +222,33 @@ void TestHost::setSessions(const QVector<SessionId> &sessions)
     m_sessions = sessions;
 }
 
+void TestHost::countCall() const
+{
+    if (m_failAt > 0 && --m_failAt == 0)
+        throw Exception("directory call failed");
+}
+
+QString TestHost::codeById(int stockId) const
+{
+    countCall();
+    return copy(m_stocks).value(stockId);
+}
+
+int TestHost::idByCode(const QString &stockCode) const
+{
+    countCall();
+    return copy(m_stocks).key(stockCode);
+}
+
 QString TestHost::codeById(int stockId, int boardId) const
 {
+    countCall();
     return copy(m_boards).value({stockId, boardId}).code;
 }
 
 int TestHost::idByCode(const QString &stockCode, const QString &boardCode) const
 {
+    countCall();
     const QMap<boardid, Board> boards = copy(m_boards);
     for (auto it = boards.begin(); it != boards.end(); ++it) {
         if (it->code == boardCode && codeById(it.key().stock_id) == stockCode)
@@ -239,10 +259,12 @@ int TestHost::idByCode(const QString &stockCode, const QString &boardCode) const
 
 bool TestHost::checkFlagsById(int stockId, int boardId, qint64 flags) const
 {
+    countCall();
     return copy(m_boards).value({stockId, boardId}).flags & flags;
 }
 
 bool TestHost::isPositionById(int stockId, int boardId) const
 {
+    countCall();
     return copy(m_boards).value({stockId, boardId}).isPosition;
 }

@@ -129,6 +129,8 @@ public:
 
     // Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
+    // Makes the n-th call of a directory from now throw Exception("directory call failed"), once.
+    void failAtDirectoryCall(int n) { m_failAt = n; }
     // The first decoder of the plug-ins; in front of it are none and one that is no decoder.
     TestDecoder *decoder() { return &m_decoder; }
 
@@ -153,8 +155,9 @@ private:
     };
 
     void addTable(const QString &name, const QString &columns, const QVector<int> &keyColumns);
-    QString codeById(int stockId) const override { return copy(m_stocks).value(stockId); }
-    int idByCode(const QString &stockCode) const override { return copy(m_stocks).key(stockCode); }
+    void countCall() const;
+    QString codeById(int stockId) const override;
+    int idByCode(const QString &stockCode) const override;
     QString codeById(int stockId, int boardId) const override;
     int idByCode(const QString &stockCode, const QString &boardCode) const override;
     bool checkFlagsById(int stockId, int boardId, qint64 flags) const override;
@@ -170,6 +173,7 @@ private:
     QObject m_other;
     TestDecoder m_decoder, m_second;
     const QList<QObject *> m_plugins{nullptr, &m_other, &m_decoder, &m_second};
+    mutable std::atomic<int> m_failAt{0};
     mutable std::mutex m_mutex; // guards the three below
     QVector<SessionId> m_sessions;
     QMap<int, QString> m_stocks;

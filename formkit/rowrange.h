@@ -1,0 +1,9 @@
+#pragma once
+
+/// A run of rows, `first` to `last` - 1.
+struct RowRange
+{
+    /// The first row, and the one after the last.
+    int first;
+    int last;
+};
