@@ -40,6 +40,7 @@ void EditGuard::leave()
     Stops &stops = m_shown.stops;
     const auto isLast = [digits](const Stop &stop) { return stop.place >= digits; };
     stops.erase(std::remove_if(stops.begin(), stops.end(), isLast), stops.end());
+    m_shown.isOnItsWay = false;
 }
 
 bool EditGuard::isReadable(const NumberText &number) const
@@ -74,10 +75,12 @@ EditGuard::Verdict EditGuard::judge(const Edit &edit, int maxLength)
                                                       : takeInsertion(edit, maxLength);
 }
 
-void EditGuard::showForeign(const QString &text)
+void EditGuard::showForeign(const QString &text, const QString &doubt)
 {
     m_past.clear();
     settleForeign(text);
+    if (!doubt.isEmpty())
+        m_shown.doubt = doubt;
 }
 
 void EditGuard::settleForeign(const QString &text)

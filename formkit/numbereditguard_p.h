@@ -57,8 +57,8 @@ public:
     /// What an edit does to the shown text, which is that of the last one that was taken. A text
     /// that is longer than `maxLength` when it is grouped is refused.
     Verdict judge(const Edit &edit, int maxLength);
-    /// Shows a text that is no amount as it is.
-    void showForeign(const QString &text);
+    /// Shows a text that is no amount as it is. A doubt may say more than that.
+    void showForeign(const QString &text, const QString &doubt = {});
 
     /// What is shown.
     const QString &text() const { return m_shown.text; }
@@ -76,7 +76,8 @@ public:
     bool isBare() const;
     /// Whether there is a group separator at a place, which comes back when it is removed.
     bool isGroup(int place) const;
-    /// Forgets typed separators and points that nothing was typed after: the hand has gone.
+    /// The hand has gone: forgets typed separators and points that nothing was typed after, and
+    /// expects no further digits.
     void leave();
     static QString wordOfLength();
 

@@ -34,6 +34,7 @@ struct NumberEditor::Private
         : q(editor)
         , validator(new Judge(editor, digits))
         , guard(*validator)
+        , notice(new RefusalNotice(editor))
     {
     }
 
@@ -44,12 +45,11 @@ struct NumberEditor::Private
     void markDoubt();
     void noteCut();
     void noteReason(const QString &newReason);
-    RefusalNotice *useNotice();
 
     NumberEditor *q;
     Judge *validator;
     EditGuard guard;
-    RefusalNotice *notice = nullptr; // made when it is first needed
+    RefusalNotice *notice;
     QString value;
     std::optional<decimal> number; // the value's, none if it is no number
     bool showsRefusals = true;
@@ -75,7 +75,12 @@ NumberEditor::NumberEditor(QWidget *parent, int digits)
     setAlignment(Qt::AlignRight);
 }
 
-NumberEditor::~NumberEditor() = default;
+// QLineEdit may still report while it is destroyed.
+NumberEditor::~NumberEditor()
+{
+    setValidator(nullptr);
+    disconnect(this, nullptr, this, nullptr);
+}
 
 DecimalValidator *NumberEditor::decimalValidator() const
 {
@@ -130,6 +135,7 @@ bool NumberEditor::showsRefusals() const
 void NumberEditor::setShowsRefusals(bool shows)
 {
     d->showsRefusals = shows;
+    d->markDoubt();
 }
 
 QString NumberEditor::getValue() const
@@ -211,6 +217,8 @@ EditGuard::Edit NumberEditor::Private::editOf(const QString &text, int caret) co
         edit.by = EditGuard::Program;
     else if (q->isRedoAvailable())
         edit.by = EditGuard::History;
+    if (edit.by == EditGuard::Program || edit.by == EditGuard::History)
+        return edit;
     edit.inserted = composed >= 0 ? composed : text.size() - (before.size() - selected);
     edit.inserted = qBound(0, edit.inserted, caret);
     const QStringView all(text);
@@ -226,6 +234,13 @@ QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
     const EditGuard::Edit edit = editOf(input, pos);
     const QString before = guard.text();
     const bool wasMarked = guard.isMarked();
+    // setMaxLength() cuts what is shown.
+    if (edit.by == EditGuard::Program && input.size() == q->maxLength() &&
+        before.startsWith(input)) {
+        guard.showForeign(input, EditGuard::wordOfLength());
+        markDoubt();
+        return guard.state();
+    }
     const EditGuard::Verdict verdict = guard.judge(edit, q->maxLength());
     isCut = false;
     noteReason(verdict.reason);
@@ -271,18 +286,9 @@ void NumberEditor::Private::hold(const QString &newValue)
         number = decimal(value);
 }
 
-RefusalNotice *NumberEditor::Private::useNotice()
-{
-    if (!notice)
-        notice = new RefusalNotice(q);
-    return notice;
-}
-
 void NumberEditor::Private::markDoubt()
 {
-    const QString doubt = guard.isMarked() && showsRefusals ? guard.doubt() : QString();
-    if (notice || !doubt.isEmpty())
-        useNotice()->setDoubt(doubt);
+    notice->setDoubt(guard.isMarked() && showsRefusals ? guard.doubt() : QString());
 }
 
 // QLineEdit says so before it asks about a text that it cut, and after it was told to refuse one.
@@ -311,7 +317,7 @@ void NumberEditor::sayRefusal()
     if (reason.isEmpty())
         return;
     if (d->showsRefusals)
-        d->useNotice()->say(reason, cursorRect().bottomLeft());
+        d->notice->say(reason, cursorRect().bottomLeft());
     Q_EMIT refused(reason);
 }
 
@@ -347,7 +353,7 @@ void NumberEditor::redo()
 void NumberEditor::keyPressEvent(QKeyEvent *event)
 {
     const bool isModifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
-    if (d->notice && !isModifier)
+    if (!isModifier)
         d->notice->unsay();
     if (isReadOnly())
         QLineEdit::keyPressEvent(event);
@@ -422,11 +428,14 @@ void NumberEditor::focusOutEvent(QFocusEvent *event)
     const bool leaves =
         event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason;
     if (leaves && !isReadOnly()) {
+        if (!d->guard.isMarked())
+            d->noteReason(d->guard.doubt());
         d->guard.leave();
-        d->noteReason(d->guard.isMarked() && d->notice ? QString() : d->guard.doubt());
+        d->markDoubt();
         if (d->guard.isBare())
             clear();
     }
     QLineEdit::focusOutEvent(event);
-    sayRefusal();
+    if (leaves)
+        sayRefusal();
 }

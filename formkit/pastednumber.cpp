@@ -57,15 +57,15 @@ PastedNumber::PastedNumber(QStringView text, const QLocale &locale, const Locale
     number = withoutCurrency(number);
     if (!hasSign)
         hasSign = readSign(&number);
-    if (refuseOthers(number))
-        return;
+    const bool hasDigit = std::any_of(number.begin(), number.end(),
+                                      [&](QChar c) { return symbols.digitValue(c) >= 0; });
     const int foreign = foreignPoint(number, locale);
-    if (foreign >= 0)
-        readForeign(number, foreign);
-    else
-        readGroups(number);
-    if (m_reason.isEmpty() && m_number.isEmpty())
+    if (!hasDigit)
         m_reason = tr("There is no number to take over");
+    else if (!refuseOthers(number) && foreign >= 0)
+        readForeign(number, foreign);
+    else if (m_reason.isEmpty())
+        readGroups(number);
     if (!m_reason.isEmpty())
         m_number.clear();
 }
@@ -110,20 +110,21 @@ QStringView PastedNumber::withoutCurrency(QStringView text)
     return trimmed(text.left(text.size() - currencySize(text, false)));
 }
 
-// The first character that no number has.
+// Names the first character that no number has, a blank only if there is nothing else.
 bool PastedNumber::refuseOthers(QStringView number)
 {
+    QChar other;
     for (const QChar c : number) {
         const LocaleSymbols::Kind kind = m_symbols.kindOf(c);
-        const bool isMark = kind == LocaleSymbols::Point || kind == LocaleSymbols::Group ||
-                            c == QLatin1Char('.') || c == QLatin1Char(',') ||
-                            c == QLatin1Char('/');
-        if (kind != LocaleSymbols::Digit && !isMark) {
-            m_reason = wordOf(c, m_symbols);
-            return true;
-        }
+        const bool belongs = kind == LocaleSymbols::Digit || kind == LocaleSymbols::Point ||
+                             kind == LocaleSymbols::Group || c == QLatin1Char('.') ||
+                             c == QLatin1Char(',') || c == QLatin1Char('/');
+        if (!belongs && (other.isNull() || other.isSpace()))
+            other = c;
     }
-    return false;
+    if (!other.isNull())
+        m_reason = wordOf(other, m_symbols);
+    return !m_reason.isEmpty();
 }
 
 // The place of a mark that may be a point other than the locale's, if it is the only one; or -1.
@@ -216,7 +217,8 @@ bool fitsInGroups(QStringView number, const LocaleSymbols &symbols)
 bool fitsInGroups(const QVector<int> &sizes, const LocaleSymbols &symbols, bool mayGrow)
 {
     const int size = symbols.lastGroupSize();
-    const auto inner = [](int digits) { return digits == 2 || digits == 3; };
+    const bool mayBePairs = symbols.group() == QLatin1Char(',');
+    const auto inner = [&](int digits) { return digits == size || (mayBePairs && digits == 2); };
     return sizes.size() == 1 ||
            (sizes.first() >= 1 && sizes.first() <= size &&
             std::all_of(sizes.begin() + 1, sizes.end() - 1, inner) &&

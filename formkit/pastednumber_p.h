@@ -16,7 +16,7 @@ public:
     PastedNumber(QStringView text, const QLocale &locale, const LocaleSymbols &symbols);
 
     /// The sign, digits and point that the text says, without groups; empty when there is a
-    /// reason. It may be a part of a number, such as "-" or ".5".
+    /// reason. It may lack what stands in front of a point, and may be far too long.
     const QString &number() const { return m_number; }
     const QString &reason() const { return m_reason; }
 
@@ -41,9 +41,9 @@ private:
 };
 
 /// Whether separators stand where the locale groups, or there are none: 1 to as many digits as a
-/// group has in front of the first, not beginning with a zero; 2 or 3 between two, because some
-/// regions of a language group by 2; and exactly the locale's count after the last. Signs do not
-/// count, and no separator may follow the point.
+/// group has in front of the first, not beginning with a zero; as many between two, or 2 where a
+/// comma groups (India and its neighbours write 12,34,567); and exactly as many after the last.
+/// Signs do not count, and no separator may follow the point.
 bool fitsInGroups(QStringView number, const LocaleSymbols &symbols);
 /// The same for the digits between the separators of an integer. With `mayGrow` it is enough that
 /// the last group comes to fit when more digits follow.

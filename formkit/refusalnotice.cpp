@@ -31,8 +31,18 @@ void RefusalNotice::say(const QString &reason, const QPoint &place)
     setAccessibleName(reason);
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
-    QToolTip::showText(field->mapToGlobal(place), reason, field);
+    // The next field's focus would hide it again.
+    if (field->hasFocus())
+        showTip(place);
+    else
+        QTimer::singleShot(0, this, [this, place] { showTip(place); });
     flash();
+}
+
+void RefusalNotice::showTip(const QPoint &place)
+{
+    if (!m_said.isEmpty() && parentWidget()->isVisible())
+        QToolTip::showText(parentWidget()->mapToGlobal(place), m_said, parentWidget());
 }
 
 void RefusalNotice::unsay()
@@ -44,6 +54,8 @@ void RefusalNotice::unsay()
 
 void RefusalNotice::setDoubt(const QString &doubt)
 {
+    if (doubt == m_doubt)
+        return;
     m_doubt = doubt;
     if (!doubt.isEmpty())
         setAccessibleName(doubt);

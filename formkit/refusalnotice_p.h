@@ -28,6 +28,7 @@ protected:
     bool eventFilter(QObject *field, QEvent *event) override;
 
 private:
+    void showTip(const QPoint &place);
     void flash();
     void endFlash();
 
