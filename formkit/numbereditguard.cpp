@@ -251,6 +251,8 @@ EditGuard::Verdict EditGuard::settle(const Edit &edit, const NumberText &number,
                                                    int(number.fraction().size()));
     if (!m_shown.stops.isEmpty())
         m_past.insert(text, m_shown);
+    if (text == edit.after)
+        return take(text, edit.caret);
     const int behind = countUngrouped(QStringView(edit.after).mid(edit.caret), symbols());
     const int count = qMax(0, countUngrouped(text, symbols()) - behind);
     return take(text, placeAfter(count, text, symbols()));
