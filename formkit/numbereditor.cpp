@@ -407,7 +407,12 @@ void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
     const QScopedValueRollback<EditGuard::By> by(d->by, size == 1 ? EditGuard::Key
                                                                   : EditGuard::Insertion);
     const QScopedValueRollback<int> composed(d->composed, size);
+    const QString before = text();
+    const int caret = hasSelectedText() ? -1 : cursorPosition();
     QLineEdit::inputMethodEvent(event);
+    // QLineEdit takes back a refused commit, and leaves what that replaced selected.
+    if (size > 0 && text() == before && caret >= 0)
+        setCursorPosition(caret);
     sayRefusal();
 }
 
