@@ -9,7 +9,9 @@ QValidator::State EditGuard::state() const
 {
     if (!m_shown.number)
         return QValidator::Intermediate;
-    return isBeyondLimits() ? QValidator::Intermediate : m_limits.judge(*m_shown.number);
+    if (m_judgedBy != limits())
+        judgeBy(NumberText(text(), symbols()));
+    return m_fault == Fault::None ? m_limits.judge(*m_shown.number) : QValidator::Intermediate;
 }
 
 QString EditGuard::value() const
@@ -49,6 +51,18 @@ bool EditGuard::isReadable(const NumberText &number) const
            (!number.hasDigits() || decimal::canConvert(number.text(), false, symbols()));
 }
 
+EditGuard::Limits EditGuard::limits() const
+{
+    return {m_limits.getDigits(), m_limits.getNumDigits(), m_limits.getCanNegative(),
+            m_limits.getCanBeZero()};
+}
+
+void EditGuard::judgeBy(const NumberText &number) const
+{
+    m_fault = m_limits.faultOf(number);
+    m_judgedBy = limits();
+}
+
 bool EditGuard::isBeyondLimits() const
 {
     return m_shown.number && m_limits.faultOf(NumberText(text(), symbols())) != Fault::None;
@@ -61,6 +75,7 @@ EditGuard::Verdict EditGuard::judge(const Edit &edit, int maxLength)
     const auto past = m_past.constFind(edit.after);
     if (edit.by == History && past != m_past.constEnd()) {
         m_shown = *past;
+        m_judgedBy.reset();
         return take(edit.after, edit.caret);
     }
     if (edit.by == Program || edit.by == History)
@@ -122,6 +137,8 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
 {
     const int place = edit.caret - 1;
     const QChar key = edit.after.at(place);
+    if (symbols().digitValue(key) >= 0)
+        return takeEdit(edit, maxLength);
     const NumberText before(QStringView(edit.after).left(place), symbols());
     const bool isZero =
         before.integer().size() == 1 && symbols().digitValue(before.integer().front()) == 0;
@@ -189,14 +206,16 @@ EditGuard::Verdict EditGuard::takeEdit(Edit edit, int maxLength, const Stop *typ
 // What is typed in front of an integer part that is one zero takes its place.
 void EditGuard::dropZeroAfter(Edit *edit) const
 {
+    if (edit->inserted == 0 || edit->caret >= edit->after.size() ||
+        symbols().digitValue(edit->after.at(edit->caret)) != 0)
+        return;
     const int place = edit->caret - edit->inserted;
     const QStringView after(edit->after);
     const NumberText front(after.left(place), symbols());
     const NumberText inserted(after.mid(place, edit->inserted), symbols());
     const NumberText rest(after.mid(edit->caret), symbols());
     const bool areDigits = inserted.hasDigits() && inserted.text() == inserted.integer();
-    if (areDigits && front.text() == front.sign() && rest.integer().size() == 1 &&
-        symbols().digitValue(rest.integer().front()) == 0)
+    if (areDigits && front.text() == front.sign() && rest.integer().size() == 1)
         edit->after.remove(edit->caret, 1);
 }
 
@@ -208,6 +227,8 @@ int EditGuard::integerDigits(QStringView text) const
 // Stops move with the digits in front of them and go with the one next to them.
 EditGuard::Stops EditGuard::movedStops(const Edit &edit, int removed) const
 {
+    if (m_shown.stops.isEmpty())
+        return {};
     const QStringView after(edit.after);
     const int place = edit.caret - edit.inserted;
     const int from = integerDigits(after.left(place));
@@ -249,6 +270,7 @@ EditGuard::Verdict EditGuard::settle(const Edit &edit, const NumberText &number,
     if (number.hasDigits() && doubt().isEmpty())
         m_shown.number = decimal::fromLocaleString(number.text(), symbols(),
                                                    int(number.fraction().size()));
+    judgeBy(number);
     if (!m_shown.stops.isEmpty())
         m_past.insert(text, m_shown);
     if (text == edit.after)

@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include <optional>
+#include <tuple>
 
 /// Watches over the text of a number editor: judges every edit by who did it, and remembers what
 /// the text alone does not tell. No edit makes an amount that was not typed or pasted:
@@ -101,9 +102,12 @@ private:
     };
 
     using Fault = DecimalValidator::Fault;
+    using Limits = std::tuple<int, int, bool, bool>;
 
     const LocaleSymbols &symbols() const { return m_limits.symbols(); }
     bool isReadable(const NumberText &number) const;
+    Limits limits() const;
+    void judgeBy(const NumberText &number) const;
     bool isBeyondLimits() const;
     int integerDigits(QStringView text) const;
     Verdict take(const QString &text, int caret) const { return {true, text, caret, {}}; }
@@ -125,5 +129,8 @@ private:
 
     const DecimalValidator &m_limits;
     Shown m_shown;
+    // The state of the shown text rests on limits that may change.
+    mutable Fault m_fault = Fault::None;
+    mutable std::optional<Limits> m_judgedBy;
     QHash<QString, Shown> m_past; // texts with a doubt or stops that undo may lead back to
 };

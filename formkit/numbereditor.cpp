@@ -54,7 +54,7 @@ struct NumberEditor::Private
     std::optional<decimal> number; // the value's, none if it is no number
     bool showsRefusals = true;
 
-    EditGuard::By by = EditGuard::Insertion;
+    EditGuard::By by = EditGuard::Key; // more than one character is an insertion in any case
     // Of what is composed QLineEdit tells in advance how much it inserts, not how much it removes.
     int composed = -1;
     int selected = 0;
@@ -416,14 +416,17 @@ void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
     sayRefusal();
 }
 
+// The middle button pastes.
 void NumberEditor::mouseReleaseEvent(QMouseEvent *event)
 {
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
     QLineEdit::mouseReleaseEvent(event);
     sayRefusal();
 }
 
 void NumberEditor::dropEvent(QDropEvent *event)
 {
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
     QLineEdit::dropEvent(event);
     sayRefusal();
 }

@@ -87,6 +87,8 @@ QString PastedNumber::wordOf(QChar c, const LocaleSymbols &symbols)
         return tr("A blank groups digits here; the decimal point is '%1'").arg(symbols.point());
     if (groups)
         return tr("'%1' groups digits here; the decimal point is '%2'").arg(c).arg(symbols.point());
+    if (c.isSpace())
+        return tr("A blank does not belong there in a number");
     return tr("'%1' does not belong there in a number").arg(c);
 }
 

@@ -64,12 +64,13 @@ void RefusalNotice::setDoubt(const QString &doubt)
 
 void RefusalNotice::flash()
 {
+    const QWidget *const field = parentWidget();
     const bool isAnimated =
-        style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+        field->style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, field) > 0;
     if (!isAnimated || (m_lastFlash.isValid() && !m_lastFlash.hasExpired(FlashPause)))
         return;
     m_lastFlash.start();
-    setGeometry(parentWidget()->rect());
+    setGeometry(field->rect());
     show();
     QTimer::singleShot(FlashLength, this, &RefusalNotice::endFlash);
 }
