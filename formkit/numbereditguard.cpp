@@ -142,12 +142,11 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
     const NumberText before(QStringView(edit.after).left(place), symbols());
     const bool isZero =
         before.integer().size() == 1 && symbols().digitValue(before.integer().front()) == 0;
-    const bool canGroup = before.shape() != NumberText::Integer ||
-                          (!before.integer().isEmpty() && !isZero);
+    const bool canGroup =
+        before.shape() != NumberText::Integer || (!before.integer().isEmpty() && !isZero);
     const bool groups = symbols().kindOf(key) == LocaleSymbols::Group;
     if (edit.by == KeypadPoint ||
-        ((!groups || !canGroup) &&
-         PastedNumber::isForeignPoint(key, m_limits.locale(), symbols())))
+        ((!groups || !canGroup) && PastedNumber::isForeignPoint(key, m_limits.locale(), symbols())))
         edit.after[place] = symbols().point();
     else if (groups)
         return typeSeparator(edit, maxLength);
@@ -268,8 +267,8 @@ EditGuard::Verdict EditGuard::settle(const Edit &edit, const NumberText &number,
     if (number.hasDigits() || !stops.isEmpty())
         settleStops(stops, number);
     if (number.hasDigits() && doubt().isEmpty())
-        m_shown.number = decimal::fromLocaleString(number.text(), symbols(),
-                                                   int(number.fraction().size()));
+        m_shown.number =
+            decimal::fromLocaleString(number.text(), symbols(), int(number.fraction().size()));
     judgeBy(number);
     if (!m_shown.stops.isEmpty())
         m_past.insert(text, m_shown);
@@ -337,7 +336,8 @@ QString EditGuard::wordOf(Fault fault, const Edit &edit, const NumberText &numbe
     }
     const auto isPoint = [this](QChar c) { return symbols().kindOf(c) == LocaleSymbols::Point; };
     const QStringView all = number.text();
-    return std::count_if(all.begin(), all.end(), isPoint) > 1 ? tr("A number has one decimal point") : tr("A sign stands in front");
+    return std::count_if(all.begin(), all.end(), isPoint) > 1 ? tr("A number has one decimal point")
+                                                              : tr("A sign stands in front");
 }
 
 QString EditGuard::wordOfPoint()

@@ -369,8 +369,7 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
 
 void NumberEditor::typeKey(QKeyEvent *event)
 {
-    const bool isPoint =
-        event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
+    const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
     const bool isDelete = event->matches(QKeySequence::Delete);
     if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
         d->guard.isGroup(cursorPosition())) {
@@ -404,8 +403,8 @@ void NumberEditor::typeSystemPoint(QKeyEvent *event)
 void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
 {
     const int size = event->commitString().size();
-    const QScopedValueRollback<EditGuard::By> by(d->by, size == 1 ? EditGuard::Key
-                                                                  : EditGuard::Insertion);
+    const QScopedValueRollback<EditGuard::By> by(d->by,
+                                                 size == 1 ? EditGuard::Key : EditGuard::Insertion);
     const QScopedValueRollback<int> composed(d->composed, size);
     const QString before = text();
     const int caret = hasSelectedText() ? -1 : cursorPosition();

@@ -44,7 +44,7 @@ int currencySize(QStringView text, bool inFront)
     const QStringView code = inFront ? text.left(CodeSize) : text.right(CodeSize);
     const bool isCode = std::all_of(code.begin(), code.end(), [](QChar c) { return c.isUpper(); });
     return isCode && code.size() == CodeSize && currencyCodes().contains(code.toString()) ? CodeSize
-                                                                                        : 0;
+                                                                                          : 0;
 }
 
 } // namespace
@@ -221,8 +221,7 @@ bool fitsInGroups(const QVector<int> &sizes, const LocaleSymbols &symbols, bool 
     const int size = symbols.lastGroupSize();
     const bool mayBePairs = symbols.group() == QLatin1Char(',');
     const auto inner = [&](int digits) { return digits == size || (mayBePairs && digits == 2); };
-    return sizes.size() == 1 ||
-           (sizes.first() >= 1 && sizes.first() <= size &&
-            std::all_of(sizes.begin() + 1, sizes.end() - 1, inner) &&
-            (sizes.last() == size || (mayGrow && sizes.last() < size)));
+    return sizes.size() == 1 || (sizes.first() >= 1 && sizes.first() <= size &&
+                                 std::all_of(sizes.begin() + 1, sizes.end() - 1, inner) &&
+                                 (sizes.last() == size || (mayGrow && sizes.last() < size)));
 }

@@ -8,8 +8,8 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QRandomGenerator>
 #include <QProxyStyle>
+#include <QRandomGenerator>
 #include <QToolTip>
 
 Q_DECLARE_METATYPE(DataRow)
@@ -129,7 +129,8 @@ void NumberEditorTest::typing()
 }
 
 // A tool tip until the next key, a flash of the frame that is not repeated at once, and a frame as
-// long as there is a doubt; no flash where the style animates nothing. The program can have it all to itself.
+// long as there is a doubt; no flash where the style animates nothing. The program can have it all
+// to itself.
 void NumberEditorTest::refusals()
 {
     TestHost host;
