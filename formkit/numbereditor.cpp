@@ -14,7 +14,7 @@
 
 // What QLineEdit asks about every text, whichever way it came. The text that is edited goes to
 // the guard.
-class NumberEditor::Judge : public DecimalValidator
+class Q_DECL_HIDDEN NumberEditor::Judge : public DecimalValidator
 {
 public:
     Judge(NumberEditor *editor, int digits)
@@ -28,7 +28,7 @@ private:
     NumberEditor *m_editor;
 };
 
-struct NumberEditor::Private
+struct Q_DECL_HIDDEN NumberEditor::Private
 {
     Private(NumberEditor *editor, int digits)
         : q(editor)

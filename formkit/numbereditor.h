@@ -10,23 +10,17 @@
 class DecimalValidator;
 
 /// A line edit for a decimal number. Value is the number in system form ("-1234.50"); the user
-/// sees and types it in the locale of the editor's validator, regrouped while typing. No edit
-/// makes an amount that was not typed or pasted:
+/// sees and types it in the locale of the editor's validator, regrouped while typing. What is
+/// typed, pasted, shown and held is one amount or none; docs/numbers.md has the rules:
 ///
-/// - Typed: a group separator vanishes into the grouping. '.' and ',' are the decimal point where
-///   they do not group, or could not (".5", "0.5"); so is '/' under Arabic and Persian locales.
-///   The keypad's decimal key is always the point. While the digits after a typed separator make
-///   no group ("1,5"), or follow a point in a field for whole numbers, there is no value.
-/// - Pasted, dropped, composed: blanks around a number, one currency sign or ISO 4217 code, and
-///   groups in their places are left out. Everything else is refused whole: what could be two
-///   amounts, other characters, what maxLength() would cut.
-/// - Set: a number is shown in full, also beyond the limits for typing and, for setValue(), beyond
-///   maxLength(), which is raised. A value in no system form is shown as it is and marked; edits
-///   may shorten it, or make it a number within the limits.
-///
-/// While the field is marked it has no valid value, and its tool tip says why. Clearing it or
-/// replacing the text ends that. See docs for more: a field that holds only a sign, a point or
-/// blanks has no value, and is emptied when the focus leaves it.
+/// - A typed group separator vanishes into the grouping. Where the digits after it make no group,
+///   there is no value. '.' and ',' type the point where they cannot group.
+/// - A paste is taken or refused whole. Blanks, a currency and groups in their places are left out.
+/// - setValue() shows a number in full, beyond all limits, maxLength() included. A value in no
+///   system form is shown as it is.
+/// - A text that is not the amount that it looks like is marked, and isValid() is false, until it
+///   is replaced or edited so that it is one. The field's tool tip says why.
+/// - A field with only a sign, a point or blanks has no value. It is emptied on leaving.
 class FORMKIT_EXPORT NumberEditor : public QLineEdit
 {
     Q_OBJECT
