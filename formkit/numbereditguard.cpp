@@ -223,7 +223,7 @@ int EditGuard::integerDigits(QStringView text) const
     return int(NumberText(text, symbols()).integer().size());
 }
 
-// Stops move with the digits in front of them and go with the one next to them.
+// Stops move with the digits in front of them. A last one goes with the digit next to it.
 EditGuard::Stops EditGuard::movedStops(const Edit &edit, int removed) const
 {
     if (m_shown.stops.isEmpty())
@@ -233,12 +233,15 @@ EditGuard::Stops EditGuard::movedStops(const Edit &edit, int removed) const
     const int from = integerDigits(after.left(place));
     const int to = integerDigits(QStringView(text()).left(place + removed));
     const int added = integerDigits(after.left(edit.caret)) - from;
+    const int digits = integerDigits(text());
     Stops stops;
     for (Stop stop : m_shown.stops) {
         if (stop.place > to)
             stop.place += added - (to - from);
-        else if (stop.place > from)
+        else if (stop.place > from && to == digits)
             continue;
+        else
+            stop.place = qMin(stop.place, from);
         stops << stop;
     }
     return stops;
