@@ -36,6 +36,12 @@ bool EditGuard::isGroup(int place) const
            symbols().kindOf(text().at(place)) == LocaleSymbols::Group;
 }
 
+void EditGuard::endHistory()
+{
+    m_past.clear();
+    m_past.insert(text(), m_shown);
+}
+
 void EditGuard::leave()
 {
     const int digits = integerDigits(text());
@@ -82,7 +88,8 @@ EditGuard::Verdict EditGuard::judge(const Edit &edit, int maxLength)
         return takeAsGiven(edit, maxLength);
     if (edit.isCut)
         return refuse(wordOfLength());
-    if (m_shown.isForeign)
+    const bool replacesAll = edit.inserted == edit.after.size();
+    if (m_shown.isForeign && !replacesAll)
         return takeForeign(edit, maxLength);
     if (edit.inserted == 0)
         return takeEdit(edit, maxLength);

@@ -77,6 +77,8 @@ public:
     bool isBare() const;
     /// Whether there is a group separator at a place, which comes back when it is removed.
     bool isGroup(int place) const;
+    /// Undo leads back to the shown text and no further.
+    void endHistory();
     /// The hand has gone: forgets typed separators and points that nothing was typed after, and
     /// expects no further digits.
     void leave();

@@ -251,6 +251,8 @@ QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
         refused = input;
         return QValidator::Invalid;
     }
+    if (verdict.text != input)
+        guard.endHistory();
     input = verdict.text;
     pos = verdict.caret;
     if (guard.isMarked() && !wasMarked && edit.by != EditGuard::Program)
