@@ -7,6 +7,8 @@
 #include <QLocale>
 #include <QValidator>
 
+class NumberText;
+
 // Checks and regroups, keystroke by keystroke, the text of a line edit that holds a decimal
 // number: limits its digits, inserts the group separators of the locale, drops leading zeros
 // and a leading plus, and keeps the caret behind as many characters as before, separators not
@@ -71,13 +73,14 @@ public:
     // is no number at all.
     static bool isZero(double number) { return qIsNaN(number) || qFuzzyCompare(number + 1.0, 1.0); }
 
-protected:
-    // Writes a number as validate() does, also beyond the limits; any other text stays as it is.
-    void regroup(QString &input, int &pos) const;
-
 private:
+    friend class EditGuard;
+    // What keeps a text from being accepted.
+    enum class Fault { None, NoNumber, Point, Minus, IntegerDigits, FractionDigits, Digits };
+
     const LocaleSymbols &symbols() const;
-    State judge(QStringView number, int scale) const;
+    Fault faultOf(const NumberText &number) const;
+    State judge(const decimal &number) const;
 
     int m_digits;
     bool m_canNegative;

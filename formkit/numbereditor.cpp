@@ -2,244 +2,161 @@
 
 #include "decimalvalidator.h"
 #include "keymapper.h"
+#include "numbereditguard_p.h"
+#include "refusalnotice_p.h"
 
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
+#include <QTimer>
 
-namespace {
+#include <utility>
 
-// True when the last group separator in the text has more or fewer digits behind it, up to the
-// point or the end, than a group has. Separators at the ends are what is left of a larger number,
-// or blanks around it.
-bool isMisgrouped(QStringView text, const LocaleSymbols &symbols)
-{
-    while (!text.isEmpty() && symbols.kindOf(text.back()) == LocaleSymbols::Group)
-        text.chop(1);
-    bool behindPoint = false;
-    bool behindSeparator = false;
-    int digits = 0;
-    for (const QChar c : text) {
-        const LocaleSymbols::Kind kind = symbols.kindOf(c);
-        if (kind == LocaleSymbols::Group) {
-            behindSeparator = true;
-            digits = 0;
-        } else if (kind == LocaleSymbols::Point) {
-            behindPoint = true;
-        } else if (!behindPoint) {
-            ++digits;
-        }
-    }
-    return behindSeparator && digits != symbols.lastGroupSize();
-}
-
-// True when `shorter` is left of `longer` when characters are removed.
-bool isRemainder(const QString &shorter, const QString &longer)
-{
-    int found = 0;
-    for (const QChar c : longer) {
-        if (found < shorter.size() && shorter.at(found) == c)
-            ++found;
-    }
-    return found == shorter.size();
-}
-
-} // namespace
-
-// The validator of an editor, which knows what the editor showed before. QLineEdit undoes a
-// refused edit only as long as no refused text is shown, and never undoes what the program
-// sets; so a refused text that has to stay is called Intermediate here, which keeps QLineEdit
-// watching over the edits that follow.
-class NumberEditor::EditGuard : public DecimalValidator
+// What QLineEdit asks about every text, whichever way it came. The text that is edited goes to
+// the guard.
+class Q_DECL_HIDDEN NumberEditor::Judge : public DecimalValidator
 {
 public:
-    EditGuard(QLineEdit *editor, int digits)
+    Judge(NumberEditor *editor, int digits)
         : DecimalValidator(digits, true, true, editor), m_editor(editor)
     {
-        connect(editor, &QLineEdit::selectionChanged, this, &EditGuard::noteSelection);
     }
 
-    // Shows a text that is not to be read as another number than it says.
-    void show(const QString &text)
-    {
-        const QScopedValueRollback<bool> given(m_isGiven, true);
-        if (text.size() > m_editor->maxLength())
-            m_editor->setMaxLength(text.size());
-        // QLineEdit does not ask again about the same text.
-        if (text == m_editor->text())
-            m_editor->clear();
-        m_editor->setText(text);
-    }
-
-    using DecimalValidator::regroup;
-
-    // Whether the shown text says no number, although without its separators it might.
-    bool isShownForeign() const { return m_isShownForeign; }
-    // Whether the text was refused, so that it is not shown unless QLineEdit cannot undo it.
-    bool hasRefused(const QString &text) const { return !text.isEmpty() && text == m_refused; }
-
-    bool isMisgrouped(QStringView text) const
-    {
-        return ::isMisgrouped(text, LocaleSymbols(locale()));
-    }
-
-    State validate(QString &input, int &pos) const override
-    {
-        if (input != m_editor->text())
-            return DecimalValidator::validate(input, pos);
-        QString text = input;
-        int caret = pos;
-        State state = DecimalValidator::validate(text, caret);
-        if (state == Invalid) {
-            text = input;
-            caret = pos;
-            regroup(text, caret);
-        }
-        const bool isMisread = this->isMisread(input, pos);
-        // What is given is a number as the locale writes it, or is to be shown as it is.
-        const bool isKept = isMisread || !fits(text) || (m_isGiven && text != input);
-        if (isKept)
-            state = Invalid;
-        if (state == Invalid && !mayStay(input)) {
-            m_refused = input;
-            return Invalid;
-        }
-        const bool isNumber = state != Invalid || validateParsedString(text) != Invalid;
-        if (isNumber && !isKept) {
-            input = text;
-            pos = caret;
-        }
-        m_isShownForeign = !isNumber || (isKept && isMisgrouped(input));
-        m_shown = input;
-        m_refused.clear();
-        // Undo selects without selectionChanged().
-        noteSelection();
-        return state == Invalid ? Intermediate : state;
-    }
+    State validate(QString &input, int &pos) const override;
 
 private:
-    void noteSelection() const { m_selected = m_editor->selectedText().size(); }
+    NumberEditor *m_editor;
+};
 
-    // A text that the program sets comes without a history.
-    bool isOfProgram() const { return !m_editor->isUndoAvailable() && !isUndone(); }
-    // Undoing leads back to what was shown before.
-    bool isUndone() const { return m_editor->isRedoAvailable(); }
-
-    // QLineEdit cuts off what does not fit.
-    bool fits(const QString &text) const { return text.size() <= m_editor->maxLength(); }
-
-    bool refusesShown() const
+struct Q_DECL_HIDDEN NumberEditor::Private
+{
+    Private(NumberEditor *editor, int digits)
+        : q(editor)
+        , validator(new Judge(editor, digits))
+        , guard(*validator)
+        , notice(new RefusalNotice(editor))
     {
-        QString shown = m_shown;
-        int pos = 0;
-        return m_isShownForeign || DecimalValidator::validate(shown, pos) == Invalid ||
-               !fits(shown);
     }
 
-    bool mayStay(const QString &text) const
-    {
-        return isOfProgram() || isUndone() || (isRemainder(text, m_shown) && refusesShown());
-    }
+    EditGuard::Edit editOf(const QString &text, int caret) const;
+    QValidator::State judge(QString &input, int &pos);
+    void show();
+    void hold(const QString &newValue);
+    void markDoubt();
+    void noteCut();
+    void noteReason(const QString &newReason);
 
-    // Whether separators out of place would be dropped, and make another number: anywhere in a
-    // value that is given, in a text that was shown before and in one that was no number and is
-    // edited; otherwise in what one edit put in front of the caret in place of the selection.
-    // Single characters are typed; the groups move around them.
-    bool isMisread(const QString &text, int pos) const
-    {
-        if (m_isGiven || text == m_shown || isUndone())
-            return isMisgrouped(text);
-        if (isOfProgram())
-            return false;
-        if (m_isShownForeign)
-            return isMisgrouped(text);
-        const int size = text.size() - (m_shown.size() - m_selected);
-        return size > 1 && size <= pos && isMisgrouped(QStringView(text).mid(pos - size, size));
-    }
+    NumberEditor *q;
+    Judge *validator;
+    EditGuard guard;
+    RefusalNotice *notice;
+    QString value;
+    std::optional<decimal> number; // the value's, none if it is no number
+    bool showsRefusals = true;
 
-    QLineEdit *m_editor;
-    bool m_isGiven = false;
-    mutable QString m_shown;
-    mutable QString m_refused;
-    mutable bool m_isShownForeign = false;
-    mutable int m_selected = 0;
+    EditGuard::By by = EditGuard::Key; // more than one character is an insertion in any case
+    // Of what is composed QLineEdit tells in advance how much it inserts, not how much it removes.
+    int composed = -1;
+    int selected = 0;
+    bool isCut = false;
+    QString refused; // QLineEdit shows it until it has taken it back
+    QString reason;  // not said yet
 };
 
 NumberEditor::NumberEditor(QWidget *parent, int digits)
-    : QLineEdit(parent), m_validator(new EditGuard(this, digits))
+    : QLineEdit(parent), d(new Private(this, digits))
 {
     connect(this, &QLineEdit::textChanged, this, &NumberEditor::edit_changed);
-    connect(m_validator, &QValidator::changed, this, [this] { showText(toText(m_value)); });
-    setValidator(m_validator);
+    connect(this, &QLineEdit::selectionChanged, this,
+            [this] { d->selected = selectedText().size(); });
+    connect(this, &QLineEdit::inputRejected, this, [this] { d->noteCut(); });
+    connect(d->validator, &QValidator::changed, this, [this] { d->show(); });
+    setValidator(d->validator);
     setAlignment(Qt::AlignRight);
+}
+
+// QLineEdit may still report while it is destroyed.
+NumberEditor::~NumberEditor()
+{
+    setValidator(nullptr);
+    disconnect(this, nullptr, this, nullptr);
 }
 
 DecimalValidator *NumberEditor::decimalValidator() const
 {
-    return m_validator;
+    return d->validator;
 }
 
 int NumberEditor::digits() const
 {
-    return m_validator->getDigits();
+    return d->validator->getDigits();
 }
 
 void NumberEditor::setDigits(int digits)
 {
-    m_validator->setDigits(digits);
+    d->validator->setDigits(digits);
 }
 
 int NumberEditor::numDigits() const
 {
-    return m_validator->getNumDigits();
+    return d->validator->getNumDigits();
 }
 
 void NumberEditor::setNumDigits(int numDigits)
 {
-    m_validator->setNumDigits(numDigits);
+    d->validator->setNumDigits(numDigits);
 }
 
 bool NumberEditor::getCanNegative() const
 {
-    return m_validator->getCanNegative();
+    return d->validator->getCanNegative();
 }
 
 void NumberEditor::setCanNegative(bool canNegative)
 {
-    m_validator->setCanNegative(canNegative);
+    d->validator->setCanNegative(canNegative);
 }
 
 bool NumberEditor::getCanBeZero() const
 {
-    return m_validator->getCanBeZero();
+    return d->validator->getCanBeZero();
 }
 
 void NumberEditor::setCanBeZero(bool canBeZero)
 {
-    m_validator->setCanBeZero(canBeZero);
+    d->validator->setCanBeZero(canBeZero);
+}
+
+bool NumberEditor::showsRefusals() const
+{
+    return d->showsRefusals;
+}
+
+void NumberEditor::setShowsRefusals(bool shows)
+{
+    d->showsRefusals = shows;
+    d->markDoubt();
+}
+
+QString NumberEditor::getValue() const
+{
+    return d->value;
 }
 
 decimal NumberEditor::getDecimal() const
 {
-    if (!decimal::canConvert(m_value, false))
-        return decimal::zero;
-    if (!getCanBeZero() && DecimalValidator::isZero(m_value.toDouble()))
-        return decimal::zero;
-    return decimal(m_value);
+    return d->number && (getCanBeZero() || isValid()) ? *d->number : decimal::zero;
 }
 
 bool NumberEditor::isValid() const
 {
-    if (getCanBeZero())
-        return !m_value.isEmpty();
-    bool isNumber = false;
-    const double number = m_value.toDouble(&isNumber);
-    return isNumber && !DecimalValidator::isZero(number);
+    return d->number && (getCanBeZero() || !DecimalValidator::isZero(d->number->toDouble()));
 }
 
 QString NumberEditor::fromText(const QString &text) const
 {
     try {
-        return m_validator->textToDecimal(text).toString();
+        return d->validator->textToDecimal(text).toString();
     } catch (...) {
         return text;
     }
@@ -250,7 +167,7 @@ QString NumberEditor::toText(const QString &value) const
     if (value.isEmpty())
         return QString();
     try {
-        return m_validator->decimalToText(decimal(value));
+        return d->validator->decimalToText(decimal(value));
     } catch (...) {
         return value;
     }
@@ -258,13 +175,15 @@ QString NumberEditor::toText(const QString &value) const
 
 void NumberEditor::setValue(const QString &newValue)
 {
-    if (newValue == m_value)
+    const bool lacksValue = d->value.isEmpty() && !text().isEmpty();
+    if (newValue == d->value && !lacksValue)
         return;
     const QString newText = toText(newValue);
-    const bool looksNew = newText != toText(m_value);
-    m_value = newValue;
-    if (looksNew && newText != text())
-        showText(newText);
+    const bool looksNew = lacksValue || newText != toText(d->value);
+    const bool wasNumber = d->number.has_value();
+    d->hold(newValue);
+    if (wasNumber != d->number.has_value() || lacksValue || (looksNew && newText != text()))
+        d->show();
 }
 
 void NumberEditor::setValue(decimal newValue)
@@ -272,43 +191,155 @@ void NumberEditor::setValue(decimal newValue)
     setValue(newValue.toString());
 }
 
-void NumberEditor::showText(const QString &newText)
-{
-    const bool wasBlocked = blockSignals(true);
-    m_validator->show(newText);
-    blockSignals(wasBlocked);
-}
-
 void NumberEditor::edit_changed(const QString &newText)
 {
-    // After a limit has changed, Redo may bring back what is refused now. QLineEdit keeps that,
-    // and would refuse nothing from then on.
-    if (m_validator->hasRefused(newText))
-        showText(newText);
-    const QString newValue = m_validator->isShownForeign() ? newText : fromText(newText);
-    if (newValue == m_value || toText(newValue) == toText(m_value))
+    // QLineEdit keeps what it cannot take back, and would refuse nothing from then on.
+    if (newText != d->guard.text())
+        d->show();
+    const std::optional<decimal> &number = d->guard.number();
+    if (number && d->number && number->word() == d->number->word() &&
+        number->scale() == d->number->scale())
         return;
-    m_value = newValue;
-    emit changedValue(m_value);
+    const QString newValue = d->guard.value();
+    if (newValue == d->value)
+        return;
+    d->hold(newValue);
+    Q_EMIT changedValue(newValue);
 }
 
-void NumberEditor::keyPressEvent(QKeyEvent *event)
+// What QLineEdit reports with the text before or after an edit; see Private::judge().
+EditGuard::Edit NumberEditor::Private::editOf(const QString &text, int caret) const
 {
-    if (event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event)) {
-        typeSystemPoint(event);
-        return;
+    EditGuard::Edit edit{text, caret, 0, by, isCut};
+    const QString &before = guard.text();
+    // A text that the program sets comes without a history; undoing leads back in it.
+    if (!q->isUndoAvailable() && !q->isRedoAvailable())
+        edit.by = EditGuard::Program;
+    else if (q->isRedoAvailable())
+        edit.by = EditGuard::History;
+    if (edit.by == EditGuard::Program || edit.by == EditGuard::History)
+        return edit;
+    edit.inserted = composed >= 0 ? composed : text.size() - (before.size() - selected);
+    edit.inserted = qBound(0, edit.inserted, caret);
+    const QStringView all(text);
+    if (!before.startsWith(all.left(caret - edit.inserted)) || !before.endsWith(all.mid(caret)))
+        edit.inserted = edit.caret = text.size();
+    return edit;
+}
+
+QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
+{
+    if (input == guard.text())
+        return guard.state();
+    const EditGuard::Edit edit = editOf(input, pos);
+    const QString before = guard.text();
+    const bool wasMarked = guard.isMarked();
+    // setMaxLength() cuts what is shown.
+    if (edit.by == EditGuard::Program && input.size() == q->maxLength() &&
+        before.startsWith(input)) {
+        guard.showForeign(input, EditGuard::wordOfLength());
+        markDoubt();
+        return guard.state();
     }
-    const bool isDelete = event->matches(QKeySequence::Delete);
-    if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
-        !isReadOnly() && wouldComeBack(cursorPosition())) {
-        cursorForward(false);
-        if (isDelete)
-            return;
+    const EditGuard::Verdict verdict = guard.judge(edit, q->maxLength());
+    isCut = false;
+    noteReason(verdict.reason);
+    // A key that changes nothing does not end QLineEdit's history.
+    const bool isVain = verdict.text == before && before.size() + edit.inserted == input.size() &&
+                        edit.inserted > 0 && verdict.caret == pos - edit.inserted;
+    if (!verdict.isTaken || isVain) {
+        refused = input;
+        return QValidator::Invalid;
     }
-    if (event->matches(QKeySequence::Redo) && !isReadOnly())
-        redo();
+    if (verdict.text != input)
+        guard.endHistory();
+    input = verdict.text;
+    pos = verdict.caret;
+    if (guard.isMarked() && !wasMarked && edit.by != EditGuard::Program)
+        noteReason(guard.doubt());
+    markDoubt();
+    // Undo selects without selectionChanged().
+    selected = q->selectedText().size();
+    return guard.state();
+}
+
+// Silently, and whole.
+void NumberEditor::Private::show()
+{
+    const QString text = q->toText(value);
+    const bool wasBlocked = q->blockSignals(true);
+    if (text.size() > q->maxLength())
+        q->setMaxLength(text.size());
+    if (number || text.isEmpty())
+        guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
     else
-        QLineEdit::keyPressEvent(event);
+        guard.showForeign(text);
+    q->setText(guard.text());
+    q->blockSignals(wasBlocked);
+    selected = 0;
+    markDoubt();
+}
+
+void NumberEditor::Private::hold(const QString &newValue)
+{
+    value = newValue;
+    number.reset();
+    if (decimal::canConvert(value, false))
+        number = decimal(value);
+}
+
+void NumberEditor::Private::markDoubt()
+{
+    notice->setDoubt(guard.isMarked() && showsRefusals ? guard.doubt() : QString());
+}
+
+// QLineEdit says so before it asks about a text that it cut, and after it was told to refuse one.
+void NumberEditor::Private::noteCut()
+{
+    if (q->text() == refused)
+        refused.clear();
+    else if (q->text() != guard.text())
+        isCut = true;
+    else if (guard.text().size() >= q->maxLength())
+        noteReason(EditGuard::wordOfLength());
+}
+
+// The edit is not over yet.
+void NumberEditor::Private::noteReason(const QString &newReason)
+{
+    if (newReason.isEmpty())
+        return;
+    reason = newReason;
+    QTimer::singleShot(0, q, &NumberEditor::sayRefusal);
+}
+
+void NumberEditor::sayRefusal()
+{
+    const QString reason = std::exchange(d->reason, {});
+    if (reason.isEmpty())
+        return;
+    if (d->showsRefusals)
+        d->notice->say(reason, cursorRect().bottomLeft());
+    Q_EMIT refused(reason);
+}
+
+QValidator::State NumberEditor::Judge::validate(QString &input, int &pos) const
+{
+    return input == m_editor->text() ? m_editor->d->judge(input, pos)
+                                     : DecimalValidator::validate(input, pos);
+}
+
+void NumberEditor::paste()
+{
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    QLineEdit::paste();
+    sayRefusal();
+}
+
+void NumberEditor::undo()
+{
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::History);
+    QLineEdit::undo();
 }
 
 // QLineEdit may put the caret behind the end. And behind the redone removal of a selection, as long
@@ -316,17 +347,49 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
 // that were never typed. To set the caret mends both.
 void NumberEditor::redo()
 {
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::History);
     QLineEdit::redo();
     setCursorPosition(qMin(cursorPosition(), int(text().size())));
 }
 
-// The guard knows how much was selected, but not how much a commit replaces besides.
-void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
+void NumberEditor::keyPressEvent(QKeyEvent *event)
 {
-    const QString &composed = event->commitString();
-    QInputMethodEvent none;
-    const bool isRefused = composed.size() > 1 && m_validator->isMisgrouped(composed);
-    QLineEdit::inputMethodEvent(isRefused ? &none : event);
+    const bool isModifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
+    if (!isModifier)
+        d->notice->unsay();
+    if (isReadOnly())
+        QLineEdit::keyPressEvent(event);
+    else if (event->matches(QKeySequence::Undo))
+        undo();
+    else if (event->matches(QKeySequence::Redo))
+        redo();
+    else if (event->matches(QKeySequence::Paste))
+        paste();
+    else
+        typeKey(event);
+}
+
+void NumberEditor::typeKey(QKeyEvent *event)
+{
+    const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
+    const bool isDelete = event->matches(QKeySequence::Delete);
+    if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
+        d->guard.isGroup(cursorPosition())) {
+        cursorForward(false);
+        if (isDelete)
+            return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        d->noteReason(d->guard.doubt());
+    const QScopedValueRollback<EditGuard::By> by(d->by, isPoint ? EditGuard::KeypadPoint
+                                                        : event->text().isEmpty()
+                                                            ? EditGuard::Insertion
+                                                            : EditGuard::Key);
+    if (isPoint)
+        typeSystemPoint(event);
+    else
+        QLineEdit::keyPressEvent(event);
+    sayRefusal();
 }
 
 void NumberEditor::typeSystemPoint(QKeyEvent *event)
@@ -338,13 +401,50 @@ void NumberEditor::typeSystemPoint(QKeyEvent *event)
     event->setAccepted(typed.isAccepted());
 }
 
-// True for a group separator where it belongs: the validator inserts it again when it is removed.
-bool NumberEditor::wouldComeBack(int position) const
+// A character that comes from an input method alone is typed.
+void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (position >= text().size())
-        return false;
-    QString without = text();
-    without.remove(position, 1);
-    m_validator->regroup(without, position);
-    return without == text();
+    const int size = event->commitString().size();
+    const QScopedValueRollback<EditGuard::By> by(d->by,
+                                                 size == 1 ? EditGuard::Key : EditGuard::Insertion);
+    const QScopedValueRollback<int> composed(d->composed, size);
+    const QString before = text();
+    const int caret = hasSelectedText() ? -1 : cursorPosition();
+    QLineEdit::inputMethodEvent(event);
+    // QLineEdit takes back a refused commit, and leaves what that replaced selected.
+    if (size > 0 && text() == before && caret >= 0)
+        setCursorPosition(caret);
+    sayRefusal();
+}
+
+// The middle button pastes.
+void NumberEditor::mouseReleaseEvent(QMouseEvent *event)
+{
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    QLineEdit::mouseReleaseEvent(event);
+    sayRefusal();
+}
+
+void NumberEditor::dropEvent(QDropEvent *event)
+{
+    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    QLineEdit::dropEvent(event);
+    sayRefusal();
+}
+
+void NumberEditor::focusOutEvent(QFocusEvent *event)
+{
+    const bool leaves =
+        event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason;
+    if (leaves && !isReadOnly()) {
+        if (!d->guard.isMarked())
+            d->noteReason(d->guard.doubt());
+        d->guard.leave();
+        d->markDoubt();
+        if (d->guard.isBare())
+            clear();
+    }
+    QLineEdit::focusOutEvent(event);
+    if (leaves)
+        sayRefusal();
 }

@@ -288,7 +288,13 @@ void Desk::learnHandling()
     };
     m_steps["paste"] = [this](Words text) {
         QApplication::clipboard()->setText(text);
-        edit()->paste();
+        QMetaObject::invokeMethod(edit(), "paste");
+    };
+    m_steps["keypad"] = [this](Words) {
+        constexpr quint32 MacKeypadDecimal = 0x41;
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 1, MacKeypadDecimal,
+                        0, ".");
+        QApplication::sendEvent(m_control, &press);
     };
     m_steps["compose"] = [this](Words text) {
         QInputMethodEvent event;

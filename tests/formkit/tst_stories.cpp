@@ -50,8 +50,8 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "typing", "hubs", "pages"}) {
+    for (const QString &file :
+         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "hubs", "pages"}) {
         for (const DataRow &story : Desk::storiesOf(file))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }

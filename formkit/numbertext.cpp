@@ -1,0 +1,90 @@
+#include "numbertext_p.h"
+
+#include <algorithm>
+
+NumberText::NumberText(QStringView text, const LocaleSymbols &symbols) : m_symbols(symbols)
+{
+    for (const QChar c : text) {
+        const LocaleSymbols::Kind kind = symbols.kindOf(c);
+        if (kind != LocaleSymbols::Group)
+            append(c, kind);
+    }
+    if (m_shape == Integer)
+        m_point = m_text.size();
+}
+
+void NumberText::append(QChar c, LocaleSymbols::Kind kind)
+{
+    const bool isSign = kind == LocaleSymbols::Minus || kind == LocaleSymbols::Plus;
+    if (isSign && m_text.isEmpty()) {
+        m_sign = 1;
+        m_negative = kind == LocaleSymbols::Minus;
+    } else if (kind == LocaleSymbols::Point && m_shape == Integer) {
+        m_shape = Decimal;
+        m_point = m_text.size();
+    } else if (kind != LocaleSymbols::Digit && !c.isDigit()) {
+        m_shape = NoNumber;
+    }
+    m_text.append(c);
+}
+
+bool NumberText::isReadable() const
+{
+    const auto isKnown = [this](QChar c) { return m_symbols.digitValue(c) >= 0; };
+    const QStringView before = integer();
+    const QStringView after = fraction();
+    return std::all_of(before.begin(), before.end(), isKnown) &&
+           std::all_of(after.begin(), after.end(), isKnown);
+}
+
+int NumberText::leadingZeros() const
+{
+    const QStringView digits = integer();
+    int zeros = 0;
+    while (zeros + 1 < digits.size() && m_symbols.digitValue(digits.at(zeros)) == 0)
+        ++zeros;
+    return zeros;
+}
+
+QString NumberText::written() const
+{
+    QString out;
+    out.reserve(int(text().size()) * 4 / 3 + 2);
+    const auto appendDigit = [&](QChar c) {
+        const int value = m_symbols.digitValue(c);
+        out += value < 0 ? c : m_symbols.digit(value);
+    };
+    const QStringView digits = integer().mid(leadingZeros());
+    if (m_negative)
+        out += m_symbols.minus();
+    else if (digits.isEmpty())
+        out.append(sign().data(), int(sign().size()));
+    for (int i = 0; i < digits.size(); ++i) {
+        if (i > 0 && m_symbols.separatorBefore(int(digits.size()) - i))
+            out += m_symbols.group();
+        appendDigit(digits.at(i));
+    }
+    if (m_shape == Decimal) {
+        out += m_symbols.point();
+        for (const QChar c : fraction())
+            appendDigit(c);
+    }
+    return out;
+}
+
+int countUngrouped(QStringView text, const LocaleSymbols &symbols)
+{
+    return int(std::count_if(text.begin(), text.end(), [&symbols](QChar c) {
+        return symbols.kindOf(c) != LocaleSymbols::Group;
+    }));
+}
+
+int placeAfter(int count, QStringView text, const LocaleSymbols &symbols)
+{
+    int pos = 0;
+    for (; count > 0 && pos < text.size(); ++pos) {
+        if (symbols.kindOf(text.at(pos)) != LocaleSymbols::Group)
+            --count;
+    }
+    return pos;
+}
