@@ -287,18 +287,11 @@ public:
 private:
     struct Private;
     class DataCommand;
-    struct OwedReplies;
 
-    int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr) const;
-    bool busy() const;
     bool execute(const CCommand &command, const std::string &path,
                  const CRepresentation &representation, bool passive, unsigned int offset,
                  ITransferNotification &notification) const;
-    bool passiveAddress(sockaddr_in &address) const;
     bool begin(const CCommand &command, const std::string &path, unsigned int offset) const;
-    bool accept(nsSocket::IBlockingSocket &listener, nsSocket::IBlockingSocket &dataSocket) const;
-    bool abortTransfer(nsSocket::IBlockingSocket &dataSocket) const;
-    void sendAbort() const;
     bool listLines(const CCommand &command, const std::string &path,
                    std::vector<std::string> &result, bool passive) const;
     bool openLocal(CFile &file, CFile::TDirection direction) const;

@@ -16,16 +16,16 @@ QString conversation(const QStringList &row)
     const bool slow = row[0].contains("slow");
     const bool byteByByte = row.last() == "byte by byte";
     const bool logsOn = row[1].startsWith("logon ");
-    const QByteArray content = row[1].contains("aborting") ? QByteArray("0123").repeated(1000000)
-                                                           : QByteArray("0123456789");
+    const QByteArray content = row[1].contains(": abort") && !row[2].contains("part")
+                                   ? QByteArray("0123").repeated(1000000)
+                                   : QByteArray("0123456789");
     Session session(row[2], byteByByte, slow ? 2 : 20, byteByByte ? 64 : 4096, content);
     long long result = logsOn || session.login() ? 0 : -1;
     if (row[1] != "login") {
         session.recorder.log.clear();
         result = session.perform(row[1]);
     }
-    session.recorder.afterBlock = [] {};
-    session.recorder.beforeCommand = [] {};
+    session.recorder.hook = nullptr;
     const QString log = session.recorder.log.join(',');
     QStringList sent = session.server.commands().mid(logsOn ? 0 : 3);
     sent.replaceInStrings(QRegularExpression("(PORT 127,0,0,1),.*"), "\\1");
@@ -71,13 +71,76 @@ void compare(const QByteArray &faults)
     QVERIFY(faults.isEmpty());
 }
 
-// A socket whose system forgets who is at the other end.
-class Forgetful : public nsSocket::CBlockingSocket
+// A socket whose system forgets who is at the other end, and whose first wait is disturbed.
+class Troubled : public nsSocket::CBlockingSocket
 {
+    IBlockingSocket *CreateInstance() const override { return new Troubled; }
+    bool Accept(IBlockingSocket &connected, sockaddr *psa) const override
+    {
+        errno = EINTR;
+        return !std::exchange(m_disturbed, false) && CBlockingSocket::Accept(connected, psa);
+    }
     void GetPeerAddr(sockaddr * /*psa*/) const override
     {
         throw nsSocket::CBlockingSocketException("GetPeerName");
     }
+
+    mutable bool m_disturbed = true;
+};
+
+// A stranger's socket, whose server has said everything before it is asked.
+class ReadySocket : public nsSocket::IBlockingSocket
+{
+public:
+    enum Readability { Always, Never, Truthful };
+
+    // What each receive gives.
+    ReadySocket(const QStringList &receives, Readability readability)
+        : m_receives(receives), m_readability(readability)
+    {
+    }
+    IBlockingSocket *CreateInstance() const override
+    {
+        return new ReadySocket({"0123456789"}, m_readability);
+    }
+    void Create(int /*type*/) override { m_handle = 1; }
+    void Connect(const sockaddr * /*psa*/) const override {}
+    void Bind(const sockaddr * /*psa*/) const override {}
+    void Listen() const override {}
+    void Cleanup() override { m_handle = nsSocket::INVALID_SOCKET; }
+    bool Accept(IBlockingSocket &connected, sockaddr * /*psa*/) const override
+    {
+        connected.Create(SOCK_STREAM);
+        return true;
+    }
+    void Close() override { Cleanup(); }
+    int Write(const char * /*data*/, int size, int /*seconds*/) const override { return size; }
+    int Receive(char *buffer, int size, int /*seconds*/) const override
+    {
+        if (m_receives.isEmpty())
+            return 0;
+        const QByteArray bytes = m_receives.takeFirst().toUtf8();
+        if (bytes.size() > size)
+            m_receives.prepend(bytes.mid(size));
+        return int(bytes.left(size).toStdString().copy(buffer, size_t(size)));
+    }
+    void GetPeerAddr(sockaddr *psa) const override { *psa = {}; }
+    void GetSockAddr(sockaddr *psa) const override { *psa = {}; }
+    operator nsSocket::SOCKET() const override { return m_handle; }
+    bool CheckReadability() const override
+    {
+        return m_readability == Truthful ? !m_receives.isEmpty() : m_readability == Always;
+    }
+    sockaddr_in GetHostByName(const char * /*name*/, unsigned short /*port*/) override
+    {
+        return {};
+    }
+    const char *GetHostByAddr(const sockaddr * /*psa*/) override { return ""; }
+
+private:
+    mutable QStringList m_receives;
+    const Readability m_readability;
+    nsSocket::SOCKET m_handle = nsSocket::INVALID_SOCKET;
 };
 
 } // namespace
@@ -99,6 +162,53 @@ private slots:
             }
         }
         compare(faultsOf(rows, conversation, 24));
+    }
+
+    // Replies that stand ready belong to the commands to come.
+    void repliesStandReady()
+    {
+        const QStringList rest = {"250 in", "200 I", "213 10", "227 (1,2,3,4,5,6)", "150",
+                                  "226",    "200 P", "150 go", "226 done",          "221 bye"};
+        for (const DataRow &row : rowsOf("logons.txt")) {
+            QStringList replies = ("greeting: 220 hi;" + row[2]).split(';');
+            replies.replaceInStrings(QRegularExpression("^.*: "), "");
+            const QString lines = (replies + rest).join("\r\n") + "\r\n";
+            for (int kind = 0; row[3] == "0" && kind < 6; ++kind) {
+                const QStringList receives =
+                    kind < 3 ? lines.split(QRegularExpression("(?<=\n)")) : QStringList(lines);
+                Client c(
+                    1, 64,
+                    std::make_shared<ReadySocket>(receives, ReadySocket::Readability(kind % 3)));
+                const QString operations = ",get f,replace,put f active,quit";
+                QVERIFY2(c.perform(row[1] + operations) == 0,
+                         qPrintable(row[1] + c.recorder.last()));
+                QCOMPARE(
+                    "sends " +
+                        c.recorder.log.filter(QRegularExpression("^> ")).join(',').remove("> "),
+                    row[4] + ",TYPE I,SIZE f,PASV,RETR f,PORT 0,0,0,0,0,0,STOR f,QUIT");
+            }
+        }
+    }
+
+    // Nobody answers where the queue is full.
+    void abortWhileConnecting()
+    {
+        nsSocket::CBlockingSocket full;
+        const int port = listenOnLoopback(full);
+        ::listen(int(full.operator nsSocket::SOCKET()), 0);
+        nsSocket::CBlockingSocket queue[4];
+        for (nsSocket::CBlockingSocket &next : queue) {
+            next.SetWaitLimit(0);
+            try {
+                connectToLoopback(next, quint16(port));
+            } catch (const nsSocket::CBlockingSocketException &) {
+                break;
+            }
+        }
+        Session session(QString("PASV: 227 (127,0,0,1,%1,%2)").arg(port / 256).arg(port % 256));
+        QVERIFY(session.login());
+        QCOMPARE(session.perform("when < 227: elsewhere,get f"), -1);
+        QVERIFY(session.recorder.errors().join(',').startsWith("! Connect error 0x0000007d"));
     }
 
     void betweenServers() { compare(faultsOf(rowsOf("between.txt"), between)); }
@@ -138,7 +248,7 @@ private slots:
             CFTPClient(nsSocket::CreateDefaultBlockingSocketInstance()).AttachObserver(&leaves);
         }
         // Leaving from within a call is allowed, whichever is called first.
-        leaves.afterBlock = [&] { one.client.DetachObserver(&leaves); };
+        leaves.when("got", [&] { one.client.DetachObserver(&leaves); });
         for (Session *session : {&one, &other})
             QVERIFY(session->login() && session->client.List("", session->lines, true));
         QCOMPARE(leaves.log.count("end 10"), 1);
@@ -201,7 +311,7 @@ private slots:
     void forgottenPeers()
     {
         Session session;
-        CFTPClient forgetful(std::make_shared<Forgetful>());
+        CFTPClient forgetful(std::make_shared<Troubled>());
         QVERIFY(forgetful.Login({"127.0.0.1", session.port}));
         for (const bool asked : {false, true}) {
             QVERIFY(forgetful.List("", session.lines, true) != asked);
@@ -209,20 +319,6 @@ private slots:
             forgetful.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
             forgetful.SetAcceptOnlyControlPeer(true);
         }
-    }
-
-    void abortFromAnotherThread()
-    {
-        Session session("LIST: 150 go|flood|426 aborted; ABOR: 226 aborted", false, 20, 65536);
-        QVERIFY(session.login());
-        std::thread other([&] {
-            while (!session.client.IsTransferringData())
-                std::this_thread::yield();
-            session.client.Abort();
-        });
-        QVERIFY(!session.client.List("", session.lines, true));
-        other.join();
-        QVERIFY(session.client.List("", session.lines, true));
     }
 
     void programmingErrors()
