@@ -207,14 +207,6 @@ bool ControlConnection::takeReply(CReply &reply)
     return true;
 }
 
-void ControlConnection::count(const CReply &reply)
-{
-    if (reply.Value().front() == '1')
-        return;
-    m_unanswered -= std::min(m_unanswered, 1U);
-    m_abandoned -= std::min(m_abandoned, 1U);
-}
-
 // Reads one whole reply, and closes the session when it is none.
 bool ControlConnection::readReply(CReply &reply, Clock::time_point latest)
 {
@@ -227,7 +219,9 @@ bool ControlConnection::readReply(CReply &reply, Clock::time_point latest)
     const bool isReply = !reply.Code().Value().empty() || startsWithThreeDigits(reply.Value());
     if (isReply) {
         isNoReply.dismiss();
-        count(reply);
+        const unsigned int answered = reply.Value().front() == '1' ? 0 : 1;
+        m_unanswered -= std::min(m_unanswered, answered);
+        m_abandoned -= std::min(m_abandoned, answered);
     }
     auto thrown = qScopeGuard([this] { abandonReplies(); });
     m_observers.tell([&](CFTPClient::CNotification &o) { o.OnResponse(reply); });
@@ -240,10 +234,10 @@ bool ControlConnection::receive(CReply &reply)
     if (!readReply(reply))
         return false;
     // One that announces another, by a code that is none, is not waited for.
-    const bool hasCode = !reply.Code().Value().empty();
-    if (!hasCode)
-        abandonReplies();
-    return hasCode;
+    if (!reply.Code().Value().empty())
+        return true;
+    abandonReplies();
+    return false;
 }
 
 bool ControlConnection::receiveFor(const CCommand &command, CReply &reply)
@@ -263,22 +257,17 @@ bool ControlConnection::exchange(const CCommand &command, const CArg &arguments,
     return send(command, arguments) && receiveFor(command, reply);
 }
 
-// Some servers go on about an aborted transfer with a reply of class 1.
-void ControlConnection::readFinalReply()
-{
-    const Clock::time_point latest = deadline();
-    CReply reply;
-    bool isPreliminary = true;
-    for (int i = 0; i <= MaxPreliminaries && isPreliminary; ++i)
-        isPreliminary = readReply(reply, latest) && reply.Code().IsPositivePreliminaryReply();
-}
-
 void ControlConnection::abort()
 {
     if (!send(CCommand::ABOR, {}))
         return;
     m_afterAbort = true;
-    readFinalReply();
+    // Some servers go on about the aborted transfer with a reply of class 1.
+    const Clock::time_point latest = deadline();
+    CReply reply;
+    bool isPreliminary = true;
+    for (int i = 0; i <= MaxPreliminaries && isPreliminary; ++i)
+        isPreliminary = readReply(reply, latest) && reply.Code().IsPositivePreliminaryReply();
 }
 
 bool ControlConnection::accepts(const CCommand &command, const CArg &arguments) const
@@ -329,10 +318,10 @@ bool ControlConnection::settle()
         return true;
     auto outOfStep = qScopeGuard([this] { drop(); });
     const bool untilPwd = m_afterAbort;
-    if ((untilPwd && !write(CCommand::PWD, {})) || !readOwed(untilPwd))
-        return false;
-    outOfStep.dismiss();
-    return true;
+    const bool settled = (!untilPwd || write(CCommand::PWD, {})) && readOwed(untilPwd);
+    if (settled)
+        outOfStep.dismiss();
+    return settled;
 }
 
 // All in the time that one reply has.

@@ -74,8 +74,6 @@ private:
     bool takeLine(std::string &line);
     bool takeReply(CReply &reply);
     bool readReply(CReply &reply, Clock::time_point latest = Clock::time_point::max());
-    void readFinalReply();
-    void count(const CReply &reply);
     Clock::time_point deadline() const;
     bool write(const CCommand &command, const CArg &arguments);
     bool settle();

@@ -1,10 +1,7 @@
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 #include "formkit/FtpClient/FTPListing_p.h"
-#include "formkit/FtpClient/FTPPassive_p.h"
 #include "formkit/FtpClient/FTPResume_p.h"
-
-#include <QScopeGuard>
 
 #include <algorithm>
 #include <limits>
@@ -177,64 +174,6 @@ bool CFTPClient::UploadFile(const CFTPClient &sourceClient, const std::string &s
                             bool passive) const
 {
     return TransferFile(sourceClient, sourceFile, *this, targetFile, representation, passive);
-}
-
-bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourceFile,
-                              const CFTPClient &target, const std::string &targetFile,
-                              const CRepresentation &representation, bool passive)
-{
-    if (&source == &target)
-        return false;
-    const std::scoped_lock turns(source.d->exchange, target.d->exchange);
-    if (source.d->transfers.isRunning() || target.d->transfers.isRunning() ||
-        !source.d->control.accepts(CCommand::RETR, {sourceFile}) ||
-        !target.d->control.accepts(CCommand::STOR, {targetFile}) ||
-        source.RepresentationType(representation) != 0 ||
-        target.RepresentationType(representation) != 0)
-        return false;
-    // The target makes its file before the source is asked for data: better to know first that
-    // there is something to send. In ASCII the answer means nothing: many servers refuse it with
-    // the code of a missing file.
-    CReply size;
-    if (isBinary(representation))
-        source.d->simple(CCommand::SIZE, {sourceFile}, &size);
-    if (size.Code().Value() == "550")
-        return false;
-    const CFTPClient &listening = passive ? source : target;
-    const CFTPClient &connecting = passive ? target : source;
-    unsigned int ip = 0;
-    unsigned short port = 0;
-    if (listening.Passive(ip, port) != 0)
-        return false;
-    sockaddr_in address = addressOf(ip, port);
-    if (!listening.d->choosePassiveAddress(address) ||
-        connecting.DataPort(dotted(address.sin_addr), port) != 0)
-        return false;
-    // What is still owed at the end is left to the next commands.
-    const auto owed = qScopeGuard([&] {
-        source.d->control.abandonReplies();
-        target.d->control.abandonReplies();
-    });
-    // The target is told first: some servers connect as soon as they know the address, and lose
-    // what arrives before they are told to store it. A target that listens may not answer before
-    // it has a connection.
-    CReply reply;
-    const bool begun = passive ? target.begin(CCommand::STOR, targetFile, 0) &&
-                                     source.begin(CCommand::RETR, sourceFile, 0)
-                               : target.d->control.send(CCommand::STOR, {targetFile}) &&
-                                     source.begin(CCommand::RETR, sourceFile, 0) &&
-                                     target.d->control.receiveFor(CCommand::STOR, reply) &&
-                                     reply.Code().IsPositivePreliminaryReply();
-    for (const CFTPClient *client : {&listening, &connecting}) {
-        if (!begun && client->d->control.isOwedReplies())
-            client->d->control.abort();
-    }
-    CReply sent;
-    CReply stored;
-    const bool sourceEnds = begun && source.d->control.receiveFor(CCommand::RETR, sent);
-    const bool targetEnds = begun && target.d->control.receiveFor(CCommand::STOR, stored);
-    return sourceEnds && targetEnds && sent.Code().IsPositiveCompletionReply() &&
-           stored.Code().IsPositiveCompletionReply();
 }
 
 } // namespace nsFTP
