@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <limits>
 
 namespace nsFTP {
 
@@ -69,7 +68,7 @@ bool CFTPListParser::IsMultiNetListing(std::string_view line)
 
 bool CFTPListParser::IsMSDOSListing(std::string_view line)
 {
-    return !line.empty() && line.front() >= '0' && line.front() <= '9';
+    return !line.empty() && isDigit(line.front());
 }
 
 // +i8388621.29609,m824255902,/,<tab>dev
@@ -93,7 +92,7 @@ bool CFTPListParser::ParseEPLF(CFTPFileStatus &status, std::string_view line) co
             status.id = value;
             break;
         case 'm':
-            if (GetLong(value.data(), value.size(), seconds))
+            if (readDigits(value, seconds))
                 setTime(status, CFTPFileStatus::timeExact, seconds + m_nEpochCorrection);
             break;
         case 'r':
@@ -229,20 +228,7 @@ bool CFTPListParser::CheckMonth(const char *text, const char *month)
 
 bool CFTPListParser::GetLong(const char *text, size_t length, long &value)
 {
-    constexpr long Largest = std::numeric_limits<long>::max();
-    long result = 0;
-    for (size_t i = 0; i < length; ++i) {
-        if (text[i] < '0' || text[i] > '9')
-            return false;
-        const long digit = text[i] - '0';
-        // Eighteen digits always fit.
-        if (i >= 18 && result > (Largest - digit) / 10)
-            return false;
-        result = result * 10 + digit;
-    }
-    if (length > 0)
-        value = result;
-    return length > 0;
+    return readDigits({text, length}, value);
 }
 
 long long CFTPListParser::ToTAI(long year, long month, long day)

@@ -3,23 +3,47 @@
 #include "formkit/FtpClient/FTPListParse.h"
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
 
 namespace nsFTP {
 
 constexpr long LastYear = 9999;
 
+inline bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// CFTPListParser::GetLong() inline, as each line has several numbers.
+inline bool readDigits(std::string_view text, long &value)
+{
+    constexpr long Largest = std::numeric_limits<long>::max();
+    long result = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (!isDigit(text[i]))
+            return false;
+        const long digit = text[i] - '0';
+        // Eighteen digits always fit.
+        if (i >= 18 && result > (Largest - digit) / 10)
+            return false;
+        result = result * 10 + digit;
+    }
+    if (!text.empty())
+        value = result;
+    return !text.empty();
+}
+
 inline bool readNumber(std::string_view text, long lowest, long highest, long &value)
 {
-    return CFTPListParser::GetLong(text.data(), text.size(), value) && value >= lowest &&
-           value <= highest;
+    return readDigits(text, value) && value >= lowest && value <= highest;
 }
 
 /// -1 when it is no number.
 inline long long sizeOf(std::string_view text)
 {
     long value = 0;
-    return CFTPListParser::GetLong(text.data(), text.size(), value) ? value : -1;
+    return readDigits(text, value) ? value : -1;
 }
 
 inline void setTime(CFTPFileStatus &status, int type, long long seconds)
@@ -55,7 +79,7 @@ public:
     std::string_view digits()
     {
         size_t end = 0;
-        while (end < m_rest.size() && m_rest[end] >= '0' && m_rest[end] <= '9')
+        while (end < m_rest.size() && isDigit(m_rest[end]))
             ++end;
         return take(end, 0);
     }
