@@ -18,6 +18,47 @@ bool isHalf(std::string_view text)
     return text == "A" || text == "P" || text == "AM" || text == "PM";
 }
 
+bool readMSDOSDate(ListWalk &walk, long long &seconds)
+{
+    long month = 0;
+    long day = 0;
+    long year = 0;
+    const bool monthRead = readNumber(walk.upTo('-'), 1, 12, month);
+    walk.skip('-');
+    const bool dayRead = readNumber(walk.upTo('-'), 1, 31, day);
+    walk.skip('-');
+    const bool yearRead = readNumber(walk.upTo(' '), 0, LastYear, year);
+    walk.skip(' ');
+    if (year < 50)
+        year += 2000;
+    if (year < 1000)
+        year += 1900;
+    seconds = Calendar::secondsOf(year, month - 1, day);
+    return monthRead && dayRead && yearRead;
+}
+
+// Adds the time to the date. A blank may stand before the half of the day, and a clock of 24 hours
+// has none.
+bool readMSDOSTime(ListWalk &walk, long long &seconds)
+{
+    long hour = 0;
+    long minute = 0;
+    const bool hourRead = readNumber(walk.upTo(':'), 0, 99, hour);
+    const bool minuteRead = readNumber(walk.digits(), 0, 99, minute);
+    std::string_view half = walk.upTo(' ');
+    walk.skip(' ');
+    if (half.empty() && isHalf(walk.rest().substr(0, walk.rest().find(' ')))) {
+        half = walk.upTo(' ');
+        walk.skip(' ');
+    }
+    if (!hourRead || !minuteRead || (!half.empty() && !isHalf(half)))
+        return false;
+    if (!half.empty())
+        hour = (hour == 12 ? 0 : hour) + (half.front() == 'P' ? 12 : 0);
+    seconds += hour * 3600 + minute * 60;
+    return true;
+}
+
 } // namespace
 
 const char *const CFTPListParser::m_Months[12] = {"jan", "feb", "mar", "apr", "may", "jun",
@@ -157,39 +198,11 @@ bool CFTPListParser::ParseMSDOSListing(CFTPFileStatus &status, std::string_view 
     if (!IsMSDOSListing(line))
         return false;
     ListWalk walk(line);
-    long month = 0;
-    long day = 0;
-    long year = 0;
-    long hour = 0;
-    long minute = 0;
-    const bool monthRead = readNumber(walk.upTo('-'), 1, 12, month);
-    walk.skip('-');
-    const bool dayRead = readNumber(walk.upTo('-'), 1, 31, day);
-    walk.skip('-');
-    const bool yearRead = readNumber(walk.upTo(' '), 0, LastYear, year);
-    walk.skip(' ');
-    const bool hourRead = readNumber(walk.upTo(':'), 0, 99, hour);
-    const bool minuteRead = readNumber(walk.digits(), 0, 99, minute);
-    if (!monthRead || !dayRead || !yearRead || !hourRead || !minuteRead)
+    long long seconds = 0;
+    if (!readMSDOSDate(walk, seconds) || !readMSDOSTime(walk, seconds))
         return false;
-    if (year < 50)
-        year += 2000;
-    if (year < 1000)
-        year += 1900;
-    // A blank may stand before the half of the day, and a clock of 24 hours has none.
-    std::string_view half = walk.upTo(' ');
+    const std::string_view token = walk.upTo(' ');
     walk.skip(' ');
-    std::string_view token = walk.upTo(' ');
-    walk.skip(' ');
-    if (half.empty() && isHalf(token)) {
-        half = token;
-        token = walk.upTo(' ');
-        walk.skip(' ');
-    }
-    if (!half.empty() && !isHalf(half))
-        return false;
-    if (!half.empty())
-        hour = (hour == 12 ? 0 : hour) + (half.front() == 'P' ? 12 : 0);
     if (!walk.good() || token.empty() || walk.atEnd())
         return false;
     if (token.front() == '<') {
@@ -200,8 +213,7 @@ bool CFTPListParser::ParseMSDOSListing(CFTPFileStatus &status, std::string_view 
         status.tryRetrieve = true;
     }
     status.name = walk.rest();
-    setTime(status, CFTPFileStatus::timeMinute,
-            ToTAI(year, month - 1, day) + hour * 3600 + minute * 60 + m_nEpochCorrection);
+    setTime(status, CFTPFileStatus::timeMinute, seconds + m_nEpochCorrection);
     return true;
 }
 

@@ -3,6 +3,19 @@
 
 namespace nsFTP {
 
+namespace {
+
+// What stands in the line after the date, without what is not the name.
+std::string_view nameOf(std::string_view line, std::string_view rest)
+{
+    const bool oneLetterKind = line.size() > 1 && (line[1] == ' ' || line[1] == '[');
+    if (oneLetterKind && rest.substr(0, 3) == "   ")
+        rest.remove_prefix(3);
+    return line.front() == 'l' ? rest.substr(0, rest.find(" -> ")) : rest;
+}
+
+} // namespace
+
 // -rw-r--r--   1 clerk    desk         731 Feb 11 07:42 NOTES
 // drwxrwxr-x               folder        6 Jul 19  2007 trades
 // -------r--         412   870033   870445 Aug 30  2006 Blotter.dat
@@ -60,13 +73,7 @@ bool CFTPListParser::ParseUNIXStyleListing(CFTPFileStatus &status, std::string_v
     }
     status.sizeType = CFTPFileStatus::sizeBytes;
     status.size = size;
-    std::string_view name = walk.rest();
-    const bool oneLetterKind = line.size() > 1 && (line[1] == ' ' || line[1] == '[');
-    if (oneLetterKind && name.substr(0, 3) == "   ")
-        name.remove_prefix(3);
-    if (kind == 'l')
-        name = name.substr(0, name.find(" -> "));
-    status.name = name;
+    status.name = nameOf(line, walk.rest());
     return true;
 }
 

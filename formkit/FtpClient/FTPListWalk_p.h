@@ -84,8 +84,6 @@ public:
         return take(end, 0);
     }
 
-    void step() { take(m_rest.empty() ? 0 : 1, 0); }
-
 private:
     std::string_view take(size_t length, size_t delimiter)
     {

@@ -25,11 +25,11 @@ public:
 
     // A name for observers.
     virtual std::string GetLocalStreamName() const { return {}; }
-    // How many bytes are there already (a download resumes behind them) or are to be sent; -1
+    // How many bytes are there already (a download resumes after them) or are to be sent; -1
     // when that is not known.
     virtual long long GetLocalStreamSize() const { return -1; }
     // Where the next bytes belong or come from, called before a transfer. A receiver keeps what
-    // lies behind until the first byte arrives: the transfer may be refused. False when the
+    // lies after that until the first byte arrives: the transfer may be refused. False when the
     // stream cannot go there, which ends the call before anything is transferred.
     virtual bool SetLocalStreamOffset(long long offset) { return offset == 0; }
     // False once bytes could not be kept or read: the transfer is then aborted and fails.
