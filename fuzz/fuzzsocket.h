@@ -10,15 +10,19 @@
 inline constexpr char Timeout = '\xff';
 inline constexpr char Nothing = '\xfe';
 
-// What the sockets of a client receive.
+// What the sockets of a client receive, and what they say of that before.
 struct Input
 {
+    enum Readability { Always, Never, Truthful };
+
     std::string control;
     std::string data;
+    bool byLine = true;
+    Readability readability = Always;
 };
 
 // Receives what an input holds: 0xff is a time-out, 0xfe a moment with nothing to read, and each
-// receive ends behind a line feed or with its buffer.
+// receive ends after a line feed, if it is to go by lines, or with its buffer.
 class FuzzSocket : public nsSocket::IBlockingSocket
 {
 public:
@@ -55,7 +59,8 @@ public:
             throw nsSocket::CBlockingSocketException(timeout ? "Receive timeout" : "Receive");
         }
         const size_t stop = std::min(m_bytes.find_first_of("\xff\xfe"), m_bytes.size());
-        const size_t line = std::min(m_bytes.find('\n'), m_bytes.size() - 1) + 1;
+        const size_t feed = m_input.byLine ? m_bytes.find('\n') : m_bytes.size();
+        const size_t line = std::min(feed, m_bytes.size() - 1) + 1;
         const size_t count = std::min({stop, line, size_t(size)});
         m_bytes.copy(buffer, count);
         m_bytes.erase(0, count);
@@ -73,7 +78,8 @@ public:
     bool CheckReadability() const override
     {
         if (m_bytes.empty() || m_bytes.front() != Nothing)
-            return true;
+            return m_input.readability == Input::Always ||
+                   (m_input.readability == Input::Truthful && !m_bytes.empty());
         m_bytes.erase(0, 1);
         return false;
     }

@@ -65,10 +65,10 @@ private:
         {"USER", "331 Who"},     {"PASS", "230-Welcome\r\n230 In"},
         {"QUIT", "221 Bye"},     {"PASV", "227 Here (127,0,0,1,4,1)"},
         {"REST", "350 Go on"},   {"MDTM", "213 20240305093000"},
-        {"RNFR", "350 To what"}, {"LIST", Transfer},
-        {"NLST", Transfer},      {"RETR", Transfer},
-        {"STOR", Transfer},      {"APPE", Transfer},
-        {"ABOR", "226 Aborted"}};
+        {"RNFR", "350 To what"}, {"PWD", "257 Here"},
+        {"LIST", Transfer},      {"NLST", Transfer},
+        {"RETR", Transfer},      {"STOR", Transfer},
+        {"APPE", Transfer},      {"ABOR", "226 Aborted"}};
 
     size_t m_offset = 0;
 };

@@ -1,17 +1,16 @@
 #include "formkit/FtpClient/BlockingSocket.h"
 
 #include "formkit/FtpClient/FTPAssert_p.h"
+#include "formkit/FtpClient/SocketWait_p.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 
 #include <fcntl.h>
 #include <netdb.h>
-#include <poll.h>
 #include <unistd.h>
 
 namespace nsSocket {
@@ -21,56 +20,21 @@ namespace {
 constexpr socklen_t AddressLength = 16;
 static_assert(sizeof(sockaddr_in) == AddressLength, "IPv4 addresses have sixteen bytes");
 
-constexpr int ReadAhead = 1000;
-
 #ifdef MSG_NOSIGNAL
 constexpr int SendFlags = MSG_NOSIGNAL;
 #else
 constexpr int SendFlags = 0; // SO_NOSIGPIPE is set on the handle instead
 #endif
 
-[[noreturn]] void fail(const char *operation, int error)
-{
-    errno = error;
-    throw CBlockingSocketException(operation);
-}
-
 bool wouldBlock(int error)
 {
     return error == EAGAIN || error == EWOULDBLOCK;
 }
 
-// select()'s answer for one handle: 1 ready, 0 the time is over, -1 refused. A negative time
-// waits for ever.
-int waitFor(int descriptor, short events, int seconds)
-{
-    using Clock = std::chrono::steady_clock;
-    constexpr long long LongestPoll = 1000000000;
-    const Clock::time_point end = Clock::now() + std::chrono::seconds(std::max(seconds, 0));
-    pollfd entry = {descriptor, events, 0};
-    for (;;) {
-        long long left = LongestPoll;
-        if (seconds >= 0)
-            left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-        const int wait = int(std::clamp(left, 0LL, LongestPoll));
-        const int result = ::poll(&entry, 1, wait);
-        if (result > 0 && (entry.revents & POLLNVAL)) {
-            errno = EBADF;
-            return -1;
-        }
-        if (result > 0 || (result < 0 && errno != EINTR))
-            return result;
-        if (result == 0 && seconds >= 0 && wait == left)
-            return 0;
-        if (seconds >= 0 && left <= 0)
-            return 0;
-    }
-}
-
 // Runs a transfer call on a non-blocking handle, waiting when it asks for that. A wait that
 // fails is not treated specially: the call that follows reports.
 template <typename Call>
-int transfer(int descriptor, short events, int seconds, const char *timeout, const char *operation,
+int transfer(const SocketWait &wait, int seconds, const char *timeout, const char *operation,
              Call call)
 {
     bool waited = false;
@@ -82,10 +46,12 @@ int transfer(int descriptor, short events, int seconds, const char *timeout, con
             continue;
         if (!wouldBlock(errno) || waited)
             throw CBlockingSocketException(operation);
-        const int ready = waitFor(descriptor, events, std::max(seconds, 0));
-        if (ready == 0)
+        const SocketWait::Outcome outcome = wait.last(std::max(seconds, 0));
+        if (outcome == SocketWait::TimeOver)
             fail(timeout, 0);
-        waited = ready < 0;
+        if (outcome == SocketWait::Interrupted)
+            fail(operation, ECANCELED);
+        waited = outcome == SocketWait::Failed;
     }
 }
 
@@ -135,6 +101,10 @@ IBlockingSocket::~IBlockingSocket() = default;
 
 void IBlockingSocket::SetWaitLimit(int /*seconds*/) {}
 
+void IBlockingSocket::SetInterruption(const std::shared_ptr<const CInterruption> & /*interruption*/)
+{
+}
+
 CBlockingSocket::~CBlockingSocket()
 {
     CBlockingSocket::Cleanup();
@@ -150,7 +120,13 @@ IBlockingSocket *CBlockingSocket::CreateInstance() const
 {
     auto *instance = new CBlockingSocket;
     instance->SetWaitLimit(m_nWaitLimit);
+    instance->SetInterruption(m_pInterruption);
     return instance;
+}
+
+void CBlockingSocket::SetInterruption(const std::shared_ptr<const CInterruption> &interruption)
+{
+    m_pInterruption = interruption;
 }
 
 void CBlockingSocket::Create(int type)
@@ -185,6 +161,7 @@ bool CBlockingSocket::Accept(IBlockingSocket &connected, sockaddr *psa) const
                "sConnect.operator SOCKET() == INVALID_SOCKET");
     auto *target = dynamic_cast<CBlockingSocket *>(&connected);
     FTP_ASSERT(target, "pConnect != NULL");
+    const SocketWait wait(handle, POLLIN, m_pInterruption.get());
     for (;;) {
         socklen_t length = AddressLength;
         const int made = ::accept(handle, psa, &length);
@@ -197,9 +174,10 @@ bool CBlockingSocket::Accept(IBlockingSocket &connected, sockaddr *psa) const
             return false;
         if (!wouldBlock(errno))
             throw CBlockingSocketException("Accept");
-        const int ready = waitFor(handle, POLLIN, m_nWaitLimit);
-        if (ready <= 0)
-            fail("Accept", ready == 0 ? ETIMEDOUT : errno);
+        const SocketWait::Outcome outcome = wait.untilSignal(m_nWaitLimit);
+        if (outcome == SocketWait::Signal)
+            return false;
+        failUnlessReady(outcome, "Accept");
     }
 }
 
@@ -211,9 +189,8 @@ void CBlockingSocket::Connect(const sockaddr *psa) const
         return;
     if (errno != EINPROGRESS && errno != EINTR)
         throw CBlockingSocketException("Connect");
-    const int ready = waitFor(handle, POLLOUT, m_nWaitLimit);
-    if (ready <= 0)
-        fail("Connect", ready == 0 ? ETIMEDOUT : errno);
+    const SocketWait wait(handle, POLLOUT, m_pInterruption.get());
+    failUnlessReady(wait.last(m_nWaitLimit), "Connect");
     int error = 0;
     socklen_t length = sizeof error;
     if (::getsockopt(handle, SOL_SOCKET, SO_ERROR, &error, &length) != 0 || error != 0)
@@ -249,7 +226,7 @@ int CBlockingSocket::Send(const char *data, int size, int seconds) const
 {
     const int handle = descriptor();
     FTP_ASSERT(data, "pch != NULL");
-    return transfer(handle, POLLOUT, seconds, "Send timeout", "Send",
+    return transfer({handle, POLLOUT, m_pInterruption.get()}, seconds, "Send timeout", "Send",
                     [=] { return ::send(handle, data, size_t(std::max(size, 0)), SendFlags); });
 }
 
@@ -259,7 +236,7 @@ int CBlockingSocket::Receive(char *buffer, int size, int seconds) const
     FTP_ASSERT(buffer, "pch != NULL");
     if (size <= 0)
         return 0;
-    return transfer(handle, POLLIN, seconds, "Receive timeout", "Receive",
+    return transfer({handle, POLLIN, m_pInterruption.get()}, seconds, "Receive timeout", "Receive",
                     [=] { return ::recv(handle, buffer, size_t(size), 0); });
 }
 
@@ -268,10 +245,12 @@ int CBlockingSocket::ReceiveDatagram(char *buffer, int size, sockaddr *psa, int 
     const int handle = descriptor();
     FTP_ASSERT(buffer, "pch != NULL");
     FTP_ASSERT(psa, "psa != NULL");
-    return transfer(handle, POLLIN, seconds, "Receive timeout", "ReceiveDatagram", [=] {
-        socklen_t length = AddressLength;
-        return ::recvfrom(handle, buffer, size_t(std::max(size, 0)), 0, psa, &length);
-    });
+    return transfer({handle, POLLIN, m_pInterruption.get()}, seconds, "Receive timeout",
+                    "ReceiveDatagram", [=] {
+                        socklen_t length = AddressLength;
+                        return ::recvfrom(handle, buffer, size_t(std::max(size, 0)), 0, psa,
+                                          &length);
+                    });
 }
 
 int CBlockingSocket::SendDatagram(const char *data, int size, const sockaddr *psa,
@@ -280,9 +259,10 @@ int CBlockingSocket::SendDatagram(const char *data, int size, const sockaddr *ps
     const int handle = descriptor();
     FTP_ASSERT(data, "pch != NULL");
     FTP_ASSERT(psa, "psa != NULL");
-    return transfer(handle, POLLOUT, seconds, "Send timeout", "SendDatagram", [=] {
-        return ::sendto(handle, data, size_t(std::max(size, 0)), SendFlags, psa, AddressLength);
-    });
+    return transfer(
+        {handle, POLLOUT, m_pInterruption.get()}, seconds, "Send timeout", "SendDatagram", [=] {
+            return ::sendto(handle, data, size_t(std::max(size, 0)), SendFlags, psa, AddressLength);
+        });
 }
 
 void CBlockingSocket::GetPeerAddr(sockaddr *psa) const
@@ -305,10 +285,10 @@ void CBlockingSocket::GetSockAddr(sockaddr *psa) const
 
 bool CBlockingSocket::CheckReadability() const
 {
-    const int ready = waitFor(descriptor(), POLLIN, 0);
-    if (ready < 0)
+    const SocketWait::Outcome outcome = SocketWait(descriptor(), POLLIN).last(0);
+    if (outcome == SocketWait::Failed)
         throw CBlockingSocketException("Socket Error");
-    return ready == 1;
+    return outcome == SocketWait::Ready;
 }
 
 sockaddr_in CBlockingSocket::GetHostByName(const char *name, unsigned short port)
@@ -347,51 +327,6 @@ const char *CBlockingSocket::GetHostByAddr(const sockaddr *psa)
     if (error != 0)
         fail("GetHostByAddr", error == EAI_SYSTEM ? errno : 0);
     return name.data();
-}
-
-CHttpBlockingSocket::CHttpBlockingSocket() : m_pReadBuf(new char[ReadAhead]()) {}
-
-CHttpBlockingSocket::~CHttpBlockingSocket() = default;
-
-int CHttpBlockingSocket::ReadHttpHeaderLine(char *line, int size, int seconds)
-{
-    FTP_ASSERT(line, "pch != NULL");
-    if (size < 1)
-        return 0;
-    char *const begin = m_pReadBuf.get();
-    char *lineFeed = std::find(begin, begin + m_nBytes, '\n');
-    while (lineFeed == begin + m_nBytes) {
-        const int count = Receive(begin + m_nBytes, ReadAhead - m_nBytes, seconds);
-        if (count < 1)
-            fail("ReadHeaderLine", 0);
-        m_nBytes += count;
-        lineFeed = std::find(lineFeed, begin + m_nBytes, '\n');
-    }
-    if (lineFeed == begin || lineFeed[-1] != '\r')
-        fail("ReadHeaderLine", 0);
-    const int length = int(lineFeed - begin) + 1;
-    const int copied = std::min(length, size - 1);
-    std::memcpy(line, begin, size_t(copied));
-    line[copied] = '\0';
-    std::memmove(begin, begin + length, size_t(m_nBytes - length));
-    // By what was copied, also when the line was cut: callers rely on the count.
-    m_nBytes -= copied;
-    return copied;
-}
-
-int CHttpBlockingSocket::ReadHttpResponse(char *buffer, int size, int seconds)
-{
-    FTP_ASSERT(buffer, "pch != NULL");
-    int total = std::clamp(size, 0, m_nBytes);
-    std::memcpy(buffer, m_pReadBuf.get(), size_t(total));
-    m_nBytes -= total;
-    std::memmove(m_pReadBuf.get(), m_pReadBuf.get() + total, size_t(m_nBytes));
-    int count = 0;
-    do {
-        count = Receive(buffer + total, std::min(ReadAhead, size - total), seconds);
-        total += std::max(count, 0);
-    } while (count > 0);
-    return total;
 }
 
 std::shared_ptr<IBlockingSocket> CreateDefaultBlockingSocketInstance()

@@ -18,6 +18,8 @@
 // above 1023 work, and an interrupted wait goes on for the time that is left.
 namespace nsSocket {
 
+class CInterruption;
+
 // The type of a raw handle.
 using SOCKET = unsigned int;
 
@@ -79,9 +81,13 @@ public:
     // to so many seconds; a negative value (the state of a new socket) leaves the bound to the
     // system. The interface's own version does nothing, for classes that cannot wait.
     virtual void SetWaitLimit(int seconds);
+    /// Lets another thread end the waits of this socket, and of the sockets that it creates from
+    /// now on. The interface's own version does nothing, for classes that cannot be interrupted.
+    virtual void SetInterruption(const std::shared_ptr<const CInterruption> &interruption);
 };
 
-// A socket of the system.
+// A socket of the system. A wait that is interrupted throws the operation's name with ECANCELED,
+// unless what it waits for is there already.
 //
 // Addresses are IPv4 sockaddr_in of 16 bytes. Time-outs are whole seconds; 0 or less asks
 // without waiting. The handle is non-blocking underneath and is closed in child processes.
@@ -107,8 +113,9 @@ public:
     // Closes a held handle and forgets it whatever comes of that; throws nothing.
     void Cleanup() override;
     // Waits for one connection, hands it to connected (a CBlockingSocket without a handle) and
-    // writes the peer's address to psa. False when the system interrupted the accept: try again.
-    // Throws "Accept"; also when SetWaitLimit()'s time passes first (ETIMEDOUT).
+    // writes the peer's address to psa. False when a signal interrupted the accept or its wait
+    // (errno is then EINTR): try again. Throws "Accept"; also when SetWaitLimit()'s time passes
+    // first (ETIMEDOUT).
     bool Accept(IBlockingSocket &connected, sockaddr *psa) const override;
     // Closes a held handle. Throws "Close" and keeps the handle when the system refuses.
     void Close() override;
@@ -134,6 +141,7 @@ public:
     // The name of an address; valid until the thread's next call. Throws "GetHostByAddr".
     const char *GetHostByAddr(const sockaddr *psa) override;
     void SetWaitLimit(int seconds) override { m_nWaitLimit = seconds; }
+    void SetInterruption(const std::shared_ptr<const CInterruption> &interruption) override;
 
     // Sends what the system takes at once; gives the count. Throws "Send timeout", "Send".
     int Send(const char *data, int size, int seconds) const;
@@ -147,6 +155,7 @@ private:
 
     SOCKET m_hSocket = INVALID_SOCKET;
     int m_nWaitLimit = -1;
+    std::shared_ptr<const CInterruption> m_pInterruption;
 };
 
 // A socket with a read-ahead buffer of 1000 bytes for replies that come in lines. Sockets that it

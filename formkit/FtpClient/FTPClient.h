@@ -13,36 +13,22 @@
 
 namespace nsFTP {
 
-// A blocking FTP client: one control connection, one data connection at a time.
-//
-//     CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), 30);
-//     if (client.Login({"ftp.example.org", 21, "user", "password"}))
-//         client.DownloadFile("statement.pdf", "statement.pdf", CType::Image, true);
-//     client.Logout();
-//
-// Every operation runs on the caller's thread and returns when the exchange is over. Nothing is
-// thrown but std::bad_alloc when memory runs out and what an observer throws: the session is then
-// closed or in step, the data connection is closed, and a download keeps what arrived.
-// Results of type int are those of a command: 0 for a positive completion reply, 1 for a negative
-// one, -1 for a reply that is neither and for none. One client serves one thread; only Abort() and
-// IsTransferringData() may be called from another one meanwhile.
-//
-// What may be relied on
-// - Every wait (connecting, accepting the server's data connection, each receive and send) is
-//   bounded by the receive time-out; looking up a host name takes as long as the system's
-//   resolver does. One reply as a whole, and all that is read before a command together, is
-//   bounded to four times the receive time-out plus response delay, one reply to 100,000 lines
-//   and 8 MiB: what goes beyond closes the session. A transfer as a whole is not bounded while
-//   bytes come: Abort() ends it. A listing is bounded to 64 MiB and 1,000,000 lines.
-// - A reply belongs to its command. What a command that timed out, was aborted or broke off is
-//   still owed is read (and reported) before the next command goes out, and so is what a server
-//   sends unasked. After an abort that was answered once the client asks PWD, whose reply shows
-//   whether another one was on its way. When an owed reply does not come in time, when a reply is
-//   no reply (no three digits), and when the peer closes, the session is closed: IsConnected() is
-//   false, and commands give -1 until the next Login().
-// - CR, LF and NUL in an argument of a command, in logon data or in a host name are refused
-//   before a byte is sent; the report names the command.
-// - Paths and names are bytes, sent and given as they are.
+/// A blocking FTP client: one control connection, one data connection at a time.
+///
+///     CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), 30);
+///     if (client.Login({"ftp.example.org", 21, "user", "password"}))
+///         client.DownloadFile("statement.pdf", "statement.pdf", CType::Image, true);
+///     client.Logout();
+///
+/// - Every operation runs on the caller's thread and returns when the exchange is over. One client
+///   serves one thread; only Abort() and IsTransferringData() may be called from another one.
+/// - An int result is a command's: 0 for a positive completion reply, 1 for a negative one, -1 for
+///   any other reply and for none.
+/// - Nothing is thrown but std::bad_alloc and what an observer throws.
+/// - CR, LF and NUL in arguments, logon data and host names are refused before a byte is sent.
+/// - Paths and names are bytes, sent and given as they are.
+///
+/// docs/ftp.md tells what is promised: limits, replies, resuming, aborting, and what is missing.
 class FORMKITFTP_EXPORT CFTPClient
 {
 public:
@@ -50,10 +36,11 @@ public:
     using IFileListParser = nsFTP::IFileListParser;
     using ITransferNotification = nsFTP::ITransferNotification;
 
-    // An observer, called synchronously on the client's thread; several of one client in the
-    // order of their addresses. A client or observer that is destroyed leaves all its partners.
-    // From within a call an observer may attach and detach and may call Abort(), which gives -1
-    // outside of transfers and lists; it must not send commands or destroy the client.
+    /// An observer, called synchronously on the client's thread; several of one client in the
+    /// order of their addresses. A client or observer that is destroyed leaves all its partners.
+    /// From within a call an observer may attach and detach and may call Abort(), which gives -1
+    /// outside of transfers and lists. Commands that it sends during a transfer are refused with
+    /// -1, at other times it must send none. It must not destroy the client.
     class FORMKITFTP_EXPORT CNotification
     {
     public:
@@ -62,8 +49,9 @@ public:
         CNotification &operator=(const CNotification &) = delete;
         virtual ~CNotification();
 
-        // Something failed. The source is the name of a unit ("formkit/FtpClient/FTPClient"),
-        // the line a number that stands for a place there: it stays the same in all versions.
+        /// Something failed. The source is the name of a unit ("formkit/FtpClient/FTPClient"),
+        /// the line a number that stands for a place there: it stays the same in all versions.
+        /// When that ends the session, IsConnected() is still true during this call.
         virtual void OnInternalError(const std::string &message, const std::string &source,
                                      int line);
         // Data are about to be received.
@@ -121,14 +109,15 @@ public:
 
     // Replaces the parser of List(); a CFTPListParser at first.
     void SetFileListParser(const std::shared_ptr<IFileListParser> &parser);
-    // Whether transfers go on where an earlier one ended; on at first.
+    /// Whether transfers go on where an earlier one ended; on at first.
     void SetResumeMode(bool resume);
     bool IsResumeModeEnabled() const;
     // Behind a router that translates addresses UseControlHost helps; it and Refuse keep a
     // server from sending the client to a third host.
     void SetPassiveAddressPolicy(TPassiveAddress policy);
-    // On: active mode takes the data connection from the control connection's peer only; others
-    // are reported and turned away while the time-out runs. Off at first.
+    /// On: active mode takes the data connection from the control connection's peer only; others
+    /// are reported and turned away while the time-out runs. Off at first: data of anyone who
+    /// connects are taken.
     void SetAcceptOnlyControlPeer(bool only);
     // True while data are moved.
     bool IsTransferringData() const;
@@ -144,9 +133,12 @@ public:
 
     // Sends a command; its reply is read with GetResponse().
     bool SendCommand(const CCommand &command, const CArg &arguments) const;
-    // Sends a command and reads its reply; true when a reply with a code came, whatever it says.
+    /// Sends a command and reads its reply; true when a reply with a code came, whatever it says.
+    /// Whether the code can answer the command is checked for the commands below only: 257, 227
+    /// or 213 to one that they cannot answer ends the session, and the command gives -1.
     bool SendCommand(const CCommand &command, const CArg &arguments, CReply &reply) const;
-    // Reads one reply. After a reply of class 1 a caller reads on for the final one.
+    /// Reads one reply. After a reply of class 1 a caller reads on for the final one. A reply
+    /// without three digits ends the session.
     bool GetResponse(CReply &reply) const;
     static int SimpleErrorCheck(const CReply &reply);
 
@@ -178,16 +170,17 @@ public:
     // negative, else -1.
     int Rename(const std::string &from, const std::string &to) const;
     int Move(const std::string &from, const std::string &to) const;
-    // Gives the time in seconds since 1970-01-01 UTC; -1 and no time when a positive reply
-    // holds none.
+    /// Gives the time in seconds since 1970-01-01 UTC; -1 and no time when a positive reply
+    /// holds no date and time that exist.
     int FileModificationTime(const std::string &path, long long &seconds) const;
     // Gives the size in bytes, beyond 4 GiB too; -1 and no size when a positive reply holds no
     // number that fits. Many servers refuse to tell while the type is ASCII.
     int FileSize(const std::string &path, long &size) const;
 
-    // Listings are asked for in ASCII. On failure the result is left as it was. Entries that
-    // the parser does not know are dropped; lists of strings hold the lines without line ends,
-    // empty ones left out.
+    /// Listings are asked for in ASCII. On failure the result is left as it was. Entries that
+    /// the parser does not know are dropped; lists of strings hold the lines without line ends,
+    /// empty ones left out. Many servers take a path with a blank or a leading dash for options
+    /// or for several paths: change into the directory first, then list "".
     bool List(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
               bool passive) const;
     bool List(const std::string &path, std::vector<std::string> &result, bool passive) const;
@@ -196,26 +189,21 @@ public:
                   bool passive) const;
     bool NameList(const std::string &path, std::vector<std::string> &result, bool passive) const;
 
-    // A transfer is good only when the data ended cleanly and the final reply is positive.
-    //
-    // A download with resume mode on goes on behind the local file's last byte (REST) when the
-    // representation is Image or LocalByte; offsets of ASCII mean something else on each server,
-    // so that such a file is fetched from its beginning. A local file longer than the remote
-    // one, or longer than 32 bits can tell, is refused, and so is a server that refuses REST;
-    // the local file is then untouched.
-    // When a server agrees to REST and sends the file from its beginning nevertheless, the
-    // download fails, ended or broken off, and the local file is cut back to what it was. Seen
-    // is that by more bytes than can be left, and, where the remote size and a good end do not
-    // speak against it, by bytes that equal the local file's beginning as far as both go. Files
-    // that repeat themselves (nothing but zeros) look the same: broken off they lose what
-    // arrived, and from a server that tells no sizes they cannot be resumed. Not seen, and
-    // kept, is the beginning of another file than the local one's in a download that was broken
-    // off or whose size is unknown.
-    // A download that fails otherwise leaves what arrived.
+    /// A transfer is good only when the data ended cleanly and the final reply is positive. A
+    /// download in Image or LocalByte whose size the server told (SIZE) has to have that many
+    /// bytes, the part that was there already included: fewer are reported and a failure, more
+    /// are reported and good, since the file has grown. What arrived stays in either case.
+    ///
+    /// With resume mode on a download in Image or LocalByte goes on after the local file's last
+    /// byte (REST, which a server agrees to with 350); ASCII is fetched from the beginning. A
+    /// local file longer than the remote one, or longer than 32 bits can tell, is refused, and so
+    /// is a server that refuses REST; the local file is then untouched.
+    /// When a server agrees to REST and sends the file from its beginning nevertheless, the
+    /// download fails and the local file is cut back to what it was. Sizes show that: where SIZE
+    /// is not told, or the data break off early, it is not seen.
     bool DownloadFile(const std::string &remoteFile, const std::string &localFile,
                       const CRepresentation &representation, bool passive) const;
-    // The same into a stream, whose GetLocalStreamSize() is where a resumed download begins and
-    // whose ReadLocalStream() gives what to compare with.
+    /// The same into a stream, whose GetLocalStreamSize() is where a resumed download begins.
     bool DownloadFile(const std::string &remoteFile, ITransferNotification &notification,
                       const CRepresentation &representation, bool passive) const;
     // From this client's server to another client's; see TransferFile().
@@ -223,12 +211,12 @@ public:
                       const std::string &targetFile, const CRepresentation &representation,
                       bool passive) const;
 
-    // An upload with resume mode on asks for the remote file's size and, when that is above 0,
-    // appends (APPE) the local bytes behind it: an existing remote file is completed, not
-    // replaced. A remote file longer than the local one is refused. ASCII and EBCDIC are sent
-    // whole and replace the remote file in either mode: servers translate line ends, so that the
-    // remote size tells nothing about the local file. storeUnique asks the server for a name of
-    // its own (STOU).
+    /// An upload with resume mode on asks for the remote file's size and, when that is above 0,
+    /// appends (APPE) the local bytes after it: an existing remote file is completed, not
+    /// replaced. A remote file longer than the local one is refused. ASCII and EBCDIC are sent
+    /// whole and replace the remote file in either mode: servers translate line ends, so that the
+    /// remote size tells nothing about the local file. storeUnique asks the server for a name of
+    /// its own (STOU).
     bool UploadFile(const std::string &localFile, const std::string &remoteFile, bool storeUnique,
                     const CRepresentation &representation, bool passive) const;
     bool UploadFile(ITransferNotification &notification, const std::string &remoteFile,
@@ -246,12 +234,16 @@ public:
                              const CFTPClient &target, const std::string &targetFile,
                              const CRepresentation &representation, bool passive);
 
-    // While a transfer runs: asks it to stop after the block in hand and gives 0; the transfer
-    // then closes the data connection, sends ABOR and fails. (A transfer that has not come to
-    // its data yet ends before them.) While a command of another kind runs, on another thread or
-    // around an observer, it gives -1 and does nothing. Else it sends ABOR and waits for the reply
-    // like any command, on the thread that calls: also when the transfer that was meant has just
-    // ended.
+    /// While a transfer runs it gives 0 and asks that to end: the transfer closes the data
+    /// connection, sends ABOR and fails; one that has not come to its data yet ends before them.
+    /// - From an observer: after the block that is received next, or sent.
+    /// - From another thread: every wait of the transfer ends at once (connecting, accepting,
+    ///   data, replies), also the one for ABOR's reply; with sockets of other makers than this
+    ///   library after the block that is received or sent.
+    ///
+    /// While a command of another kind runs, on another thread or around an observer, it gives -1
+    /// and does nothing. Else it sends ABOR and waits for the reply like any command, on the
+    /// thread that calls: also when the transfer that was meant has just ended.
     int Abort() const;
 
     // The steps of a transfer, for callers that put one together themselves.
@@ -275,8 +267,8 @@ public:
     int Passive(unsigned int &ipAddress, unsigned short &port) const;
     // Sends PORT for a dotted address.
     int DataPort(const std::string &hostIp, unsigned short port) const;
-    // Sends REST: 0 also for a 3xx reply, which is how a server agrees; -1 for 202, "superfluous
-    // here".
+    /// Sends REST: 0 also for a 3xx reply, which is how a server agrees; -1 for 202, "superfluous
+    /// here".
     int Restart(unsigned int position) const;
     // Finds six numbers of 0 to 255 parted by commas, blanks around them allowed, with or
     // without parentheses and on any line of a reply. False, and nothing set, when there are
@@ -287,21 +279,18 @@ public:
 private:
     struct Private;
     class DataCommand;
-    struct OwedReplies;
 
-    int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr) const;
-    bool busy() const;
     bool execute(const CCommand &command, const std::string &path,
                  const CRepresentation &representation, bool passive, unsigned int offset,
                  ITransferNotification &notification) const;
-    bool passiveAddress(sockaddr_in &address) const;
     bool begin(const CCommand &command, const std::string &path, unsigned int offset) const;
-    bool accept(nsSocket::IBlockingSocket &listener, nsSocket::IBlockingSocket &dataSocket) const;
-    bool abortTransfer(nsSocket::IBlockingSocket &dataSocket) const;
-    void sendAbort() const;
     bool listLines(const CCommand &command, const std::string &path,
                    std::vector<std::string> &result, bool passive) const;
     bool openLocal(CFile &file, CFile::TDirection direction) const;
+    static bool agreeOnAddress(const CFTPClient &listening, const CFTPClient &connecting);
+    static bool transferBetween(const CFTPClient &source, const std::string &sourceFile,
+                                const CFTPClient &target, const std::string &targetFile,
+                                bool passive);
 
     std::unique_ptr<Private> d;
 };

@@ -1,23 +1,9 @@
 #include "formkit/FtpClient/FTPDataTypes.h"
 
 #include "formkit/FtpClient/FTPAssert_p.h"
-
-#include <array>
+#include "formkit/FtpClient/FTPTextOf_p.h"
 
 namespace nsFTP {
-
-namespace {
-
-// The text of a value that counts from 0; a value without one is a programming error.
-template <size_t Count> std::string textOf(const std::array<const char *, Count> &texts, int value)
-{
-    FTP_ASSERT(value >= 0 && size_t(value) < Count && texts[size_t(value)], "false");
-    return texts[size_t(value)];
-}
-
-constexpr int FirewallTypes = 9;
-
-} // namespace
 
 CCommand::IExtendedInfo::~IExtendedInfo() = default;
 
@@ -182,70 +168,6 @@ std::string CStructure::AsString() const
 std::string CTransferMode::AsString() const
 {
     return textOf<3>({"S", "B", "C"}, m_enMode);
-}
-
-std::string CFirewallType::AsDisplayString() const
-{
-    return textOf<FirewallTypes>({"no firewall", "SITE hostname", "USER after logon", "proxy OPEN",
-                                  "Transparent", "USER with no logon", "USER fireID@remotehost",
-                                  "USER remoteID@remotehost fireID",
-                                  "USER remoteID@fireID@remotehost"},
-                                 m_enType);
-}
-
-std::string CFirewallType::AsStorageString() const
-{
-    return textOf<FirewallTypes>({"NO_FIREWALL", "SITE_HOSTNAME", "USER_AFTER_LOGON", "PROXY_OPEN",
-                                  "TRANSPARENT", "USER_WITH_NO_LOGON", "USER_FIREID@REMOTEHOST",
-                                  "USER_REMOTEID@REMOTEHOST_FIREID",
-                                  "USER_REMOTEID@FIREID@REMOTEHOST"},
-                                 m_enType);
-}
-
-void CFirewallType::GetAllTypes(std::vector<CFirewallType> &types)
-{
-    types.clear();
-    for (int value = 0; value < FirewallTypes; ++value)
-        types.emplace_back(TFirewallTypeEnum(value));
-}
-
-CLogonInfo::CLogonInfo() = default;
-
-CLogonInfo::CLogonInfo(const std::string &host, unsigned short port, const std::string &user,
-                       const std::string &password, const std::string &account)
-{
-    SetHost(host, port, user, password, account);
-}
-
-CLogonInfo::CLogonInfo(const std::string &host, unsigned short port, const std::string &user,
-                       const std::string &password, const std::string &account,
-                       const std::string &firewallHost, const std::string &firewallUser,
-                       const std::string &firewallPassword, unsigned short firewallPort,
-                       const CFirewallType &firewallType)
-{
-    SetHost(host, port, user, password, account);
-    SetFirewall(firewallHost, firewallUser, firewallPassword, firewallPort, firewallType);
-}
-
-void CLogonInfo::SetHost(const std::string &host, unsigned short port, const std::string &user,
-                         const std::string &password, const std::string &account)
-{
-    m_strHostName = host;
-    m_nHostPort = port;
-    m_strUserName = user;
-    m_strPassword = password;
-    m_strAccount = account;
-}
-
-void CLogonInfo::SetFirewall(const std::string &host, const std::string &user,
-                             const std::string &password, unsigned short port,
-                             const CFirewallType &type)
-{
-    m_strFirewallHost = host;
-    m_strFirewallUser = user;
-    m_strFirewallPassword = password;
-    m_nFirewallPort = port;
-    m_FirewallType = type;
 }
 
 } // namespace nsFTP

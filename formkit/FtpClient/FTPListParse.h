@@ -87,7 +87,8 @@ public:
     bool ParseUNIXStyleListing(CFTPFileStatus &status, std::string_view line);
     // A line without a ';' gives true and sets nothing. The time may be followed by anything.
     bool ParseMultiNetListing(CFTPFileStatus &status, std::string_view line) const;
-    // A time without A or P is read as one of 24 hours; a year of four digits stands as it is.
+    /// A blank may stand before A or P, AM or PM; a time without these is read as one of 24 hours.
+    /// A year of four digits stands as it is.
     bool ParseMSDOSListing(CFTPFileStatus &status, std::string_view line) const;
 
     // 0 to 11 for a three-letter English month in any case, else -1.

@@ -7,12 +7,6 @@ namespace nsFTP {
 
 ITransferNotification::~ITransferNotification() = default;
 
-unsigned long ITransferNotification::ReadLocalStream(long long /*position*/, char * /*buffer*/,
-                                                     unsigned long /*size*/)
-{
-    return 0;
-}
-
 COutputStream::COutputStream(const std::string &name, size_t limit)
     : m_strName(name), m_nLimit(limit)
 {
@@ -56,12 +50,6 @@ bool COutputStream::SetLocalStreamOffset(long long offset)
     m_strText.resize(size_t(offset));
     m_nLines = long(std::count(m_strText.begin(), m_strText.end(), '\n'));
     return true;
-}
-
-unsigned long COutputStream::ReadLocalStream(long long position, char *buffer, unsigned long size)
-{
-    const bool there = position >= 0 && size_t(position) <= m_strText.size();
-    return there ? m_strText.copy(buffer, size, size_t(position)) : 0;
 }
 
 CFile::CFile(const std::string &name) : m_File(QFile::decodeName(QByteArray::fromStdString(name)))
@@ -169,16 +157,6 @@ bool CFile::SetLocalStreamOffset(long long offset)
     m_nOffset = offset;
     m_bOffsetPending = m_enDirection == receive;
     return m_bOffsetPending || m_File.isSequential() || m_File.seek(offset);
-}
-
-unsigned long CFile::ReadLocalStream(long long position, char *buffer, unsigned long size)
-{
-    if (m_File.isSequential())
-        return 0;
-    const qint64 place = m_File.pos();
-    const qint64 count = m_File.seek(position) ? m_File.read(buffer, qint64(size)) : 0;
-    keepInMind(m_File.seek(place));
-    return static_cast<unsigned long>(std::max<qint64>(count, 0));
 }
 
 std::string _tstring(const QString &name)

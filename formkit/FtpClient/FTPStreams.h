@@ -11,8 +11,8 @@
 namespace nsFTP {
 
 // The caller's end of a transfer: takes the bytes of a download, gives those of an upload. All
-// calls come on the thread that runs the transfer; they must not use the client, except for
-// CFTPClient::Abort().
+// calls come on the thread that runs the transfer, where commands of the client are refused; they
+// may call CFTPClient::Abort().
 class FORMKITFTP_EXPORT ITransferNotification
 {
 public:
@@ -25,16 +25,13 @@ public:
 
     // A name for observers.
     virtual std::string GetLocalStreamName() const { return {}; }
-    // How many bytes are there already (a download resumes behind them) or are to be sent; -1
+    // How many bytes are there already (a download resumes after them) or are to be sent; -1
     // when that is not known.
     virtual long long GetLocalStreamSize() const { return -1; }
     // Where the next bytes belong or come from, called before a transfer. A receiver keeps what
-    // lies behind until the first byte arrives: the transfer may be refused. False when the
+    // lies after that until the first byte arrives: the transfer may be refused. False when the
     // stream cannot go there, which ends the call before anything is transferred.
     virtual bool SetLocalStreamOffset(long long offset) { return offset == 0; }
-    // Reads back what is there already, from a position on, and gives the count of bytes read; 0
-    // when the stream cannot tell. A resumed download compares with it what arrives.
-    virtual unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size);
     // False once bytes could not be kept or read: the transfer is then aborted and fails.
     virtual bool IsGood() const { return true; }
 };
@@ -65,7 +62,6 @@ public:
     long long GetLocalStreamSize() const override;
     // Cuts the text to the offset; false beyond its end.
     bool SetLocalStreamOffset(long long offset) override;
-    unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size) override;
     bool IsGood() const override { return m_bGood; }
 
 private:
@@ -106,7 +102,6 @@ public:
     // -1 for what has no size, such as a pipe.
     long long GetLocalStreamSize() const override;
     bool SetLocalStreamOffset(long long offset) override;
-    unsigned long ReadLocalStream(long long position, char *buffer, unsigned long size) override;
     bool IsGood() const override { return m_bGood; }
 
 private:

@@ -11,7 +11,7 @@ listens again: what it sent is then there to be read.
 Without a script a server behaves. A script is a list of "VERB: action|action" parted by ';'; each
 entry serves one command of that verb ("greeting" is one too), after which the verb behaves again.
 Actions:
-  <text>       sent with CR LF; {pasv}, {spaced}, {port}, {size} are filled in, \u2400 is a NUL
+  <text>       sent with CR LF; {pasv}, {spaced}, {port}, {full}, {size} are filled in, \u2400 is a NUL
   raw <text>   sent as it stands
   spam <n> <text>, drip <n> <text>  sent n times, at once or five times a second
   wait <ms>, close (the control connection), nothing
@@ -149,6 +149,11 @@ class Server(socketserver.StreamRequestHandler):
             to.sendall(data[at:at + step])
 
     def filled_in(self, text):
+        if "{full}" in text:  # a port whose queue is full: nobody answers there
+            self.full = socket.create_server(("127.0.0.1", 0), backlog=0)
+            port = self.full.getsockname()[1]
+            self.in_line = socket.create_connection(("127.0.0.1", port))
+            text = text.replace("{full}", "%d,%d" % divmod(port, 256))
         if "{" in text:
             self.passive, self.active = socket.create_server(("127.0.0.1", 0)), None
             self.passive.settimeout(PATIENCE)

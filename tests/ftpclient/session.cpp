@@ -53,14 +53,6 @@ long long prepare(Client &c, const QStringList &a)
         return good(QFile::resize(QString::fromStdString(c.local), a[1].toLongLong()));
     else if (a[0] == "replace")
         c.client.SetResumeMode(false);
-    else if (a[0] == "aborting")
-        c.recorder.afterBlock = [&] { c.client.Abort(); };
-    else if (a[0] == "cancelling")
-        c.recorder.beforeCommand = [&] { c.recorder.log << QString::number(c.client.Abort()); };
-    else if (a[0] == "meanwhile")
-        c.recorder.afterBlock = [&c, other = a.mid(1)] {
-            c.recorder.log << QString("meanwhile %1").arg(transfer(c, other));
-        };
     else if (a[0] == "onlypeer")
         c.client.SetAcceptOnlyControlPeer(true);
     else if (a[0] == "policy")
@@ -73,6 +65,31 @@ long long prepare(Client &c, const QStringList &a)
 long long performOne(Client &c, const QStringList &a)
 {
     const CFTPClient &client = c.client;
+    // "when <beginning of an entry>: <operation>", whose result goes into the log.
+    if (a[0] == "when") {
+        const QStringList parts = a.mid(1).join(' ').split(": ");
+        c.recorder.when(parts[0], [&c, operation = parts[1].split(' ')] {
+            c.recorder.log << "= " + QString::number(performOne(c, operation));
+        });
+        return 0;
+    }
+    if (a[0] == "abort")
+        return client.Abort();
+    if (a[0] == "elsewhere") {
+        std::thread([&] { client.Abort(); }).join();
+        return 0;
+    }
+    if (a[0] == "later") {
+        c.later = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            client.Abort();
+        });
+        return 0;
+    }
+    if (a[0] == "connected")
+        return client.IsConnected();
+    if (a[0] == "help")
+        return client.Help();
     const int number = a.value(2).toInt();
     CReply reply;
     if (a[0] == "raw") {

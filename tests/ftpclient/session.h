@@ -8,14 +8,29 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <thread>
 
-// Writes down what a client reports. The hooks run after each block and before each command.
+// Writes down what a client reports. The hook runs after each entry.
 class Recorder : public nsFTP::CFTPClient::CNotification
 {
 public:
     QStringList log;
-    std::function<void()> afterBlock = [] {};
-    std::function<void()> beforeCommand = [] {};
+    std::function<void(const QString &entry)> hook;
+
+    void note(const QString &entry)
+    {
+        log << entry;
+        if (hook)
+            hook(entry);
+    }
+    // Runs something after each entry with this beginning.
+    void when(const QString &beginning, const std::function<void()> &action)
+    {
+        hook = [=](const QString &entry) {
+            if (entry.startsWith(beginning))
+                action();
+        };
+    }
 
     // The end of the log, for a message.
     QString last() const { return log.mid(qMax(0, log.size() - 10)).join('\n') + '\n'; }
@@ -23,43 +38,48 @@ public:
 
     void OnInternalError(const std::string &message, const std::string &source, int line) override
     {
-        log << QString("! %1 (%2:%3)").arg(message.c_str(), source.c_str()).arg(line);
+        note(QString("! %1 (%2:%3)").arg(message.c_str(), source.c_str()).arg(line));
     }
-    void OnBeginReceivingData() override { log << "begin"; }
+    void OnBeginReceivingData() override { note("begin"); }
     void OnBytesReceived(const std::vector<char> & /*buffer*/, long count) override
     {
-        log << QString("got %1").arg(count);
-        afterBlock();
+        note(QString("got %1").arg(count));
     }
-    void OnEndReceivingData(long long total) override { log << QString("end %1").arg(total); }
+    void OnEndReceivingData(long long total) override { note(QString("end %1").arg(total)); }
     void OnBytesSent(const std::vector<char> & /*buffer*/, long count) override
     {
-        log << QString("sent %1").arg(count);
-        afterBlock();
+        note(QString("sent %1").arg(count));
     }
     void OnBeginSendingData(const std::string & /*localName*/, const std::string &remoteFile,
                             long long localSize, long long offset) override
     {
-        log << QString("upload %1 %2 from %3").arg(remoteFile.c_str()).arg(localSize).arg(offset);
+        note(QString("upload %1 %2 from %3").arg(remoteFile.c_str()).arg(localSize).arg(offset));
     }
     void OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments) override
     {
-        log << "> " + QString::fromStdString(command.AsString(arguments));
-        beforeCommand();
+        note("> " + QString::fromStdString(command.AsString(arguments)));
     }
     void OnResponse(const nsFTP::CReply &reply) override
     {
-        log << "< " + QString::fromStdString(reply.Value());
+        note("< " + QString::fromStdString(reply.Value()));
     }
 };
 
 // A client watched by a recorder, with a local file of its own.
 struct Client
 {
-    explicit Client(unsigned int seconds, unsigned int bufferSize)
-        : client(nsSocket::CreateDefaultBlockingSocketInstance(), seconds, bufferSize)
+    using Socket = std::shared_ptr<nsSocket::IBlockingSocket>;
+
+    explicit Client(unsigned int seconds, unsigned int bufferSize,
+                    const Socket &socket = nsSocket::CreateDefaultBlockingSocketInstance())
+        : client(socket, seconds, bufferSize)
     {
         client.AttachObserver(&recorder);
+    }
+    ~Client()
+    {
+        if (later.joinable())
+            later.join();
     }
     // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
@@ -67,11 +87,8 @@ struct Client
     // Whether commands read their own replies.
     bool inStep() const
     {
-        using nsFTP::CCommand;
-        nsFTP::CReply pwd;
-        nsFTP::CReply mdtm;
-        return client.SendCommand(CCommand::PWD, {}, pwd) && pwd.Code().Value() == "257" &&
-               client.SendCommand(CCommand::MDTM, {"f"}, mdtm) && mdtm.Code().Value() == "213";
+        long long time = 0;
+        return client.PrintWorkingDirectory() == 0 && client.FileModificationTime("f", time) == 0;
     }
     void write(const QByteArray &bytes) const { writeFile(local.c_str(), bytes); }
     QByteArray read() const { return readFile(local.c_str()); }
@@ -80,6 +97,7 @@ struct Client
     std::string local = folder.filePath("file").toStdString();
     Recorder recorder;
     nsFTP::CFTPClient client;
+    std::thread later;
     quint16 port = 0;
     std::vector<std::string> lines = {"kept"};
 };

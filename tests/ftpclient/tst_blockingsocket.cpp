@@ -130,7 +130,7 @@ private slots:
         QCOMPARE(failureOf([&] { pair.near.Write("x", 1, 1); }), "Send 0x00000020");
     }
 
-    // A signal neither ends a wait nor lengthens it.
+    // A signal neither ends a wait nor lengthens it, except that Accept is given up.
     void interruptedWaits()
     {
         Pair pair;
@@ -151,6 +151,18 @@ private slots:
             disturber.join();
             QCOMPARE(failure, answered ? "none" : "Receive timeout");
         }
+        CBlockingSocket listener;
+        listenOnLoopback(listener);
+        CBlockingSocket none;
+        std::atomic<bool> over{false};
+        std::thread disturber([&, waiting = ::pthread_self()] {
+            while (!over)
+                ::pthread_kill(waiting, SIGUSR1);
+        });
+        const bool accepted = listener.Accept(none, generic(pair.peer));
+        over = true;
+        disturber.join();
+        QVERIFY(!accepted);
     }
 
     void handlesAbove1023()

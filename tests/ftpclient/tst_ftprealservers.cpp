@@ -109,8 +109,8 @@ private slots:
         WORKS(session, session.login());
         for (const QString mode : {"passive", "active"}) {
             int blocks = 0;
-            session.recorder.afterBlock = [&] {
-                if (++blocks % 20 == 0)
+            session.recorder.hook = [&](const QString &entry) {
+                if (entry.contains(QRegularExpression("^got|^sent")) && ++blocks % 20 == 0)
                     session.client.Abort();
             };
             for (const bool down : {true, false}) {
@@ -125,12 +125,12 @@ private slots:
                     WORKS(session, session.inStep());
             }
             // What the aborted transfer left is completed.
-            session.recorder.afterBlock = [] {};
+            session.recorder.hook = nullptr;
             WORKS(session, session.perform("put up-" + mode + " " + mode) == 0 &&
                                session.server.get("up-" + mode) == content);
         }
         session.write("");
-        session.recorder.afterBlock = [&] { session.server.kill(); };
+        session.recorder.when("got", [&] { session.server.kill(); });
         QCOMPARE(session.perform("get f"), -1);
         QVERIFY(session.read().size() < 20000000);
         QVERIFY(session.client.Noop() == -1 && !session.client.IsConnected());

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "formkit/FtpClient/FTPClient.h"
+
+#include <atomic>
+
+namespace nsFTP {
+
+/// The places that internal-error reports name; the numbers never change.
+enum class ReportAt {
+    OpenControl = 410,
+    CloseControl = 432,
+    Logon = 532,
+    Send = 601,
+    Argument = 612,
+    Receive = 655,
+    ReplyLimit = 668,
+    OutOfStep = 676,
+    Passive = 921,
+    Active = 968,
+    ForeignPeer = 972,
+    Transfer = 1089,
+    CloseData = 1131,
+    LocalFile = 1204,
+    Offset = 1230
+};
+
+/// Who is told what a client does.
+class Observers
+{
+public:
+    using CNotification = CFTPClient::CNotification;
+
+    /// Calls each in the order of the addresses, whatever observers attach or detach meanwhile.
+    template <typename Call> void tell(Call call) const;
+    /// Whether a call of an observer is under way.
+    bool areTold() const { return m_depth > 0; }
+    void report(const std::string &message, ReportAt place) const;
+    void report(const nsSocket::CBlockingSocketException &exception, ReportAt place) const;
+
+    CFTPClient::TObserverSet set;
+
+private:
+    // One call of an observer may lie within another.
+    mutable std::atomic<int> m_depth{0};
+};
+
+template <typename Call> void Observers::tell(Call call) const
+{
+    struct Scope
+    {
+        explicit Scope(std::atomic<int> &depth) : m_depth(depth) { ++m_depth; }
+        Scope(const Scope &) = delete;
+        Scope &operator=(const Scope &) = delete;
+        ~Scope() { --m_depth; }
+
+        std::atomic<int> &m_depth;
+    } const scope(m_depth);
+    for (auto it = set.begin(); it != set.end();) {
+        CNotification *const observer = *it;
+        call(*observer);
+        it = set.upper_bound(observer);
+    }
+}
+
+} // namespace nsFTP

@@ -1,0 +1,86 @@
+#include "formkit/FtpClient/FTPPassive_p.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <arpa/inet.h>
+
+namespace nsFTP {
+
+namespace {
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Reads six numbers of a byte each from the start of a text; false when there are fewer, or
+// when the list goes on.
+bool readSixNumbers(std::string_view text, unsigned int (&numbers)[6])
+{
+    size_t i = 0;
+    const auto skipBlanks = [&] { i = std::min(text.find_first_not_of(" \t", i), text.size()); };
+    for (int n = 0; n < 6; ++n) {
+        numbers[n] = 0;
+        const size_t begin = i;
+        for (; i < text.size() && isDigit(text[i]) && numbers[n] <= 255; ++i)
+            numbers[n] = numbers[n] * 10 + unsigned(text[i] - '0');
+        if (i == begin || numbers[n] > 255)
+            return false;
+        const size_t end = i;
+        skipBlanks();
+        const bool comma = i < text.size() && text[i] == ',';
+        if (n == 5)
+            return !comma && (end == text.size() || !isDigit(text[end]));
+        if (!comma)
+            return false;
+        ++i;
+        skipBlanks();
+    }
+    return false;
+}
+
+} // namespace
+
+bool readPassiveAddress(const std::string &reply, unsigned int &ipAddress, unsigned short &port)
+{
+    const std::string_view text = reply;
+    char before = ' '; // the last character that is no blank: a list begins after no comma
+    for (size_t i = 0; i < text.size(); ++i) {
+        unsigned int n[6];
+        const bool begins = isDigit(text[i]) && (i == 0 || !isDigit(text[i - 1])) && before != ',';
+        if (begins && readSixNumbers(text.substr(i), n)) {
+            if (n[4] == 0 && n[5] == 0)
+                return false;
+            ipAddress = n[0] << 24 | n[1] << 16 | n[2] << 8 | n[3];
+            port = static_cast<unsigned short>(n[4] << 8 | n[5]);
+            return true;
+        }
+        if (text[i] != ' ' && text[i] != '\t')
+            before = text[i];
+    }
+    return false;
+}
+
+sockaddr_in addressOf(unsigned int ipAddress, unsigned short port)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(ipAddress);
+    return address;
+}
+
+sockaddr *generic(sockaddr_in *address)
+{
+    return reinterpret_cast<sockaddr *>(address);
+}
+
+std::string dotted(in_addr address)
+{
+    char text[INET_ADDRSTRLEN] = {};
+    ::inet_ntop(AF_INET, &address, text, sizeof text);
+    return text;
+}
+
+} // namespace nsFTP

@@ -1,0 +1,30 @@
+#include "formkit/FtpClient/FTPResume_p.h"
+
+namespace nsFTP {
+
+bool isBinary(const CRepresentation &representation)
+{
+    return representation.Type() == CType::Image || representation.Type() == CType::LocalByte;
+}
+
+void CountedDownload::OnBytesReceived(const std::vector<char> &buffer, long count)
+{
+    m_received += count;
+    m_target.OnBytesReceived(buffer, count);
+}
+
+void CountedDownload::OnPreBytesSend(char * /*buffer*/, unsigned long /*bufferSize*/,
+                                     unsigned long &bytesToSend)
+{
+    bytesToSend = 0;
+}
+
+bool CountedDownload::beganAgain(bool good) const
+{
+    if (m_offset == 0 || m_remoteSize < 0)
+        return false;
+    // A file that grows while it is read ends between its rest and the whole of it.
+    return good ? m_received >= m_remoteSize : m_received > m_remoteSize - m_offset;
+}
+
+} // namespace nsFTP

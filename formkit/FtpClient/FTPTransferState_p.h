@@ -1,0 +1,72 @@
+#pragma once
+
+#include "formkit/FtpClient/Interruption.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace nsFTP {
+
+/// Whether a transfer runs, and who wants it to end. The thread that runs it may ask it to stop
+/// after the block in hand; another thread ends its waits too.
+class TransferState
+{
+public:
+    /// A data-channel command, or a step of one that a caller takes alone. What was asked for
+    /// is forgotten at the end of the outermost.
+    class Scope
+    {
+    public:
+        enum Kind { Command, Step };
+
+        /// A command is not entered while another one runs.
+        Scope(TransferState &state, Kind kind);
+        Scope(const Scope &) = delete;
+        Scope &operator=(const Scope &) = delete;
+        ~Scope();
+        bool entered() const { return m_entered; }
+
+    private:
+        TransferState &m_state;
+        bool m_entered;
+    };
+
+    /// The time in which bytes go over the data connection.
+    class Moving
+    {
+    public:
+        explicit Moving(TransferState &state) : m_state(state) { m_state.m_moving = true; }
+        Moving(const Moving &) = delete;
+        Moving &operator=(const Moving &) = delete;
+        ~Moving() { m_state.m_moving = false; }
+
+    private:
+        TransferState &m_state;
+    };
+
+    bool isRunning() const;
+    bool isMoving() const { return m_moving; }
+    /// From any thread. False when nothing runs.
+    bool requestAbort();
+    /// From the transfer's own thread.
+    void stop() { m_abortRequested = true; }
+    void forgetAbort() { m_abortRequested = false; }
+    bool isAbortRequested() const { return m_abortRequested; }
+    /// Whether waits are ended by another thread.
+    bool isInterrupted() const { return m_interruption->IsRaised(); }
+    const std::shared_ptr<nsSocket::CInterruption> &interruption() const { return m_interruption; }
+
+private:
+    const std::shared_ptr<nsSocket::CInterruption> m_interruption =
+        std::make_shared<nsSocket::CInterruption>();
+    std::atomic<bool> m_moving{false};
+    std::atomic<bool> m_abortRequested{false};
+    // Guards what follows, and that nothing is asked of a transfer that has ended.
+    mutable std::mutex m_guard;
+    int m_depth = 0;
+    std::thread::id m_thread;
+};
+
+} // namespace nsFTP
