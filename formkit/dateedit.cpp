@@ -1,6 +1,6 @@
 #include "dateedit.h"
 
-#include "comboboxmanners_p.h"
+#include "comboboxusability_p.h"
 #include "datevalidator.h"
 
 #include <QCalendarWidget>
@@ -20,7 +20,7 @@ QString shown(const datetime &date)
 DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
 {
     setEditable(true);
-    new ComboBoxManners(this);
+    new ComboBoxUsability(this);
     lineEdit()->setValidator(new DateValidator(this));
     lineEdit()->setAlignment(Qt::AlignHCenter);
 

@@ -52,7 +52,10 @@ void StoriesTest::stories_data()
     QTest::addColumn<DataRow>("story");
     for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
                                                        "typing", "hubs", "pages"}) {
-        for (const DataRow &story : Desk::storiesOf(file))
+        QList<DataRow> stories = Desk::storiesOf(file);
+        if (Selectors.contains(file))
+            stories << Desk::storiesOf("boxes");
+        for (const DataRow &story : qAsConst(stories))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }
 }
