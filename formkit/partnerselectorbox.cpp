@@ -14,7 +14,7 @@ namespace {
 
 constexpr int PopupWidth = 40; // em
 // The name, beside the code.
-constexpr int NameRole = Qt::UserRole + 1;
+constexpr int NameRole = Qt::UserRole;
 
 QString displayLine(const QString &code, const QString &name)
 {
@@ -44,6 +44,7 @@ PartnerSelectorBox::PartnerSelectorBox(QWidget *parent)
     setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setItemDelegate(new PartnerLineDelegate({CodeColumn, NameColumn, CodeColumnWidth}, this));
     populate();
+    showQuietly(count() > 0 ? 0 : -1, QString());
     setStyleSheet(QStringLiteral("QComboBox QAbstractItemView {min-width: %1em;}").arg(PopupWidth));
     startReporting();
 }
@@ -83,8 +84,6 @@ void PartnerSelectorBox::populate()
         return;
     }
     setListSource(model);
-    if (currentText().isEmpty() && currentIndex() < 0 && count() > 0)
-        showQuietly(0, QString());
 }
 
 void PartnerSelectorBox::setPartner(const QString &code)

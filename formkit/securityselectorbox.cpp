@@ -183,7 +183,7 @@ QString SecuritySelectorBox::getSecurityName() const
 
 void SecuritySelectorBox::setSecurityName(const QString &text)
 {
-    if (lineEdit() && !(isFilling() && rowsOfText(text).count == 0))
+    if (lineEdit() && !isIgnored(text))
         setEditText(text);
 }
 

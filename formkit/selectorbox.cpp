@@ -13,6 +13,10 @@
 
 namespace {
 
+// The boxes that are reporting now, one within the other. What is set meanwhile in another box of
+// the form is told by a box, not by the program.
+int boxesReporting = 0;
+
 bool isNone(const QVariant &key)
 {
     const QString text = key.toString();
@@ -33,6 +37,7 @@ struct Kept
 {
     EditState edit;
     bool wasChoice = false;
+    bool wasWaiting = false;
     // The row that the edit text stood for, and that the user was on in the open list.
     Trace row;
     Trace lit;
@@ -204,6 +209,7 @@ void SelectorBox::rowActivated(int row)
     d->owesReport = false;
     d->waiting.drop();
     showMark();
+    const QScopedValueRollback<int> reporting(boxesReporting, boxesReporting + 1);
     item_activated(row);
 }
 
@@ -217,9 +223,11 @@ void SelectorBox::report(const QString &text)
     if (!std::exchange(d->isSetting, false))
         d->waiting.drop();
     showMark();
-    d->owesReport = isFilling();
-    if (!d->owesReport)
-        edit_changed(text);
+    d->owesReport = d->waiting.isOfThisTurn() && isWaiting();
+    if (d->owesReport)
+        return;
+    const QScopedValueRollback<int> reporting(boxesReporting, boxesReporting + 1);
+    edit_changed(text);
 }
 
 void SelectorBox::edit_changed(const QString &text)
@@ -272,9 +280,8 @@ void SelectorBox::choose(int row)
 
 void SelectorBox::showMark()
 {
-    mark(d->waiting.isSet() && !showsWaiting()
-             ? tr("%1 is not in the list yet").arg(d->waiting.key().toString())
-             : QString());
+    mark(isWaiting() ? tr("%1 is not in the list yet").arg(d->waiting.key().toString())
+                     : QString());
 }
 
 void SelectorBox::showPopup()
@@ -308,17 +315,22 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
 {
     if (!d->list || key.toString().isEmpty())
         return;
-    const int row = rowOfKey(role, key);
+    int row = rowOfKey(role, key);
     if (row < 0 && isNone(key)) {
         dropWaiting();
         if (d->owesReport)
             report(currentText());
         return;
     }
-    // An id says more than a code that comes with it.
-    const int idRole = d->traits.reported.first();
-    if (row < 0 && role != idRole && isFilling() && d->waiting.role() == idRole)
+    // An id says more than a code that comes with it, and several rows may have the code of
+    // another box's choice, whose id is still to come.
+    const bool isCode = role != d->traits.reported.first();
+    const bool isEcho = isCode && boxesReporting > 0;
+    const bool isPart = isEcho || (row < 0 && d->waiting.isOfThisTurn());
+    if (isCode && isPart && isWaiting() && d->waiting.role() != role)
         return;
+    if (isEcho && row != currentIndex() && d->list->rowsOfKey(role, key).size() > 1)
+        row = -1;
     d->waiting.set(role, key);
     if (row >= 0)
         choose(row);
@@ -327,17 +339,24 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
 
 bool SelectorBox::isWaitingFor(int role) const
 {
-    return d->waiting.isSet() && d->waiting.role() == role && !showsWaiting();
+    return isWaiting() && d->waiting.role() == role;
 }
 
-bool SelectorBox::isFilling() const
+bool SelectorBox::isWaiting() const
 {
-    return d->waiting.isOfThisTurn() && !showsWaiting();
+    return d->waiting.isSet() && !showsWaiting();
+}
+
+bool SelectorBox::isIgnored(const QString &name) const
+{
+    const bool isPart =
+        boxesReporting > 0 || (d->waiting.isOfThisTurn() && rowsOfText(name).count == 0);
+    return isPart && isWaiting();
 }
 
 void SelectorBox::dropWaiting()
 {
-    d->owesReport |= d->waiting.isSet() && !showsWaiting();
+    d->owesReport |= isWaiting();
     d->waiting.drop();
     showMark();
 }
@@ -367,6 +386,7 @@ bool SelectorBox::chooseWaiting()
 void SelectorBox::endTurn()
 {
     tryPlace();
+    chooseWaiting();
     if (showsWaiting())
         d->waiting.drop();
     const QScopedValueRollback<bool> setting(d->isSetting, true);
@@ -421,6 +441,7 @@ void SelectorBox::beginRefresh()
     // A source that was destroyed has nothing left to read.
     if (!d->list->sourceModel())
         return;
+    kept.wasWaiting = showsWaiting();
     kept.row =
         d->trace(kept.wasChoice ? currentIndex() : rowOfText(currentText(), d->traits.typing));
     if (view()->isVisible())
@@ -430,8 +451,9 @@ void SelectorBox::beginRefresh()
 void SelectorBox::endRefresh()
 {
     const Kept kept = std::exchange(d->kept, Kept());
-    const int come = waitingRow();
-    const int row = come >= 0 ? come : d->rowOf(kept.row);
+    const int same = d->rowOf(kept.row);
+    const int come = same >= 0 && kept.wasWaiting ? same : waitingRow();
+    const int row = come >= 0 ? come : same;
     const bool isChoice = come >= 0 || kept.wasChoice;
     // QComboBox has shown row 0 meanwhile.
     showQuietly(row, isChoice ? textOfRow(row) : kept.edit.text());

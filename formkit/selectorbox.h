@@ -93,8 +93,10 @@ protected:
     void chooseKey(int role, const QVariant &key);
     /// A key of that role waits, and must not be reported as none meanwhile.
     bool isWaitingFor(int role) const;
-    /// A key that was set in the turn under way waits.
-    bool isFilling() const;
+    /// A name that is set is not to be shown: a key waits whose name it may be, and will come with
+    /// it. So it is for a name that no row has in the turn in which the key was set, and for any
+    /// that another box reports.
+    bool isIgnored(const QString &name) const;
     /// Sets another exchange or board, by a function that narrows the list: what waits or was
     /// chosen in this turn is looked for there; any other choice is gone.
     void narrow(const std::function<void()> &setFilter);
@@ -135,6 +137,7 @@ private:
     void textChanged(const QString &text);
     void indexChanged();
     void rowActivated(int row);
+    bool isWaiting() const;
     void endTurn();
     void tryPlace();
     void report(const QString &text);
