@@ -50,8 +50,8 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "typing", "hubs", "pages"}) {
+    for (const QString &file : Selectors + QStringList{"hub", "form", "controls", "combobox",
+                                                       "numbers", "typing", "hubs", "pages"}) {
         QList<DataRow> stories = Desk::storiesOf(file);
         if (Selectors.contains(file))
             stories << Desk::storiesOf("boxes");
