@@ -154,14 +154,19 @@ ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
 
 void ComboBox::mark(const QString &why)
 {
+    QLineEdit *const edit = lineEdit();
     if (why == m_mark)
         return;
+    if (m_mark.isEmpty() && edit)
+        m_unmarked = QStringList{edit->styleSheet(), edit->toolTip(), edit->placeholderText()};
     m_mark = why;
-    if (!lineEdit())
+    if (!edit)
         return;
-    lineEdit()->setStyleSheet(why.isEmpty() ? QString() : QStringLiteral("color: red"));
-    lineEdit()->setToolTip(why);
-    lineEdit()->setPlaceholderText(why);
+    const QStringList looks =
+        why.isEmpty() ? m_unmarked : QStringList{QStringLiteral("color: red"), why, why};
+    edit->setStyleSheet(looks.value(0));
+    edit->setToolTip(looks.value(1));
+    edit->setPlaceholderText(looks.value(2));
 }
 
 void ComboBox::measureTexts(const QAbstractItemModel *model)
