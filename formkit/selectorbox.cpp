@@ -53,6 +53,7 @@ struct SelectorBox::Private
 
     QVariant data(int row, int role) const { return list->index(row, 0).data(role); }
     QVariantList key(int row) const;
+    QVariantList told(int row) const;
     Trace trace(int row) const;
     int rowOf(const Trace &trace) const;
 
@@ -80,13 +81,19 @@ QVariantList SelectorBox::Private::key(int row) const
     return all;
 }
 
+QVariantList SelectorBox::Private::told(int row) const
+{
+    QVariantList all{data(row, Qt::DisplayRole)};
+    for (const int role : traits.reported)
+        all.append(data(row, role));
+    return all;
+}
+
 Trace SelectorBox::Private::trace(int row) const
 {
     if (row < 0)
         return {};
-    Trace trace{key(row), {data(row, Qt::DisplayRole)}, isNone(data(row, traits.identity.first()))};
-    for (const int role : traits.reported)
-        trace.told.append(data(row, role));
+    Trace trace{key(row), told(row), isNone(data(row, traits.identity.first()))};
     const QVector<int> rows = list->rowsOfKey(traits.identity.first(), trace.key.first());
     const auto isTwin = [&](int other) { return other != row && key(other) == trace.key; };
     trace.isAmbiguous |= std::any_of(rows.begin(), rows.end(), isTwin);
@@ -102,7 +109,7 @@ int SelectorBox::Private::rowOf(const Trace &trace) const
     QVector<int> rows = list->rowsOfKey(traits.identity.first(), trace.key.first());
     const auto isOther = [&](int row) { return key(row) != trace.key; };
     rows.erase(std::remove_if(rows.begin(), rows.end(), isOther), rows.end());
-    const auto isSame = [&](int row) { return this->trace(row).told == trace.told; };
+    const auto isSame = [&](int row) { return told(row) == trace.told; };
     const auto same = std::find_if(rows.begin(), rows.end(), isSame);
     if (same != rows.end())
         return *same;
@@ -356,9 +363,11 @@ bool SelectorBox::isIgnored(const QString &name) const
 
 void SelectorBox::dropWaiting()
 {
-    d->owesReport |= isWaiting();
+    if (isWaiting()) {
+        d->owesReport = true;
+        mark(QString());
+    }
     d->waiting.drop();
-    showMark();
 }
 
 void SelectorBox::narrow(const std::function<void()> &setFilter)
@@ -467,7 +476,7 @@ void SelectorBox::endRefresh()
 
     const bool stoodForARow = kept.wasChoice || !kept.row.key.isEmpty();
     const bool isSame = row >= 0 && rowOfText(currentText(), d->traits.typing) == row &&
-                        d->key(row) == kept.row.key && d->trace(row).told == kept.row.told;
+                        d->key(row) == kept.row.key && d->told(row) == kept.row.told;
     d->mayStandForNewRow = !stoodForARow;
     const QScopedValueRollback<bool> setting(d->isSetting, true);
     if ((stoodForARow || come >= 0) && !isSame)
