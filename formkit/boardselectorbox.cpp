@@ -61,23 +61,21 @@ QString BoardSelectorBox::getStockId() const
 void BoardSelectorBox::setStockId(const QString &id)
 {
     lookUpPlace();
-    setPlace(placeOf(StockDirectory::i()->codeById(id.toInt()), id.toInt()));
+    setPlace({StockDirectory::i()->codeById(id.toInt()), id.toInt()});
 }
 
 void BoardSelectorBox::setStockCode(const QString &code)
 {
     lookUpPlace();
-    setPlace(placeOf(code, 0));
-}
-
-BoardSelectorBox::Place BoardSelectorBox::placeOf(const QString &stockCode, int stockId)
-{
-    return {stockCode, stockCode.isEmpty() ? stockId : 0};
+    if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+        setPlace({code, 0});
 }
 
 void BoardSelectorBox::setPlace(const Place &place)
 {
-    if (place.stockCode != m_place.stockCode || place.unknownStock != m_place.unknownStock)
+    const bool isSame = place.stockCode == m_place.stockCode &&
+                        (!place.stockCode.isEmpty() || place.givenStock == m_place.givenStock);
+    if (!isSame)
         narrow([&] { filter(place); });
 }
 
@@ -95,9 +93,11 @@ void BoardSelectorBox::filter(const Place &place)
 
 void BoardSelectorBox::lookUpPlace()
 {
-    const int id = m_place.unknownStock;
-    const Place place = placeOf(id == 0 ? QString() : StockDirectory::i()->codeById(id), id);
-    if (place.stockCode.isEmpty())
+    if (!m_place.isUnknown())
+        return;
+    const int id = m_place.givenStock;
+    const Place place{StockDirectory::i()->codeById(id), id};
+    if (place.isUnknown())
         return;
     filter(place);
     chooseWaiting();
@@ -105,7 +105,7 @@ void BoardSelectorBox::lookUpPlace()
 
 bool BoardSelectorBox::isInPlace(int) const
 {
-    return m_place.unknownStock == 0;
+    return !m_place.isUnknown();
 }
 
 QString BoardSelectorBox::getBoardId() const

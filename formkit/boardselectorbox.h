@@ -64,14 +64,16 @@ private Q_SLOTS:
     void item_activated(int index) override;
 
 private:
-    // The exchange as it is set: its code, or the id for which the directory has none.
+    // The exchange as it is set: its code, and the id that was given for it, 0 for none. The
+    // directory may have no code for that id.
     struct Place
     {
         QString stockCode;
-        int unknownStock = 0;
+        int givenStock = 0;
+
+        bool isUnknown() const { return stockCode.isEmpty() && givenStock != 0; }
     };
 
-    static Place placeOf(const QString &stockCode, int stockId);
     void setPlace(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;

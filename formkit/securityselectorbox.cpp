@@ -6,7 +6,6 @@
 
 #include <hostapi/directories.h>
 
-#include <tuple>
 #include <utility>
 
 namespace {
@@ -48,16 +47,14 @@ void SecuritySelectorBox::setSourceModel(SecuritySelectorModel *model)
     takeSource(model);
 }
 
-void SecuritySelectorBox::Place::setBoard(const QString &code, int id)
+bool SecuritySelectorBox::Place::isSameStock(const Place &other) const
 {
-    boardCode = code;
-    unknownBoard = code.isEmpty() ? id : 0;
+    return stockCode == other.stockCode && (!stockCode.isEmpty() || givenStock == other.givenStock);
 }
 
-bool SecuritySelectorBox::Place::operator==(const Place &other) const
+bool SecuritySelectorBox::Place::isSameBoard(const Place &other) const
 {
-    return std::tie(stockCode, unknownStock, boardCode, unknownBoard) ==
-           std::tie(other.stockCode, other.unknownStock, other.boardCode, other.unknownBoard);
+    return boardCode == other.boardCode && (!boardCode.isEmpty() || givenBoard == other.givenBoard);
 }
 
 QString SecuritySelectorBox::getStockId() const
@@ -74,23 +71,21 @@ void SecuritySelectorBox::setStockId(const QString &id)
 void SecuritySelectorBox::setStockCode(const QString &code)
 {
     lookUpPlace();
-    setStock(code, 0);
+    if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+        setStock(code, 0);
 }
 
 void SecuritySelectorBox::setStock(const QString &code, int id)
 {
-    const int unknown = code.isEmpty() ? id : 0;
-    if (code == m_place.stockCode && unknown == m_place.unknownStock)
-        return;
     Place place = m_place;
     place.stockCode = code;
+    place.givenStock = id;
+    if (place.isSameStock(m_place))
+        return;
     place.stockId = StockDirectory::i()->idByCode(code);
-    place.unknownStock = unknown;
-    place.unknownBoard = 0;
-    if (m_boardOfTurn->isSet()) {
-        const int board = m_boardOfTurn->key().toInt();
-        place.setBoard(boardCodeOf(place.stockId, board), board);
-    }
+    place.givenBoard = m_boardOfTurn->key().toInt();
+    if (m_boardOfTurn->isSet())
+        place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
     setPlace(place);
 }
 
@@ -103,22 +98,26 @@ void SecuritySelectorBox::setBoardId(const QString &id)
 {
     lookUpPlace();
     Place place = m_place;
-    place.setBoard(boardCodeOf(place.stockId, id.toInt()), id.toInt());
-    m_boardOfTurn->set(0, id.toInt());
+    place.givenBoard = id.toInt();
+    place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
+    m_boardOfTurn->set(0, place.givenBoard);
     setPlace(place);
 }
 
 void SecuritySelectorBox::setBoardCode(const QString &code)
 {
     lookUpPlace();
+    if (isTold() && code.isEmpty() && m_place.givenBoard != 0)
+        return;
     Place place = m_place;
-    place.setBoard(code, m_boardOfTurn->key().toInt());
+    place.boardCode = code;
+    place.givenBoard = 0;
     setPlace(place);
 }
 
 void SecuritySelectorBox::setPlace(const Place &place)
 {
-    if (!(place == m_place))
+    if (!place.isSameStock(m_place) || !place.isSameBoard(m_place))
         narrow([&] { filter(place); });
 }
 
@@ -137,14 +136,13 @@ void SecuritySelectorBox::filter(const Place &place)
 void SecuritySelectorBox::lookUpPlace()
 {
     Place place = m_place;
-    if (place.unknownStock != 0) {
-        place.stockCode = StockDirectory::i()->codeById(place.unknownStock);
-        if (!place.stockCode.isEmpty())
-            place.stockId = std::exchange(place.unknownStock, 0);
+    if (place.isStockUnknown()) {
+        place.stockCode = StockDirectory::i()->codeById(place.givenStock);
+        place.stockId = place.isStockUnknown() ? place.stockId : place.givenStock;
     }
-    if (place.unknownBoard != 0)
-        place.setBoard(boardCodeOf(place.stockId, place.unknownBoard), place.unknownBoard);
-    if (place == m_place)
+    if (place.isBoardUnknown())
+        place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
+    if (place.isSameStock(m_place) && place.isSameBoard(m_place))
         return;
     filter(place);
     chooseWaiting();
@@ -155,7 +153,7 @@ bool SecuritySelectorBox::isInPlace(int row) const
     const auto isOf = [&](const QString &code, int role) {
         return code.isEmpty() || dataOfRow(row, role).toString() == code;
     };
-    return m_place.unknownStock == 0 && m_place.unknownBoard == 0 &&
+    return !m_place.isStockUnknown() && !m_place.isBoardUnknown() &&
            isOf(m_place.stockCode, Model::StockCodeRole) &&
            isOf(m_place.boardCode, Model::BoardCodeRole);
 }

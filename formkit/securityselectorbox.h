@@ -80,17 +80,20 @@ private Q_SLOTS:
     void item_activated(int row) override;
 
 private:
-    // Exchange and board as they are set: their codes, or ids for which the directory has none.
+    // Exchange and board as they are set: their codes, and the ids that were given for them, 0 for
+    // none. The directory may have no code for those.
     struct Place
     {
         QString stockCode;
-        qint32 stockId = 0;
-        int unknownStock = 0;
+        qint32 stockId = 0; // that of the code
+        int givenStock = 0;
         QString boardCode;
-        int unknownBoard = 0;
+        int givenBoard = 0;
 
-        void setBoard(const QString &code, int id);
-        bool operator==(const Place &other) const;
+        bool isStockUnknown() const { return stockCode.isEmpty() && givenStock != 0; }
+        bool isBoardUnknown() const { return boardCode.isEmpty() && givenBoard != 0; }
+        bool isSameStock(const Place &other) const;
+        bool isSameBoard(const Place &other) const;
     };
 
     void setStock(const QString &code, int id);

@@ -332,7 +332,7 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
     // An id says more than a code that comes with it, and several rows may have the code of
     // another box's choice, whose id is still to come.
     const bool isCode = role != d->traits.reported.first();
-    const bool isEcho = isCode && boxesReporting > 0;
+    const bool isEcho = isCode && isTold();
     const bool isPart = isEcho || (row < 0 && d->waiting.isOfThisTurn());
     if (isCode && isPart && isWaiting() && d->waiting.role() != role)
         return;
@@ -356,8 +356,7 @@ bool SelectorBox::isWaiting() const
 
 bool SelectorBox::isIgnored(const QString &name) const
 {
-    const bool isPart =
-        boxesReporting > 0 || (d->waiting.isOfThisTurn() && rowsOfText(name).count == 0);
+    const bool isPart = isTold() || (d->waiting.isOfThisTurn() && rowsOfText(name).count == 0);
     return isPart && isWaiting();
 }
 
@@ -410,6 +409,11 @@ void SelectorBox::tryPlace()
     } catch (...) {
         // The host's directory fails: what waits goes on waiting.
     }
+}
+
+bool SelectorBox::isTold()
+{
+    return boxesReporting > 0;
 }
 
 void SelectorBox::lookUpPlace() {}

@@ -103,6 +103,11 @@ protected:
     /// Chooses the row that waits, if it is listed now, and true when it is the choice.
     bool chooseWaiting();
 
+    /// Another box of the form is reporting: what is set now is what that box tells. An empty code
+    /// says nothing then about an exchange or board that was set by id: a box that shows none
+    /// has told of id "0" before, and one that waits for that id has not.
+    static bool isTold();
+
     /// Looks up an exchange or board whose id the directory did not know when it was set.
     /// Called after each population, and at the end of each turn in which something was set.
     virtual void lookUpPlace();
