@@ -67,7 +67,9 @@ void BoardSelectorBox::setStockId(const QString &id)
 void BoardSelectorBox::setStockCode(const QString &code)
 {
     lookUpPlace();
-    if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+    if (isTold() && m_place.isUnknown() && !code.isEmpty())
+        complete({code, m_place.givenStock});
+    else if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
         setPlace({code, 0});
 }
 
@@ -99,6 +101,11 @@ void BoardSelectorBox::lookUpPlace()
     const Place place{StockDirectory::i()->codeById(id), id};
     if (place.isUnknown())
         return;
+    complete(place);
+}
+
+void BoardSelectorBox::complete(const Place &place)
+{
     filter(place);
     chooseWaiting();
 }

@@ -75,6 +75,7 @@ private:
     };
 
     void setPlace(const Place &place);
+    void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
     bool isInPlace(int row) const override;

@@ -83,6 +83,11 @@ void SecuritySelectorBox::setStock(const QString &code, int id)
     if (place.isSameStock(m_place))
         return;
     place.stockId = StockDirectory::i()->idByCode(code);
+    if (isTold() && m_place.isStockUnknown()) {
+        place.givenStock = m_place.givenStock;
+        complete(place);
+        return;
+    }
     place.givenBoard = m_boardOfTurn->key().toInt();
     if (m_boardOfTurn->isSet())
         place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
@@ -111,6 +116,10 @@ void SecuritySelectorBox::setBoardCode(const QString &code)
         return;
     Place place = m_place;
     place.boardCode = code;
+    if (isTold() && m_place.isBoardUnknown()) {
+        complete(place);
+        return;
+    }
     place.givenBoard = 0;
     setPlace(place);
 }
@@ -140,10 +149,16 @@ void SecuritySelectorBox::lookUpPlace()
         place.stockCode = StockDirectory::i()->codeById(place.givenStock);
         place.stockId = place.isStockUnknown() ? place.stockId : place.givenStock;
     }
+    if (place.stockId == 0 && !place.stockCode.isEmpty())
+        place.stockId = StockDirectory::i()->idByCode(place.stockCode);
     if (place.isBoardUnknown())
         place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
-    if (place.isSameStock(m_place) && place.isSameBoard(m_place))
-        return;
+    if (!place.isSameStock(m_place) || !place.isSameBoard(m_place))
+        complete(place);
+}
+
+void SecuritySelectorBox::complete(const Place &place)
+{
     filter(place);
     chooseWaiting();
 }

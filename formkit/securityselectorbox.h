@@ -98,6 +98,7 @@ private:
 
     void setStock(const QString &code, int id);
     void setPlace(const Place &place);
+    void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
     bool isInPlace(int row) const override;

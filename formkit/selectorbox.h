@@ -105,7 +105,8 @@ protected:
 
     /// Another box of the form is reporting: what is set now is what that box tells. An empty code
     /// says nothing then about an exchange or board that was set by id: a box that shows none
-    /// has told of id "0" before, and one that waits for that id has not.
+    /// has told of id "0" before, and one that waits for that id has not. Any other code is that of
+    /// the id.
     static bool isTold();
 
     /// Looks up an exchange or board whose id the directory did not know when it was set.
