@@ -5,24 +5,34 @@
 
 #include <hostapi/directories.h>
 
+#include <utility>
+
+namespace {
+
+BoardSelectorFilteredModel *makeList()
+{
+    auto *const list = new BoardSelectorFilteredModel;
+    list->setKeyRoles({BoardSelectorModel::KeyRole, BoardSelectorModel::BoardIdRole,
+                       BoardSelectorModel::BoardCodeRole});
+    return list;
+}
+
+} // namespace
+
 BoardSelectorBox::BoardSelectorBox(QWidget *parent)
-    : SelectorBox(new BoardSelectorFilteredModel, {BoardSelectorModel::KeyRole}, Qt::CaseSensitive,
+    : SelectorBox({makeList(),
+                   {BoardSelectorModel::KeyRole},
+                   {BoardSelectorModel::BoardIdRole, BoardSelectorModel::BoardCodeRole}},
                   parent)
     , m_filtered(static_cast<BoardSelectorFilteredModel *>(list()))
 {
-    list()->setKeyRoles({BoardSelectorModel::KeyRole, BoardSelectorModel::BoardIdRole,
-                         BoardSelectorModel::BoardCodeRole});
     setSourceModel(new BoardSelectorModel(this));
     startReporting();
 }
 
 void BoardSelectorBox::setSourceModel(BoardSelectorModel *model)
 {
-    if (!model)
-        return;
-    model->setParent(this);
-    model->populate();
-    setListSource(model);
+    takeSource(model);
 }
 
 void BoardSelectorBox::setSecTypeFilter(const QChar &secType)
@@ -45,22 +55,64 @@ void BoardSelectorBox::setBoardFlagsOffFilter(qlonglong boardFlagsOff)
 
 QString BoardSelectorBox::getStockId() const
 {
-    return QString::number(StockDirectory::i()->idByCode(m_stockCode));
+    return QString::number(StockDirectory::i()->idByCode(m_place.stockCode));
 }
 
 void BoardSelectorBox::setStockId(const QString &id)
 {
-    setStockCode(StockDirectory::i()->codeById(id.toInt()));
+    lookUpPlace();
+    setPlace({StockDirectory::i()->codeById(id.toInt()), id.toInt()});
 }
 
 void BoardSelectorBox::setStockCode(const QString &code)
 {
-    if (code == m_stockCode)
+    lookUpPlace();
+    if (isTold() && m_place.isUnknown() && !code.isEmpty())
+        complete({code, m_place.givenStock});
+    else if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+        setPlace({code, 0});
+}
+
+void BoardSelectorBox::setPlace(const Place &place)
+{
+    const bool isSame = place.stockCode == m_place.stockCode &&
+                        (!place.stockCode.isEmpty() || place.givenStock == m_place.givenStock);
+    if (!isSame)
+        narrow([&] { filter(place); });
+}
+
+void BoardSelectorBox::filter(const Place &place)
+{
+    const Place before = std::exchange(m_place, place);
+    try {
+        if (m_filtered && place.stockCode != before.stockCode)
+            m_filtered->setStockCode(place.stockCode);
+    } catch (...) {
+        m_place = before;
+        throw;
+    }
+}
+
+void BoardSelectorBox::lookUpPlace()
+{
+    if (!m_place.isUnknown())
         return;
-    m_stockCode = code;
-    if (m_filtered)
-        m_filtered->setStockCode(code);
-    clearChoice();
+    const int id = m_place.givenStock;
+    const Place place{StockDirectory::i()->codeById(id), id};
+    if (place.isUnknown())
+        return;
+    complete(place);
+}
+
+void BoardSelectorBox::complete(const Place &place)
+{
+    filter(place);
+    chooseWaiting();
+}
+
+bool BoardSelectorBox::isInPlace(int) const
+{
+    return !m_place.isUnknown();
 }
 
 QString BoardSelectorBox::getBoardId() const
@@ -88,24 +140,25 @@ void BoardSelectorBox::setBoardCode(const QString &code)
     chooseKey(BoardSelectorModel::BoardCodeRole, code);
 }
 
-void BoardSelectorBox::edit_changed(const QString &text)
+void BoardSelectorBox::reportNone(const QString &text)
 {
-    const int row = rowOfTypedText();
-    if (row >= 0) {
-        item_activated(row);
-    } else {
-        if (text.isEmpty())
-            setCurrentIndex(-1);
-        emit boardIdChanged(QStringLiteral("0"));
-        emit boardCodeChanged(QString());
-    }
-    emit boardChanged(text);
+    if (text.isEmpty())
+        setCurrentIndex(-1);
+    if (!isWaitingFor(BoardSelectorModel::BoardIdRole))
+        Q_EMIT boardIdChanged(QStringLiteral("0"));
+    if (!isWaitingFor(BoardSelectorModel::BoardCodeRole))
+        Q_EMIT boardCodeChanged(QString());
+}
+
+void BoardSelectorBox::reportText(const QString &text)
+{
+    Q_EMIT boardChanged(text);
 }
 
 void BoardSelectorBox::item_activated(int index)
 {
-    const int id = itemData(index, BoardSelectorModel::BoardIdRole).toInt();
-    const QString code = itemData(index, BoardSelectorModel::BoardCodeRole).toString();
-    emit boardIdChanged(QString::number(id));
-    emit boardCodeChanged(code);
+    const int id = dataOfRow(index, BoardSelectorModel::BoardIdRole).toInt();
+    const QString code = dataOfRow(index, BoardSelectorModel::BoardCodeRole).toString();
+    Q_EMIT boardIdChanged(QString::number(id));
+    Q_EMIT boardCodeChanged(code);
 }

@@ -8,9 +8,10 @@ class BoardSelectorModel;
 // Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
 // "0" for none.
 //
-// Setting another exchange narrows the list and empties the box, so a form sets the exchange
-// first and the board then. The other setters choose a row as a user would: the change is
-// reported; what is not listed leaves the choice as it is. Typing reports after each change
+// Setting another exchange narrows the list and empties the box. A board that is set in the same
+// turn of the event loop, before or after the exchange, is chosen there, or waits for it (see
+// SelectorBox). The other setters choose a row as a user would: the change is reported; what is
+// not listed leaves the choice as it is and waits. Typing reports after each change
 // of the text: the board only when the text is a name letter for letter, otherwise id "0" and
 // an empty code; the getters find a name in any letter case.
 class FORMKIT_EXPORT BoardSelectorBox : public SelectorBox
@@ -40,7 +41,7 @@ public:
     // directory does not know is its answer for an empty code.
     QString getStockId() const;
     void setStockId(const QString &id);
-    QString getStockCode() const { return m_stockCode; }
+    QString getStockCode() const { return m_place.stockCode; }
     void setStockCode(const QString &code);
 
     // The id of the board that the text names, "0" for none.
@@ -50,20 +51,37 @@ public:
     QString getBoard() const;
     // The code of the board that the text names, empty for none.
     QString getBoardCode() const;
-    // In any letter case.
+    // In any letter case, unless one has it letter for letter.
     void setBoardCode(const QString &code);
 
-signals:
+Q_SIGNALS:
     // The text, after every change of it.
     void boardChanged(const QString &newValue);
     void boardIdChanged(const QString &newValue);
     void boardCodeChanged(const QString &newValue);
 
-private slots:
-    void edit_changed(const QString &text) override;
+private Q_SLOTS:
     void item_activated(int index) override;
 
 private:
-    QString m_stockCode;
+    // The exchange as it is set: its code, and the id that was given for it, 0 for none. The
+    // directory may have no code for that id.
+    struct Place
+    {
+        QString stockCode;
+        int givenStock = 0;
+
+        bool isUnknown() const { return stockCode.isEmpty() && givenStock != 0; }
+    };
+
+    void setPlace(const Place &place);
+    void complete(const Place &place);
+    void filter(const Place &place);
+    void lookUpPlace() override;
+    bool isInPlace(int row) const override;
+    void reportNone(const QString &text) override;
+    void reportText(const QString &text) override;
+
+    Place m_place;
     QPointer<BoardSelectorFilteredModel> m_filtered;
 };

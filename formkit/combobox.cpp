@@ -1,9 +1,10 @@
 #include "combobox.h"
 
-#include "comboboxmanners_p.h"
+#include "comboboxusability_p.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QEvent>
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QScopedValueRollback>
@@ -17,22 +18,72 @@ namespace {
 constexpr int MeasuredTexts = 8;
 // What QComboBox takes for an empty list.
 constexpr int FewestCharacters = 7;
+constexpr int MostCharacters = 30;
+
+// Whether Enter chooses a completion: the completer then tells of it.
+bool isCompletionLit(const QCompleter *completer)
+{
+    if (!completer || completer->completionMode() == QCompleter::InlineCompletion)
+        return false;
+    const QAbstractItemView *const list = completer->popup();
+    return list->isVisible() && list->selectionModel() && list->selectionModel()->hasSelection();
+}
 
 } // namespace
 
 ComboBox::ComboBox(QWidget *parent) : QComboBox(parent)
 {
     setEditable(true);
-    new ComboBoxManners(this);
-
-    auto *typeAhead = new QCompleter(this);
-    typeAhead->setCaseSensitivity(Qt::CaseInsensitive);
-    setCompleter(typeAhead);
-    typeAhead->setModel(model());
-
-    m_validator = new ComboBoxValidator(lineEdit());
-    m_validator->setModel(model());
+    new ComboBoxUsability(this);
+    furnishLineEdit();
     setCurrentIndex(-1);
+}
+
+QCompleter *ComboBox::makeCompleter()
+{
+    auto *const typeAhead = new QCompleter(this);
+    typeAhead->setCaseSensitivity(Qt::CaseInsensitive);
+    typeAhead->setModel(model());
+    return typeAhead;
+}
+
+void ComboBox::replaceCompleter()
+{
+    delete m_completer;
+    m_completer = makeCompleter();
+    setCompleter(m_completer);
+}
+
+// Gives a line edit that has come what the first one had.
+void ComboBox::furnishLineEdit()
+{
+    QLineEdit *const edit = lineEdit();
+    if (!edit || edit == m_furnished)
+        return;
+    m_furnished = edit;
+    m_validator = new ComboBoxValidator(edit);
+    m_validator->setModel(model());
+    // That of QComboBox completes within the line and belongs to the line edit.
+    const QCompleter *const own = edit->completer();
+    if (!own || (own->parent() == edit && own->completionMode() == QCompleter::InlineCompletion))
+        replaceCompleter();
+    if (m_choosesWhenLeft)
+        chooseWhenLeft();
+    mark(std::exchange(m_mark, QString()));
+}
+
+bool ComboBox::event(QEvent *event)
+{
+    const bool done = QComboBox::event(event);
+    // QComboBox takes over a line edit without a word. A child that is new is not the line edit
+    // yet; one that is polished is.
+    if (event->type() == QEvent::ChildAdded)
+        QMetaObject::invokeMethod(this, &ComboBox::furnishLineEdit, Qt::QueuedConnection);
+    else if (event->type() == QEvent::ChildPolished)
+        furnishLineEdit();
+    else if (event->type() == QEvent::Show)
+        m_wasShown = true;
+    return done;
 }
 
 void ComboBox::showPopup()
@@ -46,6 +97,12 @@ void ComboBox::showPopup()
     QComboBox::showPopup();
 }
 
+QString ComboBox::textOfRow(int row) const
+{
+    const QString text = model()->index(row, 0, rootModelIndex()).data().toString();
+    return lineEdit() ? text.left(lineEdit()->maxLength()) : text;
+}
+
 void ComboBox::chooseRow(int row)
 {
     if (row >= 0)
@@ -54,6 +111,8 @@ void ComboBox::chooseRow(int row)
 
 void ComboBox::chooseWhenLeft()
 {
+    m_choosesWhenLeft = true;
+    // QComboBox would choose the first of several rows that differ in case alone.
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     connect(lineEdit(), &QLineEdit::editingFinished, this, &ComboBox::leave);
 }
@@ -64,43 +123,65 @@ void ComboBox::leave()
     if (m_opening || view()->isVisible())
         return;
     const QString text = currentText();
-    if (text.isEmpty() || (currentIndex() >= 0 && itemText(currentIndex()) == text))
+    if (text.isEmpty() || (currentIndex() >= 0 && textOfRow(currentIndex()) == text))
         return;
     const TextRows rows = rowsOfText(text);
-    if (rows.count == 1)
-        chooseRow(rows.first);
-    markUnmatched(rows.count == 0);
+    const bool completerTells = isCompletionLit(completer());
+    if (rows.count == 0 && m_mark.isEmpty())
+        mark(tr("Not in the list"));
+    if (rows.count != 1)
+        return;
+    chooseRow(rows.first);
+    if (!completerTells) {
+        Q_EMIT activated(rows.first);
+        Q_EMIT textActivated(currentText());
+    }
 }
 
 ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
 {
-    TextRows rows{-1, 0};
+    TextRows exact{-1, 0};
+    TextRows inAnyCase{-1, 0};
     for (int row = count() - 1; row >= 0; --row) {
-        if (itemText(row).compare(text, Qt::CaseInsensitive) == 0)
-            rows = {row, rows.count + 1};
+        const QString other = textOfRow(row);
+        if (other == text)
+            exact = {row, exact.count + 1};
+        if (other.compare(text, Qt::CaseInsensitive) == 0)
+            inAnyCase = {row, inAnyCase.count + 1};
     }
-    return rows;
+    return exact.count > 0 ? exact : inAnyCase;
 }
 
-void ComboBox::markUnmatched(bool unmatched)
+void ComboBox::mark(const QString &why)
 {
-    if (unmatched == m_unmatched || !lineEdit())
+    QLineEdit *const edit = lineEdit();
+    if (why == m_mark)
         return;
-    m_unmatched = unmatched;
-    lineEdit()->setStyleSheet(unmatched ? QStringLiteral("color: red") : QString());
-    lineEdit()->setToolTip(unmatched ? tr("Not in the list") : QString());
+    if (m_mark.isEmpty() && edit)
+        m_unmarked = QStringList{edit->styleSheet(), edit->toolTip(), edit->placeholderText()};
+    m_mark = why;
+    if (!edit)
+        return;
+    const QStringList looks =
+        why.isEmpty() ? m_unmarked : QStringList{QStringLiteral("color: red"), why, why};
+    edit->setStyleSheet(looks.value(0));
+    edit->setToolTip(looks.value(1));
+    edit->setPlaceholderText(looks.value(2));
 }
 
 void ComboBox::measureTexts(const QAbstractItemModel *model)
 {
+    if (m_wasShown)
+        return;
     const auto byLength = [](const QString &a, const QString &b) { return a.size() > b.size(); };
     const int rows = model->rowCount();
     int shortest = 0;
     m_longest.clear();
     for (int row = 0; row < rows; ++row) {
-        const QString text = model->index(row, 0).data().toString();
-        if (text.size() <= shortest)
+        const QString whole = model->index(row, 0).data().toString();
+        if (qMin(whole.size(), MostCharacters) <= shortest)
             continue;
+        const QString text = whole.left(MostCharacters);
         m_longest.insert(std::upper_bound(m_longest.begin(), m_longest.end(), text, byLength),
                          text);
         if (m_longest.size() > MeasuredTexts) {
@@ -112,20 +193,33 @@ void ComboBox::measureTexts(const QAbstractItemModel *model)
     updateGeometry();
 }
 
-QSize ComboBox::sizeHint() const
+QSize ComboBox::sizeFor(bool ofContents) const
 {
-    if (!m_measured)
-        return QComboBox::sizeHint();
     QStyleOptionComboBox option;
     initStyleOption(&option);
-    int width = fontMetrics().horizontalAdvance(QLatin1Char('x')) * FewestCharacters;
-    for (const QString &text : m_longest)
-        width = qMax(width, fontMetrics().horizontalAdvance(text));
-    const QSize contents(width, qMax(fontMetrics().height(), 14) + 2);
+    const QFontMetrics metrics = fontMetrics();
+    const auto widthOf = [&](QLatin1Char character, int count) {
+        return metrics.horizontalAdvance(character) * count;
+    };
+    int width = widthOf(QLatin1Char('X'), minimumContentsLength());
+    const bool fitsContents =
+        sizeAdjustPolicy() == AdjustToContents || sizeAdjustPolicy() == AdjustToContentsOnFirstShow;
+    if (ofContents && fitsContents) {
+        int widest = widthOf(QLatin1Char('x'), FewestCharacters);
+        for (const QString &text : m_longest)
+            widest = qMax(widest, metrics.horizontalAdvance(text));
+        width = qMax(width, qMin(widest, widthOf(QLatin1Char('x'), MostCharacters)));
+    }
+    const QSize contents(width, qMax(metrics.height(), 14) + 2);
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);
+}
+
+QSize ComboBox::sizeHint() const
+{
+    return m_measured ? sizeFor(true) : QComboBox::sizeHint();
 }
 
 QSize ComboBox::minimumSizeHint() const
 {
-    return m_measured ? sizeHint() : QComboBox::minimumSizeHint();
+    return m_measured ? sizeFor(minimumContentsLength() == 0) : QComboBox::minimumSizeHint();
 }

@@ -1,6 +1,6 @@
 #include "dateedit.h"
 
-#include "comboboxmanners_p.h"
+#include "comboboxusability_p.h"
 #include "datevalidator.h"
 
 #include <QCalendarWidget>
@@ -38,7 +38,7 @@ public:
 DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
 {
     setEditable(true);
-    new ComboBoxManners(this);
+    new ComboBoxUsability(this);
     lineEdit()->setValidator(new TypedDateValidator(this));
     lineEdit()->setAlignment(Qt::AlignHCenter);
 

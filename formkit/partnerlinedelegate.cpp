@@ -1,9 +1,12 @@
 #include "partnerlinedelegate_p.h"
 
-#include "partnerselectorbox.h"
-
 #include <QApplication>
 #include <QPainter>
+
+PartnerLineDelegate::PartnerLineDelegate(const Columns &columns, QObject *parent)
+    : QStyledItemDelegate(parent), m_columns(columns)
+{
+}
 
 void PartnerLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                 const QModelIndex &index) const
@@ -22,7 +25,7 @@ void PartnerLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &line, line.widget) + 1;
     const QRect text = line.rect.adjusted(margin, 0, -margin, 0);
     const int codeWidth =
-        line.fontMetrics.horizontalAdvance(QLatin1Char('0')) * PartnerSelectorBox::CodeColumnWidth;
+        line.fontMetrics.horizontalAdvance(QLatin1Char('0')) * m_columns.codeWidth;
     QRect code = text;
     code.setWidth(qMin(codeWidth, text.width() / 2));
     QRect name = text;
@@ -34,6 +37,6 @@ void PartnerLineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
             int(QStyle::visualAlignment(line.direction, Qt::AlignLeft)) | Qt::AlignVCenter,
             line.palette, true, line.fontMetrics.elidedText(content, Qt::ElideRight, rect.width()));
     };
-    draw(code, PartnerSelectorBox::CodeColumn);
-    draw(name, PartnerSelectorBox::NameColumn);
+    draw(code, m_columns.code);
+    draw(name, m_columns.name);
 }

@@ -2,15 +2,26 @@
 
 #include <QStyledItemDelegate>
 
-// Paints a partner's code and name as two columns of a pop-up's line, in line from row to row
-// whatever the font, mirrored in a right-to-left layout.
+/// Paints a code and a name as two columns of a pop-up's line, in line from row to row whatever
+/// the font, mirrored in a right-to-left layout.
 class PartnerLineDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    /// The model's columns, and the characters of a line before the name.
+    struct Columns
+    {
+        int code;
+        int name;
+        int codeWidth;
+    };
+
+    PartnerLineDelegate(const Columns &columns, QObject *parent);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+
+private:
+    const Columns m_columns;
 };

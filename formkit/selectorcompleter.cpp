@@ -7,12 +7,13 @@
 #include <QComboBox>
 #include <QKeyEvent>
 
-SelectorCompleter::SelectorCompleter(SelectorProxyModel *model, QObject *parent)
+SelectorCompleter::SelectorCompleter(SelectorProxyModel *model, bool isSorted, QObject *parent)
     : QCompleter(parent)
 {
     setCaseSensitivity(Qt::CaseInsensitive);
     setCompletionRole(SelectorProxyModel::CompletionRole);
-    setModelSorting(QCompleter::CaseInsensitivelySortedModel);
+    if (isSorted)
+        setModelSorting(QCompleter::CaseInsensitivelySortedModel);
     setPopup(new RowListView);
     setModel(model);
 }
@@ -30,8 +31,8 @@ QString SelectorCompleter::pathFromIndex(const QModelIndex &index) const
 bool SelectorCompleter::eventFilter(QObject *watched, QEvent *event)
 {
     // The type first: popup() makes a view while there is none, also inside setPopup().
-    if (event->type() == QEvent::KeyPress && watched == popup() &&
-        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+    if (event->type() == QEvent::KeyPress && completionMode() != InlineCompletion &&
+        watched == popup() && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
         const QString typed = completionPrefix();
         popup()->hide();
         if (auto *box = qobject_cast<QComboBox *>(widget())) {

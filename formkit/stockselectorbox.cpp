@@ -3,21 +3,30 @@
 #include "selectorproxymodel.h"
 #include "stockselectormodel.h"
 
-StockSelectorBox::StockSelectorBox(QWidget *parent)
-    : SelectorBox(new SelectorProxyModel, {StockSelectorModel::IdRole}, Qt::CaseSensitive, parent)
+namespace {
+
+SelectorProxyModel *makeList()
 {
-    list()->setKeyRoles({StockSelectorModel::IdRole, StockSelectorModel::CodeRole});
+    auto *const list = new SelectorProxyModel;
+    list->setKeyRoles({StockSelectorModel::IdRole, StockSelectorModel::CodeRole});
+    return list;
+}
+
+} // namespace
+
+StockSelectorBox::StockSelectorBox(QWidget *parent)
+    : SelectorBox({makeList(),
+                   {StockSelectorModel::IdRole},
+                   {StockSelectorModel::IdRole, StockSelectorModel::CodeRole}},
+                  parent)
+{
     setSourceModel(new StockSelectorModel(this));
     startReporting();
 }
 
 void StockSelectorBox::setSourceModel(StockSelectorModel *model)
 {
-    if (!model)
-        return;
-    model->setParent(this);
-    model->populate();
-    setListSource(model);
+    takeSource(model);
 }
 
 QString StockSelectorBox::getStock() const
@@ -45,24 +54,25 @@ void StockSelectorBox::setStockCode(const QString &code)
     chooseKey(StockSelectorModel::CodeRole, code);
 }
 
-void StockSelectorBox::edit_changed(const QString &text)
+void StockSelectorBox::reportNone(const QString &text)
 {
-    const int row = rowOfTypedText();
-    if (row >= 0) {
-        item_activated(row);
-    } else {
-        emit stockIdChanged(QStringLiteral("0"));
-        emit stockCodeChanged(QString());
-        if (text.isEmpty())
-            setCurrentIndex(-1);
-    }
-    emit stockChanged(text);
+    if (!isWaitingFor(StockSelectorModel::IdRole))
+        Q_EMIT stockIdChanged(QStringLiteral("0"));
+    if (!isWaitingFor(StockSelectorModel::CodeRole))
+        Q_EMIT stockCodeChanged(QString());
+    if (text.isEmpty())
+        setCurrentIndex(-1);
+}
+
+void StockSelectorBox::reportText(const QString &text)
+{
+    Q_EMIT stockChanged(text);
 }
 
 void StockSelectorBox::item_activated(int index)
 {
-    const int id = itemData(index, StockSelectorModel::IdRole).toInt();
-    const QString code = itemData(index, StockSelectorModel::CodeRole).toString();
-    emit stockIdChanged(QString::number(id));
-    emit stockCodeChanged(code);
+    const int id = dataOfRow(index, StockSelectorModel::IdRole).toInt();
+    const QString code = dataOfRow(index, StockSelectorModel::CodeRole).toString();
+    Q_EMIT stockIdChanged(QString::number(id));
+    Q_EMIT stockCodeChanged(code);
 }

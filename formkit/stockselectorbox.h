@@ -7,9 +7,9 @@ class StockSelectorModel;
 // Selects an exchange by its name. Ids travel as decimal texts, "0" for none.
 //
 // The setters choose a row as a user would: the change is reported. An id or code that is
-// not listed leaves the choice as it is. Typing reports after each change of the text: the
-// exchange only when the text is a name letter for letter, otherwise id "0" and an empty
-// code; the getters find a name in any letter case.
+// not listed leaves the choice as it is and waits (see SelectorBox). Typing reports after each
+// change of the text: the exchange only when the text is a name letter for letter, otherwise id "0"
+// and an empty code; the getters find a name in any letter case.
 class FORMKIT_EXPORT StockSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -33,19 +33,22 @@ public:
     // The code of the exchange that the text names, empty for none.
     QString getStockCode() const;
 
-public slots:
+public Q_SLOTS:
     // A text that is no number counts as 0.
     void setStockId(const QString &id);
-    // In any letter case.
+    // In any letter case, unless one has it letter for letter.
     void setStockCode(const QString &code);
 
-signals:
+Q_SIGNALS:
     // The text, after every change of it.
     void stockChanged(const QString &newValue);
     void stockCodeChanged(const QString &newValue);
     void stockIdChanged(const QString &newValue);
 
-private slots:
-    void edit_changed(const QString &text) override;
+private Q_SLOTS:
     void item_activated(int index) override;
+
+private:
+    void reportNone(const QString &text) override;
+    void reportText(const QString &text) override;
 };

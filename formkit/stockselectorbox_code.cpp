@@ -1,25 +1,33 @@
 #include "stockselectorbox_code.h"
 
-#include "stockselectormodel.h"
+#include "selectorproxymodel.h"
 
 #include <hostapi/icore.h>
+
+#include <QStandardItemModel>
+
+#include <memory>
 
 namespace {
 
 constexpr int IdRole = Qt::UserRole;
 constexpr int NameRole = Qt::UserRole + 1;
 
+SelectorProxyModel *makeList()
+{
+    auto *const list = new SelectorProxyModel;
+    list->setKeyRoles({Qt::DisplayRole, IdRole});
+    return list;
+}
+
 } // namespace
 
-StockSelectorBox_Code::StockSelectorBox_Code(QWidget *parent) : ComboBox(parent)
+StockSelectorBox_Code::StockSelectorBox_Code(QWidget *parent)
+    : SelectorBox({makeList(), {IdRole}, {IdRole}, Qt::CaseSensitive, /*inSourceOrder=*/true},
+                  parent)
 {
     populate();
-    setCurrentIndex(-1);
-    setEditText(QString());
-    chooseWhenLeft();
-    connect(this, &QComboBox::editTextChanged, this, &StockSelectorBox_Code::edit_changed);
-    connect(this, QOverload<int>::of(&QComboBox::activated), this,
-            &StockSelectorBox_Code::item_activated);
+    startReporting();
 }
 
 void StockSelectorBox_Code::populate()
@@ -30,43 +38,48 @@ void StockSelectorBox_Code::populate()
     const int codeColumn = table->columnIndex(QStringLiteral("stock_code"));
 
     const TableLock lock(table);
-    QVector<StockSelectorModel::Data> rows;
-    for (const Record &record : *table->masterIndex())
-        rows.append({true, record.field(idColumn).toInteger(), record.field(nameColumn).toString(),
-                     record.field(codeColumn).toString()});
-    clear();
-    for (const StockSelectorModel::Data &row : qAsConst(rows)) {
-        addItem(row.code, row.id);
-        setItemData(count() - 1, row.name, NameRole);
+    auto model = std::make_unique<QStandardItemModel>();
+    for (const Record &record : *table->masterIndex()) {
+        auto item = std::make_unique<QStandardItem>(record.field(codeColumn).toString());
+        item->setData(record.field(idColumn).toInteger(), IdRole);
+        item->setData(record.field(nameColumn).toString(), NameRole);
+        model->appendRow(item.release());
     }
-    if (count() > 0)
-        setCurrentIndex(0);
-    emit setProp_StockId(QStringLiteral("0"));
+    if (list()) {
+        clearChoice();
+        model->setParent(this);
+        setListSource(model.release());
+    }
+    const bool hasCome = currentIndex() >= 0;
+    if (!hasCome && count() > 0)
+        choose(0);
+    Q_EMIT setProp_StockId(QStringLiteral("0"));
+    if (hasCome)
+        item_activated(currentIndex());
 }
 
 void StockSelectorBox_Code::prop_StockId_changed(const QString &id)
 {
-    chooseRow(findData(QString::number(id.toInt()), IdRole, Qt::MatchFixedString));
+    chooseKey(IdRole, id.toInt());
 }
 
-void StockSelectorBox_Code::edit_changed(const QString &text)
+void StockSelectorBox_Code::reportNone(const QString &text)
 {
-    markUnmatched(false);
-    const int row = findText(text, Qt::MatchExactly);
-    if (row >= 0) {
-        item_activated(row);
-    } else {
-        emit setProp_StockId(QStringLiteral("0"));
-        emit setProp_Stock(QString());
-        if (text.isEmpty())
-            setCurrentIndex(-1);
-    }
-    emit setProp_Stock(text);
+    if (!isWaitingFor(IdRole))
+        Q_EMIT setProp_StockId(QStringLiteral("0"));
+    Q_EMIT setProp_Stock(QString());
+    if (text.isEmpty())
+        setCurrentIndex(-1);
+}
+
+void StockSelectorBox_Code::reportText(const QString &text)
+{
+    Q_EMIT setProp_Stock(text);
 }
 
 void StockSelectorBox_Code::item_activated(int index)
 {
-    const QVariant id = itemData(index, IdRole);
-    emit setProp_StockId(QString::number(id.toInt()));
-    emit setProp_StockCode(id.toString());
+    const QVariant id = dataOfRow(index, IdRole);
+    Q_EMIT setProp_StockId(QString::number(id.toInt()));
+    Q_EMIT setProp_StockCode(id.toString());
 }

@@ -28,6 +28,7 @@
 #include <QCalendarWidget>
 #include <QClipboard>
 #include <QCompleter>
+#include <QMetaProperty>
 #include <QProxyStyle>
 #include <QScrollBar>
 #include <QStandardItemModel>
@@ -308,13 +309,7 @@ void Desk::learnHandling()
         event.setCommitString(words.section(' ', 1), -count, count);
         QApplication::sendEvent(edit(), &event);
     };
-    m_steps["wheel"] = [this](Words angle) {
-        const bool isOpen = box() && box()->view()->isVisible();
-        QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
-        QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle.toInt()}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(target, &wheel);
-    };
+    m_steps["wheel"] = [this](Words angle) { turnWheel(angle.toInt()); };
     // QComboBox takes a click that comes with the one that opened the list for a part of it.
     m_steps["wait"] = [](Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); };
     m_steps["point"] = [this](Words row) {
@@ -329,7 +324,42 @@ void Desk::learnHandling()
     m_steps["select"] = [this](Words words) {
         edit()->setSelection(word(words, 0).toInt(), word(words, 1).toInt());
     };
-    m_steps["leave"] = [this](Words) { m_next->setFocus(); };
+    // The offscreen platform may have taken a closed list for the active window.
+    m_steps["leave"] = [this](Words) {
+        m_form.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&m_form));
+        m_next->setFocus();
+    };
+    m_steps["back"] = [this](Words) { m_control->setFocus(); };
+    m_steps["turn"] = [](Words) { QCoreApplication::processEvents(); };
+    // What a form author may put in the place of the type-ahead.
+    m_steps["completer"] = [this](Words how) {
+        if (how == "inline")
+            box()->completer()->setCompletionMode(QCompleter::InlineCompletion);
+        else
+            box()->setCompleter(how == "none" ? nullptr : new QCompleter(box()->model(), box()));
+    };
+    m_steps["lineEdit"] = [this](Words) { box()->setLineEdit(new QLineEdit); };
+    // All that a hand and a program may do to any selector.
+    m_steps["fiddle"] = [this](Words) {
+        const QMetaProperty key = m_control->metaObject()->userProperty();
+        key.write(m_control, "1");
+        for (const char *step : {"row 1", "type x", "press Return", "press F4", "press Down",
+                                 "press Escape", "populate", "leave", "turn", "back"})
+            act(step);
+        key.write(m_control, "1");
+    };
+}
+
+// True when somebody took the event.
+bool Desk::turnWheel(int angle) const
+{
+    const bool isOpen = box() && box()->view()->isVisible();
+    QWidget *const target = isOpen ? box()->view()->viewport() : m_control.data();
+    QWheelEvent wheel({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(target, &wheel);
+    return wheel.isAccepted();
 }
 
 void Desk::learnHubSteps()
@@ -352,7 +382,12 @@ void Desk::learnHubSteps()
         if (name == "hub")
             m_hub.reset();
         else
-            delete m_form.findChild<QObject *>(name);
+            delete (name.isEmpty() ? m_control.data() : m_form.findChild<QObject *>(name));
+    };
+    // Another of the kind in use, alone.
+    m_steps["another"] = [this](Words name) {
+        make({m_control->metaObject()->className(), name});
+        act("at " + name);
     };
     // A control with all its names, or a property of it under a name: bind price Value=Price
     m_steps["bind"] = [this](Words words) {
@@ -402,6 +437,10 @@ void Desk::learnHostSteps()
         for (int i = 1; i <= count.toInt(); ++i)
             rows << QVariantList{i, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
         m_host->table("securities").setRows(rows);
+    };
+    // One whose name is longer than a line edit holds.
+    m_steps["long"] = [this](Words) {
+        m_host->table("securities").setRows({{10, 1, 7, "GA", QString(40000, 'x'), {}, 20}});
     };
     m_steps["sessions"] = [this](Words words) {
         m_host->setSessions({{word(words, 0).toInt(), word(words, 1).toInt()}});
@@ -492,6 +531,9 @@ void Desk::learnAnswers()
     m_answers["ids"] = [this](Words) { return column(box()->model(), idRole(box())); };
     m_answers["source"] = [this](Words) { return column(source(), idRole(box())); };
     // What a row has under the roles from the first on, with the types: 2 int=1 QString=XNAS
+    m_answers["wheel"] = [this](Words angle) {
+        return word(angle, 0) + (turnWheel(word(angle, 0).toInt()) ? " taken" : " ignored");
+    };
     m_answers["roles"] = [this](Words about) {
         const QModelIndex index = box()->model()->index(word(about, 0).toInt(), 0);
         QString all = word(about, 0);
@@ -507,9 +549,6 @@ void Desk::learnAnswers()
         verdict += QString::number(box()->comboBoxValidator()->validate(input, pos));
         box()->comboBoxValidator()->fixup(input);
         return verdict + ' ' + input;
-    };
-    m_answers["delegates"] = [this](Words) {
-        return QString::number(completions()->findChildren<QAbstractItemDelegate *>().size());
     };
     // What the open list draws of each partner, code and name: one letter for what looks the same.
     m_answers["drawn"] = [this](Words) {
@@ -567,8 +606,10 @@ void Desk::play(const DataRow &story)
         if (verb == "given" || verb == "when") {
             for (const QString &step : words.split("; "))
                 act(step);
-            if (verb == "given")
+            if (verb == "given") {
+                act("turn");
                 m_log.clear();
+            }
         } else {
             const QString found = answer(verb, words);
             QVERIFY2(found == words, qPrintable(place + verb + " \"" + found + '"'));

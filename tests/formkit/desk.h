@@ -52,7 +52,7 @@ private:
 //     hears     a signal, and what it is called where a story tells what was reported
 //     shows     what the expectation of that name is made of: text, row, caret, properties
 // and goes on with stories: a name, and under it, each on a line of its own behind a tab,
-//     given     steps, parted by "; "
+//     given     steps, parted by "; ", with which a turn of the event loop ends
 //     when      steps, every report of which counts
 //     reports   what was reported; a step that no such line follows must report nothing
 //     lit       row in the open list|completion of how many|where the focus is
@@ -98,6 +98,7 @@ private:
     void learnModelSteps();
     void learnAnswers();
     void sendKey(int key, const QString &text) const;
+    bool turnWheel(int angle) const;
     QObject *owner(QString *property) const;
     QString property(const QString &path) const;
     QString column(const QAbstractItemModel *model, int role) const;

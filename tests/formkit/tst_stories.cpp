@@ -1,6 +1,7 @@
 #include "desk.h"
 
 #include <formkit/pushbuttonsend.h>
+#include <formkit/stockselectorbox.h>
 #include <hostapi/exception.h>
 
 #include <support/stricttest.h>
@@ -26,6 +27,7 @@ private slots:
     void stories_data();
     void stories();
     void quietOpening();
+    void sizes();
     void keptIcon();
     void failingHost();
 
@@ -50,9 +52,12 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file :
-         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "hubs", "pages"}) {
-        for (const DataRow &story : Desk::storiesOf(file))
+    for (const QString &file : Selectors + QStringList{"hub", "form", "controls", "combobox",
+                                                       "numbers", "hubs", "pages"}) {
+        QList<DataRow> stories = Desk::storiesOf(file);
+        if (Selectors.contains(file))
+            stories << Desk::storiesOf("boxes");
+        for (const DataRow &story : qAsConst(stories))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }
 }
@@ -82,7 +87,30 @@ void StoriesTest::quietOpening()
     QVERIFY(!selection->hasSelection() && !view->signalsBlocked());
 }
 
-// At every cell that is read: nothing changes, nothing stays locked.
+// A long name does not make a form as wide, nor does a refresh change one that is shown.
+void StoriesTest::sizes()
+{
+    const QVector<QVariantList> longNames{{1, QString(300, 'x'), "X"}};
+    m_host->table("stocks").setRows(longNames);
+    const StockSelectorBox wide;
+    const int character = wide.fontMetrics().horizontalAdvance('x');
+    QVERIFY(wide.sizeHint().width() > 30 * character && wide.sizeHint().width() < 40 * character);
+
+    Desk desk(m_host.get(), "stock");
+    ComboBox *const box = desk.box();
+    const QSize shown = box->sizeHint();
+    m_host->table("stocks").setRows(longNames);
+    desk.act("populate");
+    QCOMPARE(box->sizeHint(), shown);
+    box->setMinimumContentsLength(20);
+    QVERIFY(box->sizeHint().width() > shown.width());
+    QCOMPARE(box->minimumSizeHint(), box->sizeHint());
+    box->setMinimumContentsLength(3);
+    QVERIFY(box->minimumSizeHint().width() < box->sizeHint().width());
+    box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    QCOMPARE(box->minimumSizeHint(), box->sizeHint());
+}
+
 // An icon made anew at each write would fill Qt's cache of pictures.
 void StoriesTest::keptIcon()
 {
@@ -95,6 +123,7 @@ void StoriesTest::keptIcon()
     QCOMPARE(button.icon().cacheKey(), first);
 }
 
+// At every cell that is read: nothing changes, nothing stays locked.
 void StoriesTest::failingHost()
 {
     for (const QString box :

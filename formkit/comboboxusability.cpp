@@ -1,4 +1,4 @@
-#include "comboboxmanners_p.h"
+#include "comboboxusability_p.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -32,23 +32,22 @@ QString captionOf(const QWidget *control)
 
 } // namespace
 
-ComboBoxManners::ComboBoxManners(QComboBox *box) : QObject(box), m_box(box)
+ComboBoxUsability::ComboBoxUsability(QComboBox *box) : QObject(box), m_box(box)
 {
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setFocusPolicy(Qt::StrongFocus);
     box->installEventFilter(this);
 }
 
-bool ComboBoxManners::eventFilter(QObject *watched, QEvent *event)
+bool ComboBoxUsability::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::Wheel:
-        if (!m_box->hasFocus()) {
-            event->ignore();
-            return true;
-        }
-        break;
+        // The open list takes its own.
+        event->ignore();
+        return true;
     case QEvent::Show:
+    case QEvent::ChildPolished:
     case QEvent::FocusIn:
         nameLineEdit();
         break;
@@ -58,7 +57,7 @@ bool ComboBoxManners::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
-void ComboBoxManners::nameLineEdit()
+void ComboBoxUsability::nameLineEdit()
 {
     const QString own = m_box->accessibleName();
     if (m_box->lineEdit())
