@@ -340,19 +340,33 @@ void Properties::reportLater()
 }
 
 // What hears of one value may change the caller's map, or destroy the hub.
-template <typename Deed> void Properties::forEachName(Values values, Deed deed)
+template <typename... Deeds> void Properties::forEachName(Values values, Deeds... deeds)
 {
     const QPointer<Properties> alive(this);
     FirstFailure failure;
-    for (auto entry = values.cbegin(); entry != values.cend() && alive; ++entry)
-        failure.attempt([&] { deed(entry.key(), entry.value().toString()); });
+    const auto toAll = [&](const auto &deed) {
+        for (auto entry = values.cbegin(); entry != values.cend() && alive; ++entry)
+            failure.attempt([&] { deed(entry.key(), entry.value().toString()); });
+    };
+    (toAll(deeds), ...);
     failure.rethrow();
 }
 
 void Properties::setValues(const Values &values)
 {
-    forEachName(values,
-                [this](const QString &name, const QString &value) { setValue(name, value); });
+    const QPointer<Properties> alive(this);
+    Values taken;
+    const auto set = [&](const QString &name, const QString &value) {
+        setValue(name, value);
+        if (alive)
+            taken.insert(name, m_values.value(name));
+    };
+    // What the hub holds already is not written, and may go when a later name is set.
+    const auto setAgain = [&](const QString &name, const QString &value) {
+        if (taken.contains(name) && taken.value(name) != m_values.value(name))
+            setValue(name, value);
+    };
+    forEachName(values, set, setAgain);
 }
 
 void Properties::showAgain()

@@ -94,7 +94,9 @@ public:
     // exception that a property throws comes out when all the others are written; the hub keeps
     // the value.
     void setValue(const QString &name, const QString &value);
-    // setValue() for each entry, by ascending name. An exception comes out when all are set.
+    // setValue() for each entry, by ascending name, and once more for those that another entry has
+    // changed (an exchange empties the board that was held already). An exception comes out when all
+    // are set.
     void setValues(const Values &values);
     Values values() const { return m_values; }
 
@@ -150,7 +152,7 @@ private:
     void listen(const QString &name, const Key &key);
     using Keys = QVarLengthArray<Key, 16>;
     Keys keysOf(const QString &name) const;
-    template <typename Deed> void forEachName(Values values, Deed deed);
+    template <typename... Deeds> void forEachName(Values values, Deeds... deeds);
     bool isNothing(const QString &name, const QString &value) const;
     bool isShown(const QString &name, const QString &given) const;
     void write(const QString &name, const QString &value, const Key &from);

@@ -8,9 +8,11 @@
 #include "waitingkey_p.h"
 
 #include <QCompleter>
+#include <QDebug>
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -392,26 +394,34 @@ bool SelectorBox::chooseWaiting()
     return true;
 }
 
+// Called by the event loop and within a refresh, neither of which may let an exception through.
+template <typename Deed> static void guarded(Deed deed)
+{
+    const Doing ofHost(Doing::Program);
+    try {
+        deed();
+    } catch (const std::exception &failure) {
+        qDebug() << "SelectorBox: the host failed:" << failure.what();
+    } catch (...) {
+        qDebug() << "SelectorBox: the host failed";
+    }
+}
+
 void SelectorBox::endTurn()
 {
-    const Doing ofProgram(Doing::Program);
     tryPlace();
-    chooseWaiting();
+    guarded([this] { chooseWaiting(); });
     if (showsWaiting())
         d->waiting.drop();
     const QScopedValueRollback<bool> setting(d->isSetting, true);
     if (d->owesReport)
-        report(currentText());
+        guarded([this] { report(currentText()); });
 }
 
+// When the directory fails, what waits goes on waiting.
 void SelectorBox::tryPlace()
 {
-    const Doing ofHost(Doing::Program);
-    try {
-        lookUpPlace();
-    } catch (...) {
-        // The host's directory fails: what waits goes on waiting.
-    }
+    guarded([this] { lookUpPlace(); });
 }
 
 bool SelectorBox::isTold()
