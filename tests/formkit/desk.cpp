@@ -60,14 +60,6 @@ template <typename... Controls> QObject *createOneOf(const QString &name, QWidge
     return made;
 }
 
-// The role that tells a list's rows apart.
-int idRole(const ComboBox *box)
-{
-    return qobject_cast<const SecuritySelectorBox *>(box) ? SecuritySelectorModel::SecurityIdRole
-           : qobject_cast<const StockSelectorBox_Code *>(box) ? int(Qt::UserRole)
-                                                              : Qt::UserRole + 1;
-}
-
 struct Iconless : QProxyStyle
 {
     QIcon standardIcon(StandardPixmap, const QStyleOption *, const QWidget *) const override
@@ -127,6 +119,13 @@ QString Probe::state()
 {
     const int writes = std::exchange(m_writes, 0);
     return value + QString(" %1 ").arg(writes) + listeners();
+}
+
+int Desk::roleOfId(const ComboBox *box)
+{
+    return qobject_cast<const SecuritySelectorBox *>(box) ? SecuritySelectorModel::SecurityIdRole
+           : qobject_cast<const StockSelectorBox_Code *>(box) ? int(Qt::UserRole)
+                                                              : Qt::UserRole + 1;
 }
 
 Desk::Desk(TestHost *host, const QString &story) : m_host(host)
@@ -528,8 +527,8 @@ void Desk::learnAnswers()
         return QAccessible::queryAccessibleInterface(edit())->text(QAccessible::Name);
     };
     m_answers["lists"] = [this](Words) { return column(box()->model(), Qt::DisplayRole); };
-    m_answers["ids"] = [this](Words) { return column(box()->model(), idRole(box())); };
-    m_answers["source"] = [this](Words) { return column(source(), idRole(box())); };
+    m_answers["ids"] = [this](Words) { return column(box()->model(), roleOfId(box())); };
+    m_answers["source"] = [this](Words) { return column(source(), roleOfId(box())); };
     // What a row has under the roles from the first on, with the types: 2 int=1 QString=XNAS
     m_answers["wheel"] = [this](Words angle) {
         return word(angle, 0) + (turnWheel(word(angle, 0).toInt()) ? " taken" : " ignored");
@@ -621,7 +620,7 @@ void Desk::play(const DataRow &story)
     QVERIFY2(m_log.isEmpty(), qPrintable(place + "also reports" + m_log));
     // A selector answers for the row that it shows.
     const bool isChoice = box() && box()->itemText(box()->currentIndex()) == box()->currentText();
-    const QVariant id = isChoice ? box()->currentData(idRole(box())) : QVariant();
+    const QVariant id = isChoice ? box()->currentData(roleOfId(box())) : QVariant();
     if (id.isValid() && !qobject_cast<StockSelectorBox_Code *>(m_control))
         QCOMPARE(box()->metaObject()->userProperty().read(box()).toString(),
                  id.toString().section(',', -1));

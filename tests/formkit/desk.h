@@ -77,6 +77,8 @@ public:
     QAbstractItemView *completions() const;
     // The model behind the box's proxy, or its model; null for no box.
     QAbstractItemModel *source() const;
+    // The role that tells a list's rows apart.
+    static int roleOfId(const ComboBox *box);
     // What the hub holds under a name.
     QString held(const QString &name) const { return m_hub->values()[name]; }
     Properties *hub() const { return m_hub.get(); }
