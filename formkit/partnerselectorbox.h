@@ -58,6 +58,7 @@ Q_SIGNALS:
     void changedPartnerName(const QString &newValue);
 
 private Q_SLOTS:
+    void edit_changed(const QString &text) override { SelectorBox::edit_changed(text); }
     void item_activated(int index) override;
 
 private:

@@ -354,16 +354,15 @@ template <typename... Deeds> void Properties::forEachName(Values values, Deeds..
 
 void Properties::setValues(const Values &values)
 {
-    const QPointer<Properties> alive(this);
-    Values taken;
-    const auto set = [&](const QString &name, const QString &value) {
-        setValue(name, value);
-        if (alive)
-            taken.insert(name, m_values.value(name));
-    };
     // What the hub holds already is not written, and may go when a later name is set.
+    QSet<QString> held;
+    const auto set = [&](const QString &name, const QString &value) {
+        if (m_values[name] == value)
+            held.insert(name);
+        setValue(name, value);
+    };
     const auto setAgain = [&](const QString &name, const QString &value) {
-        if (taken.contains(name) && taken.value(name) != m_values.value(name))
+        if (held.contains(name))
             setValue(name, value);
     };
     forEachName(values, set, setAgain);

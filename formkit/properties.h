@@ -94,9 +94,9 @@ public:
     // exception that a property throws comes out when all the others are written; the hub keeps
     // the value.
     void setValue(const QString &name, const QString &value);
-    // setValue() for each entry, by ascending name, and once more for those that another entry has
-    // changed (an exchange empties the board that was held already). An exception comes out when all
-    // are set.
+    // setValue() for each entry, by ascending name, and once more for those that were held already
+    // and therefore not written: a later entry may have changed them (an exchange empties a board).
+    // An exception comes out when all are set.
     void setValues(const Values &values);
     Values values() const { return m_values; }
 

@@ -128,6 +128,10 @@ void SecuritySelectorBox::setPlace(const Place &place)
 {
     if (!place.isSameStock(m_place) || !place.isSameBoard(m_place))
         narrow([&] { filter(place); });
+    // What is not shown any more is not read either, also while its report waits for the turn's
+    // end.
+    if (currentIndex() < 0 && currentText().isEmpty())
+        m_securityCode.clear();
 }
 
 void SecuritySelectorBox::filter(const Place &place)

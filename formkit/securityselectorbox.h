@@ -77,6 +77,7 @@ Q_SIGNALS:
     void securityIdChanged(const QString &newValue);
 
 private Q_SLOTS:
+    void edit_changed(const QString &text) override { SelectorBox::edit_changed(text); }
     void item_activated(int row) override;
 
 private:

@@ -129,7 +129,7 @@ protected:
 protected Q_SLOTS:
     /// The edit text has changed, by whatever means but a refresh: reports the row that it
     /// stands for as a choice of it, or none, and the text.
-    void edit_changed(const QString &text);
+    virtual void edit_changed(const QString &text);
     /// The user has chosen a row: reports it.
     virtual void item_activated(int index) = 0;
 

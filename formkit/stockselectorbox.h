@@ -46,6 +46,7 @@ Q_SIGNALS:
     void stockIdChanged(const QString &newValue);
 
 private Q_SLOTS:
+    void edit_changed(const QString &text) override { SelectorBox::edit_changed(text); }
     void item_activated(int index) override;
 
 private:

@@ -33,6 +33,7 @@ public Q_SLOTS:
     void prop_StockId_changed(const QString &id);
 
 private Q_SLOTS:
+    void edit_changed(const QString &text) override { SelectorBox::edit_changed(text); }
     void item_activated(int index) override;
 
 private:
