@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedhost.h"
 
 #include "databaseloader_p.h"
@@ -61,13 +62,13 @@ void EmbeddedHost::deliver()
     for (int i = 0; self && i < int(news.tables.size()); ++i) {
         const LoadJob::TableProgress &table = news.tables[size_t(i)];
         if (table.isNew)
-            emit progress(ReferenceSchema::tables().at(i).name, table.rows, table.total);
+            Q_EMIT progress(ReferenceSchema::tables().at(i).name, table.rows, table.total);
     }
     if (!self || news.outcome == LoadJob::Running)
         return;
     if (news.outcome == LoadJob::Cancelled) {
         m_error.clear();
-        emit cancelled();
+        Q_EMIT cancelled();
     } else {
         finish(news.outcome == LoadJob::Loaded, news.otherSessions, news.error);
     }
@@ -102,14 +103,14 @@ void EmbeddedHost::finish(bool success, bool otherSessions, const QString &error
 {
     m_error = error;
     if (!success) {
-        emit failed(error);
+        Q_EMIT failed(error);
         return;
     }
     const QPointer<EmbeddedHost> self(this);
     if (otherSessions)
-        emit m_decoder.aNewSessions();
+        Q_EMIT m_decoder.aNewSessions();
     if (self)
-        emit loaded();
+        Q_EMIT loaded();
 }
 
 qint64 EmbeddedHost::liveRows() const
@@ -120,7 +121,7 @@ qint64 EmbeddedHost::liveRows() const
 void EmbeddedHost::setSessions(const QVector<SessionId> &sessions)
 {
     m_store->setSessions(sessions);
-    emit m_decoder.aNewSessions();
+    Q_EMIT m_decoder.aNewSessions();
 }
 
 void EmbeddedHost::addPlugin(QObject *plugin)
