@@ -4,12 +4,7 @@
 #include <embeddedhost/embeddeddecoder.h>
 #include <hostapi/icore.h>
 
-#include <QPointer>
-
 #include <memory>
-
-class LoadJob;
-class ReferenceStore;
 
 /// A host whose reference data comes from a SQLite file (see ReferenceSchema for what the file
 /// must hold). Empty until a load has succeeded.
@@ -49,16 +44,16 @@ public:
     void reload();
     /// Asks the load that is under way to end; without one, does nothing.
     void cancel();
-    bool isLoading() const { return bool(m_job); }
+    bool isLoading() const;
 
     /// Loads on the calling thread, for tools and tests; cancels a load that is under way.
     /// Emits loaded() or failed() before it returns.
     bool loadNow(const QString &file);
 
     /// The file that was last asked for; empty before the first load.
-    QString file() const { return m_file; }
+    QString file() const;
     /// The reason why the last load failed; empty when it did not.
-    QString errorText() const { return m_error; }
+    QString errorText() const;
     /// Rows in the tables and rows that left them but are still held by a Record: when no form
     /// is open, the rows of the tables alone.
     qint64 liveRows() const;
@@ -69,7 +64,7 @@ public:
     /// Appends to the list of plug-ins, which begins with the decoder. The host does not own
     /// the plug-in; when it is destroyed its entry becomes null.
     void addPlugin(QObject *plugin);
-    EmbeddedDecoder *decoder() { return &m_decoder; }
+    EmbeddedDecoder *decoder();
 
     IDatabase *database() override;
     const StockDirectory *stockDirectory() const override;
@@ -90,14 +85,7 @@ Q_SIGNALS:
 
 private:
     Q_INVOKABLE void deliver();
-    void start();
-    void finish(bool success, bool otherSessions, const QString &error);
 
-    std::unique_ptr<ReferenceStore> m_store;
-    EmbeddedDecoder m_decoder;
-    QList<QPointer<QObject>> m_plugins;
-    QString m_file;
-    QString m_error;
-    bool m_startAgain = false;
-    std::unique_ptr<LoadJob> m_job;
+    struct Private;
+    std::unique_ptr<Private> d;
 };
