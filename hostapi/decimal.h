@@ -39,7 +39,9 @@ public:
     /// Reads the system form; the scale is the number of fraction digits. Throws for a text
     /// that is no number or has too many digits.
     explicit decimal(QStringView systemText);
-    explicit decimal(const char *systemText) : decimal(QStringView(QString::fromUtf8(systemText))) {}
+    explicit decimal(const char *systemText) : decimal(QStringView(QString::fromUtf8(systemText)))
+    {
+    }
 
     /// True when decimal(systemText) can be made. An empty text counts when `emptyToo` is set:
     /// it is what makes a cell null.
