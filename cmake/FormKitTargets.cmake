@@ -46,6 +46,9 @@ function(formkit_add_library target)
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5>)
     target_compile_features(${target} PUBLIC cxx_std_17)
+    # As strict as any program that includes the headers.
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_CAST_FROM_ASCII QT_STRICT_ITERATORS)
     list(TRANSFORM ARG_USES PREPEND FormKit:: OUTPUT_VARIABLE own_targets)
     list(TRANSFORM ARG_QT PREPEND Qt5:: OUTPUT_VARIABLE qt_targets)
     target_link_libraries(${target}

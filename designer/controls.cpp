@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "controls.h"
 
 #include "designedformselector.h"

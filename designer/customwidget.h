@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "controls.h"
 
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
-// What Qt Designer and QUiLoader are told of one control of the list.
+/// What Qt Designer and QUiLoader are told of one control of the list.
 class CustomWidget : public QDesignerCustomWidgetInterface
 {
 public:
@@ -20,7 +21,7 @@ public:
     QWidget *createWidget(QWidget *parent) override;
     QString domXml() const override { return m_control.domXml(); }
 
-    // Called by Designer alone. Gives it the task menus and the pages, once for all controls.
+    /// Called by Designer alone. Gives it the task menus and the pages, once for all controls.
     void initialize(QDesignerFormEditorInterface *core) override;
 
 private:

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formselector.h>
 
 class QStackedLayout;
 
-// A FormSelector while it is designed, and in Designer's preview. Its pages fill it, so that they
-// can be drawn on, and are shown whatever the current board is. (It bears the name of its base:
-// that is the class that the form file is to hold.)
+/// A FormSelector while it is designed, and in Designer's preview. Its pages fill it, so that they
+/// can be drawn on, and are shown whatever the current board is. (It bears the name of its base:
+/// that is the class that the form file is to hold.)
 class DesignedFormSelector : public FormSelector
 {
 public:
@@ -17,9 +18,9 @@ public:
     void removePage(int index);
 
     int count() const;
-    // Null where there is none.
+    /// Null where there is none.
     QWidget *page(int index) const;
-    // -1 while there is no page.
+    /// -1 while there is no page.
     int currentIndex() const;
     void setCurrentIndex(int index);
 
@@ -27,6 +28,6 @@ private:
     void keepPage(int stackIndex);
 
     QStackedLayout *m_stack;
-    // The page that is designed.
+    /// The page that is designed.
     QPointer<QWidget> m_current;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QDesignerFormWindowInterface>
@@ -5,14 +6,14 @@
 #include <QUndoCommand>
 #include <QVariant>
 
-// Gives a widget of a form a dynamic property, or another value of it, or takes it away, so that
-// Designer can undo it. (Designer's own commands change properties that are there.)
-//
-// Texts are best given as bytes: Designer hands the others to translators.
+/// Gives a widget of a form a dynamic property, or another value of it, or takes it away, so that
+/// Designer can undo it. (Designer's own commands change properties that are there.)
+///
+/// Texts are best given as bytes: Designer hands the others to translators.
 class DynamicPropertyCommand : public QUndoCommand
 {
 public:
-    // An invalid value takes the property away.
+    /// An invalid value takes the property away.
     DynamicPropertyCommand(QDesignerFormWindowInterface *form, QWidget *widget,
                            const QByteArray &name, const QVariant &value);
 
@@ -27,6 +28,6 @@ private:
     QString m_name;
     QVariant m_value;
     QVariant m_former;
-    // As Designer holds it, with what it knows of its translation.
+    /// As Designer holds it, with what it knows of its translation.
     QVariant m_formerOfSheet;
 };

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QExtensionFactory>
 
-// Makes what Designer asks for about the library's controls: their task menus, and the pages of
-// a FormSelector.
+/// Makes what Designer asks for about the library's controls: their task menus, and the pages of
+/// a FormSelector.
 class ExtensionFactory : public QExtensionFactory
 {
     Q_OBJECT

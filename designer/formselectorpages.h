@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "designedformselector.h"
@@ -7,7 +8,7 @@
 
 class QExtensionManager;
 
-// Designer's way to the pages of a FormSelector.
+/// Designer's way to the pages of a FormSelector.
 class FormSelectorPages : public QObject, public QDesignerContainerExtension
 {
     Q_OBJECT
@@ -21,7 +22,7 @@ public:
     int currentIndex() const override { return m_selector->currentIndex(); }
     void setCurrentIndex(int index) override { m_selector->setCurrentIndex(index); }
     void addWidget(QWidget *page) override { m_selector->addPage(page); }
-    // A page that is new gets its property "boards", to be filled in.
+    /// A page that is new gets its property "boards", to be filled in.
     void insertWidget(int index, QWidget *page) override;
     void remove(int index) override { m_selector->removePage(index); }
 

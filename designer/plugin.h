@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "customwidget.h"
@@ -8,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-// The plug-in that shows formkit's controls in Qt Designer and makes them for QUiLoader.
+/// The plug-in that shows formkit's controls in Qt Designer and makes them for QUiLoader.
 class FormkitDesignerPlugin : public QObject, public QDesignerCustomWidgetCollectionInterface
 {
     Q_OBJECT

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "contentcheck_p.h"
 
 #include "loaderror_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "directorydata_p.h"
@@ -6,10 +7,10 @@
 
 #include <memory>
 
-// Everything that one load of a database gives.
+/// Everything that one load of a database gives.
 struct DatabaseContent
 {
-    // In the order of ReferenceSchema::tables().
+    /// In the order of ReferenceSchema::tables().
     std::vector<TableContent> tables;
     std::shared_ptr<const DirectoryData> directories;
     std::shared_ptr<const QVector<SessionId>> sessions;

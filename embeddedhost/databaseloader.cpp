@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "databaseloader_p.h"
 
 #include "contentcheck_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "databasecontent_p.h"
@@ -9,21 +10,21 @@
 #include <atomic>
 #include <functional>
 
-// Reads a SQLite file, within one transaction of a read-only connection of its own, on the
-// thread that calls it; again, up to twice, when the file was written to meanwhile.
+/// Reads a SQLite file, within one transaction of a read-only connection of its own, on the
+/// thread that calls it; again, up to twice, when the file was written to meanwhile.
 class DatabaseLoader
 {
 public:
-    // Called at the start and the end of each table and every few thousand rows between, of each
-    // reading.
+    /// Called at the start and the end of each table and every few thousand rows between, of each
+    /// reading.
     using Progress = std::function<void(int table, int rows, int total)>;
 
-    // `cancelled` may be set by any thread while load() runs.
+    /// `cancelled` may be set by any thread while load() runs.
     DatabaseLoader(const QString &file, const std::vector<const RowLayout *> &layouts,
                    const std::atomic<bool> &cancelled, const Progress &progress);
 
-    // The content, or null when cancelled. Throws Exception with one text that says what is
-    // wrong where.
+    /// The content, or null when cancelled. Throws Exception with one text that says what is
+    /// wrong where.
     std::unique_ptr<DatabaseContent> load();
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "tablecontent_p.h"
@@ -8,7 +9,7 @@
 
 #include <map>
 
-// What the directories answer from: the exchanges and boards of one load.
+/// What the directories answer from: the exchanges and boards of one load.
 class DirectoryData
 {
 public:
@@ -24,7 +25,7 @@ public:
 
     QString stockCode(int stockId) const { return m_stockCodes.value(stockId); }
     int stockId(const QString &stockCode) const { return m_stockIds.value(stockCode); }
-    // Null for an unknown board.
+    /// Null for an unknown board.
     const Board *board(boardid id) const;
     int boardId(const QString &stockCode, const QString &boardCode) const;
 

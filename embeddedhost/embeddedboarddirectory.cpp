@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedboarddirectory_p.h"
 
 EmbeddedBoardDirectory::EmbeddedBoardDirectory(const Snapshot<DirectoryData> *data) : m_data(data)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <embeddedhost/embeddedhost_export.h>
@@ -5,7 +6,7 @@
 
 #include <QObject>
 
-// The embedded host's plug-in that announces new sessions (see EmbeddedHost::setSessions()).
+/// The embedded host's plug-in that announces new sessions (see EmbeddedHost::setSessions()).
 class EMBEDDEDHOST_EXPORT EmbeddedDecoder : public QObject, public IDecoder
 {
     Q_OBJECT
@@ -14,7 +15,7 @@ class EMBEDDEDHOST_EXPORT EmbeddedDecoder : public QObject, public IDecoder
 public:
     explicit EmbeddedDecoder(QObject *parent = nullptr);
 
-signals:
-    // Other sessions than before are open to trading.
+Q_SIGNALS:
+    /// Other sessions than before are open to trading.
     void aNewSessions();
 };

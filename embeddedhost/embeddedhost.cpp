@@ -1,75 +1,99 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedhost.h"
 
 #include "databaseloader_p.h"
 #include "loadjob_p.h"
 
-EmbeddedHost::EmbeddedHost(QObject *parent)
-    : QObject(parent), m_store(std::make_unique<ReferenceStore>()), m_plugins{&m_decoder}
+#include <QPointer>
+
+struct EmbeddedHost::Private
 {
-}
+    explicit Private(EmbeddedHost *host) : q(host) {}
+
+    void start();
+    void finish(bool success, bool otherSessions, const QString &text);
+
+    EmbeddedHost *const q;
+    ReferenceStore store;
+    EmbeddedDecoder decoder;
+    QList<QPointer<QObject>> plugins{&decoder};
+    QString file;
+    QString error;
+    bool startAgain = false;
+    std::unique_ptr<LoadJob> job;
+};
+
+EmbeddedHost::EmbeddedHost(QObject *parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
 
 EmbeddedHost::~EmbeddedHost()
 {
-    m_job.reset();
+    d->job.reset();
     if (ICore::instance() == this)
         ICore::install(nullptr);
 }
 
 void EmbeddedHost::load(const QString &file)
 {
-    m_file = file;
-    if (m_job) {
-        m_job->cancel();
-        m_startAgain = true;
+    d->file = file;
+    if (d->job) {
+        d->job->cancel();
+        d->startAgain = true;
     } else {
-        start();
+        d->start();
     }
 }
 
 void EmbeddedHost::reload()
 {
-    load(m_file);
+    load(d->file);
 }
 
 void EmbeddedHost::cancel()
 {
-    m_startAgain = false;
-    if (m_job)
-        m_job->cancel();
+    d->startAgain = false;
+    if (d->job)
+        d->job->cancel();
 }
 
-void EmbeddedHost::start()
+bool EmbeddedHost::isLoading() const
 {
-    m_startAgain = false;
+    return bool(d->job);
+}
+
+void EmbeddedHost::Private::start()
+{
+    startAgain = false;
     // Without arguments, so that nothing is shared across the threads but the call itself.
-    const auto wake = [this] { QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection); };
-    m_job = std::make_unique<LoadJob>(m_file, m_store.get(), wake);
+    const auto wake = [host = q] {
+        QMetaObject::invokeMethod(host, "deliver", Qt::QueuedConnection);
+    };
+    job = std::make_unique<LoadJob>(file, &store, wake);
 }
 
 void EmbeddedHost::deliver()
 {
-    if (!m_job)
+    if (!d->job)
         return;
-    const LoadJob::News news = m_job->takeNews();
+    const LoadJob::News news = d->job->takeNews();
     // Before any signal: a receiver may run an event loop, start a load or destroy the host.
     if (news.outcome != LoadJob::Running) {
-        m_job.reset();
-        if (m_startAgain)
-            start();
+        d->job.reset();
+        if (d->startAgain)
+            d->start();
     }
     const QPointer<EmbeddedHost> self(this);
     for (int i = 0; self && i < int(news.tables.size()); ++i) {
         const LoadJob::TableProgress &table = news.tables[size_t(i)];
         if (table.isNew)
-            emit progress(ReferenceSchema::tables().at(i).name, table.rows, table.total);
+            Q_EMIT progress(ReferenceSchema::tables().at(i).name, table.rows, table.total);
     }
     if (!self || news.outcome == LoadJob::Running)
         return;
     if (news.outcome == LoadJob::Cancelled) {
-        m_error.clear();
-        emit cancelled();
+        d->error.clear();
+        Q_EMIT cancelled();
     } else {
-        finish(news.outcome == LoadJob::Loaded, news.otherSessions, news.error);
+        d->finish(news.outcome == LoadJob::Loaded, news.otherSessions, news.error);
     }
 }
 
@@ -77,81 +101,96 @@ bool EmbeddedHost::loadNow(const QString &file)
 {
     const QPointer<EmbeddedHost> self(this);
     cancel();
-    if (m_job) {
-        m_job->wait();
+    if (d->job) {
+        d->job->wait();
         deliver();
     }
     if (!self)
         return false;
-    m_file = file;
+    d->file = file;
     const std::atomic<bool> never{false};
     const auto ignore = [](int, int, int) {};
     bool otherSessions = false;
     QString error;
     try {
-        const auto content = DatabaseLoader(file, m_store->layouts(), never, ignore).load();
-        otherSessions = m_store->swap(*content);
+        const auto content = DatabaseLoader(file, d->store.layouts(), never, ignore).load();
+        otherSessions = d->store.swap(*content);
     } catch (const std::exception &exception) {
         error = QString::fromUtf8(exception.what());
     }
-    finish(error.isEmpty(), otherSessions, error);
+    d->finish(error.isEmpty(), otherSessions, error);
     return error.isEmpty();
 }
 
-void EmbeddedHost::finish(bool success, bool otherSessions, const QString &error)
+void EmbeddedHost::Private::finish(bool success, bool otherSessions, const QString &text)
 {
-    m_error = error;
+    error = text;
     if (!success) {
-        emit failed(error);
+        Q_EMIT q->failed(text);
         return;
     }
-    const QPointer<EmbeddedHost> self(this);
+    const QPointer<EmbeddedHost> self(q);
     if (otherSessions)
-        emit m_decoder.aNewSessions();
+        Q_EMIT decoder.aNewSessions();
     if (self)
-        emit loaded();
+        Q_EMIT q->loaded();
+}
+
+QString EmbeddedHost::file() const
+{
+    return d->file;
+}
+
+QString EmbeddedHost::errorText() const
+{
+    return d->error;
 }
 
 qint64 EmbeddedHost::liveRows() const
 {
-    return m_store->liveRows();
+    return d->store.liveRows();
 }
 
 void EmbeddedHost::setSessions(const QVector<SessionId> &sessions)
 {
-    m_store->setSessions(sessions);
-    emit m_decoder.aNewSessions();
+    d->store.setSessions(sessions);
+    Q_EMIT d->decoder.aNewSessions();
+}
+
+EmbeddedDecoder *EmbeddedHost::decoder()
+{
+    return &d->decoder;
 }
 
 void EmbeddedHost::addPlugin(QObject *plugin)
 {
-    m_plugins.append(plugin);
+    d->plugins.append(plugin);
 }
 
 IDatabase *EmbeddedHost::database()
 {
-    return m_store.get();
+    return &d->store;
 }
 
 const StockDirectory *EmbeddedHost::stockDirectory() const
 {
-    return m_store->stockDirectory();
+    return d->store.stockDirectory();
 }
 
 const BoardDirectory *EmbeddedHost::boardDirectory() const
 {
-    return m_store->boardDirectory();
+    return d->store.boardDirectory();
 }
 
 QVector<SessionId> EmbeddedHost::currentSessions() const
 {
-    return m_store->sessions();
+    return d->store.sessions();
 }
 
 QList<QObject *> EmbeddedHost::plugins() const
 {
     QList<QObject *> plugins;
-    for (const QPointer<QObject> &plugin : m_plugins)
+    for (const QPointer<QObject> &plugin : d->plugins)
         plugins << plugin.data();
     return plugins;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedindex_p.h"
 
 EmbeddedIndex::EmbeddedIndex(const Table *table, const TableContent *content)

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "tablecontent_p.h"
 
 #include <hostapi/index.h>
 
-// The master index of an embedded table: its content, which is kept in key order.
+/// The master index of an embedded table: its content, which is kept in key order.
 class EmbeddedIndex : public MasterIndex
 {
 public:

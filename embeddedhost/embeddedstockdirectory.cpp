@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedstockdirectory_p.h"
 
 EmbeddedStockDirectory::EmbeddedStockDirectory(const Snapshot<DirectoryData> *data) : m_data(data)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "directorydata_p.h"
@@ -5,7 +6,7 @@
 
 #include <hostapi/directories.h>
 
-// The exchanges of the embedded host; waits for no table.
+/// The exchanges of the embedded host; waits for no table.
 class EmbeddedStockDirectory : public StockDirectory
 {
 public:

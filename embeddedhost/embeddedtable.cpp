@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "embeddedtable_p.h"
 
 EmbeddedTable::EmbeddedTable(const TableSchema &schema, std::recursive_mutex *mutex)

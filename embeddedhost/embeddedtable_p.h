@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "embeddedindex_p.h"
@@ -6,14 +7,14 @@
 
 #include <mutex>
 
-// A table of the embedded host. All tables of a host share its one lock.
+/// A table of the embedded host. All tables of a host share its one lock.
 class EmbeddedTable : public Table
 {
 public:
     EmbeddedTable(const TableSchema &schema, std::recursive_mutex *mutex);
 
     const RowLayout &layout() const { return m_layout; }
-    // Exchanges the content; the caller holds the lock.
+    /// Exchanges the content; the caller holds the lock.
     void swap(TableContent &content) noexcept { m_content.swap(content); }
 
     QString name() const override { return m_layout.schema().name; }

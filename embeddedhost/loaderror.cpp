@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "loaderror_p.h"
 
 #include <QStringList>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "loadjob_p.h"
 
 #include "databaseloader_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "databasecontent_p.h"
@@ -5,9 +6,9 @@
 #include "embeddedstockdirectory_p.h"
 #include "embeddedtable_p.h"
 
-// The reference data of the embedded host: tables under one recursive lock, directories and
-// sessions as snapshots. Nothing else is locked while a snapshot's mutex is held, so that a
-// look-up inside a walk cannot deadlock.
+/// The reference data of the embedded host: tables under one recursive lock, directories and
+/// sessions as snapshots. Nothing else is locked while a snapshot's mutex is held, so that a
+/// look-up inside a walk cannot deadlock.
 class ReferenceStore : public IDatabase
 {
 public:
@@ -20,12 +21,12 @@ public:
     QVector<SessionId> sessions() const { return *m_sessions.get(); }
     void setSessions(const QVector<SessionId> &sessions);
 
-    // The layouts of the tables, in the order of ReferenceSchema::tables().
+    /// The layouts of the tables, in the order of ReferenceSchema::tables().
     std::vector<const RowLayout *> layouts() const;
-    // Rows listed in a table or still held by Records.
+    /// Rows listed in a table or still held by Records.
     qint64 liveRows() const;
-    // Exchanges the whole content in one step. The old one is in `content` afterwards, to be
-    // released by the caller outside the lock. True when other sessions are open now.
+    /// Exchanges the whole content in one step. The old one is in `content` afterwards, to be
+    /// released by the caller outside the lock. True when other sessions are open now.
     bool swap(DatabaseContent &content);
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "referenceschema.h"
@@ -7,9 +8,9 @@
 #include <atomic>
 #include <vector>
 
-// How the rows of one table lie in memory: a row is one allocation that holds the reference
-// count, the presence bits (hence at most 32 columns) and the cells, 64-bit ones first, so
-// that nothing is lost between them. Cells are 32-bit and 64-bit integers and strings.
+/// How the rows of one table lie in memory: a row is one allocation that holds the reference
+/// count, the presence bits (hence at most 32 columns) and the cells, 64-bit ones first, so
+/// that nothing is lost between them. Cells are 32-bit and 64-bit integers and strings.
 class RowLayout
 {
 public:
@@ -18,22 +19,22 @@ public:
 
     const TableSchema &schema() const { return m_schema; }
 
-    // A row with every cell null and no reference counted.
+    /// A row with every cell null and no reference counted.
     RowData *make() const;
     void free(RowData *row) const;
-    // Drops one reference, and the row with the last.
+    /// Drops one reference, and the row with the last.
     void release(RowData *row) const;
-    // Rows made and not freed yet.
+    /// Rows made and not freed yet.
     qint64 liveRows() const { return m_liveRows.load(std::memory_order_relaxed); }
 
-    // A null cell for a column that does not exist.
+    /// A null cell for a column that does not exist.
     Field cell(RowData *row, int column) const;
-    // Stores a number that fits an integer cell.
+    /// Stores a number that fits an integer cell.
     void setNumber(RowData *row, int column, qint64 value) const;
-    // Stores a text that fits a string cell, sharing its memory.
+    /// Stores a text that fits a string cell, sharing its memory.
     void setText(RowData *row, int column, const QString &text) const;
 
-    // Compares the cells of the columns, one after the other.
+    /// Compares the cells of the columns, one after the other.
     int compare(RowData *a, RowData *b, const QVector<int> &columns) const;
 
 private:

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <memory>
 #include <mutex>
 
-// A value that is replaced as a whole and never changed: whoever got it keeps what it got.
-// Its mutex is held for no longer than a pointer takes to copy, and nothing else is locked
-// meanwhile.
+/// A value that is replaced as a whole and never changed: whoever got it keeps what it got.
+/// Its mutex is held for no longer than a pointer takes to copy, and nothing else is locked
+/// meanwhile.
 template <typename T> class Snapshot
 {
 public:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "stringpool_p.h"
 
 QString StringPool::share(const QString &text)

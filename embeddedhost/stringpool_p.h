@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QSet>
 #include <QString>
 
-// Gives equal texts one memory. Made for columns in which few texts return often (the base
-// codes of derivatives); over a column of distinct texts it soon stops looking.
+/// Gives equal texts one memory. Made for columns in which few texts return often (the base
+/// codes of derivatives); over a column of distinct texts it soon stops looking.
 class StringPool
 {
 public:

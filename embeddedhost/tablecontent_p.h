@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "rowlayout_p.h"
 
-// The rows of a table at one time: holds a reference to each.
+/// The rows of a table at one time: holds a reference to each.
 class TableContent
 {
 public:
@@ -16,11 +17,11 @@ public:
     RowData *at(int position) const { return m_rows[size_t(position)]; }
     void reserve(int rows) { m_rows.reserve(size_t(rows)); }
 
-    // Adds an empty row at the end.
+    /// Adds an empty row at the end.
     RowData *append();
-    // Brings the rows into key order.
+    /// Brings the rows into key order.
     void sort();
-    // The row with the key of the given one, or null. The rows must be in key order.
+    /// The row with the key of the given one, or null. The rows must be in key order.
     RowData *find(RowData *key) const;
 
     void swap(TableContent &other) noexcept { m_rows.swap(other.m_rows); }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/hostapi_export.h>
@@ -8,8 +9,8 @@
 
 #include <algorithm>
 
-// One trading board: the id of its exchange and its own id. Boards are ordered by exchange,
-// then by board.
+/// One trading board: the id of its exchange and its own id. Boards are ordered by exchange,
+/// then by board.
 struct boardid
 {
     qint32 stock_id = 0;
@@ -27,20 +28,20 @@ struct boardid
 };
 Q_DECLARE_TYPEINFO(boardid, Q_PRIMITIVE_TYPE);
 
-// Boards in the order in which they were listed: the content of a board-list cell.
+/// Boards in the order in which they were listed: the content of a board-list cell.
 using boardlist = QVector<boardid>;
 
-// "1,7;1,9": exchange and board ids joined by ',', boards joined by ';'.
+/// "1,7;1,9": exchange and board ids joined by ',', boards joined by ';'.
 HOSTAPI_EXPORT QString boardListToString(const boardlist &boards);
-// The reverse; `ok` is false, and the list empty, when the text is none. An empty text is an
-// empty list.
+/// The reverse; `ok` is false, and the list empty, when the text is none. An empty text is an
+/// empty list.
 HOSTAPI_EXPORT boardlist boardListFromString(const QString &text, bool *ok);
 
-// A list that is kept sorted ascending and free of duplicates.
+/// A list that is kept sorted ascending and free of duplicates.
 template <typename T> class SortedList : public QVector<T>
 {
 public:
-    // Does nothing when the value is in the list.
+    /// Does nothing when the value is in the list.
     void add(T value)
     {
         const auto place = std::lower_bound(this->begin(), this->end(), value);
@@ -49,12 +50,13 @@ public:
     }
 };
 
+/// A board among those that a check list offers.
 using Board = boardid;
-// The boards that a check list has chosen.
+/// The boards that a check list has chosen.
 class Boards : public SortedList<Board>
 {
 };
-// The ids of the exchanges that a check list has chosen.
+/// The ids of the exchanges that a check list has chosen.
 class Stocks : public SortedList<qint32>
 {
 };

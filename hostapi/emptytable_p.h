@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "table.h"
 
-// A table without rows, which stands in for one that no host offers.
+/// A table without rows, which stands in for one that no host offers.
 class EmptyTable : public Table
 {
 public:

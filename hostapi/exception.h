@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/hostapi_export.h>
@@ -7,19 +8,19 @@
 
 #include <exception>
 
-// The one error that the data layer throws: a text for the person who reads the log.
+/// The one error that the data layer throws: a text for the person who reads the log.
 class HOSTAPI_EXPORT Exception : public std::exception
 {
 public:
-    // The text says what went wrong, and where.
+    /// The text says what went wrong, and where.
     explicit Exception(const QString &text);
     ~Exception() override;
 
-    // The text as it was given.
+    /// The text as it was given.
     QString text() const { return m_text; }
-    // The text in UTF-8.
+    /// The text in UTF-8.
     const char *what() const noexcept override;
-    // Reports the text as a warning.
+    /// Reports the text as a warning.
     void dump() const;
 
 private:

@@ -1,16 +1,17 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QChar>
 #include <QString>
 
-// A value of a one-character column.
+/// A value of a one-character column.
 class FieldConstValue
 {
 public:
-    // An ASCII character.
+    /// An ASCII character.
     constexpr explicit FieldConstValue(char character) : m_character(character) {}
 
-    // The value as a character, and as a cell holds it.
+    /// The value as a character, and as a cell holds it.
     constexpr QChar character() const { return QLatin1Char(m_character); }
     QString toString() const { return QString(character()); }
 
@@ -18,42 +19,42 @@ private:
     char m_character;
 };
 
-// Whether an order still stands.
+/// Whether an order still stands.
 struct Statuses
 {
     static constexpr FieldConstValue Active{'A'};
     static constexpr FieldConstValue Withdrawn{'W'};
 };
 
-// The side of an order.
+/// The side of an order.
 struct Buysells
 {
     static constexpr FieldConstValue Buy{'B'};
     static constexpr FieldConstValue Sell{'S'};
 };
 
-// Whether an order names its counterparty.
+/// Whether an order names its counterparty.
 struct Anonyms
 {
     static constexpr FieldConstValue Anonym{'D'};
     static constexpr FieldConstValue Address{'A'};
 };
 
-// The right that an option gives.
+/// The right that an option gives.
 struct OptioType
 {
     static constexpr FieldConstValue Put{'P'};
     static constexpr FieldConstValue Call{'C'};
 };
 
-// How an option is settled.
+/// How an option is settled.
 struct OptioCalc
 {
     static constexpr FieldConstValue AmerA{'A'};
     static constexpr FieldConstValue AmerB{'B'};
 };
 
-// The kind of security that a board trades.
+/// The kind of security that a board trades.
 struct SecTypes
 {
     static constexpr FieldConstValue Futures{'F'};
@@ -63,7 +64,7 @@ struct SecTypes
     static constexpr FieldConstValue Indexes{'I'};
 };
 
-// The way a price went.
+/// The way a price went.
 struct PriceDirs
 {
     static constexpr FieldConstValue Asc{'A'};

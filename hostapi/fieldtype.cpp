@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fieldtype.h"
 
 QString FieldType::typeName(Type type)

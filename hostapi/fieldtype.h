@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/hostapi_export.h>
@@ -5,36 +6,36 @@
 #include <QString>
 #include <QStringView>
 
-// The type of a column: a code and a parameter.
+/// The type of a column: a code and a parameter.
 class HOSTAPI_EXPORT FieldType
 {
 public:
-    // In brackets, what a cell of the type is stored in.
+    /// In brackets, what a cell of the type is stored in.
     enum Type {
-        Integer = 1,   // 32 bits (qint32)
-        Integer64 = 2, // 64 bits (qint64)
-        Double = 3,    // (double)
-        Decimal = 4,   // parameter: digits after the point (decimal)
-        String = 5,    // parameter: maximum length in characters (QString)
-        DateTime = 6,  // (datetime)
-        BoardList = 7  // (boardlist)
+        Integer = 1,   ///< 32 bits (qint32)
+        Integer64 = 2, ///< 64 bits (qint64)
+        Double = 3,    ///< (double)
+        Decimal = 4,   ///< parameter: digits after the point (decimal)
+        String = 5,    ///< parameter: maximum length in characters (QString)
+        DateTime = 6,  ///< (datetime)
+        BoardList = 7  ///< (boardlist)
     };
 
-    // The parameter counts for Decimal and String only.
+    /// The parameter counts for Decimal and String only.
     constexpr FieldType(Type type = Integer, int parameter = 0)
         : m_type(type), m_parameter(parameter)
     {
     }
 
-    // The code, and its parameter.
+    /// The code, and its parameter.
     constexpr Type type() const { return m_type; }
     constexpr int parameter() const { return m_parameter; }
 
-    // "integer", "integer64", "double", "decimal", "string", "datetime" or "boardlist", as
-    // error texts name the type; "type N" for a code that is none of them.
+    /// "integer", "integer64", "double", "decimal", "string", "datetime" or "boardlist", as
+    /// error texts name the type; "type N" for a code that is none of them.
     static QString typeName(Type type);
-    // Stores the text in a string cell, cut to the column's length. A character that UTF-16
-    // writes in two halves is never cut in the middle.
+    /// Stores the text in a string cell, cut to the column's length. A character that UTF-16
+    /// writes in two halves is never cut in the middle.
     static void setString(QString &storage, int maxLength, QStringView text);
 
     friend bool operator==(FieldType a, FieldType b)

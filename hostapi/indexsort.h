@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/index.h>
@@ -6,8 +7,8 @@
 
 #include <vector>
 
-// A list of rows in an order of its own. It holds the rows, so it may be used without the
-// table's lock.
+/// A list of rows in an order of its own. It holds the rows, so it may be used without the
+/// table's lock.
 class HOSTAPI_EXPORT IndexList : public Index
 {
 public:
@@ -15,30 +16,30 @@ public:
     Record at(int position) const override { return m_rows[size_t(position)]; }
 
 protected:
-    // The rows, in the order of the index.
+    /// The rows, in the order of the index.
     std::vector<Record> m_rows;
 };
 
-// A secondary index: the rows of a table that filter() accepts, in the order of compare(),
-// as they were when it was built. It does not follow the table.
+/// A secondary index: the rows of a table that filter() accepts, in the order of compare(),
+/// as they were when it was built. It does not follow the table.
 class HOSTAPI_EXPORT IndexSort : public IndexList
 {
 public:
-    // An index over the core's table of that name. With `keepEqual` rows that compare equal
-    // all stay, in the order of the master index; without it the first of them.
+    /// An index over the core's table of that name. With `keepEqual` rows that compare equal
+    /// all stay, in the order of the master index; without it the first of them.
     IndexSort(const QString &table, bool keepEqual);
 
-    // Walks the table under its lock, then sorts. What compare() or filter() throws passes
-    // through, with the lock given back and the index left as it was.
+    /// Walks the table under its lock, then sorts. What compare() or filter() throws passes
+    /// through, with the lock given back and the index left as it was.
     void build();
 
-    // The table that was named, never null (see ICore::table()).
+    /// The table that was named, never null (see ICore::table()).
     Table *table() const { return m_table; }
 
 protected:
-    // Whether a row belongs to the index. Called under the lock.
+    /// Whether a row belongs to the index. Called under the lock.
     virtual bool filter(const Record &record) const = 0;
-    // Less than, equal to or greater than 0.
+    /// Less than, equal to or greater than 0.
     virtual int compare(const Record &a, const Record &b) const = 0;
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/hostapi_export.h>
@@ -7,52 +8,52 @@
 
 #include <array>
 
-// The characters with which a locale writes numbers, read out once, and what a typed
-// character stands for among them. Number options of the locale (whether it groups) do not
-// count: integers are always grouped, in the sizes that QLocale::toString(qlonglong) uses
-// (1,234,567 or 12,34,567).
+/// The characters with which a locale writes numbers, read out once, and what a typed
+/// character stands for among them. Number options of the locale (whether it groups) do not
+/// count: integers are always grouped, in the sizes that QLocale::toString(qlonglong) uses
+/// (1,234,567 or 12,34,567).
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
-    // What a character stands for in a number.
+    /// What a character stands for in a number.
     enum Kind : uchar { Other, Digit, Minus, Plus, Point, Group };
 
-    // Reads the locale, which may change afterwards.
+    /// Reads the locale, which may change afterwards.
     explicit LocaleSymbols(const QLocale &locale);
 
-    // What the character stands for. More is read than the locale writes, because keyboards
-    // lack most of these characters: ASCII digits beside the locale's own; '-' and '+' beside
-    // its signs; any blank (U+0020, U+00A0, U+2009, U+202F) for a blank group separator, and
-    // either apostrophe (U+0027, U+2019) for an apostrophe.
+    /// What the character stands for. More is read than the locale writes, because keyboards
+    /// lack most of these characters: ASCII digits beside the locale's own; '-' and '+' beside
+    /// its signs; any blank (U+0020, U+00A0, U+2009, U+202F) for a blank group separator, and
+    /// either apostrophe (U+0027, U+2019) for an apostrophe.
     Kind kindOf(QChar c) const
     {
         return c.unicode() < m_asciiKinds.size() ? m_asciiKinds[c.unicode()] : readKindOf(c);
     }
-    // 0 to 9 for a digit of the locale or an ASCII one, -1 for anything else.
+    /// 0 to 9 for a digit of the locale or an ASCII one, -1 for anything else.
     int digitValue(QChar c) const
     {
         const uint ascii = uint(c.unicode()) - '0';
         const uint own = uint(c.unicode()) - m_zero;
         return ascii <= 9 ? int(ascii) : own <= 9 ? int(own) : -1;
     }
-    // The locale's digit for a value of 0 to 9.
+    /// The locale's digit for a value of 0 to 9.
     QChar digit(int value) const { return QChar(m_zero + value); }
 
-    // The decimal point and the group separator, as the locale writes them.
+    /// The decimal point and the group separator, as the locale writes them.
     QChar point() const { return m_point; }
     QChar group() const { return m_group; }
-    // A string: some locales of newer Qt write a direction mark before the sign.
+    /// A string: some locales of newer Qt write a direction mark before the sign.
     const QString &minus() const { return m_minus; }
 
-    // The number of digits behind the last separator; 0 when the locale does not group.
+    /// The number of digits behind the last separator; 0 when the locale does not group.
     int lastGroupSize() const { return m_primary; }
-    // True when a separator belongs in front of a digit that has `behind` digits behind and
-    // including it (and at least one digit before it).
+    /// True when a separator belongs in front of a digit that has `behind` digits behind and
+    /// including it (and at least one digit before it).
     bool separatorBefore(int behind) const
     {
         return m_primary > 0 && behind >= m_primary && (behind - m_primary) % m_secondary == 0;
     }
-    // Inserts the group separators into a string of digits.
+    /// Inserts the group separators into a string of digits.
     QString grouped(const QString &digits) const;
 
 private:
@@ -65,10 +66,10 @@ private:
     QChar m_minusSign;
     QChar m_plusSign;
     ushort m_zero;
-    // Digits in the group next to the point and in the groups further left; 0 means that the
-    // locale does not group.
+    /// Digits in the group next to the point and in the groups further left; 0 means that the
+    /// locale does not group.
     int m_primary = 0;
     int m_secondary = 1;
-    // Validators ask for every character at every keystroke.
+    /// Validators ask for every character at every keystroke.
     std::array<Kind, 128> m_asciiKinds;
 };

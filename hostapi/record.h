@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/field.h>
@@ -7,25 +8,25 @@
 
 class Table;
 
-// What every row of a host begins with; the host's own struct derives from it. The count is
-// that of the references held: by the table's content one, by each Record one.
+/// What every row of a host begins with; the host's own struct derives from it. The count is
+/// that of the references held: by the table's content one, by each Record one.
 struct RowData
 {
     std::atomic<int> references{0};
 };
 
-// A row of a table, held for as long as the Record lives: a row that has left the table
-// meanwhile stays readable. References are counted atomically, and the row whose last
-// reference is dropped is given back with Table::freeRow(). A Record must not outlive its
-// table.
+/// A row of a table, held for as long as the Record lives: a row that has left the table
+/// meanwhile stays readable. References are counted atomically, and the row whose last
+/// reference is dropped is given back with Table::freeRow(). A Record must not outlive its
+/// table.
 class HOSTAPI_EXPORT Record
 {
 public:
-    // The null record.
+    /// The null record.
     Record() = default;
-    // An empty row shaped like the table (every cell null), to be filled as a look-up key.
+    /// An empty row shaped like the table (every cell null), to be filled as a look-up key.
     explicit Record(const Table *table);
-    // Another reference to a row.
+    /// Another reference to a row.
     Record(const Table *table, RowData *row) : m_table(table), m_row(row)
     {
         if (m_row)
@@ -48,13 +49,13 @@ public:
             giveBack();
     }
 
-    // True when it holds no row.
+    /// True when it holds no row.
     bool isNull() const { return !m_row; }
-    // The table and the row that it holds; null for the null record (which may know its table).
+    /// The table and the row that it holds; null for the null record (which may know its table).
     const Table *table() const { return m_table; }
     RowData *row() const { return m_row; }
-    // The cell of a column; a null cell when the record is null or the column is -1, which is
-    // what a table has no column for (see Table::columnIndex()).
+    /// The cell of a column; a null cell when the record is null or the column is -1, which is
+    /// what a table has no column for (see Table::columnIndex()).
     Field field(int column) const;
 
 private:

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
 """Writes securities.csv beside it: 5,000 invented securities over the boards of boards.csv.
 
 The same boards give the same securities; run it again only to change them all.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "csvreader.h"
 
 #include <hostapi/exception.h>

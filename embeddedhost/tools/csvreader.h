@@ -1,29 +1,30 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QString>
 #include <QVector>
 
-// Reads comma-separated values: UTF-8, cells with commas, quotes or line ends in double
-// quotes, quotes within doubled, blank lines skipped.
+/// Reads comma-separated values: UTF-8, cells with commas, quotes or line ends in double
+/// quotes, quotes within doubled, blank lines skipped.
 class CsvReader
 {
 public:
     struct Cell
     {
         QString text;
-        // Where it begins, both counted from 1.
+        /// Where it begins, both counted from 1.
         int line = 0;
         int column = 0;
     };
 
-    // Reads the file; throws Exception when that fails.
+    /// Reads the file; throws Exception when that fails.
     explicit CsvReader(const QString &file);
 
-    // The cells of the next row, none at the end of the file. Throws Exception for a cell
-    // that breaks the rules.
+    /// The cells of the next row, none at the end of the file. Throws Exception for a cell
+    /// that breaks the rules.
     QVector<Cell> nextRow();
 
-    // Throws Exception("file:line:column: reason").
+    /// Throws Exception("file:line:column: reason").
     [[noreturn]] void fail(const Cell &where, const QString &reason) const;
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <embeddedhost/referenceschema.h>
@@ -9,18 +10,18 @@
 #include <map>
 #include <memory>
 
-// Writes a reference database. The file appears, or replaces the one of its name, when the
-// database is complete; until then the rows go to a file beside it.
+/// Writes a reference database. The file appears, or replaces the one of its name, when the
+/// database is complete; until then the rows go to a file beside it.
 class DatabaseWriter
 {
 public:
-    // Throws Exception, as every call here does, with the database's own reason.
+    /// Throws Exception, as every call here does, with the database's own reason.
     explicit DatabaseWriter(const QString &file);
     ~DatabaseWriter();
     Q_DISABLE_COPY(DatabaseWriter)
 
-    // Adds a row, with values in the order of the schema's columns. The database itself
-    // refuses duplicate keys and rows without their parent, so parents go first.
+    /// Adds a row, with values in the order of the schema's columns. The database itself
+    /// refuses duplicate keys and rows without their parent, so parents go first.
     void insert(ReferenceSchema::TableId table, const QVariantList &values);
     void finish();
 

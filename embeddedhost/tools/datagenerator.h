@@ -1,18 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QString>
 
 class DatabaseWriter;
 
-// Invents reference data of any size; the same numbers give the same data on every machine.
+/// Invents reference data of any size; the same numbers give the same data on every machine.
 class DataGenerator
 {
 public:
-    // `perBoard` securities stand on each board (fewer on the last).
+    /// `perBoard` securities stand on each board (fewer on the last).
     DataGenerator(int securities, quint64 seed, int perBoard);
 
-    // Up to 12 exchanges with four sessions each, all open; boards, spread evenly over the
-    // exchanges; securities, eight to a base code, in sessions by turns; 40 partners.
+    /// Up to 12 exchanges with four sessions each, all open; boards, spread evenly over the
+    /// exchanges; securities, eight to a base code, in sessions by turns; 40 partners.
     void write(DatabaseWriter &writer);
 
 private:

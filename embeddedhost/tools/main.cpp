@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // formkit-mkdb makes reference databases for the embedded host: from CSV files, or of any
 // size from a seed.
 

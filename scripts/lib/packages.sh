@@ -25,6 +25,7 @@ expected_files() {
             return ;;
         libformkit-qt5-dev)
             echo /usr/bin/formkit-mkdb
+            echo "$include/formkit/formkit_version.h"
             printf "$lib/cmake/FormKitQt5/FormKitQt5%s.cmake\n" Config ConfigVersion Targets
             echo "$lib/cmake/FormKitQt5/FormKitQt5Targets-*.cmake" ;;
     esac

@@ -37,11 +37,11 @@ ensure_packages() {
         install -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build <preset> [target...]: configures on the first run, or when the build files have
-# changed, and builds.
+# build <preset> [target...]: configures on the first run and builds, in build/<preset>. Where a
+# script has configured that folder in its own way, it stays so.
 build() {
     local preset=$1
     shift
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
-    cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
+    cmake --build "build/$preset" --parallel "$(nproc)" ${1:+--target "$@"}
 }

@@ -1,6 +1,7 @@
 // A program outside the tree that uses each library of an installation once.
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/FtpClient/FTPListParse.h>
+#include <formkit/formkit_version.h>
 #include <formkit/numbereditor.h>
 #include <formkit/properties.h>
 #include <formkit/securityselectorbox.h>
@@ -51,6 +52,8 @@ bool embeddedHostRefuses()
 }
 
 } // namespace
+
+static_assert(FORMKIT_VERSION >= FORMKIT_VERSION_CHECK(0, 1, 0), FORMKIT_VERSION_STR);
 
 int main(int argc, char **argv)
 {
