@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/dateedit.h>
 
@@ -53,10 +53,10 @@ void DateEditTest::stories()
     TestHost host;
     const QString own = "In " + qEnvironmentVariable("LC_ALL").section('.', 0, 0);
     int played = 0;
-    for (const DataRow &story : Desk::storiesOf("dates")) {
+    for (const DataRow &story : StoryFile("dates").stories) {
         played += story.first() == own;
         if (!story.first().startsWith("In ") || story.first() == own)
-            Desk(&host, "dates").play(story);
+            StoryPlayer(&host, "dates").play(story);
     }
     QCOMPARE(played, 1);
 }

@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/pushbuttonsend.h>
 #include <formkit/stockselectorbox.h>
@@ -54,9 +54,9 @@ void StoriesTest::stories_data()
     QTest::addColumn<DataRow>("story");
     for (const QString &file : Selectors + QStringList{"hub", "form", "controls", "combobox",
                                                        "numbers", "hubs", "pages"}) {
-        QList<DataRow> stories = Desk::storiesOf(file);
+        QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
-            stories << Desk::storiesOf("boxes");
+            stories << StoryFile("boxes").stories;
         for (const DataRow &story : qAsConst(stories))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }
@@ -66,23 +66,23 @@ void StoriesTest::stories()
 {
     QFETCH(QString, file);
     QFETCH(DataRow, story);
-    Desk desk(m_host.get(), file);
-    desk.play(story);
+    StoryPlayer player(m_host.get(), file);
+    player.play(story);
 }
 
 // Opening the list clears what was selected there, without a word of it.
 void StoriesTest::quietOpening()
 {
-    Desk desk(m_host.get(), "combobox");
-    desk.act("items ABC AB");
-    desk.act("row -1");
-    QAbstractItemView *const view = desk.box()->view();
+    StoryPlayer player(m_host.get(), "combobox");
+    player.act("items ABC AB");
+    player.act("row -1");
+    QAbstractItemView *const view = player.box()->view();
     QItemSelectionModel *const selection = view->selectionModel();
     selection->select(view->model()->index(1, 0), QItemSelectionModel::Select);
     QVector<bool> quiet;
     connect(selection, &QItemSelectionModel::selectionChanged, this,
             [&] { quiet << view->signalsBlocked(); });
-    desk.act("press F4");
+    player.act("press F4");
     QCOMPARE(quiet, QVector<bool>{true});
     QVERIFY(!selection->hasSelection() && !view->signalsBlocked());
 }
@@ -96,11 +96,11 @@ void StoriesTest::sizes()
     const int character = wide.fontMetrics().horizontalAdvance('x');
     QVERIFY(wide.sizeHint().width() > 30 * character && wide.sizeHint().width() < 40 * character);
 
-    Desk desk(m_host.get(), "stock");
-    ComboBox *const box = desk.box();
+    StoryPlayer player(m_host.get(), "stock");
+    ComboBox *const box = player.box();
     const QSize shown = box->sizeHint();
     m_host->table("stocks").setRows(longNames);
-    desk.act("populate");
+    player.act("populate");
     QCOMPARE(box->sizeHint(), shown);
     box->setMinimumContentsLength(20);
     QVERIFY(box->sizeHint().width() > shown.width());
@@ -130,16 +130,16 @@ void StoriesTest::failingHost()
          {"stock stocks StockId 5", "board boards BoardId 8", "security securities SecurityId 10",
           "partner gx.diler Partner BB", "codes stocks prop_StockId_changed 2"}) {
         const QStringList words = box.split(' ');
-        Desk desk(m_host.get(), words[0]);
+        StoryPlayer player(m_host.get(), words[0]);
         TestTable &rows = m_host->table(words[1]);
         const int before = rows.cellReads();
-        desk.act("populate");
+        player.act("populate");
         const int cells = rows.cellReads() - before;
         QVERIFY(cells > 0);
-        desk.act("set " + words[2] + ' ' + words[3]);
-        const auto state = [&desk] {
-            return desk.answer("shows") + desk.answer("ids") + desk.answer("source") +
-                   desk.answer("reports");
+        player.act((words[0] == "codes" ? "call " : "set ") + words[2] + ' ' + words[3]);
+        const auto state = [&player] {
+            return player.answer("shows", "text= row= id= code= name= caret= ids= source=") +
+                   player.log;
         };
         const QString shown = state();
         const bool hasModel = words[0] != "partner" && words[0] != "codes";
@@ -149,12 +149,12 @@ void StoriesTest::failingHost()
         for (int cell = 1; cell <= cells; ++cell) {
             for (const QString &refresh : refreshes.split('|')) {
                 rows.failAtCell(cell);
-                QVERIFY_EXCEPTION_THROWN(desk.act(refresh), Exception);
+                QVERIFY_EXCEPTION_THROWN(player.act(refresh), Exception);
                 QCOMPARE(state(), shown);
                 QVERIFY(!rows.isLocked());
             }
             rows.failAtCell(cell);
-            QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
+            QVERIFY_EXCEPTION_THROWN(StoryPlayer(m_host.get(), words[0]), Exception);
         }
     }
 }
