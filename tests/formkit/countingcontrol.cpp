@@ -1,5 +1,7 @@
 #include "countingcontrol.h"
 
+#include <QVariant>
+
 void CountingControl::setValue(const QString &text)
 {
     ++m_writes;
@@ -19,6 +21,5 @@ void CountingControl::enter(const QString &text)
 
 QString CountingControl::state()
 {
-    const int writes = std::exchange(m_writes, 0);
-    return value + QString(" writes=%1 listeners=").arg(writes) + listeners();
+    return value + QString(" writes=%1 listeners=%2").arg(takeWrites()).arg(listeners());
 }

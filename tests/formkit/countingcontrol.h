@@ -21,9 +21,11 @@ public:
     void setValue(const QString &text);
     /// Changes the value as a user would.
     void enter(const QString &text);
-    /// The value, the writes since the last call and the listeners: "text writes=1 listeners=1".
+    /// The hub's writes since the last call.
+    int takeWrites() { return std::exchange(m_writes, 0); }
+    int listeners() const { return receivers(SIGNAL(changed())); }
+    /// All of that: "text writes=1 listeners=1".
     QString state();
-    QString listeners() const { return QString::number(receivers(SIGNAL(changed()))); }
 
     std::function<void()> onWrite;   ///< what it does besides at each write
     std::function<QString()> onRead; ///< answers in place of its value

@@ -21,15 +21,9 @@ QString labelled(const QString &expectation,
     return all.join(' ');
 }
 
-QString countsOf(const StoryPlayer *player, const QString &expectation)
+CountingControl *counting(const StoryPlayer *player, const QString &label)
 {
-    QStringList all;
-    for (const QString &part : expectation.split("; ")) {
-        const QString name = part.section('=', 0, 0);
-        auto *const control = player->find<CountingControl>(name);
-        all << name + '=' + (control ? control->state() : "none");
-    }
-    return all.join("; ");
+    return player->find<CountingControl>(label.section('.', 0, 0));
 }
 
 // The row that a list shows lit where a user can see it.
@@ -108,25 +102,10 @@ StoryAnswers storyVerbs(StoryPlayer *p)
 {
     using Words = const QString &;
     return {
-        {"shows", "label=value ...", "labels of the table below, of the file, and properties",
+        {"shows", "label=value ...", "labels of the file and of the table below",
          "shows text=Xetra row=3 price.Value=1.5",
          [p](Words expected) {
              return labelled(expected, [p](Words label) { return p->answer(label); });
-         }},
-        {"hub", "name=value ...", "what the hub holds under these names", "hub StockId=1 Stock=",
-         [p](Words expected) {
-             return labelled(expected, [p](Words name) { return p->held(name); });
-         }},
-        {"counts", "control=value writes=n listeners=n; ...",
-         "a CountingControl's value, the hub's writes since the last `counts`, its listeners",
-         "counts a=text writes=1 listeners=1",
-         [p](Words expected) { return countsOf(p, expected); }},
-        {"listeners", "control=n ...", "who listens to a CountingControl", "listeners a=0 b=1",
-         [p](Words expected) {
-             return labelled(expected, [p](Words name) {
-                 auto *const control = p->find<CountingControl>(name);
-                 return control ? control->listeners() : "none";
-             });
          }},
         {"judges", "text=verdict fixed",
          "the box's validator on a text (0 invalid, 1 intermediate, 2 acceptable), and its fixup",
@@ -190,5 +169,16 @@ StoryAnswers storyLabels(StoryPlayer *p)
              QCoreApplication::processEvents();
              return QString::number(std::exchange(p->turns, 0));
          }},
+        {"hub.*", "", "what the hub holds under a name", "hub.Price=1.5",
+         [p](Words label) { return p->held(label.section('.', 1)); }},
+        {"*.writes", "", "how often the hub wrote to a CountingControl since last asked",
+         "a.writes=1",
+         [p](Words label) { return QString::number(counting(p, label)->takeWrites()); }},
+        {"*.listeners", "", "how many listen to a CountingControl", "a.listeners=1",
+         [p](Words label) { return QString::number(counting(p, label)->listeners()); }},
+        {"*", "",
+         "any other property: of the control in use or its line edit, or after its "
+         "control's name",
+         "Value=1 buy.checked=true", [p](Words label) { return p->property(label); }},
     };
 }

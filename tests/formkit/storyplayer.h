@@ -26,9 +26,10 @@ public:
     void play(const DataRow &story);
     /// Does steps, "press F4 Down; leave".
     void act(const QString &steps, const QString &separator = "; ");
-    /// What a verb ("shows", "hub") or a label of "shows" ("text", "price.Value") stands for now.
-    /// A verb that compares labels answers for those in the expectation.
-    QString answer(const QString &word, const QString &expectation = {}) const;
+    /// The value of a label of "shows" now: "text", "price.Value".
+    QString answer(const QString &label) const;
+    /// What an expectation would have to be now: "shows", "text= row=".
+    QString compared(const QString &verb, const QString &expectation) const;
     /// The tables of README.md.
     QString manual() const;
 

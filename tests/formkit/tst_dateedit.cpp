@@ -51,14 +51,22 @@ void DateEditTest::newEdit()
 void DateEditTest::stories()
 {
     TestHost host;
-    const QString own = "In " + qEnvironmentVariable("LC_ALL").section('.', 0, 0);
-    int played = 0;
-    for (const DataRow &story : StoryFile("dates").stories) {
-        played += story.first() == own;
-        if (!story.first().startsWith("In ") || story.first() == own)
+    const QString locale = qEnvironmentVariable("LC_ALL").section('.', 0, 0);
+    DataRow own;
+    for (const DataRow &row : rowsOf("stories/dates.txt")) {
+        if (row[0] == "in" && row[1] == locale)
+            own = row;
+    }
+    QVERIFY2(!own.isEmpty(), qPrintable(locale));
+    for (DataRow story : StoryFile("dates").stories) {
+        for (QString &line : story)
+            line.replace("{format}", own[2])
+                .replace("{first}", own[3])
+                .replace("{leap}", own[4])
+                .replace("{last}", own[5]);
+        if (locale == "de_DE" || !story.first().endsWith("(de_DE)"))
             StoryPlayer(&host, "dates").play(story);
     }
-    QCOMPARE(played, 1);
 }
 
 void DateEditTest::calendarByMouse()

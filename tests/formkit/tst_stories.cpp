@@ -138,7 +138,7 @@ void StoriesTest::failingHost()
         QVERIFY(cells > 0);
         player.act((words[0] == "codes" ? "call " : "set ") + words[2] + ' ' + words[3]);
         const auto state = [&player] {
-            return player.answer("shows", "text= row= id= code= name= caret= ids= source=") +
+            return player.compared("shows", "text= row= id= code= name= caret= ids= source=") +
                    player.log;
         };
         const QString shown = state();
