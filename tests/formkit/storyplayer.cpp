@@ -27,10 +27,12 @@ template <typename Words> auto findWord(const Words &words, const QString &name)
 template <typename Words> QString table(const char *title, const Words &words)
 {
     QString text = QString("\n### %1\n\n| word | meaning | example |\n|---|---|---|\n").arg(title);
+    const auto code = [](const QString &words) {
+        return '`' + words.trimmed().replace("|", "\\|") + '`';
+    };
     for (const auto &word : words)
-        text += QString("| `%1` | %2 | `%3` |\n")
-                    .arg(QString("%1 %2").arg(word.name, word.arguments).trimmed(), word.meaning,
-                         word.example);
+        text += "| " + code(QString("%1 %2").arg(word.name, word.arguments)) + " | " +
+                word.meaning + " | " + code(word.example) + " |\n";
     return text;
 }
 

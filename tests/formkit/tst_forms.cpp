@@ -531,8 +531,8 @@ void FormsTest::stateTrace()
     QTRY_VERIFY(away.active());
     QCOMPARE(
         messages(),
-        QStringList({"Entering state:  StoryPlayer :: Top", "Entering state:  Ticket :: Top->Last",
-                     "Exiting state:  Ticket :: Top->Last", "Exiting state:  StoryPlayer :: Top"}));
+        QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
+                     "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
 }
 
 QTEST_MAIN(FormsTest)

@@ -7,6 +7,7 @@
 #include <support/stricttest.h>
 
 #include <QApplication>
+#include <QFile>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -30,6 +31,7 @@ private slots:
     void sizes();
     void keptIcon();
     void failingHost();
+    void manual();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -52,8 +54,8 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file : Selectors + QStringList{"hub", "form", "controls", "combobox",
-                                                       "numbers", "hubs", "pages"}) {
+    for (const QString &file :
+         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "hubs", "pages"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
@@ -159,11 +161,32 @@ void StoriesTest::failingHost()
     }
 }
 
+// Its tables are those of the player. `tst_stories --fill` writes them.
+void StoriesTest::manual()
+{
+    const bool isFilled = QCoreApplication::arguments().contains("--fill");
+    QFile page(DATA_FOLDER "/README.md");
+    QVERIFY(page.open(isFilled ? QIODevice::ReadWrite : QIODevice::ReadOnly));
+    const QByteArray text = page.readAll();
+    const int start = text.indexOf("\n### ");
+    QVERIFY(start > 0);
+    const QByteArray tables = StoryPlayer(m_host.get(), "stock").manual().toUtf8();
+    if (isFilled) {
+        page.resize(start);
+        page.seek(start);
+        page.write(tables);
+    } else {
+        QVERIFY2(text.mid(start) == tables, "run tst_stories --fill");
+    }
+}
+
 int main(int argc, char **argv)
 {
     QLocale::setDefault(QLocale("en_US"));
     QApplication application(argc, argv);
     StoriesTest test;
+    if (application.arguments().contains("--fill"))
+        return QTest::qExec(&test, {argv[0], "manual"});
     return QTest::qExec(&test, argc, argv);
 }
 
