@@ -26,14 +26,14 @@ template <typename Words> auto findWord(const Words &words, const QString &name)
 
 template <typename Words> QString table(const char *title, const Words &words)
 {
-    QString text = QString("\n### %1\n\n| word | meaning | example |\n|---|---|---|\n").arg(title);
-    const auto code = [](const QString &words) {
-        return '`' + words.trimmed().replace("|", "\\|") + '`';
+    QString page = QString("\n### %1\n\n| word | meaning | example |\n|---|---|---|\n").arg(title);
+    const auto code = [](const QString &text) {
+        return '`' + text.trimmed().replace("|", "\\|") + '`';
     };
     for (const auto &word : words)
-        text += "| " + code(QString("%1 %2").arg(word.name, word.arguments)) + " | " +
+        page += "| " + code(QString("%1 %2").arg(word.name, word.arguments)) + " | " +
                 word.meaning + " | " + code(word.example) + " |\n";
-    return text;
+    return page;
 }
 
 } // namespace
