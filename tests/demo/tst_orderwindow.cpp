@@ -1,3 +1,4 @@
+#include "support/keys.h"
 #include "support/stricttest.h"
 
 #include "databasefile.h"
@@ -37,20 +38,20 @@ private Q_SLOTS:
         QWidget *const check = window.control("check");
         check->setFocus();
         for (const char *name : {"place", "withdraw"}) {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            keys::press(QApplication::focusWidget(), "Tab");
             QCOMPARE(QApplication::focusWidget(), window.control(name));
             QCOMPARE(QAccessible::queryAccessibleInterface(window.control(name))->role(),
                      QAccessible::Button);
         }
 
         const QRect place = check->geometry();
-        QTest::keyClick(window.control("place"), Qt::Key_Space);
+        keys::press(window.control("place"), "Space");
         QSignalSpy changed(window.hub(), &Properties::hasChanged);
         QVERIFY(changed.wait());
         QCOMPARE(check->geometry(), place);
         QObject *const outcome = window.control("outcome");
         QCOMPARE(outcome->property("text").toString(), "Order placed: Buy 100 THISTLE BREWING");
-        QTest::keyClicks(window.control("price"), "1");
+        keys::type(window.control("price"), "1");
         QVERIFY(changed.wait());
         QCOMPARE(outcome->property("text").toString(), " ");
     }

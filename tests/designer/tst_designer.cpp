@@ -1,3 +1,4 @@
+#include "support/keys.h"
 #include "support/stricttest.h"
 
 #include "ui_allcontrols.h"
@@ -114,9 +115,9 @@ void DesignerTest::forms()
         const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
         const auto held = [&](const char *name) { return hub.values().value(name).toString(); };
 
-        QTest::keyClicks(child("lineEdit"), "note");
-        QTest::keyClicks(child("numberEditor"), "1.5");
-        QTest::keyClicks(child("quantityEditor"), "20");
+        keys::type(child("lineEdit"), "note");
+        keys::type(child("numberEditor"), "1.5");
+        keys::type(child("quantityEditor"), "20");
         for (const char *button : {"checkBox", "radioButton", "pushButtonSend"})
             qobject_cast<QAbstractButton *>(child(button))->click();
         QCOMPARE((QStringList{held("Comment"), held("Price"), held("Quantity"), held("Hidden"),
@@ -130,7 +131,7 @@ void DesignerTest::forms()
         QVERIFY(!child("page")->isVisible() && !child("page_2")->isVisible());
         selector->setWidget({1, 8});
         QVERIFY(child("page")->isVisible() && !child("page_2")->isVisible());
-        QTest::keyClicks(child("numberEditor_2"), "7");
+        keys::type(child("numberEditor_2"), "7");
         selector->setWidget({2, 3});
         QVERIFY(!child("page")->isVisible() && child("page_2")->isVisible());
         QCOMPARE(child("lineEdit_2")->property("Value"), QVariant("7"));

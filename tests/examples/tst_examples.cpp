@@ -1,4 +1,5 @@
 #include "support/datafile.h"
+#include "support/keys.h"
 #include "support/stricttest.h"
 #include "support/testhost.h"
 
@@ -56,9 +57,9 @@ template <typename Form> QStringList play(const QStringList &story)
         for (const QString &part : what.split(';'))
             values.insert(part.section('=', 0, 0), part.section('=', 1));
         for (const QString &key : verb == "press" ? what.split(' ') : QStringList())
-            QTest::keySequence(form.windowHandle(), QKeySequence(key));
-        for (const QChar c : verb == "type" ? what : QString())
-            QTest::keyClick(form.windowHandle(), c.toLatin1());
+            keys::press(QApplication::focusWidget(), key);
+        if (verb == "type")
+            keys::type(QApplication::focusWidget(), what);
         if (verb == "fill")
             form.fill(values);
         if (verb == "check")

@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/dateedit.h>
 
@@ -51,14 +51,22 @@ void DateEditTest::newEdit()
 void DateEditTest::stories()
 {
     TestHost host;
-    const QString own = "In " + qEnvironmentVariable("LC_ALL").section('.', 0, 0);
-    int played = 0;
-    for (const DataRow &story : Desk::storiesOf("dates")) {
-        played += story.first() == own;
-        if (!story.first().startsWith("In ") || story.first() == own)
-            Desk(&host, "dates").play(story);
+    const QString locale = qEnvironmentVariable("LC_ALL").section('.', 0, 0);
+    DataRow own;
+    for (const DataRow &row : rowsOf("stories/dates.txt")) {
+        if (row[0] == "in" && row[1] == locale)
+            own = row;
     }
-    QCOMPARE(played, 1);
+    QVERIFY2(!own.isEmpty(), qPrintable(locale));
+    for (DataRow story : StoryFile("dates").stories) {
+        for (QString &line : story)
+            line.replace("{format}", own[2])
+                .replace("{first}", own[3])
+                .replace("{leap}", own[4])
+                .replace("{last}", own[5]);
+        if (locale == "de_DE" || !story.first().endsWith("(de_DE)"))
+            StoryPlayer(&host, "dates").play(story);
+    }
 }
 
 void DateEditTest::calendarByMouse()

@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/dateedit.h>
 #include <formkit/formkit_main.h>
@@ -7,6 +7,7 @@
 #include <formkit/state.h>
 #include <hostapi/exception.h>
 
+#include <support/keys.h>
 #include <support/stricttest.h>
 
 #include <QAbstractButton>
@@ -24,7 +25,7 @@ const auto heapInUse = [] { return mallinfo2().uordblks; };
 const auto heapInUse = [] { return size_t(0); };
 #endif
 
-class Closed : public Probe
+class Closed : public CountingControl
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "thisOnly")
@@ -36,7 +37,7 @@ class Heir : public Closed
     Q_OBJECT
 };
 
-class Super : public Probe
+class Super : public CountingControl
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "super")
@@ -92,20 +93,20 @@ void FormsTest::walk()
     const char *const all = "Fixed Plain Value";
     const char *const garbage = "  == x =Valu A= B=No  C=Plain=2";
     const std::tuple<QWidget *(*)(), QVariant, QVariant, QString, QString> rows[] = {
-        {make<Probe>, {}, {}, all, all},
+        {make<CountingControl>, {}, {}, all, all},
         {make<Closed>, {}, {}, "Inner", ""},
         {make<Super>, {}, {}, all, all},
         {make<SuperSuper>, {}, {}, all, all},
         {make<Heir>, {}, {}, "", ""},
         {make<QWidget>, {}, {}, "", all},
-        {make<Probe>, "Price", {}, "Fixed Plain Price", all},
-        {make<Probe>, "Price", "A=Value B=Plain", "Fixed B A", all},
-        {make<Probe>, {}, "A=Value A=Plain", "Fixed A", all},
-        {make<Probe>, {}, garbage, "Fixed C Value", all},
+        {make<CountingControl>, "Price", {}, "Fixed Plain Price", all},
+        {make<CountingControl>, "Price", "A=Value B=Plain", "Fixed B A", all},
+        {make<CountingControl>, {}, "A=Value A=Plain", "Fixed A", all},
+        {make<CountingControl>, {}, garbage, "Fixed C Value", all},
     };
     for (const auto &[makeObject, field, fields, own, inner] : rows) {
         const QScopedPointer<QWidget> object(makeObject());
-        auto *const child = new Probe;
+        auto *const child = new CountingControl;
         child->setParent(object.data());
         object->setProperty("field", field);
         object->setProperty("fields", fields);
@@ -113,7 +114,7 @@ void FormsTest::walk()
             for (int visit = 0; fields == garbage && visit < 2; ++visit)
                 expectWarning(
                     QString("Properties::connectAll: no property for \"%1\" in the fields "
-                            "of Probe\\(0x.*\\)")
+                            "of CountingControl\\(0x.*\\)")
                         .arg(part));
         }
         Properties hub;
@@ -146,20 +147,20 @@ void FormsTest::mischief()
         for (const DataRow &road : rows) {
             for (const QString &self :
                  deed[0] == "deed" && road[0] == "road" ? names : QStringList()) {
-                Desk desk(&host, "hubs");
+                StoryPlayer player(&host, "hubs");
                 for (const char *const name : {"a", "b", "c", "newcomer", "extra"})
-                    desk.act(QString("make Probe ") + name);
+                    player.act(QString("make CountingControl ") + name);
                 for (const char *const name : {"a", "b", "c", "newcomer Value=Value"})
-                    desk.act(QString("bind ") + name);
+                    player.act(QString("bind ") + name);
                 const auto told = [&self](QString text) {
                     text.replace("%2", self != "a" ? "a" : "b");
                     return text.replace("%3", self != "c" ? "c" : "a").replace("%1", self);
                 };
-                desk.act("upon " + self + ' ' + told(deed[1]));
-                desk.act(told(road[1]));
+                player.act("upon " + self + ' ' + told(deed[1]));
+                player.act(told(road[1]));
                 for (const QString &name : names) {
-                    if (desk.hub() && desk.control(name))
-                        QCOMPARE(desk.answer(name + ".Value"), desk.held("Value"));
+                    if (player.hub() && player.control(name))
+                        QCOMPARE(player.answer(name + ".Value"), player.held("Value"));
                 }
             }
         }
@@ -169,34 +170,35 @@ void FormsTest::mischief()
 void FormsTest::addressUsedAgain()
 {
     auto *const hub = new Properties;
-    alignas(Probe) char place[sizeof(Probe)];
+    alignas(CountingControl) char place[sizeof(CountingControl)];
     for (int life = 0; life < 6; ++life) {
-        auto *const probe = new (place) Probe;
+        auto *const probe = new (place) CountingControl;
         QCOMPARE(hub->objectProperty(probe), QStringList());
         if (life < 3) {
             hub->setValue("Value", QString::number(life));
             probe->enter("a stranger's");
-            QCOMPARE(probe->state(), QString("a stranger's 0 0"));
+            QCOMPARE(probe->state(), QString("a stranger's writes=0 listeners=0"));
             QCOMPARE(hub->values()["Value"], QString::number(life));
         }
         hub->connectAll(probe);
         hub->setValue("Value", "bound");
-        QCOMPARE(probe->state(), life < 3 ? "bound 2 1" : "bound 1 1");
+        QCOMPARE(probe->state(), QString("bound writes=%1 listeners=1").arg(life < 3 ? 2 : 1));
         // One that cuts its own connections dies unheard.
         if (life != 1)
             probe->disconnect();
-        probe->~Probe();
+        probe->~CountingControl();
         hub->dumpObjProp();
         QVERIFY(messages().takeLast().startsWith("Properties::dumpObjProp"));
     }
     // What was meant for one is not for another that stands there under its own name.
     for (const char *const name : {"One", "Other"}) {
-        auto *const probe = new (place) Probe;
+        auto *const probe = new (place) CountingControl;
         hub->connectOne(name, probe, "Value");
         hub->setValue("One", name);
-        QCOMPARE(probe->state(), QString(name) == "One" ? "One 1 1" : " 0 1");
+        QCOMPARE(probe->state(),
+                 QString(name) == "One" ? "One writes=1 listeners=1" : " writes=0 listeners=1");
         probe->disconnect();
-        probe->~Probe();
+        probe->~CountingControl();
     }
     // The hub may be destroyed by its listener, too.
     const QPointer<Properties> alive(hub);
@@ -208,9 +210,9 @@ void FormsTest::addressUsedAgain()
 void FormsTest::unboundMeanwhile()
 {
     Properties hub;
-    Probe one;
-    Probe other;
-    for (Probe *const probe : {&one, &other})
+    CountingControl one;
+    CountingControl other;
+    for (CountingControl *const probe : {&one, &other})
         hub.connectOne("Name", probe, "Value");
     one.onWrite = [&] { hub.disconnectOne("Name", &other, "Value"); };
     other.onWrite = [&] { hub.disconnectOne("Name", &one, "Value"); };
@@ -235,7 +237,7 @@ void FormsTest::oneChoice()
         QList<QAbstractButton *> buttons;
         for (const QString &side : sides) {
             const int box = buttons.size() / 2;
-            buttons << qobject_cast<QAbstractButton *>(Desk::create(className, boxes[box]));
+            buttons << qobject_cast<QAbstractButton *>(StoryForm::create(className, boxes[box]));
             buttons.last()->setCheckable(true);
             buttons.last()->setProperty("field", "Side");
             buttons.last()->setProperty("value", side);
@@ -270,33 +272,33 @@ void FormsTest::oneChoice()
 void FormsTest::completions()
 {
     TestHost host;
-    Desk desk(&host, "controls");
-    auto *const edit = qobject_cast<QLineEdit *>(desk.control("comment"));
+    StoryPlayer player(&host, "controls");
+    auto *const edit = qobject_cast<QLineEdit *>(player.control("comment"));
     auto *const completer = new QCompleter(QStringList{"ACC-17", "ACC-18"}, edit);
     edit->setCompleter(completer);
-    desk.act("type AC");
+    player.act("type AC");
     QAbstractItemView *const list = completer->popup();
-    QTest::keyClick(list, Qt::Key_Down);
-    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
-    QTest::keyClick(list, Qt::Key_Return);
-    QCOMPARE(desk.answer("reports"), QString("value=A value=AC value=ACC-17"));
+    player.act("press Down");
+    QCOMPARE(player.held("Comment"), QString("ACC-17"));
+    player.act("press Return");
+    QCOMPARE(player.log, QString(" value=A value=AC value=ACC-17"));
 
     // Opened by a program, where nothing has been typed since the focus came.
-    desk.act("leave");
-    desk.act("edit ACC");
-    desk.act("at comment");
-    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    player.act("leave");
+    player.act("edit ACC");
+    player.act("at comment");
+    QCOMPARE(player.held("Comment"), QString("ACC-17"));
     completer->setCompletionPrefix("ACC");
     completer->complete();
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                       list->visualRect(list->model()->index(1, 0)).center());
-    QCOMPARE(desk.held("Comment"), QString("ACC-18"));
+    QCOMPARE(player.held("Comment"), QString("ACC-18"));
 
     completer->setCompletionMode(QCompleter::InlineCompletion);
-    desk.act("press Ctrl+A");
-    desk.act("type A");
+    player.act("press Ctrl+A");
+    player.act("type A");
     QCOMPARE(edit->text(), QString("ACC-17"));
-    QCOMPARE(desk.held("Comment"), QString("ACC-17"));
+    QCOMPARE(player.held("Comment"), QString("ACC-17"));
 }
 
 // A control that throws as it is written keeps nobody else from the value, and no page from coming
@@ -304,35 +306,35 @@ void FormsTest::completions()
 void FormsTest::throwingControl()
 {
     TestHost host;
-    Desk desk(&host, "pages");
-    auto *const control = desk.control("page1")->findChild<Probe *>("plain1");
-    desk.act("hub StockId 1");
-    desk.act("hub BoardId 1");
-    desk.answer("turns");
+    StoryPlayer player(&host, "pages");
+    auto *const control = player.control("page1")->findChild<CountingControl *>("plain1");
+    player.act("hub StockId 1");
+    player.act("hub BoardId 1");
+    player.answer("turns");
     const auto fail = [] { throw Exception(QStringLiteral("a cell that is gone")); };
     control->onWrite = fail;
-    QVERIFY_EXCEPTION_THROWN(desk.act("hub BoardId 2"), Exception);
-    QCOMPARE(desk.answer("turns"), QString("1"));
-    QCOMPARE(desk.answer("listeners", "plain0|plain1|plain2"),
-             QString("plain0=0|plain1=0|plain2=0"));
+    QVERIFY_EXCEPTION_THROWN(player.act("hub BoardId 2"), Exception);
+    QCOMPARE(player.answer("turns"), QString("1"));
+    QCOMPARE(player.compared("shows", "plain0.listeners= plain1.listeners= plain2.listeners="),
+             QString("plain0.listeners=0 plain1.listeners=0 plain2.listeners=0"));
     for (const char *const page : {"page0", "page1", "page2"})
-        QVERIFY(!desk.control(page)->isVisible());
+        QVERIFY(!player.control(page)->isVisible());
     control->onWrite = nullptr;
-    desk.act("hub BoardId 3");
-    QVERIFY(desk.control("page2")->isVisible());
+    player.act("hub BoardId 3");
+    QVERIFY(player.control("page2")->isVisible());
 
     for (const char *const name : {"plain0", "plain1", "price1"})
-        desk.act("bind " + QString(name) + " Value=Code");
-    desk.answer("turns");
+        player.act("bind " + QString(name) + " Value=Code");
+    player.answer("turns");
     control->onWrite = fail;
-    QVERIFY_EXCEPTION_THROWN(desk.act("hub Code 7"), Exception);
-    QCOMPARE(desk.answer("turns"), QString("1"));
+    QVERIFY_EXCEPTION_THROWN(player.act("hub Code 7"), Exception);
+    QCOMPARE(player.answer("turns"), QString("1"));
     for (const char *const name : {"plain0.Value", "price1.Value"})
-        QCOMPARE(desk.answer(name), QString("7"));
+        QCOMPARE(player.answer(name), QString("7"));
     control->onRead = []() -> QString { throw Exception(QStringLiteral("a cell that is gone")); };
-    QVERIFY(desk.hub()->unshown().contains("Code"));
-    QVERIFY_EXCEPTION_THROWN(desk.act("hubs Code=8 Price=9"), Exception);
-    QCOMPARE(desk.held("Code") + desk.held("Price"), QString("89"));
+    QVERIFY(player.hub()->unshown().contains("Code"));
+    QVERIFY_EXCEPTION_THROWN(player.act("hubs Code=8 Price=9"), Exception);
+    QCOMPARE(player.held("Code") + player.held("Price"), QString("89"));
 }
 
 // A feed that is back before the hub's own turn.
@@ -351,11 +353,11 @@ void FormsTest::busyFeed()
 void FormsTest::pagesByHand()
 {
     TestHost host;
-    Desk desk(&host, "pages");
-    auto *const selector = qobject_cast<FormSelector *>(desk.control("pages"));
+    StoryPlayer player(&host, "pages");
+    auto *const selector = qobject_cast<FormSelector *>(player.control("pages"));
     QVERIFY(selector);
-    QCOMPARE(desk.control("page0")->layout()->contentsMargins().top(), 3);
-    desk.act("hub StockId 2");
+    QCOMPARE(player.control("page0")->layout()->contentsMargins().top(), 3);
+    player.act("hub StockId 2");
 
     // Sub-forms that come for the board and are destroyed leave nothing behind.
     const int objects = selector->findChildren<QObject *>().size();
@@ -366,15 +368,15 @@ void FormsTest::pagesByHand()
         selector->addWidget({2, 0}, &guest);
         QVERIFY(guest.isVisible());
     }
-    selector->addWidget({2, 0}, desk.control("page2"));
+    selector->addWidget({2, 0}, player.control("page2"));
     QCOMPARE(selector->findChildren<QObject *>().size(), objects);
     QCOMPARE(selector->getWidgetList().size(), 3);
 
     // One that is taken out is let go, and may come back.
-    QWidget *const page = desk.control("page2");
+    QWidget *const page = player.control("page2");
     page->setParent(nullptr);
     QCOMPARE(selector->getWidgetList().size(), 2);
-    selector->addWidget({9, 9}, desk.control("page0"));
+    selector->addWidget({9, 9}, player.control("page0"));
     page->setProperty("boards", "9,8");
     QVERIFY(!page->parent());
     selector->addWidget({2, 0}, page);
@@ -382,15 +384,15 @@ void FormsTest::pagesByHand()
 
     // Without a hub the page stays; another hub has its own say.
     selector->setHub(nullptr);
-    QVERIFY(desk.control("page2")->isVisible());
-    desk.act("hub Value unheard");
+    QVERIFY(player.control("page2")->isVisible());
+    player.act("hub Value unheard");
     Properties other;
     other.setValue("Value", "of the other");
     selector->setHub(&other);
-    QCOMPARE(desk.answer("plain2.Value"), QString("of the other"));
-    selector->setHub(desk.hub());
+    QCOMPARE(player.answer("plain2.Value"), QString("of the other"));
+    selector->setHub(player.hub());
     other.setValue("Value", "late");
-    QCOMPARE(desk.answer("plain2.Value"), QString("unheard"));
+    QCOMPARE(player.answer("plain2.Value"), QString("unheard"));
 }
 
 // Pages that come before and after the selector stands in its window, with a control of many parts.
@@ -423,7 +425,7 @@ void FormsTest::tabOrder()
     QStringList names;
     window.findChild<QWidget *>("before")->setFocus();
     for (int i = 0; i < 9; ++i) {
-        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+        keys::press(window.focusWidget(), "Tab");
         names << window.focusWidget()->objectName();
     }
     QCOMPARE(names.join(' '), QString("date1 line1 date0 line0 date2 line2 after last before"));
@@ -436,40 +438,43 @@ void FormsTest::changesWhileBinding()
     TestHost host;
     for (const char *const deed : {"other hub", "same hub", "other page"}) {
         const QString asked(deed);
-        Desk desk(&host, "pages");
+        StoryPlayer player(&host, "pages");
         Properties other;
         other.setValue("Value", "of the other");
-        auto *const selector = qobject_cast<FormSelector *>(desk.control("pages"));
-        auto *const first = desk.control("page1")->findChild<Probe *>("price1");
-        desk.act("hub Price 1");
+        auto *const selector = qobject_cast<FormSelector *>(player.control("pages"));
+        auto *const first = player.control("page1")->findChild<CountingControl *>("price1");
+        player.act("hub Price 1");
         first->onWrite = [&] {
             first->onWrite = nullptr;
             if (asked == "other page")
-                selector->addWidget({1, 2}, desk.control("page2"));
+                selector->addWidget({1, 2}, player.control("page2"));
             else
-                selector->setHub(asked == "other hub" ? &other : desk.hub());
+                selector->setHub(asked == "other hub" ? &other : player.hub());
         };
-        desk.act("hub StockId 1");
-        desk.act("hub BoardId 2");
+        player.act("hub StockId 1");
+        player.act("hub BoardId 2");
         const bool isOtherPage = asked == "other page";
-        QCOMPARE(desk.control("page1")->isVisible(), !isOtherPage);
-        QCOMPARE(desk.control("page2")->isVisible(), isOtherPage);
-        QCOMPARE(
-            desk.answer("listeners", "plain1|price1|plain2"),
-            QString(isOtherPage ? "plain1=0|price1=0|plain2=1" : "plain1=1|price1=1|plain2=0"));
-        desk.act("hub Value late");
-        QCOMPARE(desk.answer("plain1.Value"), QString(asked == "other hub"  ? "of the other"
-                                                      : asked == "same hub" ? "late"
-                                                                            : ""));
+        QCOMPARE(player.control("page1")->isVisible(), !isOtherPage);
+        QCOMPARE(player.control("page2")->isVisible(), isOtherPage);
+        QCOMPARE(player.answer("plain1.listeners") + player.answer("price1.listeners") +
+                     player.answer("plain2.listeners"),
+                 QString(isOtherPage ? "001" : "110"));
+        player.act("hub Value late");
+        QCOMPARE(player.answer("plain1.Value"), QString(asked == "other hub"  ? "of the other"
+                                                        : asked == "same hub" ? "late"
+                                                                              : ""));
     }
 }
 
 void FormsTest::storm()
 {
     TestHost host;
-    Desk desk(&host, "pages");
+    StoryPlayer player(&host, "pages");
     for (int i = 0; i < 3; ++i)
-        desk.act(QString("hub Offset%1 0.%2").arg(i).arg(i + 1));
+        player.act(QString("hub Offset%1 0.%2").arg(i).arg(i + 1));
+    QList<CountingControl *> controls;
+    for (int i = 0; i < 3; ++i)
+        controls << player.find<CountingControl>(QString("plain%1").arg(i));
     QRandomGenerator random(1);
     size_t heap[2];
     for (int turn = 0; turn < 10000; ++turn) {
@@ -477,26 +482,29 @@ void FormsTest::storm()
         const int board = random.bounded(1, 4);
         const int page = stock == 1 ? board - 1 : stock == 2 && board == 1 ? 0 : -1;
         const QString text = QString::number(1000000 + turn);
-        desk.act(QString("hub StockId %1").arg(stock));
-        desk.act(QString("hub BoardId %1").arg(board));
+        player.act(QString("hub StockId %1").arg(stock));
+        player.act(QString("hub BoardId %1").arg(board));
         if (page >= 0 && turn > 0)
-            QCOMPARE(desk.held("Total"), desk.held("Price") + QString(".%1").arg(page + 1));
-        desk.answer("probes", "plain0|plain1|plain2");
+            QCOMPARE(player.held("Total"), player.held("Price") + QString(".%1").arg(page + 1));
+        for (CountingControl *const control : controls)
+            control->state();
         for (const char *const step : {"hub Value ", "hub Price "})
-            desk.act(step + text);
-        desk.act(turn % 2 ? "invalid Price" : "invalid Volume");
+            player.act(step + text);
+        player.act(turn % 2 ? "invalid Price" : "invalid Volume");
         for (int i = 0; i < 3; ++i) {
             const QString number = QString::number(i);
-            const QString state = desk.answer("probes", "plain" + number);
-            QVERIFY2(state.endsWith(i == page ? text + " 1 1" : " 0 0"), qPrintable(state));
-            QCOMPARE(desk.control("page" + number)->isVisible(), i == page);
-            QCOMPARE(desk.control("caption" + number)->styleSheet().isEmpty(), turn % 2 == 0);
-            desk.act("enter plain" + number + ' ' + number);
+            const QString state = controls[i]->state();
+            QVERIFY2(state.endsWith(i == page ? text + " writes=1 listeners=1"
+                                              : " writes=0 listeners=0"),
+                     qPrintable(state));
+            QCOMPARE(player.control("page" + number)->isVisible(), i == page);
+            QCOMPARE(player.control("caption" + number)->styleSheet().isEmpty(), turn % 2 == 0);
+            player.act("enter plain" + number + ' ' + number);
         }
-        QCOMPARE(desk.held("Value"), page < 0 ? text : QString::number(page));
+        QCOMPARE(player.held("Value"), page < 0 ? text : QString::number(page));
         QCoreApplication::processEvents();
         if (turn % 5000 == 4999) {
-            desk.act("hub StockId 9");
+            player.act("hub StockId 9");
             heap[turn / 5000] = heapInUse();
         }
     }
@@ -521,9 +529,10 @@ void FormsTest::stateTrace()
     QCOMPARE(top->objectName() + ' ' + leaf->objectName(), QString("Desk::Top Order::Leaf"));
     machine.start();
     QTRY_VERIFY(away.active());
-    QCOMPARE(messages(),
-             QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
-                          "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
+    QCOMPARE(
+        messages(),
+        QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
+                     "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
 }
 
 QTEST_MAIN(FormsTest)

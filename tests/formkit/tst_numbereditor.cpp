@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/decimalvalidator.h>
 #include <formkit/numbereditor.h>
@@ -77,14 +77,13 @@ void NumberEditorTest::edits()
 {
     QFETCH(DataRow, row);
     TestHost host;
-    Desk desk(&host, "numbers");
-    auto *const editor = qobject_cast<NumberEditor *>(desk.control("price"));
+    StoryPlayer player(&host, "numbers");
+    auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     QStringList said;
     connect(editor, &NumberEditor::refused, this, [&](const QString &reason) { said << reason; });
-    desk.act("locale " + row[0]);
-    for (const QString &step : row[1].split("; "))
-        desk.act(step);
-    QCOMPARE(desk.answer("text"), row[2]);
+    player.act("locale " + row[0]);
+    player.act(row[1]);
+    QCOMPARE(player.answer("edited"), row[2]);
     QCOMPARE(editor->isValid() ? editor->getValue() : "invalid", row[3]);
     QVERIFY(editor->isValid() || !editor->hasAcceptableInput());
     QCOMPARE(said.join('/'), row[4]);
@@ -112,20 +111,20 @@ void NumberEditorTest::typing()
         }
         return text;
     };
-    DataRow story = Desk::storiesOf("typing").constFirst();
+    DataRow story = StoryFile("typing").stories.constFirst();
+    static const QRegularExpression Typed("(?:edited=|type |paste )([^ ;]+)");
     for (int i = 1; i < story.size(); ++i) {
-        QStringList steps = story[i].split("; ");
-        for (QString &step : steps) {
-            const int start = step.indexOf(QRegularExpression("(?<=text |type |paste )"));
-            if (start >= 0)
-                step = step.left(start) + spelt(step.mid(start));
+        const QString line = story[i];
+        for (auto match = Typed.globalMatch(line); match.hasNext();) {
+            const QRegularExpressionMatch text = match.next();
+            story[i].replace(text.capturedStart(1), text.capturedLength(1),
+                             spelt(text.captured(1)));
         }
-        story[i] = steps.join("; ");
     }
     TestHost host;
-    Desk desk(&host, "typing");
-    desk.act("locale " + characters[1]);
-    desk.play(story);
+    StoryPlayer player(&host, "typing");
+    player.act("locale " + characters[1]);
+    player.play(story);
 }
 
 // A tool tip until the next key, a flash of the frame that is not repeated at once, and a frame as
@@ -134,18 +133,18 @@ void NumberEditorTest::typing()
 void NumberEditorTest::refusals()
 {
     TestHost host;
-    Desk desk(&host, "numbers");
-    auto *const editor = qobject_cast<NumberEditor *>(desk.control("price"));
+    StoryPlayer player(&host, "numbers");
+    auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     auto *const frame = editor->findChild<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
     const QString reason = "A number has one decimal point";
-    desk.act("type 1.5.");
+    player.act("type 1.5.");
     QCOMPARE(QToolTip::text(), reason);
     QCOMPARE(QAccessible::queryAccessibleInterface(frame)->text(QAccessible::Name), reason);
     QVERIFY(frame->isVisible());
     QTRY_VERIFY(!frame->isVisible());
-    desk.act("type .");
+    player.act("type .");
     QVERIFY(QToolTip::isVisible() && !frame->isVisible());
-    desk.act("type 2");
+    player.act("type 2");
     QTRY_VERIFY(!QToolTip::isVisible());
 
     struct Still : QProxyStyle
@@ -158,10 +157,10 @@ void NumberEditorTest::refusals()
     } still;
     editor->setStyle(&still);
     QTest::qWait(1000);
-    desk.act("type .");
+    player.act("type .");
     QVERIFY(QToolTip::isVisible() && !frame->isVisible());
 
-    desk.act("set Value x");
+    player.act("set Value x");
     QVERIFY(frame->isVisible());
     QHelpEvent hover(QEvent::ToolTip, {2, 2}, editor->mapToGlobal({2, 2}));
     QApplication::sendEvent(editor, &hover);
@@ -170,7 +169,7 @@ void NumberEditorTest::refusals()
     QVERIFY(!frame->isVisible());
     const QSignalSpy refused(editor, &NumberEditor::refused);
     QToolTip::hideText();
-    desk.act("type y");
+    player.act("type y");
     QCOMPARE(refused.size(), 1);
     QTRY_VERIFY(!QToolTip::isVisible());
 }
@@ -180,9 +179,9 @@ void NumberEditorTest::refusals()
 void NumberEditorTest::randomEdits()
 {
     TestHost host;
-    Desk desk(&host, "numbers");
-    desk.act("set digits 4");
-    const auto *const editor = qobject_cast<NumberEditor *>(desk.control("price"));
+    StoryPlayer player(&host, "numbers");
+    player.act("set digits 4");
+    const auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     QRandomGenerator random(20240229);
     const QStringList keys = QString("Left Right Home End Del Backspace Ctrl+Del Shift+Left Ctrl+A "
                                      "Ctrl+Z Ctrl+Shift+Z Left Right Shift+Left Del Backspace")
@@ -194,7 +193,7 @@ void NumberEditorTest::randomEdits()
                                    locale.decimalPoint() + locale.decimalPoint() +
                                    locale.negativeSign() + QChar(locale.zeroDigit().unicode() + 4);
         for (int edit = 0; edit < 66; ++edit) {
-            const QString before = desk.answer("text");
+            const QString before = player.answer("edited");
             const bool selected = editor->hasSelectedText();
             const auto tail = [&](int from) { return ungrouped(editor->text().mid(from), locale); };
             const int size = tail(0).size();
@@ -209,10 +208,10 @@ void NumberEditorTest::randomEdits()
                     decimal(random.bounded(2000000) - 1000000, short(random.bounded(7))).toString();
             else if (what >= 9)
                 step = "press " + keys.at(random.bounded(keys.size()));
-            desk.act(step);
+            player.act(step);
             const QString value = editor->getValue();
             const QString story = locale.name() + ": " + before + ' ' + step + " -> " +
-                                  desk.answer("text") + " = " + value;
+                                  player.answer("edited") + " = " + value;
             QVERIFY2(editor->isValid() ? value == readIndependently(editor->text(), locale)
                                        : !decimal::canConvert(value, false),
                      qPrintable(story));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/dateedit.h>
 #include <formkit/numbereditor.h>
@@ -73,7 +73,7 @@ private:
         bool isSelected;
     };
 
-    QVector<Bound> bound(Desk *desk) const;
+    QVector<Bound> bound(StoryPlayer *player) const;
     void act(const QString &who, const QString &steps);
     void checkHub();
     void checkScreen();
@@ -84,7 +84,7 @@ private:
     QString fill(QString steps);
 
     TestHost m_host;
-    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<StoryPlayer> m_player;
     QMap<QString, QStringList> m_picks;
     QMap<QString, QString> m_programmed; // what the program last set, by name
     QRandomGenerator m_random{1};
@@ -92,14 +92,14 @@ private:
 };
 
 // Every property that the hub writes and listens to.
-QVector<PlayTest::Bound> PlayTest::bound(Desk *desk) const
+QVector<PlayTest::Bound> PlayTest::bound(StoryPlayer *player) const
 {
     QVector<Bound> all;
     const QStringList pages{"limit", "limit2", "strike"};
-    for (QWidget *const control : desk->control("stock")->window()->findChildren<QWidget *>()) {
+    for (QWidget *const control : player->control("stock")->window()->findChildren<QWidget *>()) {
         if (pages.contains(control->objectName()))
             continue; // bound while their page shows
-        const QStringList names = desk->hub()->objectProperty(control);
+        const QStringList names = player->hub()->objectProperty(control);
         const QMetaObject *const meta = control->metaObject();
         for (int i = 0; i < meta->propertyCount() && !names.isEmpty(); ++i) {
             const QMetaProperty property = meta->property(i);
@@ -123,7 +123,7 @@ QString PlayTest::fill(QString steps)
 
 void PlayTest::act(const QString &who, const QString &steps)
 {
-    const Values before = m_desk->hub()->values();
+    const Values before = m_player->hub()->values();
     for (const QString &step : steps.split("; ")) {
         if (who == "program") {
             for (const QString &pair : step.section(' ', 1).split(' ')) {
@@ -131,7 +131,7 @@ void PlayTest::act(const QString &who, const QString &steps)
                     m_programmed[pair.section('=', 0, 0)] = pair.section('=', 1);
             }
             if (step == "again") {
-                const Values held = m_desk->hub()->values();
+                const Values held = m_player->hub()->values();
                 for (auto value = held.cbegin(); value != held.cend(); ++value)
                     m_programmed[value.key()] = value->toString();
             }
@@ -139,12 +139,12 @@ void PlayTest::act(const QString &who, const QString &steps)
                 m_programmed[step.section(' ', 1, 1)] = step.section(' ', 2);
         }
         try {
-            m_desk->act(step);
+            m_player->act(step);
         } catch (const Exception &) { // the host's, passed on
         }
     }
     // What a hand has changed is nothing that the program set.
-    const Values after = m_desk->hub()->values();
+    const Values after = m_player->hub()->values();
     for (auto value = after.cbegin(); value != after.cend() && who == "hand"; ++value) {
         if (before[value.key()] != value->toString())
             m_programmed.remove(value.key());
@@ -154,10 +154,10 @@ void PlayTest::act(const QString &who, const QString &steps)
 // The hub holds what each property reads, or names it.
 void PlayTest::checkHub()
 {
-    const QStringList unshown = m_desk->hub()->unshown();
+    const QStringList unshown = m_player->hub()->unshown();
     QMap<QString, QString> differing; // what is told of each, by name
-    for (const Bound &each : bound(m_desk.get())) {
-        const QString held = m_desk->held(each.name);
+    for (const Bound &each : bound(m_player.get())) {
+        const QString held = m_player->held(each.name);
         const QString read = each.property.read(each.object).toString();
         if (!agree(each.name, held, read))
             differing[each.name] = each.name + ": held " + held + ", read " + read;
@@ -166,9 +166,9 @@ void PlayTest::checkHub()
         QVERIFY2(unshown.contains(each.key()) || !m_programmed.contains(each.key()),
                  qPrintable(*each));
     for (const QString &name : unshown) {
-        const bool becameAnother = !agree(name, m_programmed.value(name), m_desk->held(name));
+        const bool becameAnother = !agree(name, m_programmed.value(name), m_player->held(name));
         QVERIFY2(differing.contains(name) || becameAnother,
-                 qPrintable(name + ": set and held " + m_desk->held(name)));
+                 qPrintable(name + ": set and held " + m_player->held(name)));
     }
 }
 
@@ -185,12 +185,12 @@ void PlayTest::checkScreen()
                  qPrintable(now.editor->objectName() + ' ' + now.value + " shows " + now.text));
     }
     for (const char *const name : {"stock", "twin", "board", "security", "partner"}) {
-        ComboBox *const box = m_desk->box(name);
+        ComboBox *const box = m_player->box(name);
         const QString id = box->metaObject()->userProperty().read(box).toString();
         const int row = box->currentIndex();
         const bool isShown = row >= 0 && box->itemText(row) == box->currentText();
         if (isShown && box->objectName() != "partner")
-            QCOMPARE(id, box->itemData(row, m_desk->roleOfId(box)).toString().section(',', -1));
+            QCOMPARE(id, box->itemData(row, m_player->roleOfId(box)).toString().section(',', -1));
         if (box->currentText().isEmpty() && !isShown && box->objectName() != "partner")
             QCOMPARE(id, QString("0"));
     }
@@ -224,7 +224,7 @@ void PlayTest::checkAmounts(const QString &who, const QString &steps, const QVec
 QVector<PlayTest::Amount> PlayTest::amounts() const
 {
     QVector<Amount> all;
-    for (auto *const editor : m_desk->control("stock")->window()->findChildren<NumberEditor *>())
+    for (auto *const editor : m_player->control("stock")->window()->findChildren<NumberEditor *>())
         all.append({editor, editor->getValue(), editor->text(), editor->hasSelectedText()});
     return all;
 }
@@ -245,7 +245,7 @@ void PlayTest::checkHost()
 
 void PlayTest::play()
 {
-    m_desk = std::make_unique<Desk>(&m_host, "play");
+    m_player = std::make_unique<StoryPlayer>(&m_host, "play");
     QList<QStringList> deeds;
     for (const DataRow &row : rowsOf("stories/play.txt")) {
         if (row[0] == "pick")
@@ -276,7 +276,7 @@ void PlayTest::play()
     if (QTest::currentTestFailed())
         qInfo().noquote() << "after\n" +
                                  QStringList(m_deeds.mid(qMax(0, m_deeds.size() - 25))).join('\n');
-    m_desk.reset();
+    m_player.reset();
 }
 
 int main(int argc, char **argv)

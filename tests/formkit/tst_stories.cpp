@@ -1,4 +1,4 @@
-#include "desk.h"
+#include "storyplayer.h"
 
 #include <formkit/pushbuttonsend.h>
 #include <formkit/stockselectorbox.h>
@@ -7,6 +7,7 @@
 #include <support/stricttest.h>
 
 #include <QApplication>
+#include <QFile>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -30,6 +31,7 @@ private slots:
     void sizes();
     void keptIcon();
     void failingHost();
+    void manual();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -52,11 +54,11 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file : Selectors + QStringList{"hub", "form", "controls", "combobox",
-                                                       "numbers", "hubs", "pages"}) {
-        QList<DataRow> stories = Desk::storiesOf(file);
+    for (const QString &file :
+         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "hubs", "pages"}) {
+        QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
-            stories << Desk::storiesOf("boxes");
+            stories << StoryFile("boxes").stories;
         for (const DataRow &story : qAsConst(stories))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }
@@ -66,23 +68,23 @@ void StoriesTest::stories()
 {
     QFETCH(QString, file);
     QFETCH(DataRow, story);
-    Desk desk(m_host.get(), file);
-    desk.play(story);
+    StoryPlayer player(m_host.get(), file);
+    player.play(story);
 }
 
 // Opening the list clears what was selected there, without a word of it.
 void StoriesTest::quietOpening()
 {
-    Desk desk(m_host.get(), "combobox");
-    desk.act("items ABC AB");
-    desk.act("row -1");
-    QAbstractItemView *const view = desk.box()->view();
+    StoryPlayer player(m_host.get(), "combobox");
+    player.act("items ABC AB");
+    player.act("row -1");
+    QAbstractItemView *const view = player.box()->view();
     QItemSelectionModel *const selection = view->selectionModel();
     selection->select(view->model()->index(1, 0), QItemSelectionModel::Select);
     QVector<bool> quiet;
     connect(selection, &QItemSelectionModel::selectionChanged, this,
             [&] { quiet << view->signalsBlocked(); });
-    desk.act("press F4");
+    player.act("press F4");
     QCOMPARE(quiet, QVector<bool>{true});
     QVERIFY(!selection->hasSelection() && !view->signalsBlocked());
 }
@@ -96,11 +98,11 @@ void StoriesTest::sizes()
     const int character = wide.fontMetrics().horizontalAdvance('x');
     QVERIFY(wide.sizeHint().width() > 30 * character && wide.sizeHint().width() < 40 * character);
 
-    Desk desk(m_host.get(), "stock");
-    ComboBox *const box = desk.box();
+    StoryPlayer player(m_host.get(), "stock");
+    ComboBox *const box = player.box();
     const QSize shown = box->sizeHint();
     m_host->table("stocks").setRows(longNames);
-    desk.act("populate");
+    player.act("populate");
     QCOMPARE(box->sizeHint(), shown);
     box->setMinimumContentsLength(20);
     QVERIFY(box->sizeHint().width() > shown.width());
@@ -130,16 +132,16 @@ void StoriesTest::failingHost()
          {"stock stocks StockId 5", "board boards BoardId 8", "security securities SecurityId 10",
           "partner gx.diler Partner BB", "codes stocks prop_StockId_changed 2"}) {
         const QStringList words = box.split(' ');
-        Desk desk(m_host.get(), words[0]);
+        StoryPlayer player(m_host.get(), words[0]);
         TestTable &rows = m_host->table(words[1]);
         const int before = rows.cellReads();
-        desk.act("populate");
+        player.act("populate");
         const int cells = rows.cellReads() - before;
         QVERIFY(cells > 0);
-        desk.act("set " + words[2] + ' ' + words[3]);
-        const auto state = [&desk] {
-            return desk.answer("shows") + desk.answer("ids") + desk.answer("source") +
-                   desk.answer("reports");
+        player.act((words[0] == "codes" ? "call " : "set ") + words[2] + ' ' + words[3]);
+        const auto state = [&player] {
+            return player.compared("shows", "text= row= id= code= name= caret= ids= source=") +
+                   player.log;
         };
         const QString shown = state();
         const bool hasModel = words[0] != "partner" && words[0] != "codes";
@@ -149,13 +151,32 @@ void StoriesTest::failingHost()
         for (int cell = 1; cell <= cells; ++cell) {
             for (const QString &refresh : refreshes.split('|')) {
                 rows.failAtCell(cell);
-                QVERIFY_EXCEPTION_THROWN(desk.act(refresh), Exception);
+                QVERIFY_EXCEPTION_THROWN(player.act(refresh), Exception);
                 QCOMPARE(state(), shown);
                 QVERIFY(!rows.isLocked());
             }
             rows.failAtCell(cell);
-            QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
+            QVERIFY_EXCEPTION_THROWN(StoryPlayer(m_host.get(), words[0]), Exception);
         }
+    }
+}
+
+// Its tables are those of the player. `tst_stories --fill` writes them.
+void StoriesTest::manual()
+{
+    const bool isFilled = QCoreApplication::arguments().contains("--fill");
+    QFile page(DATA_FOLDER "/README.md");
+    QVERIFY(page.open(isFilled ? QIODevice::ReadWrite : QIODevice::ReadOnly));
+    const QByteArray text = page.readAll();
+    const int start = text.indexOf("\n### ");
+    QVERIFY(start > 0);
+    const QByteArray tables = StoryPlayer(m_host.get(), "stock").manual().toUtf8();
+    if (isFilled) {
+        page.resize(start);
+        page.seek(start);
+        page.write(tables);
+    } else {
+        QVERIFY2(text.mid(start) == tables, "run tst_stories --fill");
     }
 }
 
@@ -164,6 +185,8 @@ int main(int argc, char **argv)
     QLocale::setDefault(QLocale("en_US"));
     QApplication application(argc, argv);
     StoriesTest test;
+    if (application.arguments().contains("--fill"))
+        return QTest::qExec(&test, {argv[0], "manual"});
     return QTest::qExec(&test, argc, argv);
 }
 

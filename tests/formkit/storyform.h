@@ -1,0 +1,78 @@
+#pragma once
+
+#include "countingcontrol.h"
+#include "storyfile.h"
+
+#include <formkit/combobox.h>
+#include <formkit/formvalidation.h>
+#include <formkit/properties.h>
+
+#include <QAbstractItemView>
+#include <QLineEdit>
+
+/// The form of a file of stories, shown, with the rows that its host has and one control in use.
+/// All controls are bound to one hub, but for one that is alone with its caption.
+class StoryForm : public QObject
+{
+    Q_OBJECT
+
+public:
+    StoryForm(TestHost *host, const QString &fileName);
+
+    /// A control by its class; null for an unknown one.
+    static QObject *create(const QString &className, QWidget *form);
+    /// Makes a control from its class, its name and properties, "field=Price". A QWidget is a page
+    /// of the form's FormSelector, and what follows stands on that page.
+    void make(const QStringList &words);
+    /// Takes a control in use and gives it the focus.
+    void use(const QString &name);
+    /// Moves the focus to a line edit behind the form's own controls.
+    void leave();
+    /// "list", where the box's is open, "next" for the line edit of leave(), else "box".
+    QString focus() const;
+    /// True when somebody took the wheel's turn.
+    bool turnWheel(int angle) const;
+
+    template <typename Object = QWidget> Object *find(const QString &name) const
+    {
+        return window.findChild<Object *>(name);
+    }
+    QWidget *control(const QString &name) const { return find(name); }
+    ComboBox *box(const QString &name) const { return find<ComboBox>(name); }
+    ComboBox *box() const { return qobject_cast<ComboBox *>(current.data()); }
+    /// The line edit in use.
+    QLineEdit *edit() const;
+    QAbstractItemView *completions() const;
+    /// The list that is open, or the completions.
+    QAbstractItemView *list() const;
+    /// The model behind the box's proxy, or its model; null for no box.
+    QAbstractItemModel *source() const;
+    /// The role that tells a list's rows apart.
+    static int roleOfId(const ComboBox *box);
+    /// The object that has a property, whose path is cut down to its name: "price.text",
+    /// "edit.text", "form.visible", or one of the control in use or its line edit; null for none.
+    QObject *owner(QString *path) const;
+    /// A property as a text.
+    QString property(const QString &path) const;
+
+    Properties *hub() const { return m_hub.get(); }
+    void destroyHub() { m_hub.reset(); }
+    QString held(const QString &name) const { return m_hub->values()[name]; }
+
+    const StoryFile file;
+    TestHost *const host;
+    FormValidation validation;
+    QWidget window;
+    QPointer<QWidget> current; ///< the control in use
+    QString log;               ///< what was reported, each with a blank in front
+    int turns = 0;             ///< turns of the event loop in which the hub reported changes
+    QString wheel;             ///< what became of its last turn
+
+private Q_SLOTS:
+    void note(const QString &text);
+
+private:
+    QWidget *m_place = &window; // where controls are made
+    QLineEdit *m_next = nullptr;
+    std::unique_ptr<Properties> m_hub = std::make_unique<Properties>();
+};

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "storyplayer.h"
+
+/// What a hand, the program and the host do.
+StorySteps storySteps(StoryPlayer *player);
