@@ -2,7 +2,7 @@
 // first bytes are the operations up to a line feed; the bytes up to a 0xfd are the control
 // connection's, the rest the data connections'.
 
-#include "fuzzsocket.h"
+#include "tests/support/inputsocket.h"
 
 #include <formkit/FtpClient/FTPClient.h>
 
@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const size_t controlEnd = std::min(rest.find(EndOfControl), rest.size());
     Input input = {rest.substr(0, controlEnd), rest.substr(std::min(controlEnd + 1, rest.size()))};
 
-    const auto socket = std::make_shared<FuzzSocket>(input, true);
+    const auto socket = std::make_shared<InputSocket>(input, true);
     CFTPClient client(socket, 1, operations.size() % 2 == 0 ? 16 : 4096);
     Aborter aborter(client);
     client.Login({"host", 21, "user", "password", "account"});

@@ -1,4 +1,4 @@
-#include "fuzz/fuzzsocket.h"
+#include "support/inputsocket.h"
 #include "session.h"
 #include "support/datafile.h"
 #include "support/stricttest.h"
@@ -133,7 +133,7 @@ private slots:
             for (int kind = 0; row[3] == "0" && kind < 6; ++kind) {
                 Input input = {replies.toStdString(), "0123456789", kind < 3,
                                Input::Readability(kind % 3)};
-                Client c(1, 64, std::make_shared<FuzzSocket>(input, true));
+                Client c(1, 64, std::make_shared<InputSocket>(input, true));
                 const QString operations = row[1] + ",get f,replace,put f active,quit";
                 QVERIFY2(c.perform(operations) == 0, qPrintable(row[1] + c.recorder.last()));
                 const QStringList sent = c.recorder.log.filter(QRegularExpression("^> "));

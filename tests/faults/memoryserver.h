@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fuzzsocket.h"
+#include "support/inputsocket.h"
 
 #include <formkit/FtpClient/FTPClient.h>
 
@@ -73,14 +73,14 @@ private:
     size_t m_offset = 0;
 };
 
-class MemorySocket : public FuzzSocket
+class MemorySocket : public InputSocket
 {
 public:
     // Those that are open.
     static inline int handles = 0;
 
     MemorySocket(MemoryServer &server, bool control)
-        : FuzzSocket(server.input, control), m_server(server), m_control(control)
+        : InputSocket(server.input, control), m_server(server), m_control(control)
     {
     }
     MemorySocket(const MemorySocket &) = delete;
@@ -90,13 +90,13 @@ public:
     IBlockingSocket *CreateInstance() const override { return new MemorySocket(m_server, false); }
     void Create(int type) override
     {
-        FuzzSocket::Create(type);
+        InputSocket::Create(type);
         ++handles;
     }
     void Cleanup() override
     {
         handles -= *this != nsSocket::INVALID_SOCKET;
-        FuzzSocket::Cleanup();
+        InputSocket::Cleanup();
     }
     void Connect(const sockaddr * /*psa*/) const override
     {
@@ -123,7 +123,7 @@ public:
             failAt(MemoryServer::Receiving, "Receive");
         if (!CheckReadability())
             throw nsSocket::CBlockingSocketException("Receive timeout");
-        return FuzzSocket::Receive(buffer, size, seconds);
+        return InputSocket::Receive(buffer, size, seconds);
     }
     bool CheckReadability() const override { return !m_control || !m_server.input.control.empty(); }
 
