@@ -3,15 +3,18 @@
 
 #include "databasefile.h"
 #include "orderwindow.h"
-#include "randomuser.h"
-
 #include <embeddedhost/embeddedhost.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
+#include <QInputMethodEvent>
+#include <QRandomGenerator>
 #include <QTimer>
+#include <QWheelEvent>
+#include <QtTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -53,6 +56,111 @@ double quantile(QVector<double> figures, double part)
     std::sort(figures.begin(), figures.end());
     return figures.at(int(double(figures.size() - 1) * part));
 }
+
+// Somebody who types, clicks, pastes and turns the wheel at random in an order window, while the
+// program behind it sets values at random.
+class RandomUser
+{
+public:
+    RandomUser(OrderWindow *window, quint32 seed) : m_window(window), m_random(seed) {}
+
+    // One event: a key with its release, a click, a notch of the wheel, a paste, or a value set.
+    void act()
+    {
+        const int choice = below(100);
+        if (choice < 75)
+            pressKey();
+        else if (choice < 77)
+            compose();
+        else if (choice < 92)
+            click();
+        else if (choice < 95)
+            turnWheel();
+        else if (choice < 97)
+            QApplication::clipboard()->setText(oneOf(m_texts));
+        else if (choice < 98)
+            m_window->fill(m_window->hub()->values());
+        else
+            m_window->hub()->setValue(oneOf(m_window->hub()->values().keys()), oneOf(m_texts));
+    }
+
+private:
+    void pressKey()
+    {
+        QWidget *const target = keyTarget();
+        const QKeySequence key(oneOf(m_keys), QKeySequence::PortableText);
+        if (target && below(3) > 0)
+            QTest::keyClick(target, m_letters.at(below(m_letters.size())).toLatin1());
+        else if (target)
+            QTest::keyClick(target, Qt::Key(key[0] & ~Qt::KeyboardModifierMask),
+                            Qt::KeyboardModifiers(int(key[0] & Qt::KeyboardModifierMask)));
+    }
+    void compose()
+    {
+        QInputMethodEvent event;
+        event.setCommitString(oneOf(m_texts));
+        if (QWidget *target = keyTarget())
+            QApplication::sendEvent(target, &event);
+    }
+    void click()
+    {
+        QWidget *popup = QApplication::activePopupWidget();
+        QWidget *const target = anyWidget();
+        if (popup && below(4) == 0)
+            popup->close(); // as a click beside it does
+        else if (target && target->width() > 0 && target->height() > 0)
+            QTest::mouseClick(target, Qt::LeftButton, {},
+                              {below(target->width()), below(target->height())});
+    }
+    void turnWheel()
+    {
+        QWidget *const target = anyWidget();
+        if (!target)
+            return;
+        const QPoint at = target->rect().center();
+        QWheelEvent event(at, target->mapToGlobal(at), QPoint(), QPoint(0, below(2) ? 120 : -120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(target, &event);
+    }
+    // What has the keys: a pop-up, or else the focus.
+    static QWidget *keyTarget()
+    {
+        QWidget *popup = QApplication::activePopupWidget();
+        QWidget *const inside = popup ? popup->focusWidget() : QApplication::focusWidget();
+        return inside ? inside : popup;
+    }
+    // In the pop-up, if there is one. The button of the statements stays alone: it asks for a
+    // server.
+    QWidget *anyWidget()
+    {
+        QWidget *popup = QApplication::activePopupWidget();
+        QWidget *const top = popup ? popup : m_window;
+        QList<QWidget *> found = top->findChildren<QWidget *>();
+        const auto isOut = [top](QWidget *child) {
+            return !child->isVisible() || !child->isEnabled() || child->window() != top ||
+                   child->objectName() == QLatin1String("statements");
+        };
+        found.erase(std::remove_if(found.begin(), found.end(), isOut), found.end());
+        return found.isEmpty() ? nullptr : oneOf(found);
+    }
+    int below(int bound) { return m_random.bounded(bound); }
+    template <typename List> typename List::value_type oneOf(const List &list)
+    {
+        return list.at(below(list.size()));
+    }
+
+    OrderWindow *const m_window;
+    QRandomGenerator m_random;
+    const QString m_letters = "0123456789012345678901234567890,.- 'abcdefgs";
+    const QStringList m_keys =
+        QString("Tab Tab Shift+Backtab Return Esc Backspace Backspace Del Left Right Shift+Left Up "
+                "Down Alt+Down Home End PgUp PgDown F4 Ctrl+A Ctrl+C Ctrl+V Ctrl+X Ctrl+Z "
+                "Ctrl+Shift+Z")
+            .split(' ');
+    const QStringList m_texts = QString("|0|-1|1234567.25|1,5|1 000|1e9|abc|31.12.2035|12/31/35|"
+                                        "999999|2035-12-31|\u0663|\u2212 5|\u4ea4\u6613")
+                                    .split('|');
+};
 
 class Endurance : public QObject
 {

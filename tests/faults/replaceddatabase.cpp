@@ -1,5 +1,5 @@
 // A reference database that another process replaces while it is read: by renaming, writing over
-// it, cutting it short, deleting it, and in transactions. Whatever a load finds, the host holds
+// it, cutting it short, and in transactions. Whatever a load finds, the host holds
 // one generation of all tables, the former one when the load failed.
 
 #include <embeddedhost/embeddedhost.h>
@@ -97,7 +97,7 @@ public:
     {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
         while (poll(&input, 1, m_onlyTransactions ? 1 : upTo(120)) == 0) {
-            const int kind = m_onlyTransactions ? 4 : m_count % 5;
+            const int kind = m_onlyTransactions ? 3 : m_count % 4;
             ++m_count;
             const int generation = 10 + upTo(Generations);
             const QByteArray bytes = contentOf(generationFile(m_folder, generation));
@@ -109,10 +109,6 @@ public:
                 truncate(QFile::encodeName(m_file), upTo(bytes.size()));
                 QThread::msleep(upTo(20));
                 overWrite(bytes);
-            } else if (kind == 3) {
-                QFile::remove(m_file);
-                QThread::msleep(upTo(5));
-                rename(generation);
             } else {
                 change(m_file, Update, 20 + upTo(70), m_onlyTransactions ? 0 : upTo(20));
             }
