@@ -248,18 +248,13 @@ void NumberEditorTest::completeTexts()
     QCOMPARE(validator.validateParsedString("0,00"), QValidator::Intermediate);
     for (const char *text : {"", "-", ",", "1,2,3", "12345678901234567890", "abc"})
         QCOMPARE(validator.validateParsedString(text), QValidator::Invalid);
-    validator.setLocale(QLocale("en_US"));
-    for (const char *text : {"abc", "1.2.3", "1-", "--1"}) {
-        QString error;
-        try {
-            validator.textToDecimal(text);
-        } catch (const QString &thrown) {
-            error = thrown;
-        }
-        QCOMPARE(error, QLatin1String("Invalid string for decimal: ") + text);
+    try {
+        validator.textToDecimal("--1");
+        QFAIL("read");
+    } catch (const QString &error) {
+        QCOMPARE(error, QString("Invalid string for decimal: --1"));
     }
-    for (const char *text : {"", "-", ".", "99999999999999999999"})
-        QVERIFY_EXCEPTION_THROWN(validator.textToDecimal(text), Exception);
+    QVERIFY_EXCEPTION_THROWN(validator.textToDecimal("99999999999999999999"), Exception);
     // An editor's own takes other texts than the shown one too.
     const NumberEditor editor;
     QString text = "-1234567";

@@ -1,6 +1,6 @@
-#include "support/inputsocket.h"
 #include "session.h"
 #include "support/datafile.h"
+#include "support/inputsocket.h"
 #include "support/stricttest.h"
 
 #include <csignal>
@@ -98,7 +98,17 @@ class Troubled : public nsSocket::CBlockingSocket
     {
         throw nsSocket::CBlockingSocketException("GetPeerName");
     }
+    // A wait that begins again has what is left of the time.
+    void SetWaitLimit(int seconds) override
+    {
+        limits << seconds;
+        CBlockingSocket::SetWaitLimit(seconds);
+    }
 
+public:
+    static inline QVector<int> limits;
+
+private:
     mutable bool m_disturbed = true;
 };
 
@@ -141,6 +151,20 @@ private slots:
                          row[4] + ",TYPE I,SIZE f,PASV,RETR f,PORT 127,0,0,1,0,0,STOR f,QUIT");
             }
         }
+    }
+
+    // Lines that fill the buffer before the end are told; a session ends with its connection.
+    void endOfTheConnection()
+    {
+        const std::string whole = "220 " + std::string(57, 'x') + "\r\n";
+        Input ended = {whole, "", false};
+        Client full(1, 64, std::make_shared<InputSocket>(ended, true));
+        QCOMPARE(full.perform("login h u p"), -1);
+        QCOMPARE(full.recorder.log.filter("< 220").size(), 1);
+        Input reset = {whole + "331 a\r\n230 b\r\n250 c\r\n\xfe", ""};
+        Client cut(1, 64, std::make_shared<InputSocket>(reset, true));
+        QCOMPARE(cut.perform("login h u p,connected"), 1);
+        QCOMPARE(cut.perform("noop,connected"), 0);
     }
 
     void betweenServers() { compare(faultsOf(rowsOf("between.txt"), between)); }
@@ -250,7 +274,9 @@ private slots:
         QVERIFY(forgetful.Login({"127.0.0.1", session.port}));
         for (const bool asked : {false, true}) {
             QVERIFY(forgetful.List("", session.lines, true) != asked);
+            Troubled::limits.clear();
             QVERIFY(forgetful.List("", session.lines, false) != asked);
+            QVERIFY(asked || Troubled::limits.size() == 3);
             forgetful.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
             forgetful.SetAcceptOnlyControlPeer(true);
         }

@@ -205,10 +205,7 @@ void HostApiTest::localeDates()
         dates[row[0]] = row[1];
     QCOMPARE(date, dates[QLocale::system().name()]);
 
-    const QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
-    for (const QString &text : {QString(), format, date.left(4), date + 'x', date + time,
-                                QString(date).replace('5', "32"), QString(date).replace("26", "+6"),
-                                '+' + date, QString(100000, '0')})
+    for (const QString &text : {QString(), date.left(4), date + 'x', date + time, '+' + date})
         QVERIFY(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull());
     for (const QString &text : {date, time, time.mid(1), date + " 24:02:03.004"})
         QVERIFY(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull());
