@@ -1,9 +1,9 @@
 #include "support/stricttest.h"
 
-#include "ui_allcontrols.h"
-
+#include <formkit/formselector.h>
 #include <formkit/properties.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDesignerComponents>
 #include <QDesignerContainerExtension>
@@ -33,14 +33,7 @@ QString withoutSizes(QString form)
     return form.remove(QRegularExpression("<(width|height)>\\d+</\\w+>"));
 }
 
-// The form of every control, which Qt Designer itself has written, made by the form compiler or
-// by the loader.
-QWidget *compiledForm()
-{
-    auto *form = new QWidget;
-    Ui::AllControls().setupUi(form);
-    return form;
-}
+// The form of every control, which Qt Designer itself has written, made by the loader.
 QWidget *loadedForm()
 {
     QUiLoader loader;
@@ -64,7 +57,6 @@ private slots:
 // The plug-in has every widget of the library, and what it says of each one is true.
 void DesignerTest::controls()
 {
-    expectWarning("ICore::table: no host is installed: lists stay empty");
     QStringList widgets;
     const QRegularExpression widget(
         "class FORMKIT_EXPORT (\\w+) : public "
@@ -92,33 +84,32 @@ void DesignerTest::controls()
 // A form of every control works from its file alone: names, texts of states, pages by board.
 void DesignerTest::forms()
 {
-    for (QWidget *made : {compiledForm(), loadedForm()}) {
-        const QScopedPointer<QWidget> form(made);
-        QVERIFY(form);
-        form->show();
-        Properties hub;
-        QVERIFY(hub.connectAll(form.data()));
-        auto *selector = form->findChild<FormSelector *>();
-        selector->setHub(&hub);
-        const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
-        const auto held = [&](const char *name) { return hub.values().value(name).toString(); };
+    expectWarning("ICore::table: no host is installed: lists stay empty");
+    const QScopedPointer<QWidget> form(loadedForm());
+    QVERIFY(form);
+    form->show();
+    Properties hub;
+    QVERIFY(hub.connectAll(form.data()));
+    auto *selector = form->findChild<FormSelector *>();
+    selector->setHub(&hub);
+    const auto child = [&](const char *name) { return form->findChild<QWidget *>(name); };
+    const auto held = [&](const char *name) { return hub.values().value(name).toString(); };
 
-        QTest::keyClicks(child("lineEdit"), "note");
-        QTest::keyClicks(child("numberEditor"), "1.5");
-        QTest::keyClicks(child("quantityEditor"), "20");
-        for (const char *button : {"checkBox", "radioButton", "pushButtonSend"})
-            qobject_cast<QAbstractButton *>(child(button))->click();
-        QCOMPARE((QStringList{held("Comment"), held("Price"), held("Quantity"), held("Hidden"),
-                              held("Side"), held("Action")}),
-                 (QStringList{"note", "1.5", "20", "Y", "B", "place"}));
-        QVERIFY(!child("page")->isVisible() && !child("page_2")->isVisible());
-        selector->setWidget({1, 8});
-        QVERIFY(child("page")->isVisible() && !child("page_2")->isVisible());
-        QTest::keyClicks(child("numberEditor_2"), "7");
-        selector->setWidget({2, 3});
-        QVERIFY(!child("page")->isVisible() && child("page_2")->isVisible());
-        QCOMPARE(child("lineEdit_2")->property("Value"), QVariant("7"));
-    }
+    QTest::keyClicks(child("lineEdit"), "note");
+    QTest::keyClicks(child("numberEditor"), "1.5");
+    QTest::keyClicks(child("quantityEditor"), "20");
+    for (const char *button : {"checkBox", "radioButton", "pushButtonSend"})
+        qobject_cast<QAbstractButton *>(child(button))->click();
+    QCOMPARE((QStringList{held("Comment"), held("Price"), held("Quantity"), held("Hidden"),
+                          held("Side"), held("Action")}),
+             (QStringList{"note", "1.5", "20", "Y", "B", "place"}));
+    QVERIFY(!child("page")->isVisible() && !child("page_2")->isVisible());
+    selector->setWidget({1, 8});
+    QVERIFY(child("page")->isVisible() && !child("page_2")->isVisible());
+    QTest::keyClicks(child("numberEditor_2"), "7");
+    selector->setWidget({2, 3});
+    QVERIFY(!child("page")->isVisible() && child("page_2")->isVisible());
+    QCOMPARE(child("lineEdit_2")->property("Value"), QVariant("7"));
 }
 
 // In Designer's form window: pages are inserted and shown, texts are set from the menu, and all
@@ -170,8 +161,6 @@ void DesignerTest::designing()
     trigger("numberEditor", "Name of the Value...", "");
     QVERIFY(!child("numberEditor")->property("field").isValid());
     QCOMPARE(form->contents().count("\"field\""), before.count("\"field\"") - 1);
-    trigger("numberEditor_2", "Name of the Value...", "Gr\u00f6\u00dfe");
-    QVERIFY(form->contents().contains("<cstring>Gr\u00f6\u00dfe</cstring>"));
     trigger("partnerSelectorBox", "Only Partners with a Client Code");
     QVERIFY(form->contents().contains("RiskAddress"));
     while (form->commandHistory()->canUndo())

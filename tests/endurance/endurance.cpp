@@ -91,7 +91,7 @@ private:
             QTest::mouseClick(at, Qt::LeftButton, {},
                               {m_random.bounded(at->width()), m_random.bounded(at->height())});
     }
-    template <typename List> auto oneOf(const List &list)
+    template <typename List> typename List::value_type oneOf(const List &list)
     {
         return list.at(m_random.bounded(list.size()));
     }

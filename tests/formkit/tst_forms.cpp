@@ -321,19 +321,6 @@ void FormsTest::throwingControl()
     control->onWrite = nullptr;
     desk.act("hub BoardId 3");
     QVERIFY(desk.control("page2")->isVisible());
-
-    for (const char *const name : {"plain0", "plain1", "price1"})
-        desk.act("bind " + QString(name) + " Value=Code");
-    desk.answer("turns");
-    control->onWrite = fail;
-    QVERIFY_EXCEPTION_THROWN(desk.act("hub Code 7"), Exception);
-    QCOMPARE(desk.answer("turns"), QString("1"));
-    for (const char *const name : {"plain0.Value", "price1.Value"})
-        QCOMPARE(desk.answer(name), QString("7"));
-    control->onRead = []() -> QString { throw Exception(QStringLiteral("a cell that is gone")); };
-    QVERIFY(desk.hub()->unshown().contains("Code"));
-    QVERIFY_EXCEPTION_THROWN(desk.act("hubs Code=8 Price=9"), Exception);
-    QCOMPARE(desk.held("Code") + desk.held("Price"), QString("89"));
 }
 
 // A feed that is back before the hub's own turn.

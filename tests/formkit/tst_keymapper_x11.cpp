@@ -1,4 +1,3 @@
-#include <formkit/combobox.h>
 #include <formkit/keymapper.h>
 #include <formkit/numbereditor.h>
 
@@ -54,7 +53,7 @@ bool switchLayout(int layout)
 
 } // namespace
 
-// A number editor and a combo box on a real X server, under a system locale with a comma.
+// A number editor on a real X server, under a system locale with a comma.
 class KeyMapperX11Test : public StrictTest
 {
     Q_OBJECT
@@ -66,20 +65,16 @@ private slots:
     void initTestCase();
     void keypadDecimal();
     void keysOfTheLayout();
-    void wheelOverAnUnfocusedBox();
 
 private:
     QWidget m_form;
     NumberEditor *m_editor = new NumberEditor;
-    ComboBox *m_box = new ComboBox;
     int m_key = 0;
     int m_visibleCode = 0;
-    int m_notches = 0;
 };
 
 bool KeyMapperX11Test::eventFilter(QObject *, QEvent *event)
 {
-    m_notches += event->type() == QEvent::Wheel;
     auto *const press = dynamic_cast<QKeyEvent *>(event);
     if (event->type() == QEvent::KeyPress && !press->text().isEmpty()) {
         m_key = press->key();
@@ -93,11 +88,7 @@ void KeyMapperX11Test::initTestCase()
 {
     auto *layout = new QVBoxLayout(&m_form);
     layout->addWidget(m_editor);
-    layout->addWidget(m_box);
     m_editor->installEventFilter(this);
-    m_box->addItems({"one", "two", "three"});
-    m_box->setCurrentIndex(1);
-    m_box->installEventFilter(this);
     m_form.show();
     QVERIFY(QTest::qWaitForWindowExposed(&m_form));
     QVERIFY(run("setxkbmap", "us"));
@@ -149,19 +140,6 @@ void KeyMapperX11Test::keysOfTheLayout()
         QTRY_VERIFY(m_key != 0);
         QCOMPARE(m_visibleCode, code ? code : m_key);
     }
-}
-
-void KeyMapperX11Test::wheelOverAnUnfocusedBox()
-{
-    const QPoint place = m_box->mapToGlobal(m_box->rect().center());
-    const QString words = QString("mousemove %1 %2 click 5 click 5").arg(place.x()).arg(place.y());
-    QVERIFY(run("xdotool", words));
-    QTRY_COMPARE(m_notches, 2);
-    QCOMPARE(m_box->currentText(), QString("two"));
-    QVERIFY(m_editor->hasFocus());
-    m_box->setFocus();
-    QVERIFY(run("xdotool", "click 5"));
-    QTRY_COMPARE(m_box->currentText(), QString("three"));
 }
 
 int main(int argc, char **argv)

@@ -119,27 +119,22 @@ private slots:
         QCOMPARE(failureOf([&] { pair.near.Write("x", 1, 1); }), "Send 0x00000020");
     }
 
-    // A signal neither ends a wait nor lengthens it, except that Accept is given up.
+    // A signal ends no wait, except that Accept is given up.
     void interruptedWaits()
     {
         Pair pair;
         struct sigaction action = {};
         action.sa_handler = [](int) {};
         ::sigaction(SIGUSR1, &action, nullptr);
-        for (const bool answered : {true, false}) {
-            std::atomic<bool> over{false};
-            std::thread disturber([&, waiting = ::pthread_self()] {
-                for (int i = 0; i < (answered ? 5 : 1000) && !over; ++i) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                    ::pthread_kill(waiting, SIGUSR1);
-                }
-                pair.send("x");
-            });
-            const QString failure = failureOf([&] { pair.receive(answered ? 30 : 1); });
-            over = true;
-            disturber.join();
-            QCOMPARE(failure, answered ? "none" : "Receive timeout");
-        }
+        std::thread sender([&, waiting = ::pthread_self()] {
+            for (int i = 0; i < 5; ++i) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                ::pthread_kill(waiting, SIGUSR1);
+            }
+            pair.send("x");
+        });
+        QCOMPARE(failureOf([&] { pair.receive(30); }), "none");
+        sender.join();
         CBlockingSocket listener;
         listenOnLoopback(listener);
         CBlockingSocket none;

@@ -7,8 +7,6 @@
 #include <hostapi/localesymbols.h>
 #include <hostapi/securitiessessionfilter.h>
 
-#include <limits>
-
 // The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
 // The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
 class HostApiTest : public StrictTest
@@ -17,7 +15,6 @@ class HostApiTest : public StrictTest
 
 private slots:
     void numbers();
-    void numbersOfEveryLocale();
     void cells();
     void systemDates();
     void localeDates();
@@ -113,26 +110,6 @@ void HostApiTest::numbers()
         QCOMPARE(a.compare(b), row[4].toInt());
         if (a.word() == 0)
             QCOMPARE(outcome([&] { return (-b).toString(); }), row[3]);
-    }
-}
-
-void HostApiTest::numbersOfEveryLocale()
-{
-    using Limits = std::numeric_limits<qint64>;
-    for (QLocale locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
-        locale.setNumberOptions(QLocale::DefaultNumberOptions);
-        for (const qint64 word :
-             {Limits::min(), qint64(-1234567890), qint64(-107), Limits::max()}) {
-            const int cents = int(qAbs(word % 100));
-            const QString shown = locale.toString(word / 100) + locale.decimalPoint() +
-                                  locale.toString(cents / 10) + locale.toString(cents % 10);
-            const decimal price(word, 2);
-            const QString keyed = price.toString().replace('.', locale.decimalPoint());
-            QCOMPARE(price.toSystemString(locale), shown);
-            for (const QString &text : {shown, keyed})
-                QCOMPARE(decimal::fromLocaleString(text, locale, 2).word(), word);
-        }
     }
 }
 
