@@ -2,12 +2,13 @@
 // first bytes are the operations up to a line feed; the bytes up to a 0xfd are the control
 // connection's, the rest the data connections'.
 
-#include "fuzzsocket.h"
+#include "tests/support/inputsocket.h"
 
 #include <formkit/FtpClient/FTPClient.h>
 
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 
 using namespace nsFTP;
 
@@ -49,52 +50,29 @@ void perform(CFTPClient &client, char operation)
     long size = 0;
     long long seconds = 0;
     const bool passive = (operation & 1) == 0;
-    switch (operation >> 1 & 15) {
-    case 0:
-        client.Login(logon);
-        break;
-    case 1:
-        logon.SetFirewall("wall", "fireuser", "firepassword", 21,
-                          CFirewallType::TFirewallTypeEnum((operation >> 5 & 7) + 1));
-        client.Login(logon);
-        break;
-    case 2:
-        client.List("", entries, passive);
-        break;
-    case 3:
-        client.NameList("", lines, passive);
-        break;
-    case 4:
-        download(client, stream, passive);
-        break;
-    case 5:
-        client.UploadFile(stream, "f", !passive, CType::ASCII, passive);
-        break;
-    case 6:
-        client.ExecuteDatachannelCommand(CCommand::RETR, "f", CType::Image, passive, 3, stream);
-        break;
-    case 7:
-        client.FileSize("f", size);
-        break;
-    case 8:
-        client.FileModificationTime("f", seconds);
-        break;
-    case 9:
-        client.Rename("a", "b");
-        break;
-    case 10:
-        client.Abort();
-        break;
-    case 11:
-        client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress((operation >> 5 & 3) % 3));
-        client.SetAcceptOnlyControlPeer(passive);
-        break;
-    case 12:
-        client.Logout();
-        break;
-    default:
-        client.Noop();
-    }
+    logon.SetFirewall((operation & 2) == 0 ? "" : "wall", "fireuser", "firepassword", 21,
+                      CFirewallType::TFirewallTypeEnum((operation >> 5 & 7) + 1));
+    const std::function<void()> operations[] = {
+        [&] { client.Login(logon); },
+        [&] { client.Login(logon); },
+        [&] { client.List("", entries, passive); },
+        [&] { client.NameList("", lines, passive); },
+        [&] { download(client, stream, passive); },
+        [&] { client.UploadFile(stream, "f", !passive, CType::ASCII, passive); },
+        [&] {
+            client.ExecuteDatachannelCommand(CCommand::RETR, "f", CType::Image, passive, 3, stream);
+        },
+        [&] { client.FileSize("f", size); },
+        [&] { client.FileModificationTime("f", seconds); },
+        [&] { client.Rename("a", "b"); },
+        [&] { client.Abort(); },
+        [&] {
+            client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress((operation >> 5 & 3) % 3));
+            client.SetAcceptOnlyControlPeer(passive);
+        },
+        [&] { client.Logout(); },
+        [&] { client.Noop(); }};
+    operations[std::min<size_t>(operation >> 1 & 15, std::size(operations) - 1)]();
 }
 
 } // namespace
@@ -108,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const size_t controlEnd = std::min(rest.find(EndOfControl), rest.size());
     Input input = {rest.substr(0, controlEnd), rest.substr(std::min(controlEnd + 1, rest.size()))};
 
-    const auto socket = std::make_shared<FuzzSocket>(input, true);
+    const auto socket = std::make_shared<InputSocket>(input, true);
     CFTPClient client(socket, 1, operations.size() % 2 == 0 ? 16 : 4096);
     Aborter aborter(client);
     client.Login({"host", 21, "user", "password", "account"});

@@ -1,6 +1,8 @@
-// Any text read as a number and as a date: what is said to be readable reads, what is read is
-// written so that it reads back equal, and sums either fit or throw.
+// Any text read as a number and as a date, and put to the validator of numbers: what is said to be
+// readable reads, what is read is written so that it reads back equal, sums either fit or throw,
+// and an accepted text is left alone the next time.
 
+#include <formkit/decimalvalidator.h>
 #include <hostapi/datetime.h>
 #include <hostapi/decimal.h>
 #include <hostapi/exception.h>
@@ -71,6 +73,22 @@ void checkDates(const QString &text)
     }
 }
 
+void checkTyping(const QString &text, const QLocale &locale)
+{
+    DecimalValidator validator(4, true, true);
+    validator.setLocale(locale);
+    QString shown = text;
+    int caret = text.size() / 2;
+    const QValidator::State state = validator.validate(shown, caret);
+    QString again = shown;
+    int caretAgain = caret;
+    demand(state == QValidator::Invalid ||
+           (validator.validate(again, caretAgain) == state && again == shown &&
+            caretAgain == caret && caret >= 0 && caret <= shown.size()));
+    if (state == QValidator::Acceptable)
+        demand(validator.textToDecimal(shown) == validator.textToDecimal(text));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -83,5 +101,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data) + 2, int(size) - 2);
     checkNumbers(text, locale);
     checkDates(text);
+    checkTyping(text, locale);
     return 0;
 }

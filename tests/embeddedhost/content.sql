@@ -11,4 +11,4 @@ WITH RECURSIVE n(i) AS (SELECT 2000 UNION ALL SELECT i - 1 FROM n WHERE i > 1)
 CREATE TABLE "gx.diler" (mox_code, client_code, name);
 INSERT INTO "gx.diler" VALUES ('M1', NULL, 'Partner @');
 CREATE TABLE sessions (stock_id, sess_id);
-INSERT INTO sessions VALUES (2, 1), (2, -2147483648)
+INSERT INTO sessions VALUES (2, 2147483647), (2, -2147483648)

@@ -1,7 +1,6 @@
 #include "support/datafile.h"
 #include "support/keys.h"
 #include "support/stricttest.h"
-#include "support/testhost.h"
 
 #include "formkitorder.h"
 #include "stockorder.h"
@@ -38,11 +37,7 @@ template <typename Form> QStringList play(const QStringList &story)
     TerminalHost host({{1, "XNYS", "New York"}, {2, "XNAS", "Nasdaq"}},
                       {{1, 1, "XNYS", "NYSE"}, {1, 2, "ARCX", "Arca"}, {2, 1, "XNGS", "Select"}});
     host.setSecurities(allSecurities);
-    TestWriter feed([&host](int) {
-        host.setPartners({{"MB1", "C1", "Alder"}, {"MB2", "", "Calder"}});
-    });
-    while (feed.rounds() == 0)
-        QThread::yieldCurrentThread();
+    host.setPartners({{"MB1", "C1", "Alder"}, {"MB2", "", "Calder"}});
     host.setSessions({{1, 1}, {2, 1}});
     ICore::install(&host);
     Form form;

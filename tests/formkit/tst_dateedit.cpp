@@ -33,7 +33,11 @@ private slots:
 
 void DateEditTest::newEdit()
 {
+    // A calendar takes the default locale's first day by itself.
+    const bool isSunday = QLocale::system().firstDayOfWeek() == Qt::Sunday;
+    QLocale::setDefault(QLocale(isSunday ? "de_DE" : "en_US"));
     DateEdit edit;
+    QLocale::setDefault(QLocale::system());
     edit.setValue("2016.03.01 10:30:00.000", false);
     QCOMPARE(edit.getValue() + edit.currentText(), QString("2016.03.01 10:30:00.000"));
     edit.setValue({});

@@ -4,13 +4,13 @@
 #include <formkit/formkit_main.h>
 #include <formkit/formselector.h>
 #include <formkit/label.h>
+#include <formkit/radiobutton.h>
 #include <formkit/state.h>
 #include <hostapi/exception.h>
 
 #include <support/keys.h>
 #include <support/stricttest.h>
 
-#include <QAbstractButton>
 #include <QButtonGroup>
 #include <QCompleter>
 #include <QRandomGenerator>
@@ -30,6 +30,14 @@ class Closed : public CountingControl
     Q_OBJECT
     Q_CLASSINFO("Properties", "thisOnly")
     Q_PROPERTY(QString Inner READ objectName)
+};
+
+// Without a user property.
+class Userless : public QWidget
+{
+    Q_OBJECT
+    Q_CLASSINFO("Properties", "thisOnly")
+    Q_PROPERTY(QString Value READ objectName)
 };
 
 class Heir : public Closed
@@ -99,6 +107,7 @@ void FormsTest::walk()
         {make<SuperSuper>, {}, {}, all, all},
         {make<Heir>, {}, {}, "", ""},
         {make<QWidget>, {}, {}, "", all},
+        {make<Userless>, "Price", {}, "Price", ""},
         {make<CountingControl>, "Price", {}, "Fixed Plain Price", all},
         {make<CountingControl>, "Price", "A=Value B=Plain", "Fixed B A", all},
         {make<CountingControl>, {}, "A=Value A=Plain", "Fixed A", all},
@@ -224,44 +233,36 @@ void FormsTest::unboundMeanwhile()
 // no other, and only the one that is clicked reports.
 void FormsTest::oneChoice()
 {
-    const QStringList sides{"Buy", "Sell", "Short", "Cover"};
-    const char *const clicks = "click Buy|click Sell|click Buy|click Sell";
-    const char *const all = "click Buy|click Short|click Buy|click Sell|hub |click Sell|hub Cover|"
-                            "hub Short|hub Buy|click Cover|hub Hold|click Cover";
-    const std::tuple<const char *, bool, QString> rows[] = {
-        {"RadioButton", false, all}, {"RadioButton", true, all}, {"PushButtonSend", true, clicks}};
-    for (const auto &[className, isGrouped, steps] : rows) {
+    const QString steps = "click Buy|click Short|click Buy|click Sell|hub |click Sell|hub Cover|"
+                          "hub Short|hub Buy|click Cover|hub Hold|click Cover";
+    for (const bool isGrouped : {false, true}) {
         QWidget form;
         QWidget *const boxes[] = {new QWidget(&form), new QWidget(&form)};
         QButtonGroup groups[2];
-        QList<QAbstractButton *> buttons;
-        for (const QString &side : sides) {
+        QMap<QString, RadioButton *> buttons;
+        int reports = 0;
+        for (const char *const side : {"Buy", "Sell", "Short", "Cover"}) {
             const int box = buttons.size() / 2;
-            buttons << qobject_cast<QAbstractButton *>(StoryForm::create(className, boxes[box]));
-            buttons.last()->setCheckable(true);
-            buttons.last()->setProperty("field", "Side");
-            buttons.last()->setProperty("value", side);
+            RadioButton *const button = buttons[side] = new RadioButton(boxes[box]);
+            button->setProperty("field", "Side");
+            button->setProperty("value", side);
             if (isGrouped)
-                groups[box].addButton(buttons.last());
+                groups[box].addButton(button);
+            connect(button, &RadioButton::changedValue, this, [&reports] { ++reports; });
         }
         Properties hub;
         hub.connectAll(&form);
         for (const QString &step : steps.split('|')) {
             const QString side = step.section(' ', 1);
             const bool isClick = step.startsWith("click");
-            int reports = 0;
-            QList<QSharedPointer<QSignalSpy>> spies;
-            for (QAbstractButton *const button : qAsConst(buttons))
-                spies << QSharedPointer<QSignalSpy>::create(button, SIGNAL(changedValue(QString)));
+            reports = 0;
             if (isClick)
-                buttons[sides.indexOf(side)]->click();
+                buttons[side]->click();
             else
                 hub.setValue("Side", side);
-            for (const auto &spy : qAsConst(spies))
-                reports += spy->count();
             QCOMPARE(reports, isClick ? 1 : 0);
             QCOMPARE(hub.values()["Side"], side);
-            for (QAbstractButton *const button : qAsConst(buttons))
+            for (RadioButton *const button : qAsConst(buttons))
                 QCOMPARE(button->isChecked(), button->property("value") == side);
         }
     }
@@ -368,6 +369,10 @@ void FormsTest::pagesByHand()
         selector->addWidget({2, 0}, &guest);
         QVERIFY(guest.isVisible());
     }
+    // Nor does a neighbour show in the place of a page that died.
+    selector->addWidget({9, 9}, player.control("page0"));
+    for (const char *const page : {"page0", "page1", "page2"})
+        QVERIFY(!player.control(page)->isVisible());
     selector->addWidget({2, 0}, player.control("page2"));
     QCOMPARE(selector->findChildren<QObject *>().size(), objects);
     QCOMPARE(selector->getWidgetList().size(), 3);
@@ -466,45 +471,23 @@ void FormsTest::changesWhileBinding()
     }
 }
 
+// Boards that change ten thousand times leave no memory behind.
 void FormsTest::storm()
 {
     TestHost host;
     StoryPlayer player(&host, "pages");
-    for (int i = 0; i < 3; ++i)
-        player.act(QString("hub Offset%1 0.%2").arg(i).arg(i + 1));
-    QList<CountingControl *> controls;
-    for (int i = 0; i < 3; ++i)
-        controls << player.find<CountingControl>(QString("plain%1").arg(i));
     QRandomGenerator random(1);
     size_t heap[2];
     for (int turn = 0; turn < 10000; ++turn) {
-        const int stock = random.bounded(1, 4);
-        const int board = random.bounded(1, 4);
-        const int page = stock == 1 ? board - 1 : stock == 2 && board == 1 ? 0 : -1;
-        const QString text = QString::number(1000000 + turn);
-        player.act(QString("hub StockId %1").arg(stock));
-        player.act(QString("hub BoardId %1").arg(board));
-        if (page >= 0 && turn > 0)
-            QCOMPARE(player.held("Total"), player.held("Price") + QString(".%1").arg(page + 1));
-        for (CountingControl *const control : controls)
-            control->state();
-        for (const char *const step : {"hub Value ", "hub Price "})
-            player.act(step + text);
+        for (const char *const name : {"StockId", "BoardId", "Price"})
+            player.act(QString("hub %1 %2").arg(name).arg(random.bounded(1, 4)));
         player.act(turn % 2 ? "invalid Price" : "invalid Volume");
-        for (int i = 0; i < 3; ++i) {
-            const QString number = QString::number(i);
-            const QString state = controls[i]->state();
-            QVERIFY2(state.endsWith(i == page ? text + " writes=1 listeners=1"
-                                              : " writes=0 listeners=0"),
-                     qPrintable(state));
-            QCOMPARE(player.control("page" + number)->isVisible(), i == page);
-            QCOMPARE(player.control("caption" + number)->styleSheet().isEmpty(), turn % 2 == 0);
-            player.act("enter plain" + number + ' ' + number);
-        }
-        QCOMPARE(player.held("Value"), page < 0 ? text : QString::number(page));
         QCoreApplication::processEvents();
         if (turn % 5000 == 4999) {
             player.act("hub StockId 9");
+            QCOMPARE(
+                player.compared("shows", "plain0.listeners= plain1.listeners= plain2.listeners="),
+                QString("plain0.listeners=0 plain1.listeners=0 plain2.listeners=0"));
             heap[turn / 5000] = heapInUse();
         }
     }

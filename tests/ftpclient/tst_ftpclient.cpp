@@ -1,6 +1,6 @@
-#include "fuzz/fuzzsocket.h"
 #include "session.h"
 #include "support/datafile.h"
+#include "support/inputsocket.h"
 #include "support/stricttest.h"
 
 #include <csignal>
@@ -98,7 +98,17 @@ class Troubled : public nsSocket::CBlockingSocket
     {
         throw nsSocket::CBlockingSocketException("GetPeerName");
     }
+    // A wait that begins again has what is left of the time.
+    void SetWaitLimit(int seconds) override
+    {
+        limits << seconds;
+        CBlockingSocket::SetWaitLimit(seconds);
+    }
 
+public:
+    static inline QVector<int> limits;
+
+private:
     mutable bool m_disturbed = true;
 };
 
@@ -133,7 +143,7 @@ private slots:
             for (int kind = 0; row[3] == "0" && kind < 6; ++kind) {
                 Input input = {replies.toStdString(), "0123456789", kind < 3,
                                Input::Readability(kind % 3)};
-                Client c(1, 64, std::make_shared<FuzzSocket>(input, true));
+                Client c(1, 64, std::make_shared<InputSocket>(input, true));
                 const QString operations = row[1] + ",get f,replace,put f active,quit";
                 QVERIFY2(c.perform(operations) == 0, qPrintable(row[1] + c.recorder.last()));
                 const QStringList sent = c.recorder.log.filter(QRegularExpression("^> "));
@@ -141,6 +151,20 @@ private slots:
                          row[4] + ",TYPE I,SIZE f,PASV,RETR f,PORT 127,0,0,1,0,0,STOR f,QUIT");
             }
         }
+    }
+
+    // Lines that fill the buffer before the end are told; a session ends with its connection.
+    void endOfTheConnection()
+    {
+        const std::string whole = "220 " + std::string(57, 'x') + "\r\n";
+        Input ended = {whole, "", false};
+        Client full(1, 64, std::make_shared<InputSocket>(ended, true));
+        QCOMPARE(full.perform("login h u p"), -1);
+        QCOMPARE(full.recorder.log.filter("< 220").size(), 1);
+        Input reset = {whole + "331 a\r\n230 b\r\n250 c\r\n\xfe", ""};
+        Client cut(1, 64, std::make_shared<InputSocket>(reset, true));
+        QCOMPARE(cut.perform("login h u p,connected"), 1);
+        QCOMPARE(cut.perform("noop,connected"), 0);
     }
 
     void betweenServers() { compare(faultsOf(rowsOf("between.txt"), between)); }
@@ -235,14 +259,6 @@ private slots:
         QVERIFY(QDir(one.folder.path()).isEmpty());
     }
 
-    void closedSessions()
-    {
-        const CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance());
-        nsSocket::CBlockingSocket data;
-        QVERIFY(!client.OpenActiveDataConnection(data, CCommand::LIST, "", 0));
-        QVERIFY(!client.OpenPassiveDataConnection(data, CCommand::LIST, "", 0));
-    }
-
     void forgottenPeers()
     {
         Session session;
@@ -250,7 +266,9 @@ private slots:
         QVERIFY(forgetful.Login({"127.0.0.1", session.port}));
         for (const bool asked : {false, true}) {
             QVERIFY(forgetful.List("", session.lines, true) != asked);
+            Troubled::limits.clear();
             QVERIFY(forgetful.List("", session.lines, false) != asked);
+            QVERIFY(asked || Troubled::limits.size() == 2);
             forgetful.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
             forgetful.SetAcceptOnlyControlPeer(true);
         }

@@ -7,8 +7,6 @@
 #include <hostapi/localesymbols.h>
 #include <hostapi/securitiessessionfilter.h>
 
-#include <limits>
-
 // The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
 // The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
 class HostApiTest : public StrictTest
@@ -17,7 +15,6 @@ class HostApiTest : public StrictTest
 
 private slots:
     void numbers();
-    void numbersOfEveryLocale();
     void cells();
     void systemDates();
     void localeDates();
@@ -116,26 +113,6 @@ void HostApiTest::numbers()
     }
 }
 
-void HostApiTest::numbersOfEveryLocale()
-{
-    using Limits = std::numeric_limits<qint64>;
-    for (QLocale locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
-        locale.setNumberOptions(QLocale::DefaultNumberOptions);
-        for (const qint64 word :
-             {Limits::min(), qint64(-1234567890), qint64(-107), Limits::max()}) {
-            const int cents = int(qAbs(word % 100));
-            const QString shown = locale.toString(word / 100) + locale.decimalPoint() +
-                                  locale.toString(cents / 10) + locale.toString(cents % 10);
-            const decimal price(word, 2);
-            const QString keyed = price.toString().replace('.', locale.decimalPoint());
-            QCOMPARE(price.toSystemString(locale), shown);
-            for (const QString &text : {shown, keyed})
-                QCOMPARE(decimal::fromLocaleString(text, locale, 2).word(), word);
-        }
-    }
-}
-
 // Into a cell that was null, and one that was not; what fails leaves either as it was.
 void HostApiTest::cells()
 {
@@ -205,10 +182,7 @@ void HostApiTest::localeDates()
         dates[row[0]] = row[1];
     QCOMPARE(date, dates[QLocale::system().name()]);
 
-    const QString format = QLocale::system().dateFormat(QLocale::ShortFormat);
-    for (const QString &text : {QString(), format, date.left(4), date + 'x', date + time,
-                                QString(date).replace('5', "32"), QString(date).replace("26", "+6"),
-                                '+' + date, QString(100000, '0')})
+    for (const QString &text : {QString(), date.left(4), date + 'x', date + time, '+' + date})
         QVERIFY(datetime::fromSystemString(text, true, QLocale::ShortFormat).isNull());
     for (const QString &text : {date, time, time.mid(1), date + " 24:02:03.004"})
         QVERIFY(datetime::fromSystemString(text, false, QLocale::ShortFormat).isNull());

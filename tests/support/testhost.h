@@ -27,7 +27,6 @@
 //     host.table("stocks").failAtCell(3);                  // the third cell read throws
 //     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
 //     QVERIFY(!host.table("stocks").isLocked());
-//     TestWriter writer([&](int round) { host.table("stocks").setRows(…); });
 //
 // A test that destroys the host while a lock is held or a row reference is out, or that has used
 // an index without the lock, asked for a cell of no column or unlocked what it had not locked,
@@ -178,32 +177,4 @@ private:
     QVector<SessionId> m_sessions;
     QMap<int, QString> m_stocks;
     QMap<boardid, Board> m_boards;
-};
-
-// Calls a function over and over on a thread of its own, with the number of the round, until
-// it is destroyed.
-class TestWriter
-{
-public:
-    explicit TestWriter(const std::function<void(int round)> &change)
-        : m_thread([this, change] {
-            for (; !m_stop; ++m_rounds)
-                change(m_rounds);
-        })
-    {
-    }
-    ~TestWriter()
-    {
-        m_stop = true;
-        m_thread.join();
-    }
-    Q_DISABLE_COPY(TestWriter)
-
-    // Rounds done.
-    int rounds() const { return m_rounds; }
-
-private:
-    std::atomic<bool> m_stop{false};
-    std::atomic<int> m_rounds{0};
-    std::thread m_thread;
 };

@@ -1,6 +1,6 @@
 // A reference database that another process replaces while it is read: by renaming, writing over
-// it, cutting it short, deleting it, and in transactions. Whatever a load finds, the host holds
-// one generation of all tables, the former one when the load failed.
+// it, and in transactions. Whatever a load finds, the host holds one generation of all tables, the
+// former one when the load failed.
 
 #include <embeddedhost/embeddedhost.h>
 #include <embeddedhost/referenceschema.h>
@@ -18,7 +18,6 @@
 #include <QThread>
 
 #include <cstdio>
-#include <map>
 #include <random>
 
 #include <poll.h>
@@ -97,7 +96,7 @@ public:
     {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
         while (poll(&input, 1, m_onlyTransactions ? 1 : upTo(120)) == 0) {
-            const int kind = m_onlyTransactions ? 4 : m_count % 5;
+            const int kind = m_onlyTransactions ? 2 : m_count % 3;
             ++m_count;
             const int generation = 10 + upTo(Generations);
             const QByteArray bytes = contentOf(generationFile(m_folder, generation));
@@ -105,14 +104,6 @@ public:
                 rename(generation);
             } else if (kind == 1) {
                 overWrite(bytes);
-            } else if (kind == 2) {
-                truncate(QFile::encodeName(m_file), upTo(bytes.size()));
-                QThread::msleep(upTo(20));
-                overWrite(bytes);
-            } else if (kind == 3) {
-                QFile::remove(m_file);
-                QThread::msleep(upTo(5));
-                rename(generation);
             } else {
                 change(m_file, Update, 20 + upTo(70), m_onlyTransactions ? 0 : upTo(20));
             }
@@ -189,7 +180,6 @@ int failedLoads(EmbeddedHost &host, const QString &folder, const QString &way, i
     const QString file = host.file();
     QProcess replacer;
     replacer.start(QCoreApplication::applicationFilePath(), {"replace", folder, way});
-    std::map<QString, int> errors;
     QString generation = generationOf(host);
     int failed = 0;
     int changes = 0;
@@ -207,7 +197,6 @@ int failedLoads(EmbeddedHost &host, const QString &folder, const QString &way, i
         if (!host.errorText().isEmpty()) {
             demand(now == generation, "a failed load has changed the content");
             demand(host.errorText().startsWith(file + ": "), host.errorText());
-            ++errors[host.errorText().mid(file.size() + 2)];
             ++failed;
         }
         changes += now != generation;
@@ -215,8 +204,6 @@ int failedLoads(EmbeddedHost &host, const QString &folder, const QString &way, i
     }
     replacer.closeWriteChannel();
     demand(replacer.waitForFinished() && replacer.exitCode() == 0, replacer.readAllStandardError());
-    for (const auto &[text, times] : errors)
-        std::printf("%d times: %s\n", times, qPrintable(text));
     std::printf("%s replacements, %d loads, %d new generations\n",
                 replacer.readAllStandardOutput().data(), loads, changes);
     demand(changes > 0, "nothing has changed");

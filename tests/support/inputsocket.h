@@ -23,17 +23,17 @@ struct Input
 
 // Receives what an input holds: 0xff is a time-out, 0xfe a moment with nothing to read, and each
 // receive ends after a line feed, if it is to go by lines, or with its buffer.
-class FuzzSocket : public nsSocket::IBlockingSocket
+class InputSocket : public nsSocket::IBlockingSocket
 {
 public:
-    FuzzSocket(Input &input, bool control)
+    InputSocket(Input &input, bool control)
         : m_input(input), m_bytes(control ? input.control : input.data)
     {
     }
 
     nsSocket::IBlockingSocket *CreateInstance() const override
     {
-        return new FuzzSocket(m_input, false);
+        return new InputSocket(m_input, false);
     }
     void Create(int /*type*/) override { m_handle = 1; }
     void Connect(const sockaddr * /*psa*/) const override {}
