@@ -438,10 +438,7 @@ bool SelectorBox::isInPlace(int) const
 
 int SelectorBox::waitingRow() const
 {
-    if (!d->waiting.isSet())
-        return -1;
-    const int row = rowOfKey(d->waiting.role(), d->waiting.key());
-    return row >= 0 && isInPlace(row) ? row : -1;
+    return d->waiting.isSet() ? rowOfKey(d->waiting.role(), d->waiting.key()) : -1;
 }
 
 bool SelectorBox::showsWaiting() const
@@ -548,6 +545,8 @@ int SelectorBox::rowOfKey(int role, const QVariant &key) const
     if (!d->list)
         return -1;
     QVector<int> rows = d->list->rowsOfKey(role, key);
+    const auto isElsewhere = [&](int row) { return !isTold() && !isInPlace(row); };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
     const QString text = key.toString();
     const auto isExact = [&](int row) { return dataOfRow(row, role).toString() == text; };
     const auto inAnyCase = std::stable_partition(rows.begin(), rows.end(), isExact);
