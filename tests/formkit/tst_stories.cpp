@@ -30,6 +30,7 @@ private slots:
     void sizes();
     void keptIcon();
     void failingHost();
+    void failingDirectory();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -157,6 +158,24 @@ void StoriesTest::failingHost()
             QVERIFY_EXCEPTION_THROWN(Desk(m_host.get(), words[0]), Exception);
         }
     }
+}
+
+// At every call: the exchange and what waits stay, and the same again works.
+void StoriesTest::failingDirectory()
+{
+    Desk desk(m_host.get(), "board");
+    for (const char *step : {"on 1", "set BoardId 99", "turn"})
+        desk.act(step);
+    for (int call = 1; desk.answer("StockCode").isEmpty(); ++call) {
+        QCOMPARE(desk.answer("edit.toolTip"), QString("99 is not in the list yet"));
+        m_host->failAtDirectoryCall(call);
+        try {
+            desk.act("set StockCode MX");
+            QVERIFY(call > 1);
+        } catch (const Exception &) {
+        }
+    }
+    QCOMPARE(desk.answer("edit.toolTip"), QString());
 }
 
 int main(int argc, char **argv)
