@@ -458,10 +458,18 @@ void Properties::propertyChanged()
         return;
     if (Doing::isUsers())
         m_given.remove(name);
-    else if (m_write && m_write->name == name && m_given.contains(name) &&
-             !isNothing(name, content))
+    else if (m_write && m_write->name == name && isFormOf(name, content))
         m_given.insert(name, content);
     write(name, content, key);
+}
+
+// Whether an answer to what the program sets is the same in another form. None is not, and nor is
+// any id for none.
+bool Properties::isFormOf(const QString &name, const QString &content) const
+{
+    const auto given = m_given.constFind(name);
+    return given != m_given.constEnd() && !isNothing(name, content) &&
+           !(isId(name) && isNothing(name, *given));
 }
 
 QStringList Properties::unshown() const
@@ -498,8 +506,11 @@ bool Properties::isShown(const QString &name, const QString &given) const
 
 bool Properties::isNothing(const QString &name, const QString &value) const
 {
-    if (value != QLatin1String("0"))
-        return value.isEmpty();
+    return value.isEmpty() || (value == QLatin1String("0") && isId(name));
+}
+
+bool Properties::isId(const QString &name) const
+{
     const Keys keys = keysOf(name);
     return std::any_of(keys.begin(), keys.end(),
                        [this](const Key &key) { return isAlive(key.object) && isIdProperty(key); });

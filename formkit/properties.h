@@ -106,9 +106,9 @@ public:
     /// accepted.
     ///
     /// A property may answer the write of its name in a form of its own: that form counts from
-    /// then on, unless it is empty. Empty and "0" are one for a name that is bound to a property
-    /// whose own name ends in "Id". An empty value for a name that the hub does not hold sets
-    /// nothing.
+    /// then on, unless it is empty, or an id in answer to none. Empty and "0" are one for a name
+    /// that is bound to a property whose own name ends in "Id". An empty value for a name that the
+    /// hub does not hold sets nothing.
     ///
     /// What the user changes leaves the list, with everything that changes in consequence. The
     /// user's is each change that a property reports by itself: neither while the hub, by order of
@@ -154,6 +154,8 @@ private:
     Keys keysOf(const QString &name) const;
     template <typename... Deeds> void forEachName(Values values, Deeds... deeds);
     bool isNothing(const QString &name, const QString &value) const;
+    bool isId(const QString &name) const;
+    bool isFormOf(const QString &name, const QString &content) const;
     bool isShown(const QString &name, const QString &given) const;
     void write(const QString &name, const QString &value, const Key &from);
     bool supersede(const QString &name, const Key &from);

@@ -157,7 +157,8 @@ void SecuritySelectorBox::lookUpPlace()
         place.stockId = StockDirectory::i()->idByCode(place.stockCode);
     if (place.isBoardUnknown())
         place.boardCode = boardCodeOf(place.stockId, place.givenBoard);
-    if (!place.isSameStock(m_place) || !place.isSameBoard(m_place))
+    if (!place.isSameStock(m_place) || !place.isSameBoard(m_place) ||
+        place.stockId != m_place.stockId)
         complete(place);
 }
 

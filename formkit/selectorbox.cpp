@@ -281,7 +281,7 @@ void SelectorBox::choose(int row)
 {
     const QScopedValueRollback<bool> setting(d->isSetting, true);
     const QString before = currentText();
-    const bool isOther = row != currentIndex();
+    const bool isOther = row != rowOfText(before, d->traits.typing);
     chooseRow(row);
     // A row of the same name: QComboBox sees no change of the text to tell of.
     if (isOther && currentText() == before && lineEdit())
@@ -328,7 +328,10 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
     int row = rowOfKey(role, key);
     if (row < 0 && isNone(key)) {
         dropWaiting();
-        if (d->owesReport)
+        // The box that tells of none reports it.
+        if (isTold() && d->showsChoice)
+            showQuietly(-1, QString());
+        else if (d->owesReport)
             report(currentText());
         return;
     }
@@ -374,9 +377,19 @@ void SelectorBox::dropWaiting()
 
 void SelectorBox::narrow(const std::function<void()> &setFilter)
 {
-    if (!d->waiting.isOfThisTurn())
+    const bool owedReport = d->owesReport;
+    const QVariant late = d->waiting.isOfThisTurn() ? QVariant() : d->waiting.key();
+    if (late.isValid())
         dropWaiting();
-    setFilter();
+    try {
+        setFilter();
+    } catch (...) {
+        if (late.isValid())
+            d->waiting.putBack(late);
+        d->owesReport = owedReport;
+        showMark();
+        throw;
+    }
     if (!chooseWaiting())
         clearChoice();
 }
@@ -438,10 +451,7 @@ bool SelectorBox::isInPlace(int) const
 
 int SelectorBox::waitingRow() const
 {
-    if (!d->waiting.isSet())
-        return -1;
-    const int row = rowOfKey(d->waiting.role(), d->waiting.key());
-    return row >= 0 && isInPlace(row) ? row : -1;
+    return d->waiting.isSet() ? rowOfKey(d->waiting.role(), d->waiting.key()) : -1;
 }
 
 bool SelectorBox::showsWaiting() const
@@ -548,6 +558,8 @@ int SelectorBox::rowOfKey(int role, const QVariant &key) const
     if (!d->list)
         return -1;
     QVector<int> rows = d->list->rowsOfKey(role, key);
+    const auto isElsewhere = [&](int row) { return !isTold() && !isInPlace(row); };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
     const QString text = key.toString();
     const auto isExact = [&](int row) { return dataOfRow(row, role).toString() == text; };
     const auto inAnyCase = std::stable_partition(rows.begin(), rows.end(), isExact);

@@ -85,11 +85,11 @@ protected:
     QVariant dataOfText(int role) const;
     /// The data of a row of the list, whatever column is shown.
     QVariant dataOfRow(int row, int role) const;
-    /// The row of a key, -1 for none.
+    /// The row of a key, -1 for none; of a key that the program has set, one in its place.
     int rowOfKey(int role, const QVariant &key) const;
 
     /// Chooses the row of a key that a program sets, or has the key wait for it. An empty key is
-    /// that of no row.
+    /// that of no row. An id of "0" that another box tells of makes the box show none too.
     void chooseKey(int role, const QVariant &key);
     /// A key of that role waits, and must not be reported as none meanwhile.
     bool isWaitingFor(int role) const;

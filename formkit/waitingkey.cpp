@@ -17,3 +17,8 @@ void WaitingKey::drop()
 {
     m_key = QVariant();
 }
+
+void WaitingKey::putBack(const QVariant &key)
+{
+    m_key = key;
+}

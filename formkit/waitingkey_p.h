@@ -16,6 +16,8 @@ public:
     /// In the place of the key before; a turn begins.
     void set(int role, const QVariant &key);
     void drop();
+    /// The key that was dropped last waits on; no turn begins.
+    void putBack(const QVariant &key);
 
     bool isSet() const { return m_key.isValid(); }
     /// Set in the turn that is under way.

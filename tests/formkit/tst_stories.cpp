@@ -32,6 +32,7 @@ private slots:
     void keptIcon();
     void failingHost();
     void manual();
+    void failingDirectory();
 
 private:
     std::unique_ptr<TestHost> m_host;
@@ -178,6 +179,24 @@ void StoriesTest::manual()
     } else {
         QVERIFY2(text.mid(start) == tables, "run tst_stories --fill");
     }
+}
+
+// At every call: the exchange and what waits stay, and the same again works.
+void StoriesTest::failingDirectory()
+{
+    StoryPlayer player(m_host.get(), "board");
+    for (const char *step : {"on 1", "set BoardId 99", "turn"})
+        player.act(step);
+    for (int call = 1; player.answer("StockCode").isEmpty(); ++call) {
+        QCOMPARE(player.answer("edit.toolTip"), QString("99 is not in the list yet"));
+        m_host->failAtDirectoryCall(call);
+        try {
+            player.act("set StockCode MX");
+            QVERIFY(call > 1);
+        } catch (const Exception &) {
+        }
+    }
+    QCOMPARE(player.answer("edit.toolTip"), QString());
 }
 
 int main(int argc, char **argv)
