@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/BlockingSocket.h"
@@ -54,23 +55,23 @@ public:
         /// When that ends the session, IsConnected() is still true during this call.
         virtual void OnInternalError(const std::string &message, const std::string &source,
                                      int line);
-        // Data are about to be received.
+        /// Data are about to be received.
         virtual void OnBeginReceivingData();
-        // The first count bytes of buffer arrived.
+        /// The first count bytes of buffer arrived.
         virtual void OnBytesReceived(const std::vector<char> &buffer, long count);
-        // No more data come: the server ended them, or the transfer was aborted. Not called
-        // when receiving failed. The final reply is still to come.
+        /// No more data come: the server ended them, or the transfer was aborted. Not called
+        /// when receiving failed. The final reply is still to come.
         virtual void OnEndReceivingData(long long total);
-        // The first count bytes of buffer were sent.
+        /// The first count bytes of buffer were sent.
         virtual void OnBytesSent(const std::vector<char> &buffer, long count);
-        // An upload is about to begin: the names, the local size in bytes (-1 when unknown) and
-        // the offset from which the local bytes are sent.
+        /// An upload is about to begin: the names, the local size in bytes (-1 when unknown) and
+        /// the offset from which the local bytes are sent.
         virtual void OnBeginSendingData(const std::string &localName, const std::string &remoteFile,
                                         long long localSize, long long offset);
-        // A command is about to be sent, with its arguments, secrets included: logs for other
-        // eyes use CCommand::AsMaskedString().
+        /// A command is about to be sent, with its arguments, secrets included: logs for other
+        /// eyes use CCommand::AsMaskedString().
         virtual void OnSendCommand(const CCommand &command, const CArg &arguments);
-        // A complete reply came.
+        /// A complete reply came.
         virtual void OnResponse(const CReply &reply);
 
     private:
@@ -78,60 +79,60 @@ public:
         std::set<CFTPClient *> m_Clients;
     };
 
-    // The observers of a client.
+    /// The observers of a client.
     using TObserverSet = std::set<CNotification *>;
 
-    // What to do with an address in a PASV reply that is not the control connection's peer.
+    /// What to do with an address in a PASV reply that is not the control connection's peer.
     enum class TPassiveAddress {
-        Use,            // connect there (the default); 0.x.x.x is no address and refused
-        UseControlHost, // connect to the control connection's peer instead, at the port given
+        Use,            ///< connect there (the default); 0.x.x.x is no address and refused
+        UseControlHost, ///< connect to the control connection's peer instead, at the port given
         Refuse          // give the transfer up
     };
 
-    // receiveTimeout: seconds for each wait; 0 takes only what is there already.
-    // bufferSize: bytes of the transfer buffer, taken as 2 when less and as 1 GiB when more.
-    // responseDelay: seconds to sleep after every receive of reply text.
-    // initialDirectory: entered after each logon; "." stays where the server begins. An empty
-    // one is a programming error at Login().
+    /// receiveTimeout: seconds for each wait; 0 takes only what is there already.
+    /// bufferSize: bytes of the transfer buffer, taken as 2 when less and as 1 GiB when more.
+    /// responseDelay: seconds to sleep after every receive of reply text.
+    /// initialDirectory: entered after each logon; "." stays where the server begins. An empty
+    /// one is a programming error at Login().
     explicit CFTPClient(const std::shared_ptr<nsSocket::IBlockingSocket> &socket,
                         unsigned int receiveTimeout = 30, unsigned int bufferSize = 65536,
                         unsigned int responseDelay = 0, const std::string &initialDirectory = ".");
     CFTPClient(const CFTPClient &) = delete;
     CFTPClient &operator=(const CFTPClient &) = delete;
-    // Detaches the observers. Does not log out; the connection ends with the socket.
+    /// Detaches the observers. Does not log out; the connection ends with the socket.
     ~CFTPClient();
 
-    // An observer is attached once, however often it is given. None may be null: that is a
-    // programming error.
+    /// An observer is attached once, however often it is given. None may be null: that is a
+    /// programming error.
     void AttachObserver(CNotification *observer);
     void DetachObserver(CNotification *observer);
     const TObserverSet &GetObservers() const;
 
-    // Replaces the parser of List(); a CFTPListParser at first.
+    /// Replaces the parser of List(); a CFTPListParser at first.
     void SetFileListParser(const std::shared_ptr<IFileListParser> &parser);
     /// Whether transfers go on where an earlier one ended; on at first.
     void SetResumeMode(bool resume);
     bool IsResumeModeEnabled() const;
-    // Behind a router that translates addresses UseControlHost helps; it and Refuse keep a
-    // server from sending the client to a third host.
+    /// Behind a router that translates addresses UseControlHost helps; it and Refuse keep a
+    /// server from sending the client to a third host.
     void SetPassiveAddressPolicy(TPassiveAddress policy);
     /// On: active mode takes the data connection from the control connection's peer only; others
     /// are reported and turned away while the time-out runs. Off at first: data of anyone who
     /// connects are taken.
     void SetAcceptOnlyControlPeer(bool only);
-    // True while data are moved.
+    /// True while data are moved.
     bool IsTransferringData() const;
-    // True when the control connection is open, as far as is known.
+    /// True when the control connection is open, as far as is known.
     bool IsConnected() const;
 
-    // Connects, logs on (see docs/ftp.md for the commands of each firewall) and enters the
-    // initial directory. An open session is logged out first. After a failure the connection
-    // stays open unless it broke. A firewall type outside the enumeration is refused.
+    /// Connects, logs on (see docs/ftp.md for the commands of each firewall) and enters the
+    /// initial directory. An open session is logged out first. After a failure the connection
+    /// stays open unless it broke. A firewall type outside the enumeration is refused.
     bool Login(const CLogonInfo &logon);
-    // Sends QUIT and closes the connection whatever the reply.
+    /// Sends QUIT and closes the connection whatever the reply.
     int Logout() const;
 
-    // Sends a command; its reply is read with GetResponse().
+    /// Sends a command; its reply is read with GetResponse().
     bool SendCommand(const CCommand &command, const CArg &arguments) const;
     /// Sends a command and reads its reply; true when a reply with a code came, whatever it says.
     /// Whether the code can answer the command is checked for the commands below only: 257, 227
@@ -142,9 +143,9 @@ public:
     bool GetResponse(CReply &reply) const;
     static int SimpleErrorCheck(const CReply &reply);
 
-    // One command each, named by the function: CWD, CDUP, PWD, SYST, NOOP, MKD, RMD, DELE, SITE,
-    // HELP, STAT, SMNT, REIN, STRU and MODE. What the server answers in words is told to the
-    // observers.
+    /// One command each, named by the function: CWD, CDUP, PWD, SYST, NOOP, MKD, RMD, DELE, SITE,
+    /// HELP, STAT, SMNT, REIN, STRU and MODE. What the server answers in words is told to the
+    /// observers.
     int ChangeWorkingDirectory(const std::string &directory) const;
     int ChangeToParentDirectory() const;
     int PrintWorkingDirectory() const;
@@ -160,21 +161,21 @@ public:
     int Reinitialize() const;
     int FileStructure(const CStructure &structure) const;
     int TransferMode(const CTransferMode &mode) const;
-    // "ALLO 100", with a record size "ALLO 100 R 80".
+    /// "ALLO 100", with a record size "ALLO 100 R 80".
     int Allocate(int bytes, const int *recordSize = nullptr) const;
-    // Sends TYPE unless this type and format are set already: "TYPE A", "TYPE A N", "TYPE I",
-    // "TYPE L 8". The size goes with L only, as 8 when it is 0; L with another size than the one
-    // set is not sent again.
+    /// Sends TYPE unless this type and format are set already: "TYPE A", "TYPE A N", "TYPE I",
+    /// "TYPE L 8". The size goes with L only, as 8 when it is 0; L with another size than the one
+    /// set is not sent again.
     int RepresentationType(const CRepresentation &representation, unsigned int size = 0) const;
-    // RNTO goes out only after a 3xx reply to RNFR; any other reply to that gives 1 when it is
-    // negative, else -1.
+    /// RNTO goes out only after a 3xx reply to RNFR; any other reply to that gives 1 when it is
+    /// negative, else -1.
     int Rename(const std::string &from, const std::string &to) const;
     int Move(const std::string &from, const std::string &to) const;
     /// Gives the time in seconds since 1970-01-01 UTC; -1 and no time when a positive reply
     /// holds no date and time that exist.
     int FileModificationTime(const std::string &path, long long &seconds) const;
-    // Gives the size in bytes, beyond 4 GiB too; -1 and no size when a positive reply holds no
-    // number that fits. Many servers refuse to tell while the type is ASCII.
+    /// Gives the size in bytes, beyond 4 GiB too; -1 and no size when a positive reply holds no
+    /// number that fits. Many servers refuse to tell while the type is ASCII.
     int FileSize(const std::string &path, long &size) const;
 
     /// Listings are asked for in ASCII. On failure the result is left as it was. Entries that
@@ -184,7 +185,7 @@ public:
     bool List(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
               bool passive) const;
     bool List(const std::string &path, std::vector<std::string> &result, bool passive) const;
-    // Entries of names only: name and path are set, and an entry may be a directory or a file.
+    /// Entries of names only: name and path are set, and an entry may be a directory or a file.
     bool NameList(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
                   bool passive) const;
     bool NameList(const std::string &path, std::vector<std::string> &result, bool passive) const;
@@ -206,7 +207,7 @@ public:
     /// The same into a stream, whose GetLocalStreamSize() is where a resumed download begins.
     bool DownloadFile(const std::string &remoteFile, ITransferNotification &notification,
                       const CRepresentation &representation, bool passive) const;
-    // From this client's server to another client's; see TransferFile().
+    /// From this client's server to another client's; see TransferFile().
     bool DownloadFile(const std::string &sourceFile, const CFTPClient &targetClient,
                       const std::string &targetFile, const CRepresentation &representation,
                       bool passive) const;
@@ -221,15 +222,15 @@ public:
                     const CRepresentation &representation, bool passive) const;
     bool UploadFile(ITransferNotification &notification, const std::string &remoteFile,
                     bool storeUnique, const CRepresentation &representation, bool passive) const;
-    // From another client's server to this client's; see TransferFile().
+    /// From another client's server to this client's; see TransferFile().
     bool UploadFile(const CFTPClient &sourceClient, const std::string &sourceFile,
                     const std::string &targetFile, const CRepresentation &representation,
                     bool passive) const;
-    // Lets one server send a file straight to another, from its beginning. passive: the source
-    // listens and the target connects; else the other way round. Both clients must be logged
-    // on; the time-outs must cover the whole transfer. Servers often refuse such transfers.
-    // With Image and LocalByte the source is asked for the size first, and a 550 ends the
-    // transfer: the target would make an empty file of what is not there.
+    /// Lets one server send a file straight to another, from its beginning. passive: the source
+    /// listens and the target connects; else the other way round. Both clients must be logged
+    /// on; the time-outs must cover the whole transfer. Servers often refuse such transfers.
+    /// With Image and LocalByte the source is asked for the size first, and a 550 ends the
+    /// transfer: the target would make an empty file of what is not there.
     static bool TransferFile(const CFTPClient &source, const std::string &sourceFile,
                              const CFTPClient &target, const std::string &targetFile,
                              const CRepresentation &representation, bool passive);
@@ -248,8 +249,8 @@ public:
 
     // The steps of a transfer, for callers that put one together themselves.
 
-    // Runs one data-channel command with the path as its argument; an offset above 0 is sent as
-    // REST before RETR, STOR and APPE when resume mode is on. False also when a transfer runs.
+    /// Runs one data-channel command with the path as its argument; an offset above 0 is sent as
+    /// REST before RETR, STOR and APPE when resume mode is on. False also when a transfer runs.
     bool ExecuteDatachannelCommand(const CCommand &command, const std::string &path,
                                    const CRepresentation &representation, bool passive,
                                    unsigned int offset, ITransferNotification &notification) const;
@@ -262,17 +263,17 @@ public:
     bool SendData(ITransferNotification &notification, nsSocket::IBlockingSocket &dataSocket) const;
     bool ReceiveData(ITransferNotification &notification,
                      nsSocket::IBlockingSocket &dataSocket) const;
-    // Sends PASV; the address and port are in host byte order. -1 when a positive reply holds
-    // none.
+    /// Sends PASV; the address and port are in host byte order. -1 when a positive reply holds
+    /// none.
     int Passive(unsigned int &ipAddress, unsigned short &port) const;
-    // Sends PORT for a dotted address.
+    /// Sends PORT for a dotted address.
     int DataPort(const std::string &hostIp, unsigned short port) const;
     /// Sends REST: 0 also for a 3xx reply, which is how a server agrees; -1 for 202, "superfluous
     /// here".
     int Restart(unsigned int position) const;
-    // Finds six numbers of 0 to 255 parted by commas, blanks around them allowed, with or
-    // without parentheses and on any line of a reply. False, and nothing set, when there are
-    // none, more than six in a row, or a port of 0.
+    /// Finds six numbers of 0 to 255 parted by commas, blanks around them allowed, with or
+    /// without parentheses and on any line of a reply. False, and nothing set, when there are
+    /// none, more than six in a row, or a port of 0.
     static bool GetIpAddressFromResponse(const std::string &reply, unsigned int &ipAddress,
                                          unsigned short &port);
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPControl_p.h"
 
 #include "formkit/FtpClient/FTPProtocol_p.h"
@@ -126,8 +127,10 @@ bool ControlConnection::receiveText()
                 return false;
         } while (received == room && m_socket->CheckReadability());
     } catch (const CBlockingSocketException &exception) {
-        if (!m_lines.empty())
+        if (!m_lines.empty()) {
+            m_observers.report(exception, ReportAt::Receive);
             return true;
+        }
         if (m_transfers.isInterrupted() || (timedOut(exception) && Clock::now() < m_replyEnd)) {
             abandonReplies();
             m_observers.report(exception, ReportAt::Receive);

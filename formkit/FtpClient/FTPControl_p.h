@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPObservers_p.h"
@@ -85,17 +86,17 @@ private:
     std::vector<char> &m_buffer;
     const ControlTimes m_times;
 
-    // Whole lines, and the text after the last line feed; then the lines of a reply that is not
-    // complete. They wait for the rest when a receive timed out.
+    /// Whole lines, and the text after the last line feed; then the lines of a reply that is not
+    /// complete. They wait for the rest when a receive timed out.
     std::deque<std::string> m_lines;
     std::string m_partialLine;
     std::string m_partialReply;
     size_t m_partialReplyLines = 0;
-    // What one reply may take, and has taken.
+    /// What one reply may take, and has taken.
     Clock::time_point m_replyEnd;
     size_t m_replyBytes = 0;
 
-    // Replies that are still to come, and how many of them, the first ones, nobody waits for.
+    /// Replies that are still to come, and how many of them, the first ones, nobody waits for.
     unsigned int m_unanswered = 0;
     unsigned int m_abandoned = 0;
     bool m_afterAbort = false;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPListParse.h"
@@ -24,7 +25,7 @@ inline bool readDigits(std::string_view text, long &value)
         if (!isDigit(text[i]))
             return false;
         const long digit = text[i] - '0';
-        // Eighteen digits always fit.
+        /// Eighteen digits always fit.
         if (i >= 18 && result > (Largest - digit) / 10)
             return false;
         result = result * 10 + digit;

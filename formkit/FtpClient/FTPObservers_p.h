@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPClient.h"
@@ -20,9 +21,11 @@ enum class ReportAt {
     Active = 968,
     ForeignPeer = 972,
     Transfer = 1089,
+    CreateData = 1120,
     CloseData = 1131,
     LocalFile = 1204,
-    Offset = 1230
+    Offset = 1230,
+    Between = 1260
 };
 
 /// Who is told what a client does.
@@ -41,7 +44,7 @@ public:
     CFTPClient::TObserverSet set;
 
 private:
-    // One call of an observer may lie within another.
+    /// One call of an observer may lie within another.
     mutable std::atomic<int> m_depth{0};
 };
 

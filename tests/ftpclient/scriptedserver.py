@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 """FTP servers that do what a test tells them to, on loopback.
 
 Prints the port of its desk and ends with the program that reads that. Whoever connects to the desk

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "fuzz/fuzzsocket.h"
 #include "session.h"
 #include "support/datafile.h"
