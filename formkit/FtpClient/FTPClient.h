@@ -90,7 +90,7 @@ public:
     enum class TPassiveAddress {
         Use,            ///< connect there (the default); 0.x.x.x is no address and refused
         UseControlHost, ///< connect to the control connection's peer instead, at the port given
-        Refuse          // give the transfer up
+        Refuse          ///< fail
     };
 
     /// receiveTimeout: seconds for each wait; 0 takes only what is there already.
@@ -218,9 +218,9 @@ public:
                       const std::string &targetFile, const CRepresentation &representation,
                       bool passive) const;
 
-    /// With resume mode on, an upload in Image or LocalByte completes an existing remote file rather
-    /// than replacing it: the client asks for the remote size and appends (APPE) the local bytes
-    /// that follow. It fails when the remote file is longer than the local one. Otherwise the
+    /// With resume mode on, an upload in Image or LocalByte completes an existing remote file
+    /// rather than replacing it: the client asks for the remote size and appends (APPE) the local
+    /// bytes that follow. It fails when the remote file is longer than the local one. Otherwise the
     /// whole file is sent (STOR), and the remote one is replaced. That goes for text in either
     /// mode: servers translate line ends, so that the remote size says nothing about the local
     /// file. storeUnique lets the server choose the name (STOU).

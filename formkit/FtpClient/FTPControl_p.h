@@ -46,7 +46,7 @@ public:
     bool open(const std::string &host, unsigned short port);
     void close();
 
-    /// False, and reported, for line breaks and NULs.
+    /// False, and reported, when a text has a line break or NUL.
     bool accepts(const CCommand &command, const CArg &arguments) const;
     bool accepts(const std::string &host) const;
 

@@ -133,10 +133,10 @@ public:
     const IExtendedInfo &GetExtendedInfo() const { return CCmd2Info::Get(m_enCommand); }
     /// The command alone: "RETR".
     std::string AsString() const;
-    /// The command and each argument that is not empty, parted by single blanks, without a line
-    /// end. This is what goes over the line: PASS and ACCT show their secrets.
+    /// The command and each argument that is not empty, with single blanks between them and no line
+    /// end, as it is sent: passwords are readable.
     std::string AsString(const CArg &arguments) const;
-    /// The same for eyes and files: the arguments of PASS and ACCT are shown as "****".
+    /// The same for logs: the arguments of PASS and ACCT are shown as "****".
     std::string AsMaskedString(const CArg &arguments) const;
 
     /// Whether a data connection is used, in this direction or in either.

@@ -11,7 +11,7 @@ namespace nsFTP {
 /// The user name of those who have no account.
 constexpr char ANONYMOUS_USER[] = "anonymous";
 
-/// How to log on through a firewall; the commands that each kind sends stand in docs/ftp.md.
+/// How to log on through a firewall; docs/ftp.md has the commands of each kind.
 class FORMKITFTP_EXPORT CFirewallType
 {
 public:
@@ -41,7 +41,7 @@ private:
     TFirewallTypeEnum m_enType;
 };
 
-/// Where and as whom to log on. CR, LF and NUL have no place in any field: Login() refuses them.
+/// Where and as whom to log on. Login() refuses CR, LF and NUL in any field.
 class FORMKITFTP_EXPORT CLogonInfo
 {
 public:
@@ -56,7 +56,7 @@ public:
                const std::string &firewallPassword, unsigned short firewallPort,
                const CFirewallType &firewallType);
 
-    /// Replaces all that belongs to the host; all that belongs to the firewall.
+    /// SetHost() replaces all fields of the host, SetFirewall() all those of the firewall.
     void SetHost(const std::string &host, unsigned short port = 21,
                  const std::string &user = ANONYMOUS_USER, const std::string &password = {},
                  const std::string &account = {});

@@ -13,16 +13,17 @@ ITransferNotification::~ITransferNotification() = default;
 struct COutputStream::Private
 {
     std::string name;
-    size_t limit;
+    size_t limit = 0;
     std::string text;
     size_t read = 0;
     long lines = 0;
     bool good = true;
 };
 
-COutputStream::COutputStream(const std::string &name, size_t limit)
-    : d(std::make_unique<Private>(Private{name, limit}))
+COutputStream::COutputStream(const std::string &name, size_t limit) : d(std::make_unique<Private>())
 {
+    d->name = name;
+    d->limit = limit;
 }
 
 COutputStream::~COutputStream() = default;
