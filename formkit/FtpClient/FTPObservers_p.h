@@ -45,7 +45,7 @@ public:
     CFTPClient::TObserverSet set;
 
 private:
-    /// One call of an observer may lie within another.
+    /// A number, since an observer's call can lead to another's.
     mutable std::atomic<int> m_depth{0};
 };
 

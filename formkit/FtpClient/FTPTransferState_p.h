@@ -64,7 +64,7 @@ private:
         std::make_shared<nsSocket::CInterruption>();
     std::atomic<bool> m_moving{false};
     std::atomic<bool> m_abortRequested{false};
-    /// Guards what follows, and that nothing is asked of a transfer that has ended.
+    /// Guards what follows, and keeps a request to abort from outlasting its transfer.
     mutable std::mutex m_guard;
     int m_depth = 0;
     std::thread::id m_thread;
