@@ -85,10 +85,14 @@ bool CFTPClient::begin(const CCommand &command, const std::string &path, unsigne
 {
     const bool restarts =
         command == CCommand::RETR || command == CCommand::STOR || command == CCommand::APPE;
-    if (d->resume && offset != 0 && restarts && Restart(offset) != 0)
-        return false;
     if (d->transfers.isAbortRequested())
         return false;
+    if (d->resume && offset != 0 && restarts && Restart(offset) != 0) {
+        // A REST that was not answered may still take effect, on a later transfer.
+        if (d->control.isOwedReplies())
+            d->control.close();
+        return false;
+    }
     CReply reply;
     return d->control.exchange(command, {path}, reply) && reply.Code().IsPositivePreliminaryReply();
 }
