@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPClient_p.h"
 #include "formkit/FtpClient/FTPPassive_p.h"
 #include "formkit/FtpClient/FTPResume_p.h"
@@ -25,8 +26,11 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
     CReply size;
     if (isBinary(representation))
         source.d->simple(CCommand::SIZE, {sourceFile}, &size);
-    return size.Code().Value() != "550" &&
-           agreeOnAddress(passive ? source : target, passive ? target : source) &&
+    if (size.Code().Value() == "550") {
+        source.d->observers.report("The source has no file " + sourceFile + ".", ReportAt::Between);
+        return false;
+    }
+    return agreeOnAddress(passive ? source : target, passive ? target : source) &&
            transferBetween(source, sourceFile, target, targetFile, passive);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 /// The calendar of all years, without the system's limits. Months run from 0 to 11, days from 1;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPControl_p.h"
@@ -10,10 +11,13 @@ struct CFTPClient::Private
     Private(const std::shared_ptr<nsSocket::IBlockingSocket> &socket, const ControlTimes &times,
             unsigned int bufferSize, const std::string &directory);
 
-    /// One command and its reply. A server that announces another reply is not waited for here.
+    /// Sends a command and reads one reply. When that announces another one, that is owed.
     int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr);
-    /// Whether the caller is called by the running transfer, whose replies it would take.
+    /// True within calls of observers and streams during a transfer. A command would then take
+    /// the replies of the transfer.
     bool isCalledByTransfer() const;
+    /// Of the control socket's kind; null, and reported, when there is none.
+    std::unique_ptr<nsSocket::IBlockingSocket> newSocket(ReportAt place);
     bool choosePassiveAddress(sockaddr_in &address);
     bool accept(nsSocket::IBlockingSocket &listener, nsSocket::IBlockingSocket &dataSocket);
     int receiveBlock(nsSocket::IBlockingSocket &dataSocket);
@@ -30,12 +34,13 @@ struct CFTPClient::Private
     std::atomic<bool> resume{true};
     TPassiveAddress passivePolicy = TPassiveAddress::Use;
     bool acceptOnlyControlPeer = false;
-    /// One exchange at a time; Abort() from another thread keeps out of one.
+    /// Held during each exchange of command and reply, so that Abort() from another thread sends
+    /// nothing then.
     std::recursive_mutex exchange;
 };
 
-/// The time from a data-channel command's beginning to its final reply, in which Abort() only
-/// asks. What the command is still owed afterwards is left to the next one.
+/// The time from the beginning of a data-channel command to its final reply. Abort() only makes a
+/// request in this time. Replies that are still owed at the end are left to the next command.
 class CFTPClient::DataCommand
 {
 public:

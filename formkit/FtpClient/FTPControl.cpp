@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPControl_p.h"
 
 #include "formkit/FtpClient/FTPProtocol_p.h"
@@ -73,7 +74,7 @@ void ControlConnection::close()
     }
 }
 
-// The end of a session, also of one whose replies can no longer be told apart.
+// Ends the session: closes the connection and forgets all that belongs to it.
 void ControlConnection::drop()
 {
     m_socket->Cleanup();
@@ -115,7 +116,7 @@ bool ControlConnection::receiveText()
             received = m_socket->Receive(m_buffer.data(), room,
                                          int(std::min<long long>(timeout(), left.count())));
             if (received <= 0) {
-                // Lines that came whole before the end are still good.
+                // The peer has closed. Whole lines that came before are still good.
                 if (m_lines.empty())
                     drop();
                 return !m_lines.empty();
@@ -126,8 +127,10 @@ bool ControlConnection::receiveText()
                 return false;
         } while (received == room && m_socket->CheckReadability());
     } catch (const CBlockingSocketException &exception) {
-        if (!m_lines.empty())
+        if (!m_lines.empty()) {
+            m_observers.report(exception, ReportAt::Receive);
             return true;
+        }
         if (m_transfers.isInterrupted() || (timedOut(exception) && Clock::now() < m_replyEnd)) {
             abandonReplies();
             m_observers.report(exception, ReportAt::Receive);
@@ -139,8 +142,8 @@ bool ControlConnection::receiveText()
     return true;
 }
 
-// Lines keep their line feeds. Text after the last one waits for its rest. False when it is too
-// much.
+// Lines keep their line feeds. Text after the last line feed is kept until its rest comes. False
+// beyond a limit.
 bool ControlConnection::cutLines(size_t received)
 {
     m_replyBytes += received;
@@ -172,7 +175,7 @@ bool ControlConnection::takeLine(std::string &line)
     return true;
 }
 
-// By when a reply has to be complete that is waited for from now on.
+// When a reply must be complete if waiting for it begins now.
 ControlConnection::Clock::time_point ControlConnection::deadline() const
 {
     constexpr long long LongestLimit = 1000000000; // more overflows the clock
@@ -181,8 +184,8 @@ ControlConnection::Clock::time_point ControlConnection::deadline() const
     return Clock::now() + std::chrono::seconds(std::clamp(limit, 1LL, LongestLimit));
 }
 
-// Receives one whole reply, whatever its code; false when none came. A reply that was begun
-// before a time-out is read on.
+// Reads one whole reply, whatever its code; false when none came. Goes on with a reply of which a
+// part came before a time-out.
 bool ControlConnection::takeReply(CReply &reply)
 {
     m_replyBytes = 0;
@@ -207,11 +210,12 @@ bool ControlConnection::takeReply(CReply &reply)
     return true;
 }
 
-// Reads one whole reply, and closes the session when it is none.
+// Reads one whole reply, counts it, and tells the observers. Text that is no reply closes the
+// session.
 bool ControlConnection::readReply(CReply &reply, Clock::time_point latest)
 {
     m_replyEnd = std::min(deadline(), latest);
-    auto isNoReply = qScopeGuard([this] { drop(); }); // also when part of it may be lost
+    auto isNoReply = qScopeGuard([this] { drop(); }); // also after an exception
     if (!takeReply(reply)) {
         isNoReply.dismiss();
         return false;
@@ -233,7 +237,7 @@ bool ControlConnection::receive(CReply &reply)
 {
     if (!readReply(reply))
         return false;
-    // One that announces another, by a code that is none, is not waited for.
+    // Three digits that are no valid code, such as 160: the reply that may follow is abandoned.
     if (!reply.Code().Value().empty())
         return true;
     abandonReplies();
@@ -262,7 +266,7 @@ void ControlConnection::abort()
     if (!send(CCommand::ABOR, {}))
         return;
     m_afterAbort = true;
-    // Some servers go on about the aborted transfer with a reply of class 1.
+    // Some servers send 1xx replies about the aborted transfer first.
     const Clock::time_point latest = deadline();
     CReply reply;
     bool isPreliminary = true;
@@ -310,8 +314,8 @@ bool ControlConnection::send(const CCommand &command, const CArg &arguments)
     return write(command, arguments);
 }
 
-// Makes the next reply the next command's. False when that cannot be had: the session is then
-// closed.
+// Reads abandoned replies, so that the next reply is that of the next command. Closes the session,
+// and gives false, when they do not come.
 bool ControlConnection::settle()
 {
     if (!m_afterAbort && m_abandoned == 0)
@@ -324,7 +328,7 @@ bool ControlConnection::settle()
     return settled;
 }
 
-// All in the time that one reply has.
+// Together they may take as long as one reply.
 bool ControlConnection::readOwed(bool untilPwd)
 {
     const Clock::time_point latest = deadline();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPObservers_p.h"
@@ -17,21 +18,22 @@ struct ControlTimes
     unsigned int responseDelay;  ///< to sleep after every receive
 };
 
-/// One control connection: writes commands and reads the lines of their replies. A reply belongs
-/// to its command:
-/// - Nothing is read before a command unless something is owed. What is read ahead answers the
-///   commands to come.
-/// - What commands are owed that nobody waits for any more is read before the next command.
-/// - After an abort nobody knows how many replies come: PWD is sent before the next command, and
-///   what comes is read until its 257.
-/// - An answer that is another command's ends the session, and so does whatever else makes it
-///   impossible to tell replies apart.
+/// A control connection: sends commands, reads replies, and keeps each reply with its command.
+/// - A reply is owed from when its command was sent until it is read. A 1xx reply leaves the final
+///   one owed.
+/// - An owed reply is abandoned when nobody waits for it any more (after a time-out, for example).
+///   Abandoned replies are read before the next command is sent. Nothing else is read then.
+/// - Lines that came along with a reply are kept; they answer the next commands.
+/// - After an abort the number of replies to come is not known. PWD is then sent before the next
+///   command, and replies are read until the 257 that answers PWD.
+/// - A reply that cannot answer its command ends the session, and so does anything else after which
+///   replies cannot be matched with commands.
 class ControlConnection
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// The buffer is what is received into; it has to hold two bytes at least.
+    /// Replies are received into the buffer, which must hold at least two bytes.
     ControlConnection(const std::shared_ptr<nsSocket::IBlockingSocket> &socket,
                       const Observers &observers, const TransferState &transfers,
                       std::vector<char> &buffer, const ControlTimes &times);
@@ -44,7 +46,7 @@ public:
     bool open(const std::string &host, unsigned short port);
     void close();
 
-    /// False, and reported, for line breaks and NULs.
+    /// False, and reported, when a text has a line break or NUL.
     bool accepts(const CCommand &command, const CArg &arguments) const;
     bool accepts(const std::string &host) const;
 
@@ -52,17 +54,18 @@ public:
     bool send(const CCommand &command, const CArg &arguments);
     /// Reads one reply; true when it has a code.
     bool receive(CReply &reply);
-    /// The same; false too when the reply can only be another command's: the session is closed.
+    /// The same, but a reply that cannot answer the command is reported, closes the session and
+    /// gives false.
     bool receiveFor(const CCommand &command, CReply &reply);
     bool exchange(const CCommand &command, const CArg &arguments, CReply &reply);
     /// Sends ABOR and reads its reply, or that of the aborted command.
     void abort();
 
-    /// Nobody waits any more for what is owed.
+    /// Nobody waits any more for the replies that are owed now.
     void abandonReplies() { m_abandoned = m_unanswered; }
     bool isOwedReplies() const { return m_unanswered > 0; }
 
-    /// What TYPE set; forgotten when the session ends.
+    /// What TYPE set; empty when that is not known, as after the end of a session.
     std::optional<CRepresentation> representation;
 
 private:
@@ -85,17 +88,17 @@ private:
     std::vector<char> &m_buffer;
     const ControlTimes m_times;
 
-    // Whole lines, and the text after the last line feed; then the lines of a reply that is not
-    // complete. They wait for the rest when a receive timed out.
+    /// What was received and not yet read: whole lines, the text after the last line feed, and the
+    /// first lines of a reply whose rest had not come when a wait timed out.
     std::deque<std::string> m_lines;
     std::string m_partialLine;
     std::string m_partialReply;
     size_t m_partialReplyLines = 0;
-    // What one reply may take, and has taken.
+    /// The limits of the reply that is being read: when it must be complete, and its bytes so far.
     Clock::time_point m_replyEnd;
     size_t m_replyBytes = 0;
 
-    // Replies that are still to come, and how many of them, the first ones, nobody waits for.
+    /// The number of replies owed, and how many of these, the first ones, are abandoned.
     unsigned int m_unanswered = 0;
     unsigned int m_abandoned = 0;
     bool m_afterAbort = false;

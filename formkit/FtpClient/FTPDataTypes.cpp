@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPDataTypes.h"
 
 #include "formkit/FtpClient/FTPAssert_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPLogonInfo.h"
@@ -8,22 +9,22 @@
 #include <string>
 #include <vector>
 
-// The vocabulary of FTP as plain values: commands and the facts about them, arguments, replies,
-// the parameters of TYPE, STRU and MODE, firewall and logon data.
+/// The vocabulary of FTP as plain values: commands and the facts about them, arguments, replies,
+/// the parameters of TYPE, STRU and MODE, firewall and logon data.
 namespace nsFTP {
 
-// The arguments of a command, in order.
+/// The arguments of a command, in order.
 class CArg : public std::vector<std::string>
 {
 public:
     using std::vector<std::string>::vector;
 };
 
-// One command of the protocol.
+/// One command of the protocol.
 class FORMKITFTP_EXPORT CCommand
 {
 public:
-    // The commands by their names on the line.
+    /// The commands by their names on the line.
     enum TCommandEnum : int {
         ABOR,
         ACCT,
@@ -63,33 +64,33 @@ public:
         USER
     };
 
-    // How a command uses a data connection: the server sends, the client sends, none.
+    /// How a command uses a data connection: the server sends, the client sends, none.
     enum TTypeEnum : int { dataChannelRead = 0, dataChannelWrite = 1, noDataChannel = 2 };
 
-    // Where a command is defined.
+    /// Where a command is defined.
     enum TSpecificationEnum : int { noStandard = 0, rfc959 = 1, rfc3659 = 2 };
 
-    // The facts about one command.
+    /// The facts about one command.
     class FORMKITFTP_EXPORT IExtendedInfo
     {
     public:
         virtual ~IExtendedInfo();
-        // What goes over the line: "RETR".
+        /// What goes over the line: "RETR".
         virtual const std::string &GetServerString() const = 0;
-        // The syntax in the notation of RFC 959: "RETR <SP> <pathname> <CRLF>".
+        /// The syntax in the notation of RFC 959: "RETR <SP> <pathname> <CRLF>".
         virtual const std::string &GetCompleteServerStringSyntax() const = 0;
         virtual unsigned int GetNumberOfParameters() const = 0;
-        // How many of the parameters may be left out.
+        /// How many of the parameters may be left out.
         virtual unsigned int GetNumberOfOptionalParameters() const = 0;
         virtual TSpecificationEnum GetSpecification() const = 0;
         virtual TTypeEnum GetType() const = 0;
     };
 
-    // Holds the facts as the table of all commands states them.
+    /// Holds the facts as the table of all commands states them.
     class FORMKITFTP_EXPORT CExtendedInfo : public IExtendedInfo
     {
     public:
-        // In the order of the questions above.
+        /// In the order of the questions above.
         CExtendedInfo(const std::string &serverString, const std::string &syntax,
                       unsigned int parameters, unsigned int optionalParameters,
                       TSpecificationEnum specification, TTypeEnum type);
@@ -109,12 +110,12 @@ public:
         TTypeEnum m_enType;
     };
 
-    // The table of all commands, built on first use.
+    /// The table of all commands, built on first use.
     class FORMKITFTP_EXPORT CCmd2Info
         : public std::map<TCommandEnum, std::shared_ptr<CExtendedInfo>>
     {
     public:
-        // A value outside the enumeration is a programming error.
+        /// A value outside the enumeration is a programming error.
         static const IExtendedInfo &Get(TCommandEnum command);
 
     private:
@@ -124,21 +125,21 @@ public:
                     unsigned int optional, TTypeEnum type, TSpecificationEnum specification);
     };
 
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CCommand(TCommandEnum command) : m_enCommand(command) {}
     operator TCommandEnum() const { return m_enCommand; }
 
-    // The facts about this command.
+    /// The facts about this command.
     const IExtendedInfo &GetExtendedInfo() const { return CCmd2Info::Get(m_enCommand); }
-    // The command alone: "RETR".
+    /// The command alone: "RETR".
     std::string AsString() const;
-    // The command and each argument that is not empty, parted by single blanks, without a line
-    // end. This is what goes over the line: PASS and ACCT show their secrets.
+    /// The command and each argument that is not empty, with single blanks between them and no line
+    /// end, as it is sent: passwords are readable.
     std::string AsString(const CArg &arguments) const;
-    // The same for eyes and files: the arguments of PASS and ACCT are shown as "****".
+    /// The same for logs: the arguments of PASS and ACCT are shown as "****".
     std::string AsMaskedString(const CArg &arguments) const;
 
-    // Whether a data connection is used, in this direction or in either.
+    /// Whether a data connection is used, in this direction or in either.
     bool IsDatachannelReadCommand() const;
     bool IsDatachannelWriteCommand() const;
     bool IsDatachannelCommand() const;
@@ -147,25 +148,25 @@ private:
     TCommandEnum m_enCommand;
 };
 
-// A server's reply: its text (lines joined by CR LF, the code included, any byte a server may
-// send) and its code.
+/// A server's reply: its text (lines joined by CR LF, the code included, any byte a server may
+/// send) and its code.
 class FORMKITFTP_EXPORT CReply
 {
 public:
-    // The three characters of a reply's code. All questions are answered false when there is
-    // no code.
+    /// The three characters of a reply's code. All questions are answered false when there is
+    /// no code.
     class FORMKITFTP_EXPORT CCode
     {
     public:
-        // The three characters; empty for none.
+        /// The three characters; empty for none.
         const std::string &Value() const { return m_strValue; }
-        // The class of the reply: its first digit, from 1 to 5.
+        /// The class of the reply: its first digit, from 1 to 5.
         bool IsPositivePreliminaryReply() const { return IsClass('1'); }
         bool IsPositiveCompletionReply() const { return IsClass('2'); }
         bool IsPositiveIntermediateReply() const { return IsClass('3'); }
         bool IsTransientNegativeReply() const { return IsClass('4'); }
         bool IsPermanentNegativeReply() const { return IsClass('5'); }
-        // One of the three positive classes.
+        /// One of the three positive classes.
         bool IsPositiveReply() const;
         bool IsNegativeReply() const;
 
@@ -175,9 +176,9 @@ public:
         std::string m_strValue;
     };
 
-    // Stores the text and takes the code from its first three characters. False, and no code,
-    // unless the first is a digit from 1 to 5 and the second one from 0 to 5; the third may be
-    // any character.
+    /// Stores the text and takes the code from its first three characters. False, and no code,
+    /// unless the first is a digit from 1 to 5 and the second one from 0 to 5; the third may be
+    /// any character.
     bool Set(const std::string &line);
     const std::string &Value() const { return m_strValue; }
     const CCode &Code() const { return m_Code; }
@@ -187,50 +188,50 @@ private:
     CCode m_Code;
 };
 
-// The representation type of TYPE. A value outside the enumeration is a programming error in
-// each AsString() of this file.
+/// The representation type of TYPE. A value outside the enumeration is a programming error in
+/// each AsString() of this file.
 class FORMKITFTP_EXPORT CType
 {
 public:
-    // The values of RFC 959.
+    /// The values of RFC 959.
     enum TTypeEnum : int { ASCII = 0, EBCDIC = 1, Image = 2, LocalByte = 3 };
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CType(TTypeEnum type) : m_enType(type) {}
     operator TTypeEnum() const { return m_enType; }
-    // "A", "E", "I", "L".
+    /// "A", "E", "I", "L".
     std::string AsString() const;
 
 private:
     TTypeEnum m_enType;
 };
 
-// The format control that may follow the types A and E.
+/// The format control that may follow the types A and E.
 class FORMKITFTP_EXPORT CTypeFormat
 {
 public:
-    // The values of RFC 959, and none.
+    /// The values of RFC 959, and none.
     enum TTypeFormatEnum : int { None = 0, NonPrint = 1, TelnetFormat = 2, CarriageControl = 3 };
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CTypeFormat(TTypeFormatEnum format) : m_enFormat(format) {}
     operator TTypeFormatEnum() const { return m_enFormat; }
-    // "N", "T", "C". None has no text: asking for it is a programming error.
+    /// "N", "T", "C". None has no text: asking for it is a programming error.
     std::string AsString() const;
 
 private:
     TTypeFormatEnum m_enFormat;
 };
 
-// What TYPE sets: a type and its format control.
+/// What TYPE sets: a type and its format control.
 class CRepresentation
 {
 public:
-    // Without a format control, unless one is given.
+    /// Without a format control, unless one is given.
     CRepresentation(CType::TTypeEnum type) : m_Type(type), m_Format(CTypeFormat::None) {}
     CRepresentation(const CType &type, const CTypeFormat &format = CTypeFormat::None)
         : m_Type(type), m_Format(format)
     {
     }
-    // The parts.
+    /// The parts.
     const CType &Type() const { return m_Type; }
     const CTypeFormat &Format() const { return m_Format; }
     bool operator==(const CRepresentation &other) const
@@ -244,32 +245,32 @@ private:
     CTypeFormat m_Format;
 };
 
-// The file structure of STRU.
+/// The file structure of STRU.
 class FORMKITFTP_EXPORT CStructure
 {
 public:
-    // The values of RFC 959.
+    /// The values of RFC 959.
     enum TStructureEnum : int { File = 0, Record = 1, Page = 2 };
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CStructure(TStructureEnum structure) : m_enStructure(structure) {}
     operator TStructureEnum() const { return m_enStructure; }
-    // "F", "R", "P".
+    /// "F", "R", "P".
     std::string AsString() const;
 
 private:
     TStructureEnum m_enStructure;
 };
 
-// The transfer mode of MODE.
+/// The transfer mode of MODE.
 class FORMKITFTP_EXPORT CTransferMode
 {
 public:
-    // The values of RFC 959.
+    /// The values of RFC 959.
     enum TTransferModeEnum : int { Stream = 0, Block = 1, Compressed = 2 };
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CTransferMode(TTransferModeEnum mode) : m_enMode(mode) {}
     operator TTransferModeEnum() const { return m_enMode; }
-    // "S", "B", "C".
+    /// "S", "B", "C".
     std::string AsString() const;
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPListParse.h"
 #include "formkit/FtpClient/FTPListWalk_p.h"
 
@@ -5,7 +6,53 @@ namespace nsFTP {
 
 namespace {
 
-// What stands in the line after the date, without what is not the name.
+enum Column { Permissions, Links, Owner, GroupOrSize, Month, Day, YearOrTime, Name };
+
+struct Date
+{
+    std::string_view month;
+    std::string_view day;
+    std::string_view yearOrTime;
+};
+
+// Stores the token of one column; gives the column of the next token.
+Column take(std::string_view token, Column column, CFTPFileStatus &status, Date &date)
+{
+    switch (column) {
+    case Permissions:
+        status.attributes = token;
+        break;
+    case Links:
+        status.links = token;
+        if (token.size() == 6 && token.front() == 'f') // "folder": no owner follows
+            return GroupOrSize;
+        break;
+    case Owner:
+        status.owner = token;
+        break;
+    case GroupOrSize:
+        status.size = sizeOf(token);
+        if (status.size < 0)
+            status.group = token;
+        break;
+    case Month:
+        date.month = token;
+        if (CFTPListParser::GetMonth(token.data(), token.size()) < 0) {
+            status.size = sizeOf(token);
+            return Month;
+        }
+        break;
+    case Day:
+        date.day = token;
+        break;
+    default:
+        date.yearOrTime = token;
+    }
+    return Column(column + 1);
+}
+
+// The name in what follows the date. Three blanks before it belong to the form of the line when the
+// kind is one letter, and a link's target is no part of it.
 std::string_view nameOf(std::string_view line, std::string_view rest)
 {
     const bool oneLetterKind = line.size() > 1 && (line[1] == ' ' || line[1] == '[');
@@ -28,51 +75,19 @@ bool CFTPListParser::ParseUNIXStyleListing(CFTPFileStatus &status, std::string_v
     status.tryCwd = kind == 'd' || kind == 'l';
     status.tryRetrieve = kind == '-' || kind == 'l';
 
-    enum { Permissions = 1, Links, Owner, GroupOrSize, Month, Day, YearOrTime, Name };
-    int state = Permissions;
-    std::string_view month;
-    std::string_view day;
-    long long size = -1;
+    Column column = Permissions;
+    Date date;
     ListWalk walk(line);
-    while (state != Name) {
+    while (column != Name) {
         walk.skip(' ');
         const std::string_view token = walk.upTo(' ');
         if (!walk.good())
             return false;
-        switch (state++) {
-        case Permissions:
-            status.attributes = token;
-            break;
-        case Links:
-            status.links = token;
-            if (token.size() == 6 && token.front() == 'f')
-                state = GroupOrSize;
-            break;
-        case Owner:
-            status.owner = token;
-            break;
-        case GroupOrSize:
-            size = sizeOf(token);
-            if (size < 0)
-                status.group = token;
-            break;
-        case Month:
-            month = token;
-            if (GetMonth(token.data(), token.size()) < 0) {
-                size = sizeOf(token);
-                state = Month;
-            }
-            break;
-        case Day:
-            day = token;
-            break;
-        default:
-            if (!readDate(month, day, token, status))
-                return false;
-        }
+        column = take(token, column, status, date);
     }
+    if (!readDate(date.month, date.day, date.yearOrTime, status))
+        return false;
     status.sizeType = CFTPFileStatus::sizeBytes;
-    status.size = size;
     status.name = nameOf(line, walk.rest());
     return true;
 }

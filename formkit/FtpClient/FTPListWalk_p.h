@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPListParse.h"
@@ -15,7 +16,7 @@ inline bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// CFTPListParser::GetLong() inline, as each line has several numbers.
+/// What CFTPListParser::GetLong() does, inline: each line has several numbers.
 inline bool readDigits(std::string_view text, long &value)
 {
     constexpr long Largest = std::numeric_limits<long>::max();
@@ -24,7 +25,7 @@ inline bool readDigits(std::string_view text, long &value)
         if (!isDigit(text[i]))
             return false;
         const long digit = text[i] - '0';
-        // Eighteen digits always fit.
+        /// Eighteen digits always fit.
         if (i >= 18 && result > (Largest - digit) / 10)
             return false;
         result = result * 10 + digit;
@@ -52,7 +53,8 @@ inline void setTime(CFTPFileStatus &status, int type, long long seconds)
     status.mtime = seconds;
 }
 
-/// Walks over the fields of a line. A field that is missing makes the walk fail from there on.
+/// Reads the fields of a line one after the other. From the first missing field on, good() is
+/// false.
 class ListWalk
 {
 public:
@@ -68,7 +70,7 @@ public:
         m_rest.remove_prefix(std::min(m_rest.find_first_not_of(c), m_rest.size()));
     }
 
-    /// The text before a delimiter, which is stepped over too.
+    /// The text before a delimiter; goes on after that.
     std::string_view upTo(char delimiter)
     {
         const size_t end = m_rest.find(delimiter);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPListParse.h"
@@ -15,7 +16,7 @@ using FileStatuses = std::vector<std::shared_ptr<CFTPFileStatus>>;
 std::vector<std::string> linesOf(COutputStream &listing);
 /// The entries that a parser finds in a listing of a path.
 FileStatuses entriesOf(COutputStream &listing, IFileListParser &parser, const std::string &path);
-/// Entries of which the names alone are known.
+/// Entries with a name and a path only.
 FileStatuses entriesOf(std::vector<std::string> &&names, const std::string &path);
 
 } // namespace nsFTP

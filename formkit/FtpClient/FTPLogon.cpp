@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPLogon_p.h"
 
 #include <iterator>
@@ -6,8 +7,8 @@ namespace nsFTP {
 
 namespace {
 
-// The logon of each firewall type, in steps of three: what to send, and the step that follows a
-// 2xx and a 3xx reply.
+// A row for each firewall type. A step is three numbers: the command to send (see command()), and
+// the indices of the next step after a 2xx and after a 3xx reply.
 constexpr int LoggedOn = -2;
 constexpr int Refused = -1;
 constexpr int LongestLogon = 18;
@@ -49,7 +50,7 @@ unsigned short Logon::port() const
 
 std::vector<Logon::Command> Logon::commands() const
 {
-    // Shorter rows end with zeros, which are the first command's code.
+    // The zeros that fill shorter rows read as USER, which does no harm.
     std::vector<Command> all;
     for (int step = 0; step < LongestLogon; step += 3)
         all.push_back(command(step));

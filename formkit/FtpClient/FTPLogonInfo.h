@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/formkitftp_export.h"
@@ -7,14 +8,14 @@
 
 namespace nsFTP {
 
-// The user name of those who have no account.
+/// The user name of those who have no account.
 constexpr char ANONYMOUS_USER[] = "anonymous";
 
-// How to log on through a firewall; the commands that each kind sends stand in docs/ftp.md.
+/// How to log on through a firewall; docs/ftp.md has the commands of each kind.
 class FORMKITFTP_EXPORT CFirewallType
 {
 public:
-    // The kinds, in the order of that page.
+    /// The kinds, in the order of that page.
     enum TFirewallTypeEnum : int {
         NoFirewall = 0,
         SiteHostName = 1,
@@ -26,25 +27,25 @@ public:
         UserRemoteIDatRemoteHostFireID = 7,
         UserRemoteIDatFireIDatRemoteHost = 8
     };
-    // Turns into its value and back by itself.
+    /// Turns into its value and back by itself.
     CFirewallType(TFirewallTypeEnum type = NoFirewall) : m_enType(type) {}
     operator TFirewallTypeEnum() const { return m_enType; }
-    // The text for a user: "proxy OPEN".
+    /// The text for a user: "proxy OPEN".
     std::string AsDisplayString() const;
-    // The text for settings: "PROXY_OPEN".
+    /// The text for settings: "PROXY_OPEN".
     std::string AsStorageString() const;
-    // Replaces the vector's content by all nine kinds, in the order of their values.
+    /// Replaces the vector's content by all nine kinds, in the order of their values.
     static void GetAllTypes(std::vector<CFirewallType> &types);
 
 private:
     TFirewallTypeEnum m_enType;
 };
 
-// Where and as whom to log on. CR, LF and NUL have no place in any field: Login() refuses them.
+/// Where and as whom to log on. Login() refuses CR, LF and NUL in any field.
 class FORMKITFTP_EXPORT CLogonInfo
 {
 public:
-    // Port 21, user "anonymous", no firewall (its port 21), all else empty.
+    /// Port 21, user "anonymous", no firewall (its port 21), all else empty.
     CLogonInfo();
     CLogonInfo(const std::string &host, unsigned short port = 21,
                const std::string &user = ANONYMOUS_USER, const std::string &password = {},
@@ -55,14 +56,14 @@ public:
                const std::string &firewallPassword, unsigned short firewallPort,
                const CFirewallType &firewallType);
 
-    // Replaces all that belongs to the host; all that belongs to the firewall.
+    /// SetHost() replaces all fields of the host, SetFirewall() all those of the firewall.
     void SetHost(const std::string &host, unsigned short port = 21,
                  const std::string &user = ANONYMOUS_USER, const std::string &password = {},
                  const std::string &account = {});
     void SetFirewall(const std::string &host, const std::string &user, const std::string &password,
                      unsigned short port, const CFirewallType &type);
 
-    // The fields as they were given.
+    /// The fields as they were given.
     const std::string &HostName() const { return m_strHostName; }
     unsigned short HostPort() const { return m_nHostPort; }
     const std::string &UserName() const { return m_strUserName; }

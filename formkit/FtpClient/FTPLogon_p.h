@@ -1,11 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPDataTypes.h"
 
 namespace nsFTP {
 
-/// The way through a logon: the commands of a firewall type, each chosen by the reply to the one
-/// before.
+/// The commands of one logon. The reply to each command decides which one is next.
 class Logon
 {
 public:
@@ -15,7 +15,7 @@ public:
         std::string argument;
     };
 
-    /// The data's firewall type must be one of the enumeration.
+    /// The firewall type must be one of the enumeration; see isKnown().
     explicit Logon(const CLogonInfo &data);
 
     static bool isKnown(const CFirewallType &type);
@@ -29,7 +29,7 @@ public:
     bool isLoggedOn() const;
     /// The next command.
     Command command() const { return command(m_step); }
-    /// Takes its reply, which is positive: 2xx or 3xx.
+    /// Goes to the next command, given the reply to this one, which must be 2xx or 3xx.
     void take(const CReply &reply);
 
 private:

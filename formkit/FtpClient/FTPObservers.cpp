@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPObservers_p.h"
 
 #include "formkit/FtpClient/FTPClient_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPClient.h"
@@ -6,7 +7,7 @@
 
 namespace nsFTP {
 
-/// The places that internal-error reports name; the numbers never change.
+/// The line numbers of internal-error reports; they never change.
 enum class ReportAt {
     OpenControl = 410,
     CloseControl = 432,
@@ -20,20 +21,23 @@ enum class ReportAt {
     Active = 968,
     ForeignPeer = 972,
     Transfer = 1089,
+    CreateData = 1120,
     CloseData = 1131,
     LocalFile = 1204,
-    Offset = 1230
+    Offset = 1230,
+    Between = 1260
 };
 
-/// Who is told what a client does.
+/// The observers of a client.
 class Observers
 {
 public:
     using CNotification = CFTPClient::CNotification;
 
-    /// Calls each in the order of the addresses, whatever observers attach or detach meanwhile.
+    /// Calls each observer in the order of their addresses. Observers may be attached, detached and
+    /// destroyed meanwhile.
     template <typename Call> void tell(Call call) const;
-    /// Whether a call of an observer is under way.
+    /// True within a call of an observer.
     bool areTold() const { return m_depth > 0; }
     void report(const std::string &message, ReportAt place) const;
     void report(const nsSocket::CBlockingSocketException &exception, ReportAt place) const;
@@ -41,7 +45,7 @@ public:
     CFTPClient::TObserverSet set;
 
 private:
-    // One call of an observer may lie within another.
+    /// A number, since an observer's call can lead to another's.
     mutable std::atomic<int> m_depth{0};
 };
 

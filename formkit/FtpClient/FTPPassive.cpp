@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPPassive_p.h"
 
 #include <algorithm>
@@ -14,8 +15,7 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// Reads six numbers of a byte each from the start of a text; false when there are fewer, or
-// when the list goes on.
+// Reads six numbers up to 255 from the start of a text; false when there are fewer or more.
 bool readSixNumbers(std::string_view text, unsigned int (&numbers)[6])
 {
     size_t i = 0;
@@ -45,7 +45,7 @@ bool readSixNumbers(std::string_view text, unsigned int (&numbers)[6])
 bool readPassiveAddress(const std::string &reply, unsigned int &ipAddress, unsigned short &port)
 {
     const std::string_view text = reply;
-    char before = ' '; // the last character that is no blank: a list begins after no comma
+    char before = ' '; // the last character that is no blank; no list begins after a comma
     for (size_t i = 0; i < text.size(); ++i) {
         unsigned int n[6];
         const bool begins = isDigit(text[i]) && (i == 0 || !isDigit(text[i - 1])) && before != ',';

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <string>
@@ -6,10 +7,10 @@
 
 namespace nsFTP {
 
-/// Finds the address of a reply to PASV; CFTPClient::GetIpAddressFromResponse() tells how.
+/// Finds the address in a reply to PASV, as CFTPClient::GetIpAddressFromResponse() describes.
 bool readPassiveAddress(const std::string &reply, unsigned int &ipAddress, unsigned short &port);
 
-/// An address of the Internet as sockets take it; the parts are in host byte order.
+/// A socket address; the arguments are in host byte order.
 sockaddr_in addressOf(unsigned int ipAddress, unsigned short port);
 sockaddr *generic(sockaddr_in *address);
 std::string dotted(in_addr address);

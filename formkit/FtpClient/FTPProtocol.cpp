@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPProtocol_p.h"
 
 #include "formkit/FtpClient/FTPCalendar_p.h"

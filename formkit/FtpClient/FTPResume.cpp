@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPResume_p.h"
 
 namespace nsFTP {
@@ -23,7 +24,7 @@ bool CountedDownload::beganAgain(bool good) const
 {
     if (m_offset == 0 || m_remoteSize < 0)
         return false;
-    // A file that grows while it is read ends between its rest and the whole of it.
+    // A file that grows meanwhile sends more than its rest, too, but hardly all its bytes again.
     return good ? m_received >= m_remoteSize : m_received > m_remoteSize - m_offset;
 }
 

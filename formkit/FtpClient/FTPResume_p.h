@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/FTPDataTypes.h"
@@ -5,11 +6,10 @@
 
 namespace nsFTP {
 
-/// Whether sizes and offsets are those of the bytes that are moved. Of text they mean something
-/// else on each server.
+/// Whether sizes and offsets count the bytes that are moved. For text each server counts otherwise.
 bool isBinary(const CRepresentation &representation);
 
-/// Hands a download on, counts it, and compares the count with the size that the server told.
+/// Passes a download on to its target and counts the bytes, to compare them with the remote size.
 class CountedDownload : public ITransferNotification
 {
 public:
@@ -24,10 +24,10 @@ public:
                         unsigned long &bytesToSend) override;
     bool IsGood() const override { return m_target.IsGood(); }
 
-    /// Whether the server sent the file from its beginning although it was asked to go on at
-    /// the offset: more came than can be left, and if the data ended well, the whole file.
+    /// Whether the server ignored REST and sent the file from its beginning: more bytes came than
+    /// follow the offset, and, when the data ended well, at least the whole file.
     bool beganAgain(bool good) const;
-    /// What is there, the part before the offset included.
+    /// The bytes that the target has, those before the offset included.
     long long present() const { return m_offset + m_received; }
 
 private:

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 #include "formkit/FtpClient/FTPPassive_p.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
 
 using nsSocket::CBlockingSocketException;
 using nsSocket::IBlockingSocket;
@@ -25,8 +26,17 @@ int CFTPClient::Passive(unsigned int &ipAddress, unsigned short &port) const
     return result;
 }
 
-// Where to connect after PASV answered with an address, by the policy for those that are not the
-// peer's.
+std::unique_ptr<IBlockingSocket> CFTPClient::Private::newSocket(ReportAt place)
+{
+    try {
+        return std::unique_ptr<IBlockingSocket>(control.socket().CreateInstance());
+    } catch (const CBlockingSocketException &exception) {
+        observers.report(exception, place);
+        return nullptr;
+    }
+}
+
+// Decides by the policy where to connect to, given the address in the reply to PASV.
 bool CFTPClient::Private::choosePassiveAddress(sockaddr_in &address)
 {
     if (passivePolicy == TPassiveAddress::Use) {
@@ -70,13 +80,19 @@ int CFTPClient::Restart(unsigned int position) const
     return reply.Code().IsPositiveIntermediateReply() ? 0 : result;
 }
 
-// REST where it is due, then the command itself; true when the server is about to transfer.
+// Sends REST when a restart is wanted, then the command; true when the server is about to transfer.
 bool CFTPClient::begin(const CCommand &command, const std::string &path, unsigned int offset) const
 {
     const bool restarts =
         command == CCommand::RETR || command == CCommand::STOR || command == CCommand::APPE;
-    if (d->resume && offset != 0 && restarts && Restart(offset) != 0)
+    if (d->transfers.isAbortRequested())
         return false;
+    if (d->resume && offset != 0 && restarts && Restart(offset) != 0) {
+        // A REST that was not answered may still take effect, on a later transfer.
+        if (d->control.isOwedReplies())
+            d->control.close();
+        return false;
+    }
     CReply reply;
     return d->control.exchange(command, {path}, reply) && reply.Code().IsPositivePreliminaryReply();
 }
@@ -111,7 +127,9 @@ bool CFTPClient::OpenActiveDataConnection(IBlockingSocket &dataSocket, const CCo
     if (!IsConnected())
         return false;
     IBlockingSocket &control = d->control.socket();
-    const std::unique_ptr<IBlockingSocket> listener(control.CreateInstance());
+    const std::unique_ptr<IBlockingSocket> listener = d->newSocket(ReportAt::Active);
+    if (!listener)
+        return false;
     try {
         listener->SetWaitLimit(d->control.timeout());
         listener->Create(SOCK_STREAM);
@@ -131,7 +149,8 @@ bool CFTPClient::OpenActiveDataConnection(IBlockingSocket &dataSocket, const CCo
     }
 }
 
-// Within the limit of one wait, whoever connects and whatever signals come meanwhile.
+// Takes the server's connection. However many signals and foreign peers come, it all lasts no
+// longer than one wait.
 bool CFTPClient::Private::accept(IBlockingSocket &listener, IBlockingSocket &dataSocket)
 {
     using Clock = std::chrono::steady_clock;
@@ -141,20 +160,16 @@ bool CFTPClient::Private::accept(IBlockingSocket &listener, IBlockingSocket &dat
         control.socket().GetPeerAddr(generic(&wanted));
     for (;;) {
         sockaddr_in peer = {};
-        errno = 0;
-        if (!listener.Accept(dataSocket, generic(&peer))) {
-            if (errno != EINTR)
-                return false;
-        } else if (!acceptOnlyControlPeer || peer.sin_addr.s_addr == wanted.sin_addr.s_addr) {
-            return true;
-        } else {
+        if (listener.Accept(dataSocket, generic(&peer))) {
+            if (!acceptOnlyControlPeer || peer.sin_addr.s_addr == wanted.sin_addr.s_addr)
+                return true;
             observers.report("Data connection from " + dotted(peer.sin_addr) + " turned away.",
                              ReportAt::ForeignPeer);
             dataSocket.Cleanup();
         }
-        // Connections that stand in line already need no wait: they end with the time too.
+        // Peers that are in the queue already are accepted without a wait: check the time here too.
         const auto left = std::chrono::ceil<std::chrono::seconds>(end - Clock::now());
-        if (left.count() <= 0)
+        if (left.count() <= 0 || transfers.isAbortRequested())
             return false;
         listener.SetWaitLimit(int(left.count()));
     }
@@ -178,7 +193,9 @@ bool CFTPClient::execute(const CCommand &command, const std::string &path,
     if (!IsConnected() || !d->control.accepts(command, {path}) ||
         RepresentationType(representation) != 0 || d->transfers.isAbortRequested())
         return false;
-    const std::shared_ptr<IBlockingSocket> dataSocket(d->control.socket().CreateInstance());
+    const std::shared_ptr<IBlockingSocket> dataSocket = d->newSocket(ReportAt::CreateData);
+    if (!dataSocket)
+        return false;
     const bool opened = passive ? OpenPassiveDataConnection(*dataSocket, command, path, offset)
                                 : OpenActiveDataConnection(*dataSocket, command, path, offset);
     const bool moved = opened && TransferData(command, notification, *dataSocket);
@@ -252,7 +269,7 @@ bool CFTPClient::ReceiveData(ITransferNotification &notification, IBlockingSocke
     return !d->transfers.isAbortRequested() || d->abortTransfer(dataSocket);
 }
 
-// 0 at the end, and when another thread ends the wait.
+// 0 at the end of the data, and when another thread ended the wait.
 int CFTPClient::Private::receiveBlock(IBlockingSocket &dataSocket)
 {
     try {
@@ -264,7 +281,7 @@ int CFTPClient::Private::receiveBlock(IBlockingSocket &dataSocket)
     }
 }
 
-// Always false, as the transfer is that breaks off.
+// Always false: the transfer's result.
 bool CFTPClient::Private::breakOff(const CBlockingSocketException &exception,
                                    IBlockingSocket &dataSocket)
 {
@@ -273,7 +290,7 @@ bool CFTPClient::Private::breakOff(const CBlockingSocketException &exception,
     return false;
 }
 
-// Always false, too. The data connection goes first: servers answer no ABOR while it stands open.
+// Always false, too. Closes the data connection first: servers answer no ABOR while it is open.
 bool CFTPClient::Private::abortTransfer(IBlockingSocket &dataSocket)
 {
     dataSocket.Cleanup();
@@ -286,8 +303,7 @@ int CFTPClient::Abort() const
 {
     if (d->transfers.requestAbort())
         return 0;
-    // Held by another thread's command, or called by an observer from within one: an abort has
-    // no business there.
+    // Another command is under way: on another thread, or the one whose observer calls.
     const std::unique_lock<std::recursive_mutex> turn(d->exchange, std::try_to_lock);
     if (!turn.owns_lock() || d->observers.areTold())
         return -1;

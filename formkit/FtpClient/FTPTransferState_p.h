@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/Interruption.h"
@@ -9,13 +10,13 @@
 
 namespace nsFTP {
 
-/// Whether a transfer runs, and who wants it to end. The thread that runs it may ask it to stop
-/// after the block in hand; another thread ends its waits too.
+/// Whether a transfer runs, and whether it shall end. Its own thread can only make it end after the
+/// next block; another thread also ends its waits.
 class TransferState
 {
 public:
-    /// A data-channel command, or a step of one that a caller takes alone. What was asked for
-    /// is forgotten at the end of the outermost.
+    /// The time of a data-channel command, or of a step of one that a caller runs alone. Requests
+    /// to abort are forgotten at the end of the outermost scope.
     class Scope
     {
     public:
@@ -54,7 +55,7 @@ public:
     void stop() { m_abortRequested = true; }
     void forgetAbort() { m_abortRequested = false; }
     bool isAbortRequested() const { return m_abortRequested; }
-    /// Whether waits are ended by another thread.
+    /// Whether another thread has ended the waits.
     bool isInterrupted() const { return m_interruption->IsRaised(); }
     const std::shared_ptr<nsSocket::CInterruption> &interruption() const { return m_interruption; }
 
@@ -63,7 +64,7 @@ private:
         std::make_shared<nsSocket::CInterruption>();
     std::atomic<bool> m_moving{false};
     std::atomic<bool> m_abortRequested{false};
-    // Guards what follows, and that nothing is asked of a transfer that has ended.
+    /// Guards what follows, and keeps a request to abort from outlasting its transfer.
     mutable std::mutex m_guard;
     int m_depth = 0;
     std::thread::id m_thread;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/Interruption.h"
 
 #include <fcntl.h>
@@ -25,7 +26,7 @@ CInterruption::~CInterruption()
 
 void CInterruption::Raise()
 {
-    // One byte in an empty pipe always finds room.
+    // An empty pipe always has room for one byte.
     if (!m_bRaised.exchange(true) && m_Ends[1] >= 0)
         m_bRaised = ::write(m_Ends[1], "x", 1) == 1;
 }

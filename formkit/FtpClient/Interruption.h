@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "formkit/FtpClient/formkitftp_export.h"
@@ -6,23 +7,23 @@
 
 namespace nsSocket {
 
-/// Ends the waits of sockets from another thread: once it is raised, each wait of a socket that
-/// was given it ends at once, also one that begins later, until it is cleared.
+/// Ends the waits of sockets from another thread. From Raise() to Clear() every wait of a socket
+/// that was given this object ends at once, also one that begins in that time.
 class FORMKITFTP_EXPORT CInterruption
 {
 public:
-    /// Takes two handles of the system. When there are none left it ends no wait.
+    /// Takes two handles of the system. When the system has none left, no wait can be ended.
     CInterruption();
     CInterruption(const CInterruption &) = delete;
     CInterruption &operator=(const CInterruption &) = delete;
     ~CInterruption();
 
-    /// From any thread, as often as wished; but not beside Clear().
+    /// May be called from any thread, and repeatedly, but not at the same time as Clear().
     void Raise();
-    /// Waits are as before.
+    /// Waits last again as long as they should.
     void Clear();
     bool IsRaised() const { return m_bRaised; }
-    /// Readable while it is raised, for poll() and select(); -1 when it ends no wait.
+    /// A handle for poll() and select(): readable while raised; -1 when no wait can be ended.
     int Descriptor() const { return m_Ends[0]; }
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/SocketWait_p.h"
 
 #include "formkit/FtpClient/BlockingSocket.h"

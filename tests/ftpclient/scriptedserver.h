@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "loopback.h"
@@ -13,7 +14,7 @@ public:
                             const QByteArray &content = "0123456789");
 
     quint16 port() const { return m_port; }
-    // The command lines that came so far, and behind each upload "=" with its first bytes; told
+    // The command lines that came so far, and after each upload "=" with its first bytes; told
     // when the server has done all that it was told to, if that is soon.
     QStringList commands() const;
 

@@ -1,21 +1,23 @@
+# SPDX-License-Identifier: BSD-3-Clause
 """FTP servers that do what a test tells them to, on loopback.
 
-Prints the port of its desk and ends with the program that reads that. Whoever connects to the desk
-gets a server of its own, which serves one control connection after the other for as long as the
-connection to the desk lasts. The talk there, a line each: an object with "script", "content" (what
-downloads and listings send) and "byte by byte"; the server's port; then, as often as an empty line
-comes, the list of the command lines so far, behind each upload "=" with its first bytes. That
-answer waits (a fifth of a second at most) until the server has done all that it was told to and
-listens again: what it sent is then there to be read.
+The program prints the port of its desk, and ends when its reader does. Each connection to the desk
+starts a server, which serves one control connection after the other until that connection ends. Over
+it, a line each:
+- the test sends an object: "script", "content" (what downloads and listings send), "byte by byte";
+- the desk answers with the server's port;
+- for each empty line from the test the desk answers with all command lines so far, and after each
+  upload "=" with its first bytes. It first waits, up to a fifth of a second, until the server has
+  finished its script for the last command, so that what that sends has been sent.
 
-Without a script a server behaves. A script is a list of "VERB: action|action" parted by ';'; each
-entry serves one command of that verb ("greeting" is one too), after which the verb behaves again.
-Actions:
+Without a script a server behaves well. A script is a list of "VERB: action|action", separated by
+";". Each entry is for one command of that verb ("greeting" is one too); the next one is answered as
+usual. Actions:
   <text>       sent with CR LF; {pasv}, {spaced}, {port}, {full}, {size} are filled in, \u2400 is a NUL
   raw <text>   sent as it stands
   spam <n> <text>, drip <n> <text>  sent n times, at once or five times a second
   wait <ms>, close (the control connection), nothing
-  data         moves the whole content, behind the offset of REST; forget drops that offset
+  data         moves the whole content after the offset of REST; forget drops that offset
   part <n>     moves the next n bytes and leaves the data connection open
   end, cut     closes the data connection, cleanly or with a reset
   flood        sends data until the other side goes

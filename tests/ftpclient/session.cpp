@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "session.h"
 
 using namespace nsFTP;
@@ -27,7 +28,7 @@ CCommand commandOf(const QString &name)
     return CCommand::TCommandEnum(command);
 }
 
-// The representation and the way of a transfer stand behind its names.
+// "get <remote> [<local>] [ascii] [active]", likewise put, list and names.
 long long transfer(Client &c, const QStringList &a)
 {
     const CRepresentation ascii(CType::ASCII, CTypeFormat::NonPrint);

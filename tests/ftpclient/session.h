@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "scriptedserver.h"
@@ -81,7 +82,7 @@ struct Client
         if (later.joinable())
             later.join();
     }
-    // Runs operations parted by commas, "get f active" for one; the last one's result: 0, 1 and -1
+    // Runs operations separated by commas, such as "get f active". The last result counts: 0, 1 and -1
     // as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
     // Whether commands read their own replies.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "loopback.h"
 #include "support/stricttest.h"
 
@@ -49,7 +50,7 @@ class BlockingSocketTest : public StrictTest
     Q_OBJECT
 
 private slots:
-    // What is sent in many pieces comes whole; then the peer's end does.
+    // What is sent in many pieces arrives whole, and then the end of the connection.
     void transfers()
     {
         Pair pair;
@@ -96,14 +97,14 @@ private slots:
         lone.Create();
         QCOMPARE(failureOf([&] { lone.Receive(pair.buffer, 1, 1); }), "Receive 0x0000006b");
         QCOMPARE(failureOf([&] { lone.GetPeerAddr(generic(address)); }), "GetPeerName 0x0000006b");
-        // Nobody connects: the wait is over when the limit is that the socket came by.
+        // Nobody connects within the limit, which the new socket has from the one that created it.
         pair.near.SetWaitLimit(0);
         const std::unique_ptr<IBlockingSocket> waiting(pair.near.CreateInstance());
         waiting->Create();
         waiting->Listen();
         CBlockingSocket none;
         QCOMPARE(failureOf([&] { waiting->Accept(none, generic(address)); }), "Accept 0x0000006e");
-        // Closed behind the object's back.
+        // Closed without the object's knowledge.
         ::close(int(lone.operator SOCKET()));
         QCOMPARE(failureOf([&] { lone.Listen(); }), "Listen 0x00000009");
         QCOMPARE(failureOf([&] { lone.CheckReadability(); }), "Socket Error 0x00000009");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "session.h"
 #include "support/datafile.h"
 #include "support/inputsocket.h"
@@ -63,7 +64,9 @@ QString between(const QStringList &row)
     sent.replaceInStrings(QRegularExpression("PORT .*"), "PORT");
     const bool asTold =
         sent.join(',') == QString("%1,PWD,MDTM f,%2,PWD,MDTM f").arg(row[4], row[5]);
-    return in && good == (row[3] == "yes") && inStep && asTold ? "" : sent.join(',');
+    const bool reported = source.recorder.errors().join('\n').contains(row.value(6));
+    const bool asWanted = good == (row[3] == "yes") && asTold && reported;
+    return in && asWanted && inStep ? "" : sent.join(',');
 }
 
 void compare(const QByteArray &faults)
@@ -85,13 +88,23 @@ struct AskingStream : COutputStream
     int result = 0;
 };
 
-// A socket whose system forgets who is at the other end, and whose first wait is disturbed.
+// A socket that can make only so many others and does not know its peer. Its first Accept() is
+// interrupted.
 class Troubled : public nsSocket::CBlockingSocket
 {
-    IBlockingSocket *CreateInstance() const override { return new Troubled; }
+public:
+    explicit Troubled(int others = 0) : m_others(others) {}
+
+private:
+    IBlockingSocket *CreateInstance() const override
+    {
+        if (m_others == 0)
+            throw nsSocket::CBlockingSocketException("CreateInstance");
+        --m_others;
+        return new Troubled;
+    }
     bool Accept(IBlockingSocket &connected, sockaddr *psa) const override
     {
-        errno = EINTR;
         return !std::exchange(m_disturbed, false) && CBlockingSocket::Accept(connected, psa);
     }
     void GetPeerAddr(sockaddr * /*psa*/) const override
@@ -109,6 +122,7 @@ public:
     static inline QVector<int> limits;
 
 private:
+    mutable int m_others;
     mutable bool m_disturbed = true;
 };
 
@@ -151,6 +165,10 @@ private slots:
                          row[4] + ",TYPE I,SIZE f,PASV,RETR f,PORT 127,0,0,1,0,0,STOR f,QUIT");
             }
         }
+        // What fails after whole replies is reported; the replies count.
+        Input last = {"220 hi\r\n230 in\r\n250 ok\r\n\xff", "", true, Input::Always};
+        Client c(1, 9, std::make_shared<InputSocket>(last, true));
+        QVERIFY(c.perform("login h u p") == 0 && c.recorder.errors().size() == 1);
     }
 
     // Lines that fill the buffer before the end are told; a session ends with its connection.
@@ -259,19 +277,28 @@ private slots:
         QVERIFY(QDir(one.folder.path()).isEmpty());
     }
 
-    void forgottenPeers()
+    void closedSessions()
     {
+        const CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance());
+        nsSocket::CBlockingSocket data;
+        QVERIFY(!client.OpenActiveDataConnection(data, CCommand::LIST, "", 0));
+        QVERIFY(!client.OpenPassiveDataConnection(data, CCommand::LIST, "", 0));
+    }
+
+    void troubledSockets()
+    {
+        // A list takes one socket in passive mode, two in active mode: the seventh list fails.
         Session session;
-        CFTPClient forgetful(std::make_shared<Troubled>());
-        QVERIFY(forgetful.Login({"127.0.0.1", session.port}));
-        for (const bool asked : {false, true}) {
-            QVERIFY(forgetful.List("", session.lines, true) != asked);
-            Troubled::limits.clear();
-            QVERIFY(forgetful.List("", session.lines, false) != asked);
-            QVERIFY(asked || Troubled::limits.size() == 2);
-            forgetful.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
-            forgetful.SetAcceptOnlyControlPeer(true);
-        }
+        Client c(10, 4096, std::make_shared<Troubled>(7));
+        c.port = session.port;
+        QVERIFY(c.perform("logon 0 1,list ") == 0);
+        Troubled::limits.clear();
+        QVERIFY(c.perform("list  active") == 0 && Troubled::limits.size() == 2);
+        QVERIFY(c.perform("policy control,list ") == -1);
+        QVERIFY(c.perform("onlypeer,list  active") == -1);
+        QVERIFY(c.recorder.errors().filter("GetPeerName").size() == 2);
+        QVERIFY(c.perform("list  active") == -1 && c.perform("list ") == -1);
+        QVERIFY(c.recorder.errors().filter("CreateInstance").size() == 2 && c.inStep());
     }
 
     void programmingErrors()

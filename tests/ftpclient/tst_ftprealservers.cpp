@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "realserver.h"
 #include "session.h"
 #include "support/datafile.h"

@@ -44,7 +44,9 @@ public:
     {
         connected.Create();
         GetPeerAddr(psa);
-        return m_bytes.empty() || m_bytes.front() != Nothing;
+        const bool interrupted = !m_bytes.empty() && m_bytes.front() == Nothing;
+        m_bytes.erase(0, interrupted);
+        return !interrupted;
     }
     void Close() override { Cleanup(); }
     int Write(const char * /*data*/, int size, int /*seconds*/) const override { return size; }
