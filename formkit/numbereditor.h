@@ -51,7 +51,8 @@ public:
 
     /// The editor's own validator. Its locale is the one that the user reads and types; after
     /// setLocale() on it the value is shown again, and Undo does not lead back to texts of the
-    /// locale before. (The widget's locale does not count.)
+    /// locale before. (The widget's locale does not count.) Under another validator, or none, the
+    /// text is read in its locale and nothing is refused, regrouped or replaced here.
     DecimalValidator *decimalValidator() const;
 
     /// Whether the editor itself shows why it refused something, with a tool tip, a short flash of
