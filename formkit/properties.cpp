@@ -2,6 +2,8 @@
 
 #include "doing_p.h"
 
+#include <hostapi/decimal.h>
+
 #include <QDebug>
 #include <QMetaProperty>
 #include <QTimer>
@@ -69,6 +71,13 @@ QMetaProperty propertyOf(const Properties::Key &key)
 bool isIdProperty(const Properties::Key &key)
 {
     return QByteArray(propertyOf(key).name()).endsWith("Id");
+}
+
+// A number that answers with another one is no form of it.
+bool isFormOf(const QString &given, const QString &answer)
+{
+    return !decimal::canConvert(given, false) || !decimal::canConvert(answer, false) ||
+           decimal(given) == decimal(answer);
 }
 
 // How often properties may answer one write of their name with yet another value.
@@ -460,7 +469,7 @@ void Properties::propertyChanged()
     if (Doing::isUsers())
         m_given.remove(name);
     else if (m_write && m_write->name == name && m_given.contains(name) &&
-             !isNothing(name, content))
+             !isNothing(name, content) && isFormOf(m_given.value(name), content))
         m_given.insert(name, content);
     write(name, content, key);
 }
