@@ -53,6 +53,10 @@ private Q_SLOTS:
         QTest::keyClicks(window.control("price"), "1");
         QVERIFY(changed.wait());
         QCOMPARE(outcome->property("text").toString(), " ");
+        QTest::keyClicks(window.control("offset"), "1,5");
+        QTest::keyClick(window.control("place"), Qt::Key_Space);
+        QCOMPARE(outcome->property("text").toString(),
+                 "Not valid: '15' is in doubt; enter it again");
     }
 };
 
