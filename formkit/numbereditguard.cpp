@@ -140,6 +140,7 @@ EditGuard::Verdict EditGuard::takeForeign(const Edit &edit, int maxLength)
     return take(edit.after, edit.caret);
 }
 
+// A point in front of the shown one moves the caret over that.
 EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
 {
     const int place = edit.caret - 1;
@@ -157,6 +158,10 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
         edit.after[place] = symbols().point();
     else if (groups)
         return typeSeparator(edit, maxLength);
+    if (edit.after.at(place) == symbols().point() &&
+        edit.after.midRef(place + 1) == text().midRef(place) &&
+        edit.after.midRef(place + 1).startsWith(symbols().point()))
+        return take(text(), edit.caret);
     return takeEdit(edit, maxLength);
 }
 

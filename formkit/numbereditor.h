@@ -67,7 +67,9 @@ public:
     QString getValue() const;
     /// The value as a number; zero when there is none.
     decimal getDecimal() const;
-    /// Whether the form may be sent: the value is a number and, unless CanBeZero, not zero.
+    /// Whether the form may be sent: the value is a number and, unless CanBeZero, not zero. A field
+    /// that may be left out is in order when its text is empty, too; its value is also empty while
+    /// the text is in doubt.
     bool isValid() const;
 
     /// From the text of the locale to the system form and back. What is no number comes back
