@@ -209,7 +209,7 @@ EditGuard::Verdict EditGuard::takeEdit(Edit edit, int maxLength, const Stop *typ
         return refuse(wordOf(fault, edit, number));
     }
     Verdict verdict = settle(edit, number, stops, maxLength);
-    if (verdict.isTaken && removed > 0 && number.leadingZeros() > edit.inserted)
+    if (verdict.isTaken && number.leadingZeros() > edit.inserted)
         verdict.reason = tr("Zeros in front were left out: %1").arg(verdict.text);
     return verdict;
 }
