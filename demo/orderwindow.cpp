@@ -10,6 +10,7 @@
 
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/boardselectormodel.h>
+#include <formkit/numbereditor.h>
 #include <formkit/securityselectormodel.h>
 #include <formkit/state.h>
 #include <formkit/stockselectormodel.h>
@@ -206,6 +207,14 @@ void OrderWindow::showValues()
 QMap<QString, QString> OrderWindow::rejections() const
 {
     QMap<QString, QString> reasons = rejectedFields(m_hub.values());
+    // An amount in doubt has no value, and must not pass for one that was left out.
+    const QList<NumberEditor *> editors = m_ui->form->findChildren<NumberEditor *>();
+    for (const NumberEditor *editor : editors) {
+        if (editor->isVisibleTo(this) && !editor->text().isEmpty() &&
+            !decimal::canConvert(editor->getValue(), false))
+            reasons.insert(editor->property("field").toString(),
+                           tr("'%1' is in doubt; enter it again").arg(editor->text()));
+    }
     const QStringList unshown = m_hub.unshown();
     for (const QString &name : unshown) {
         if (!reasons.contains(name))

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QStackedLayout>
 #include <QVBoxLayout>
+#include <QVarLengthArray>
 
 #include <algorithm>
 #include <functional>
@@ -26,6 +27,27 @@ boardlist boardsOf(const QWidget *page)
         qWarning() << "FormSelector::addPage: page" << page->objectName()
                    << "serves no board, its boards are no pairs:" << text;
     return boards;
+}
+
+// Selectors of sub-forms inside a page, too: their own pages follow them.
+bool isPlaced(const QWidget *widget)
+{
+    return widget->focusPolicy() != Qt::NoFocus || qobject_cast<const FormSelector *>(widget);
+}
+
+// Qt orders only what takes the focus.
+void orderTabs(QWidget *first, QWidget *second)
+{
+    QVarLengthArray<QWidget *, 2> lent;
+    for (QWidget *const widget : {first, second}) {
+        if (widget->focusPolicy() == Qt::NoFocus) {
+            widget->setFocusPolicy(Qt::TabFocus);
+            lent << widget;
+        }
+    }
+    QWidget::setTabOrder(first, second);
+    for (QWidget *const widget : lent)
+        widget->setFocusPolicy(Qt::NoFocus);
 }
 
 } // namespace
@@ -128,22 +150,18 @@ void FormSelector::placeInTabOrder(QWidget *form)
 {
     QWidget *last = this;
     for (QWidget *w = nextInFocusChain(); w != this && isAncestorOf(w); w = w->nextInFocusChain()) {
-        if (w->focusPolicy() != Qt::NoFocus && !form->isAncestorOf(w))
+        if (isPlaced(w) && !form->isAncestorOf(w))
             last = w;
     }
     QVector<QWidget *> controls;
     for (QWidget *w = nextInFocusChain(); w != this; w = w->nextInFocusChain()) {
-        if (w->focusPolicy() != Qt::NoFocus && form->isAncestorOf(w))
+        if (isPlaced(w) && form->isAncestorOf(w))
             controls << w;
     }
-    // Qt orders only what takes the focus.
-    const Qt::FocusPolicy policy = focusPolicy();
-    setFocusPolicy(Qt::TabFocus);
     for (QWidget *const control : qAsConst(controls)) {
-        setTabOrder(last, control);
+        orderTabs(last, control);
         last = control;
     }
-    setFocusPolicy(policy);
 }
 
 QWidget *FormSelector::pageToShow() const

@@ -140,6 +140,7 @@ EditGuard::Verdict EditGuard::takeForeign(const Edit &edit, int maxLength)
     return take(edit.after, edit.caret);
 }
 
+// A point in front of the shown one moves the caret over that.
 EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
 {
     const int place = edit.caret - 1;
@@ -157,6 +158,10 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
         edit.after[place] = symbols().point();
     else if (groups)
         return typeSeparator(edit, maxLength);
+    if (edit.after.at(place) == symbols().point() &&
+        edit.after.midRef(place + 1) == text().midRef(place) &&
+        edit.after.midRef(place + 1).startsWith(symbols().point()))
+        return take(text(), edit.caret);
     return takeEdit(edit, maxLength);
 }
 
@@ -204,7 +209,7 @@ EditGuard::Verdict EditGuard::takeEdit(Edit edit, int maxLength, const Stop *typ
         return refuse(wordOf(fault, edit, number));
     }
     Verdict verdict = settle(edit, number, stops, maxLength);
-    if (verdict.isTaken && removed > 0 && number.leadingZeros() > edit.inserted)
+    if (verdict.isTaken && number.leadingZeros() > edit.inserted)
         verdict.reason = tr("Zeros in front were left out: %1").arg(verdict.text);
     return verdict;
 }

@@ -40,7 +40,9 @@ struct Q_DECL_HIDDEN NumberEditor::Private
 
     EditGuard::Edit editOf(const QString &text, int caret) const;
     QValidator::State judge(QString &input, int &pos);
+    bool isGuarded() const { return q->validator() == validator; }
     void show();
+    void read(const QString &text);
     void hold(const QString &newValue);
     void markDoubt();
     void noteCut();
@@ -194,8 +196,10 @@ void NumberEditor::setValue(decimal newValue)
 void NumberEditor::edit_changed(const QString &newText)
 {
     // QLineEdit keeps what it cannot take back, and would refuse nothing from then on.
-    if (newText != d->guard.text())
+    if (newText != d->guard.text() && d->isGuarded())
         d->show();
+    else if (newText != d->guard.text())
+        d->read(newText);
     const std::optional<decimal> &number = d->guard.number();
     if (number && d->number && number->word() == d->number->word() &&
         number->scale() == d->number->scale())
@@ -233,6 +237,7 @@ QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
         return guard.state();
     const EditGuard::Edit edit = editOf(input, pos);
     const QString before = guard.text();
+    const QString doubt = guard.doubt();
     const bool wasMarked = guard.isMarked();
     // setMaxLength() cuts what is shown.
     if (edit.by == EditGuard::Program && input.size() == q->maxLength() &&
@@ -246,7 +251,8 @@ QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
     noteReason(verdict.reason);
     // A key that changes nothing does not end QLineEdit's history.
     const bool isVain = verdict.text == before && before.size() + edit.inserted == input.size() &&
-                        edit.inserted > 0 && verdict.caret == pos - edit.inserted;
+                        edit.inserted > 0 && verdict.caret == pos - edit.inserted &&
+                        guard.doubt() == doubt && guard.isMarked() == wasMarked;
     if (!verdict.isTaken || isVain) {
         refused = input;
         return QValidator::Invalid;
@@ -277,6 +283,13 @@ void NumberEditor::Private::show()
     q->setText(guard.text());
     q->blockSignals(wasBlocked);
     selected = 0;
+    markDoubt();
+}
+
+// Whatever another validator lets through.
+void NumberEditor::Private::read(const QString &text)
+{
+    guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
     markDoubt();
 }
 
@@ -374,7 +387,7 @@ void NumberEditor::typeKey(QKeyEvent *event)
     const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
     const bool isDelete = event->matches(QKeySequence::Delete);
     if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
-        d->guard.isGroup(cursorPosition())) {
+        d->isGuarded() && d->guard.isGroup(cursorPosition())) {
         cursorForward(false);
         if (isDelete)
             return;

@@ -51,7 +51,8 @@ public:
 
     /// The editor's own validator. Its locale is the one that the user reads and types; after
     /// setLocale() on it the value is shown again, and Undo does not lead back to texts of the
-    /// locale before. (The widget's locale does not count.)
+    /// locale before. (The widget's locale does not count.) Under another validator, or none, the
+    /// text is read in its locale and nothing is refused, regrouped or replaced here.
     DecimalValidator *decimalValidator() const;
 
     /// Whether the editor itself shows why it refused something, with a tool tip, a short flash of
@@ -66,7 +67,9 @@ public:
     QString getValue() const;
     /// The value as a number; zero when there is none.
     decimal getDecimal() const;
-    /// Whether the form may be sent: the value is a number and, unless CanBeZero, not zero.
+    /// Whether the form may be sent: the value is a number and, unless CanBeZero, not zero. A field
+    /// that may be left out is in order when its text is empty, too; its value is also empty while
+    /// the text is in doubt.
     bool isValid() const;
 
     /// From the text of the locale to the system form and back. What is no number comes back

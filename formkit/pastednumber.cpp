@@ -155,10 +155,12 @@ void PastedNumber::readForeign(QStringView number, int place)
     if (mayGroup && groups && fitsInGroups(number, m_symbols)) {
         append(number, -1);
     } else if (mayGroup) {
-        const QString whole = integer.toString() + fraction.toString();
+        const auto written = [&](const QString &mark) {
+            const QString text = integer.toString() + mark + fraction.toString();
+            return NumberText(text, m_symbols).written();
+        };
         m_reason = tr("'%1' may be %2 or %3")
-                       .arg(number.toString(), NumberText(whole, m_symbols).written(),
-                            integer.toString() + m_symbols.point() + fraction.toString());
+                       .arg(number.toString(), written({}), written(m_symbols.point()));
     } else if (!fitsInGroups(integer, m_symbols)) {
         m_reason = wordOf(m_symbols.group(), m_symbols);
     } else {

@@ -2,6 +2,8 @@
 
 #include "doing_p.h"
 
+#include <hostapi/decimal.h>
+
 #include <QDebug>
 #include <QMetaProperty>
 #include <QTimer>
@@ -69,6 +71,13 @@ QMetaProperty propertyOf(const Properties::Key &key)
 bool isIdProperty(const Properties::Key &key)
 {
     return QByteArray(propertyOf(key).name()).endsWith("Id");
+}
+
+// What is no number counts as the same.
+bool isSameNumber(const QString &given, const QString &answer)
+{
+    return !decimal::canConvert(given, false) || !decimal::canConvert(answer, false) ||
+           decimal(given) == decimal(answer);
 }
 
 // How often properties may answer one write of their name with yet another value.
@@ -463,13 +472,13 @@ void Properties::propertyChanged()
     write(name, content, key);
 }
 
-// Whether an answer to what the program sets is the same in another form. None is not, and nor is
-// any id for none.
+// Whether an answer to what the program sets is the same in another form. None is not, nor is
+// another number, nor any id for none.
 bool Properties::isFormOf(const QString &name, const QString &content) const
 {
     const auto given = m_given.constFind(name);
     return given != m_given.constEnd() && !isNothing(name, content) &&
-           !(isId(name) && isNothing(name, *given));
+           !(isId(name) && isNothing(name, *given)) && isSameNumber(*given, content);
 }
 
 QStringList Properties::unshown() const

@@ -106,9 +106,9 @@ public:
     /// accepted.
     ///
     /// A property may answer the write of its name in a form of its own: that form counts from
-    /// then on, unless it is empty, or an id in answer to none. Empty and "0" are one for a name
-    /// that is bound to a property whose own name ends in "Id". An empty value for a name that the
-    /// hub does not hold sets nothing.
+    /// then on, unless it is empty, another number (a spin box cuts 150 to its 99), or an id in
+    /// answer to none. Empty and "0" are one for a name that is bound to a property whose own name
+    /// ends in "Id". An empty value for a name that the hub does not hold sets nothing.
     ///
     /// What the user changes leaves the list, with everything that changes in consequence. The
     /// user's is each change that a property reports by itself: neither while the hub, by order of

@@ -49,11 +49,14 @@ private Q_SLOTS:
         QSignalSpy changed(window.hub(), &Properties::hasChanged);
         QVERIFY(changed.wait());
         QCOMPARE(check->geometry(), place);
-        QObject *const outcome = window.control("outcome");
-        QCOMPARE(outcome->property("text").toString(), "Order placed: Buy 100 THISTLE BREWING");
+        const auto told = [&] { return window.control("outcome")->property("text").toString(); };
+        QCOMPARE(told(), "Order placed: Buy 100 THISTLE BREWING");
         keys::type(window.control("price"), "1");
         QVERIFY(changed.wait());
-        QCOMPARE(outcome->property("text").toString(), " ");
+        QCOMPARE(told(), " ");
+        keys::type(window.control("offset"), "1,5");
+        keys::press(window.control("place"), "Space");
+        QCOMPARE(told(), "Not valid: '15' is in doubt; enter it again");
     }
 };
 

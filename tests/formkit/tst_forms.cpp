@@ -410,30 +410,34 @@ void FormsTest::tabOrder()
         control->setObjectName(name);
         return control;
     };
-    const auto addPage = [&](int board) {
+    FormSelector *inner = nullptr;
+    const auto addPage = [&](FormSelector *to, int board) {
         auto *const page = new QWidget;
         auto *const rows = new QVBoxLayout(page);
         rows->addWidget(named(new DateEdit, QString("date%1").arg(board)));
         rows->addWidget(named(new QLineEdit, QString("line%1").arg(board)));
-        selector->addWidget({0, board}, page);
+        rows->addWidget(inner = new FormSelector);
+        to->addWidget({0, board}, page);
     };
-    addPage(1);
+    addPage(selector, 1);
     for (QWidget *const control : {named(new QLineEdit, "before"), static_cast<QWidget *>(selector),
                                    named(new QLineEdit, "after"), named(new QLineEdit, "last")})
         layout->addWidget(control);
-    addPage(0);
-    addPage(2);
+    addPage(selector, 0);
+    addPage(selector, 2);
+    addPage(inner, 0);
     window.show();
     QVERIFY(QTest::qWaitForWindowActive(&window));
     for (QWidget *const page : selector->getWidgetList())
         page->parentWidget()->show();
     QStringList names;
     window.findChild<QWidget *>("before")->setFocus();
-    for (int i = 0; i < 9; ++i) {
+    for (int i = 0; i < 11; ++i) {
         keys::press(window.focusWidget(), "Tab");
         names << window.focusWidget()->objectName();
     }
-    QCOMPARE(names.join(' '), QString("date1 line1 date0 line0 date2 line2 after last before"));
+    QCOMPARE(names.join(' '),
+             QString("date1 line1 date0 line0 date2 line2 date0 line0 after last before"));
 }
 
 // Another hub, the same hub, another page for the board, from a control that is being bound: nobody
@@ -512,10 +516,9 @@ void FormsTest::stateTrace()
     QCOMPARE(top->objectName() + ' ' + leaf->objectName(), QString("Desk::Top Order::Leaf"));
     machine.start();
     QTRY_VERIFY(away.active());
-    QCOMPARE(
-        messages(),
-        QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
-                     "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
+    QCOMPARE(messages(),
+             QStringList({"Entering state:  Desk :: Top", "Entering state:  Ticket :: Top->Last",
+                          "Exiting state:  Ticket :: Top->Last", "Exiting state:  Desk :: Top"}));
 }
 
 QTEST_MAIN(FormsTest)

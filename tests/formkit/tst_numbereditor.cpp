@@ -249,18 +249,20 @@ void NumberEditorTest::completeTexts()
         QCOMPARE(validator.validateParsedString(text), QValidator::Invalid);
     validator.setLocale(QLocale("en_US"));
     for (const char *text : {"abc", "1.2.3", "1-", "--1"}) {
-        QString error;
         try {
             validator.textToDecimal(text);
+            QFAIL(text);
         } catch (const QString &thrown) {
-            error = thrown;
+            QCOMPARE(thrown, QLatin1String("Invalid string for decimal: ") + text);
         }
-        QCOMPARE(error, QLatin1String("Invalid string for decimal: ") + text);
     }
     for (const char *text : {"", "-", ".", "99999999999999999999"})
         QVERIFY_EXCEPTION_THROWN(validator.textToDecimal(text), Exception);
-    // An editor's own takes other texts than the shown one too.
-    const NumberEditor editor;
+    // An editor's own takes other texts than the shown one too, also when it is not in use.
+    NumberEditor editor;
+    editor.setValidator(nullptr);
+    QTest::keyClicks(&editor, "1234.5");
+    QCOMPARE(editor.getValue() + editor.text(), QString("1234.51234.5"));
     QString text = "-1234567";
     int pos = 2;
     QCOMPARE(editor.decimalValidator()->validate(text, pos), QValidator::Acceptable);
