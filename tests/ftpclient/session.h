@@ -82,8 +82,8 @@ struct Client
         if (later.joinable())
             later.join();
     }
-    // Runs operations separated by commas, such as "get f active". The last result counts: 0, 1 and -1
-    // as commands give them, 0 and -1 for transfers, or a number that was asked for.
+    // Runs operations separated by commas, such as "get f active". The last result counts: 0, 1 and
+    // -1 as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
     // Whether commands read their own replies.
     bool inStep() const
