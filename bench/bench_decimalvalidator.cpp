@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // DecimalValidator beside QDoubleValidator on the same twelve-digit texts: one that is grouped
 // already, and one as it stands when the last digit was just typed and the groups must move.
 #include <formkit/decimalvalidator.h>

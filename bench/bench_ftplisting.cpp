@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Parsing a million lines of each listing style, beside a pass that only splits the same lines
 // at blanks (EPLF has commas instead); and a whole List() over loopback at growing numbers of
 // entries.

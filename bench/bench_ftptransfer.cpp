@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Downloads and uploads of 1 GiB over loopback beside curl: same server (vsftpd), same buffer
 // size, in pairs; medians of time and of processor time. An argument sets the number of pairs.
 

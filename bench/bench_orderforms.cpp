@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The order form of the examples, with formkit and with Qt alone, over the same host: what a user
 // waits for. Each form and size has a process of its own, which is ended after ten minutes.
 //

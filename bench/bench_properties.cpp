@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The binding hub against the property writes that it cannot do without.
 
 #include <formkit/lineedit.h>
@@ -82,7 +83,7 @@ void fanOut(benchmark::State &state)
     int turn = 0;
     for (auto _ : state) {
         typed.setText(texts[++turn % 2]);
-        emit typed.changedValue(typed.text());
+        Q_EMIT typed.changedValue(typed.text());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

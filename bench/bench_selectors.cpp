@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The security box against Qt's own classes wired as such a box (an editable QComboBox with a
 // QCompleter over a QSortFilterProxyModel) and against a bare loop over the table, each
 // measurement in a process of its own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "selectorbench.h"
 
 #include <embeddedhost/embeddedhost.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Each Debian package carries the licence and the changes under its own name.
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} upper)

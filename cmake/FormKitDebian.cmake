@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Debian packages, one an install component: `cpack -G DEB` in a build folder, or scripts/packages,
 # which checks them too.
 set(CPACK_PACKAGE_NAME formkit-qt5)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What an installation holds, in four components: runtime (the libraries), development (headers,
 # the CMake package FormKitQt5, pkg-config files, formkit-mkdb), designer (the Qt Designer
 # plug-in) and documentation.

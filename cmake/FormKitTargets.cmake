@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # What every target of the tree shares: warnings, sanitizers, and the shape of a library.
 include(GenerateExportHeader)
 
@@ -7,7 +8,8 @@ target_compile_options(formkit_options INTERFACE -Wall -Wextra -Wpedantic -Wshad
     # Qt's own macros for categories of messages.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 target_compile_definitions(formkit_options INTERFACE
-    QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING)
+    QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING)
 if(FORMKIT_DEVELOPER)
     target_compile_options(formkit_options INTERFACE -Werror)
 endif()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "databasefile.h"
 #include "orderscript.h"
 #include "orderwindow.h"

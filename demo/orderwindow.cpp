@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "orderwindow.h"
 
 #include "orderrules.h"
@@ -242,9 +243,9 @@ bool OrderWindow::check()
     tell(reasons.isEmpty() ? tr("Valid, not placed")
                            : tr("Not valid: %1").arg(inOrderOfTheForm.value(0)));
     if (reasons.isEmpty())
-        emit accepted();
+        Q_EMIT accepted();
     else
-        emit rejected();
+        Q_EMIT rejected();
     return reasons.isEmpty();
 }
 
@@ -257,7 +258,7 @@ void OrderWindow::send()
                       .arg((m_ui->buy->isChecked() ? m_ui->buy : m_ui->sell)->text(),
                            m_ui->quantity->text(), m_ui->security->currentText())
                 : tr("Order withdrawn"));
-    emit sent();
+    Q_EMIT sent();
 }
 
 void OrderWindow::tell(const QString &outcome)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "statementswindow.h"
 
 #include "ui_statementswindow.h"
@@ -114,7 +115,7 @@ void StatementsWindow::open(const StatementsServer &server)
     m_ui->passive->setChecked(server.passive);
     m_ui->resume->setChecked(server.resume);
     enter(Connecting, tr("Connecting to %1…").arg(server.host));
-    emit openRequested(server);
+    Q_EMIT openRequested(server);
 }
 
 void StatementsWindow::showStatements(const QVector<Statement> &statements)
@@ -154,7 +155,7 @@ void StatementsWindow::downloadTo(const QString &localFile)
     }
     const Statement &statement = m_statements.at(item->data(NameColumn, Qt::UserRole).toInt());
     enter(Downloading, tr("Fetching %1…").arg(item->text(NameColumn)));
-    emit downloadRequested(statement, localFile);
+    Q_EMIT downloadRequested(statement, localFile);
 }
 
 void StatementsWindow::showProgress(qint64 received, qint64 total, qint64 elapsed)
@@ -193,5 +194,5 @@ void StatementsWindow::leave(const QString &text)
     m_ui->progress->hide();
     m_ui->status->setText(text);
     m_ui->status->setToolTip(text);
-    emit finished();
+    Q_EMIT finished();
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "statementsworker.h"
@@ -11,26 +12,26 @@ namespace Ui {
 class StatementsWindow;
 }
 
-// Fetches statements from an FTP server while the order form stays alive.
+/// Fetches statements from an FTP server while the order form stays alive.
 class StatementsWindow : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit StatementsWindow(QWidget *parent = nullptr);
-    // Cancels what is under way and waits for it, at most one of the server's time-outs.
+    /// Cancels what is under way and waits for it, at most one of the server's time-outs.
     ~StatementsWindow() override;
 
-    // Fills the fields and connects.
+    /// Fills the fields and connects.
     void open(const StatementsServer &server);
-    // Fetches the chosen file without asking where to.
+    /// Fetches the chosen file without asking where to.
     void downloadTo(const QString &localFile);
 
-signals:
-    // For the worker's thread.
+Q_SIGNALS:
+    /// For the worker's thread.
     void openRequested(const StatementsServer &server);
     void downloadRequested(const Statement &statement, const QString &localFile);
-    // The list is there, or the download, or neither.
+    /// The list is there, or the download, or neither.
     void finished();
 
 private:

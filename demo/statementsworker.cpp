@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "statementsworker.h"
 
 #include <QFile>
@@ -46,7 +47,7 @@ void StatementsWorker::open(const StatementsServer &server)
     const CLogonInfo logon(bytes(server.host), server.port, bytes(server.user),
                            bytes(server.password));
     if (m_client.Login(logon) && list(&statements))
-        emit opened(statements);
+        Q_EMIT opened(statements);
     else
         fail();
 }
@@ -88,13 +89,13 @@ void StatementsWorker::download(const Statement &statement, const QString &local
         fail();
         return;
     }
-    emit progress(m_received, m_received, m_clock.elapsed());
-    emit downloaded(localFile);
+    Q_EMIT progress(m_received, m_received, m_clock.elapsed());
+    Q_EMIT downloaded(localFile);
 }
 
 void StatementsWorker::fail()
 {
-    emit failed(m_lastWord.isEmpty() ? tr("No answer") : m_lastWord);
+    Q_EMIT failed(m_lastWord.isEmpty() ? tr("No answer") : m_lastWord);
 }
 
 void StatementsWorker::OnInternalError(const std::string &message, const std::string &, int)
@@ -114,5 +115,5 @@ void StatementsWorker::OnBytesReceived(const std::vector<char> &, long count)
     if (!m_downloading || m_clock.elapsed() - m_reportedAt < ReportEveryMSecs)
         return;
     m_reportedAt = m_clock.elapsed();
-    emit progress(m_received, m_total, m_reportedAt);
+    Q_EMIT progress(m_received, m_total, m_reportedAt);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/FtpClient/FTPClient.h>
@@ -9,17 +10,17 @@
 
 #include <atomic>
 
-// One file of a statements server.
+/// One file of a statements server.
 struct Statement
 {
-    QByteArray name; // as the server gave it
+    QByteArray name; ///< as the server gave it
     qint64 size = -1;
     QDateTime modified;
-    bool knowsTime = false; // of the day
+    bool knowsTime = false; ///< of the day
 };
 Q_DECLARE_METATYPE(QVector<Statement>)
 
-// How to reach a statements server.
+/// How to reach a statements server.
 struct StatementsServer
 {
     QString host;
@@ -32,8 +33,8 @@ struct StatementsServer
 };
 Q_DECLARE_METATYPE(StatementsServer)
 
-// Talks to a statements server, on a thread of its own: the calls block, and their results come
-// as signals.
+/// Talks to a statements server, on a thread of its own: the calls block, and their results come
+/// as signals.
 class StatementsWorker : public QObject, private nsFTP::CFTPClient::CNotification
 {
     Q_OBJECT
@@ -42,19 +43,19 @@ public:
     StatementsWorker();
     ~StatementsWorker() override;
 
-    // Ends the download that is under way after the block in hand. May be called from any
-    // thread.
+    /// Ends the download that is under way after the block in hand. May be called from any
+    /// thread.
     void cancel();
 
-public slots:
-    // Logs on and lists the folder.
+public Q_SLOTS:
+    /// Logs on and lists the folder.
     void open(const StatementsServer &server);
-    // Fetches a listed file; it may replace what is there.
+    /// Fetches a listed file; it may replace what is there.
     void download(const Statement &statement, const QString &localFile);
 
-signals:
+Q_SIGNALS:
     void opened(const QVector<Statement> &statements);
-    // Bytes so far, bytes of the whole file (-1 when unknown), milliseconds since the start.
+    /// Bytes so far, bytes of the whole file (-1 when unknown), milliseconds since the start.
     void progress(qint64 received, qint64 total, qint64 elapsed);
     void downloaded(const QString &localFile);
     void failed(const QString &reason);

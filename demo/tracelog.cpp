@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "tracelog.h"
 
 #include <cstring>
@@ -10,7 +11,7 @@ QtMessageHandler nextHandler = nullptr;
 void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (currentLog && context.category && std::strcmp(context.category, "QGuiLog") == 0)
-        emit currentLog->line(text.simplified());
+        Q_EMIT currentLog->line(text.simplified());
     else if (nextHandler)
         nextHandler(type, context, text);
 }

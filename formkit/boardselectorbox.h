@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/boardselectorfilteredmodel.h>
@@ -5,15 +6,15 @@
 
 class BoardSelectorModel;
 
-// Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
-// "0" for none.
-//
-// Setting another exchange narrows the list and empties the box. A board that is set in the same
-// turn of the event loop, before or after the exchange, is chosen there, or waits for it (see
-// SelectorBox). The other setters choose a row as a user would: the change is reported; what is
-// not listed leaves the choice as it is and waits. Typing reports after each change
-// of the text: the board only when the text is a name letter for letter, otherwise id "0" and
-// an empty code; the getters find a name in any letter case.
+/// Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
+/// "0" for none.
+///
+/// Setting another exchange narrows the list and empties the box. A board that is set in the same
+/// turn of the event loop, before or after the exchange, is chosen there, or waits for it (see
+/// SelectorBox). The other setters choose a row as a user would: the change is reported; what is
+/// not listed leaves the choice as it is and waits. Typing reports after each change
+/// of the text: the board only when the text is a name letter for letter, otherwise id "0" and
+/// an empty code; the getters find a name in any letter case.
 class FORMKIT_EXPORT BoardSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -27,35 +28,35 @@ class FORMKIT_EXPORT BoardSelectorBox : public SelectorBox
 public:
     explicit BoardSelectorBox(QWidget *parent = nullptr);
 
-    // Puts another model in place, a subclass with a filter of its own for example. The box
-    // takes it over, populates it and deletes the one before. When populating throws, the box
-    // owns the model but goes on with the one before. Null is ignored.
+    /// Puts another model in place, a subclass with a filter of its own for example. The box
+    /// takes it over, populates it and deletes the one before. When populating throws, the box
+    /// owns the model but goes on with the one before. Null is ignored.
     void setSourceModel(BoardSelectorModel *model);
 
-    // Conditions on the list; see BoardSelectorFilteredModel. A choice that still fits stays.
+    /// Conditions on the list; see BoardSelectorFilteredModel. A choice that still fits stays.
     void setSecTypeFilter(const QChar &secType);
     void setBoardFlagsOnFilter(qlonglong boardFlagsOn);
     void setBoardFlagsOffFilter(qlonglong boardFlagsOff);
 
-    // The exchange whose boards are listed; an empty code lists all. An id that the host's
-    // directory does not know is its answer for an empty code.
+    /// The exchange whose boards are listed; an empty code lists all. An id that the host's
+    /// directory does not know is its answer for an empty code.
     QString getStockId() const;
     void setStockId(const QString &id);
     QString getStockCode() const { return m_place.stockCode; }
     void setStockCode(const QString &code);
 
-    // The id of the board that the text names, "0" for none.
+    /// The id of the board that the text names, "0" for none.
     QString getBoardId() const;
     void setBoardId(const QString &id);
-    // The text as it stands.
+    /// The text as it stands.
     QString getBoard() const;
-    // The code of the board that the text names, empty for none.
+    /// The code of the board that the text names, empty for none.
     QString getBoardCode() const;
-    // In any letter case, unless one has it letter for letter.
+    /// In any letter case, unless one has it letter for letter.
     void setBoardCode(const QString &code);
 
 Q_SIGNALS:
-    // The text, after every change of it.
+    /// The text, after every change of it.
     void boardChanged(const QString &newValue);
     void boardIdChanged(const QString &newValue);
     void boardCodeChanged(const QString &newValue);
@@ -65,8 +66,8 @@ private Q_SLOTS:
     void item_activated(int index) override;
 
 private:
-    // The exchange as it is set: its code, and the id that was given for it, 0 for none. The
-    // directory may have no code for that id.
+    /// The exchange as it is set: its code, and the id that was given for it, 0 for none. The
+    /// directory may have no code for that id.
     struct Place
     {
         QString stockCode;

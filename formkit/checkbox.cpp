@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "checkbox.h"
 
 #include <QDebug>
@@ -30,5 +31,5 @@ void CheckBox::setValue(const QString &value)
 void CheckBox::nextCheckState()
 {
     QCheckBox::nextCheckState();
-    emit changedValue(property(checkedText).toString());
+    Q_EMIT changedValue(property(checkedText).toString());
 }

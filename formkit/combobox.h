@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/comboboxvalidator.h>
@@ -86,9 +87,9 @@ private:
     bool m_measured = false;
     bool m_wasShown = false;
     bool m_opening = false;
-    // Why the line edit is marked, and what of it the mark has replaced.
+    /// Why the line edit is marked, and what of it the mark has replaced.
     QString m_mark;
     QStringList m_unmarked;
-    // The texts of most characters, one of which is likely the widest.
+    /// The texts of most characters, one of which is likely the widest.
     QStringList m_longest;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "comboboxvalidator.h"
 
 ComboBoxValidator::ComboBoxValidator(QObject *parent) : QValidator(parent) {}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
@@ -65,5 +66,5 @@ private:
 
     std::unique_ptr<QCalendarWidget> m_calendar;
     datetime m_value;
-    datetime m_given; // what the text was set from
+    datetime m_given; ///< what the text was set from
 };

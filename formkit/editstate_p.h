@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QLineEdit>
 
-// The text, caret and selection of a box's line edit, which a refresh of the list disturbs and
-// then puts back. A box that was made not editable has none.
+/// The text, caret and selection of a box's line edit, which a refresh of the list disturbs and
+/// then puts back. A box that was made not editable has none.
 class EditState
 {
 public:
@@ -20,7 +21,7 @@ public:
 
     QString text() const { return m_text; }
 
-    // Puts caret and selection back, if the edit shows the text.
+    /// Puts caret and selection back, if the edit shows the text.
     void restoreCaret(QLineEdit *edit) const
     {
         if (!edit || edit->text() != m_text)

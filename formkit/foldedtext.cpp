@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "foldedtext_p.h"
 
 #include <algorithm>

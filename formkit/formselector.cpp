@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "formselector.h"
 
 #include "doing_p.h"

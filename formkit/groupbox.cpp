@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "groupbox.h"
 
 GroupBox::GroupBox(QWidget *parent) : QGroupBox(parent) {}

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
 
 #include <QGroupBox>
 
-// A group box that a form can wire to a value by signal and slot. It binds nothing itself:
-// the hub's walk passes through it to the controls inside.
+/// A group box that a form can wire to a value by signal and slot. It binds nothing itself:
+/// the hub's walk passes through it to the controls inside.
 class FORMKIT_EXPORT GroupBox : public QGroupBox
 {
     Q_OBJECT
@@ -13,11 +14,11 @@ class FORMKIT_EXPORT GroupBox : public QGroupBox
 public:
     explicit GroupBox(QWidget *parent = nullptr);
 
-signals:
-    // For the form's own use; the box never emits it.
+Q_SIGNALS:
+    /// For the form's own use; the box never emits it.
     void setProp_Value(const QString &newValue);
 
-public slots:
-    // Takes a value and does nothing with it.
+public Q_SLOTS:
+    /// Takes a value and does nothing with it.
     void prop_Value_changed(const QString &newValue);
 };

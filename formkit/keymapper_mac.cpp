@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "keymapper_p.h"
 
 #include <QKeyEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "label.h"
 
 Label::Label(QWidget *parent, Qt::WindowFlags f) : QLabel(parent, f)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "lineedit.h"
 
 #include <QCompleter>
@@ -44,5 +45,5 @@ void LineEdit::edit_changed(const QString &newValue)
     // A completer may have come since the focus did.
     listenToCompleter();
     m_known = newValue;
-    emit changedValue(newValue);
+    Q_EMIT changedValue(newValue);
 }

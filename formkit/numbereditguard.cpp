@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "numbereditguard_p.h"
 
 #include "numbertext_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/decimalvalidator.h>
@@ -85,7 +86,7 @@ public:
     static QString wordOfLength();
 
 private:
-    // A separator or a refused point that was typed, and the integer digits in front of it.
+    /// A separator or a refused point that was typed, and the integer digits in front of it.
     struct Stop
     {
         int place = 0;
@@ -100,7 +101,7 @@ private:
         Stops stops;
         QString doubt;
         bool isOnItsWay = false;
-        bool isForeign = false; // not a number as the locale writes it
+        bool isForeign = false; ///< not a number as the locale writes it
     };
 
     using Fault = DecimalValidator::Fault;
@@ -131,8 +132,8 @@ private:
 
     const DecimalValidator &m_limits;
     Shown m_shown;
-    // The state of the shown text rests on limits that may change.
+    /// The state of the shown text rests on limits that may change.
     mutable Fault m_fault = Fault::None;
     mutable std::optional<Limits> m_judgedBy;
-    QHash<QString, Shown> m_past; // texts with a doubt or stops that undo may lead back to
+    QHash<QString, Shown> m_past; ///< texts with a doubt or stops that undo may lead back to
 };

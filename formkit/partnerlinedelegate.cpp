@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "partnerlinedelegate_p.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "partnerselectorbox.h"
 
 #include "partnerlinedelegate_p.h"

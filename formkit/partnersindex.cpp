@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "partnersindex_p.h"
 
 #include <hostapi/table.h>

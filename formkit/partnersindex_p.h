@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/indexsort.h>
 
-// The rows of the gateway's partner table "gx.diler" by partner code, case-sensitive, blank
-// codes first.
+/// The rows of the gateway's partner table "gx.diler" by partner code, case-sensitive, blank
+/// codes first.
 class PartnersIndex : public IndexSort
 {
 public:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "properties.h"
 
 #include "doing_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/values.h>
@@ -13,41 +14,41 @@
 
 class QTimer;
 
-// The hub between a form and the terminal: one text per name, bound to any number of Qt
-// properties of the form's objects. A value that the terminal sets is written into every
-// property bound under its name; a bound property that reports a change through its notify
-// signal gives the hub its new value, which goes on into the other properties of that name.
-// After any number of changes in one turn of the event loop the hub emits hasChanged() once.
-//
-// What connectAll() binds is said by the objects themselves:
-// - Q_CLASSINFO("Properties", …) of a class: "this" binds the properties that the class
-//   itself declares and walks on into the children; "thisOnly" binds them and ends the walk;
-//   "super" hands over to the base class, its entry and its properties. A class without an
-//   entry binds nothing and passes the walk on.
-// - The dynamic property "field" of an object names the hub name for its user property (for
-//   its `Value`, where it has no readable user property).
-// - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-//   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
-//   skipped with a warning.
-//
-// The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
-// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
-// destroyed, inside any of its notifications and any write of a property. It belongs to one
-// thread, with everything bound to it.
-//
-// A property may answer a write with a form of its own (a date in normal form, say): the hub
-// takes that over and hands it on. Properties of one name that go on contradicting one another
-// are left as they stand after a while, with a warning.
-//
-// Before a program acts on the values it asks unshown() whether they are what it set and what the
-// user sees.
+/// The hub between a form and the terminal: one text per name, bound to any number of Qt
+/// properties of the form's objects. A value that the terminal sets is written into every
+/// property bound under its name; a bound property that reports a change through its notify
+/// signal gives the hub its new value, which goes on into the other properties of that name.
+/// After any number of changes in one turn of the event loop the hub emits hasChanged() once.
+///
+/// What connectAll() binds is said by the objects themselves:
+/// - Q_CLASSINFO("Properties", …) of a class: "this" binds the properties that the class
+///   itself declares and walks on into the children; "thisOnly" binds them and ends the walk;
+///   "super" hands over to the base class, its entry and its properties. A class without an
+///   entry binds nothing and passes the walk on.
+/// - The dynamic property "field" of an object names the hub name for its user property (for
+///   its `Value`, where it has no readable user property).
+/// - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
+///   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
+///   skipped with a warning.
+///
+/// The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
+/// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
+/// destroyed, inside any of its notifications and any write of a property. It belongs to one
+/// thread, with everything bound to it.
+///
+/// A property may answer a write with a form of its own (a date in normal form, say): the hub
+/// takes that over and hands it on. Properties of one name that go on contradicting one another
+/// are left as they stand after a while, with a warning.
+///
+/// Before a program acts on the values it asks unshown() whether they are what it set and what the
+/// user sees.
 class FORMKIT_EXPORT Properties : public QObject
 {
     Q_OBJECT
 
 public:
-    // A member of an object: a property index or a notify signal's method index, absolute in
-    // the object's meta-object.
+    /// A member of an object: a property index or a notify signal's method index, absolute in
+    /// the object's meta-object.
     struct Key
     {
         QObject *object = nullptr;
@@ -67,36 +68,36 @@ public:
     explicit Properties(QObject *parent = nullptr);
     ~Properties() override;
 
-    // Binds one property under a name, once more for each call. If the hub holds a value of
-    // the name it is written into the property; otherwise a property with a notify signal
-    // gives its content to the hub. Neither is reported by hasChanged(). A property without
-    // a notify signal only receives. False, with a warning, when there is no such property.
+    /// Binds one property under a name, once more for each call. If the hub holds a value of
+    /// the name it is written into the property; otherwise a property with a notify signal
+    /// gives its content to the hub. Neither is reported by hasChanged(). A property without
+    /// a notify signal only receives. False, with a warning, when there is no such property.
     bool connectOne(const QString &name, QObject *object, const QByteArray &property);
-    // The same under the property's own name.
+    /// The same under the property's own name.
     bool connectOne(QObject *object, const QByteArray &property);
-    // Binds what an object tree offers (see above). A binding that the hub already holds is
-    // not added again, but works afterwards in both directions and shows the hub's value, so
-    // a sub-form may come and go. True when anything in the tree is bound.
+    /// Binds what an object tree offers (see above). A binding that the hub already holds is
+    /// not added again, but works afterwards in both directions and shows the hub's value, so
+    /// a sub-form may come and go. True when anything in the tree is bound.
     bool connectAll(QObject *object);
 
-    // Undoes every connectOne() of the property under the name, and stops listening to it.
-    // The values stay. False, with a warning, when there is no such property.
+    /// Undoes every connectOne() of the property under the name, and stops listening to it.
+    /// The values stay. False, with a warning, when there is no such property.
     bool disconnectOne(const QString &name, QObject *object, const QByteArray &property);
     bool disconnectOne(QObject *object, const QByteArray &property);
-    // Unbinds an object tree: each property that the objects' own classes declare, under its
-    // own name. It is not the exact reverse of connectAll(): "super" is not followed, and
-    // bindings made by "field" and "fields" stay and still receive, though nobody listens to
-    // the property any more. True when the tree has such a property, bound or not.
+    /// Unbinds an object tree: each property that the objects' own classes declare, under its
+    /// own name. It is not the exact reverse of connectAll(): "super" is not followed, and
+    /// bindings made by "field" and "fields" stay and still receive, though nobody listens to
+    /// the property any more. True when the tree has such a property, bound or not.
     bool disconnectAll(QObject *object);
 
-    // Writes a value into every property bound under the name, unless the hub holds it
-    // already (a name that is absent counts as empty). hasChanged() follows in either case. An
-    // exception that a property throws comes out when all the others are written; the hub keeps
-    // the value.
+    /// Writes a value into every property bound under the name, unless the hub holds it
+    /// already (a name that is absent counts as empty). hasChanged() follows in either case. An
+    /// exception that a property throws comes out when all the others are written; the hub keeps
+    /// the value.
     void setValue(const QString &name, const QString &value);
-    // setValue() for each entry, by ascending name, and once more for those that were held already
-    // and therefore not written: a later entry may have changed them (an exchange empties a board).
-    // An exception comes out when all are set.
+    /// setValue() for each entry, by ascending name, and once more for those that were held already
+    /// and therefore not written: a later entry may have changed them (an exchange empties a
+    /// board). An exception comes out when all are set.
     void setValues(const Values &values);
     Values values() const { return m_values; }
 
@@ -121,19 +122,19 @@ public:
     /// hasChanged() follows. An exception comes out when all are written.
     void showAgain();
 
-    // The names under which connectAll() bound the object's properties, the latest first.
+    /// The names under which connectAll() bound the object's properties, the latest first.
     QStringList objectProperty(QObject *object) const;
-    // Writes every object bound by connectAll(), with its names, to the debug output.
+    /// Writes every object bound by connectAll(), with its names, to the debug output.
     void dumpObjProp();
 
-signals:
-    // Some value may have changed: read values(). Emitted from the event loop, once for any
-    // number of changes, also when a change left the value as it was.
+Q_SIGNALS:
+    /// Some value may have changed: read values(). Emitted from the event loop, once for any
+    /// number of changes, also when a change left the value as it was.
     void hasChanged();
 
-protected slots:
-    // Takes over the value of the property whose notify signal calls it. Only a signal can
-    // call it: it asks for the sender.
+protected Q_SLOTS:
+    /// Takes over the value of the property whose notify signal calls it. Only a signal can
+    /// call it: it asks for the sender.
     void propertyChanged();
 
 private:
@@ -141,8 +142,8 @@ private:
     struct Bound
     {
         QPointer<QObject> object;
-        // The names in m_bindings under which it stands, so that it is forgotten in time that
-        // does not grow with the form.
+        /// The names in m_bindings under which it stands, so that it is forgotten in time that
+        /// does not grow with the form.
         QSet<QString> names;
     };
     using Aliases = QMap<QByteArray, QString>;
@@ -168,15 +169,15 @@ private:
     QMultiMap<QString, Key> m_bindings;
     QMap<Key, QString> m_keyNames;
     Values m_values;
-    // What the program has set and the user has not changed since.
+    /// What the program has set and the user has not changed since.
     QMap<QString, QString> m_given;
     QTimer *m_changeTimer;
     QMultiMap<QObject *, QString> m_objectNames;
 
-    // The objects that are bound, or were, until they are destroyed.
+    /// The objects that are bound, or were, until they are destroyed.
     QHash<QObject *, Bound> m_bound;
-    // Counts the changes of m_bindings, so that a write under way notices.
+    /// Counts the changes of m_bindings, so that a write under way notices.
     int m_bindingChanges = 0;
-    // The innermost write under way.
+    /// The innermost write under way.
     Write *m_write = nullptr;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
@@ -42,6 +43,6 @@ private:
     const QIcon &okIcon() const;
 
     QString m_value;
-    // The style's, read once: each reading makes new pictures, which Qt keeps for a while.
+    /// The style's, read once: each reading makes new pictures, which Qt keeps for a while.
     mutable QIcon m_okIcon;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "quantityeditor.h"
 
 QuantityEditor::QuantityEditor(QWidget *parent) : NumberEditor(parent, 0)

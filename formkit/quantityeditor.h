@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/numbereditor.h>
 
-// A NumberEditor for whole quantities: no fraction digits and no minus. Zero is allowed.
+/// A NumberEditor for whole quantities: no fraction digits and no minus. Zero is allowed.
 class FORMKIT_EXPORT QuantityEditor : public NumberEditor
 {
     Q_OBJECT

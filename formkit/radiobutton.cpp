@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "radiobutton.h"
 
 #include <QButtonGroup>
@@ -54,5 +55,5 @@ void RadioButton::nextCheckState()
     // Qt unchecks a button that stands alone among its siblings; its text stays the value.
     setChecked(true);
     m_value = property(ownText).toString();
-    emit changedValue(m_value);
+    Q_EMIT changedValue(m_value);
 }

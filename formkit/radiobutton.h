@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
 
 #include <QRadioButton>
 
-// A radio button that stands for one text, its dynamic property "value", set in the form
-// designer. Several buttons bound under one name act as one choice.
+/// A radio button that stands for one text, its dynamic property "value", set in the form
+/// designer. Several buttons bound under one name act as one choice.
 class FORMKIT_EXPORT RadioButton : public QRadioButton
 {
     Q_OBJECT
@@ -15,16 +16,16 @@ class FORMKIT_EXPORT RadioButton : public QRadioButton
 public:
     explicit RadioButton(QWidget *parent = nullptr);
 
-    // The button's own text while it is checked, otherwise the text last set or clicked.
+    /// The button's own text while it is checked, otherwise the text last set or clicked.
     QString getValue() const;
-    // Checks the button if the text is its own, otherwise unchecks it, an exclusive one too,
-    // silently, and remembers the text.
+    /// Checks the button if the text is its own, otherwise unchecks it, an exclusive one too,
+    /// silently, and remembers the text.
     void setValue(const QString &value);
 
-signals:
-    // The user has clicked the button; the argument is its own text. A click never unchecks, on
-    // purpose not even a button that stands alone: its text stays the value. A button that is
-    // unchecked because another one is checked does not report.
+Q_SIGNALS:
+    /// The user has clicked the button; the argument is its own text. A click never unchecks, on
+    /// purpose not even a button that stands alone: its text stays the value. A button that is
+    /// unchecked because another one is checked does not report.
     void changedValue(const QString &value);
 
 protected:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QVariant>
@@ -25,7 +26,7 @@ private:
     static size_t hash(const QVariant &key);
 
     KeyOf m_keyOf;
-    // By hash, the last row of that hash; by row, the one before it; -1 ends the chain.
+    /// By hash, the last row of that hash; by row, the one before it; -1 ends the chain.
     QVector<int> m_last;
     QVector<int> m_previous;
 };

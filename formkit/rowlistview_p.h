@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QAbstractItemView>
 
-// A list of one column whose rows are all of one height, for pop-ups: opening, scrolling and
-// moving in it cost by the rows that are seen, however many there are.
+/// A list of one column whose rows are all of one height, for pop-ups: opening, scrolling and
+/// moving in it cost by the rows that are seen, however many there are.
 class RowListView : public QAbstractItemView
 {
     Q_OBJECT
@@ -11,7 +12,7 @@ class RowListView : public QAbstractItemView
 public:
     explicit RowListView(QWidget *parent = nullptr);
 
-    // The column shown; 0 unless set.
+    /// The column shown; 0 unless set.
     void setModelColumn(int column);
 
     void setModel(QAbstractItemModel *model) override;

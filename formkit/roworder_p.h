@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "rowrange.h"
@@ -61,14 +62,14 @@ private:
     void invert() const;
 
     TextOf m_textOf;
-    // All rows in ascending order of their texts, and by row the place in that order.
+    /// All rows in ascending order of their texts, and by row the place in that order.
     QVector<int> m_sorted;
     QVector<int> m_places;
-    // By position, the row.
+    /// By position, the row.
     QVector<int> m_shown;
     Direction m_direction = AsRead;
-    // By row, less m_firstRow, the position, -1 for rows that are not shown; empty until it is
-    // first needed.
+    /// By row, less m_firstRow, the position, -1 for rows that are not shown; empty until it is
+    /// first needed.
     mutable QVector<int> m_positions;
     mutable int m_firstRow = 0;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/securityselectorfilteredmodel.h>
@@ -6,15 +7,15 @@
 class SecuritySelectorModel;
 class WaitingKey;
 
-// Selects a security of one board of one exchange by what its model shows (the name, unless
-// the model's default data role says otherwise). Ids travel as decimal texts, "0" for none.
-//
-// Setting another exchange or board narrows the list and empties the box; while either of them is
-// empty every security is listed. A security that is set in the same turn of the event loop,
-// in whatever order, is chosen there, or waits for it (see SelectorBox); a board that is set by id
-// in that turn is one of the exchange that is set then. The other setters choose a row as a user
-// would: the change is reported; what is not listed leaves the choice as it is and waits. Typing
-// reports after each change of the text, and finds a name in any letter case.
+/// Selects a security of one board of one exchange by what its model shows (the name, unless
+/// the model's default data role says otherwise). Ids travel as decimal texts, "0" for none.
+///
+/// Setting another exchange or board narrows the list and empties the box; while either of them is
+/// empty every security is listed. A security that is set in the same turn of the event loop,
+/// in whatever order, is chosen there, or waits for it (see SelectorBox); a board that is set by id
+/// in that turn is one of the exchange that is set then. The other setters choose a row as a user
+/// would: the change is reported; what is not listed leaves the choice as it is and waits. Typing
+/// reports after each change of the text, and finds a name in any letter case.
 class FORMKIT_EXPORT SecuritySelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -33,46 +34,46 @@ public:
     explicit SecuritySelectorBox(QWidget *parent = nullptr);
     ~SecuritySelectorBox() override;
 
-    // Puts another model in place, a subclass with a filter of its own for example. The box
-    // takes it over, populates it and deletes the one before. When populating throws, the box
-    // owns the model but goes on with the one before. Null is ignored.
+    /// Puts another model in place, a subclass with a filter of its own for example. The box
+    /// takes it over, populates it and deletes the one before. When populating throws, the box
+    /// owns the model but goes on with the one before. Null is ignored.
     void setSourceModel(SecuritySelectorModel *model);
 
-    // The exchange whose securities are listed.
+    /// The exchange whose securities are listed.
     QString getStockId() const;
     QString getStockCode() const { return m_place.stockCode; }
-    // The board whose securities are listed. The id is that of the codes in the host's
-    // directory.
+    /// The board whose securities are listed. The id is that of the codes in the host's
+    /// directory.
     QString getBoardId() const;
     QString getBoardCode() const { return m_place.boardCode; }
 
-    // The id of the security that the text names, "0" for none.
+    /// The id of the security that the text names, "0" for none.
     QString getSecurityId() const;
-    // The code of the security that was last chosen or typed, empty for none.
+    /// The code of the security that was last chosen or typed, empty for none.
     QString getSecurityCode() const { return m_securityCode; }
-    // The name of the security that the text names, empty for none.
+    /// The name of the security that the text names, empty for none.
     QString getSecurityName() const;
 
 public Q_SLOTS:
-    // The exchange, by id or by exact code. An id that the host's directory does not know
-    // counts as an empty code, by which every security is listed.
+    /// The exchange, by id or by exact code. An id that the host's directory does not know
+    /// counts as an empty code, by which every security is listed.
     void setStockId(const QString &id);
     void setStockCode(const QString &code);
-    // A board of the exchange that is set.
+    /// A board of the exchange that is set.
     void setBoardId(const QString &id);
     void setBoardCode(const QString &code);
     void setSecurityId(const QString &id);
-    // In any letter case, unless one has it letter for letter.
+    /// In any letter case, unless one has it letter for letter.
     void setSecurityCode(const QString &code);
-    // Puts the text into the edit field, as if it had been typed. While a security waits that was
-    // set in the same turn of the event loop, a name that is not listed is ignored: it will come
-    // with the security.
+    /// Puts the text into the edit field, as if it had been typed. While a security waits that was
+    /// set in the same turn of the event loop, a name that is not listed is ignored: it will come
+    /// with the security.
     void setSecurityName(const QString &text);
 
 Q_SIGNALS:
-    // The code of the security, empty for none.
+    /// The code of the security, empty for none.
     void securityChanged(const QString &newValue);
-    // The text, after every change of it.
+    /// The text, after every change of it.
     void securityNameChanged(const QString &newValue);
     void securityIdChanged(const QString &newValue);
 
@@ -81,12 +82,12 @@ private Q_SLOTS:
     void item_activated(int row) override;
 
 private:
-    // Exchange and board as they are set: their codes, and the ids that were given for them, 0 for
-    // none. The directory may have no code for those.
+    /// Exchange and board as they are set: their codes, and the ids that were given for them, 0 for
+    /// none. The directory may have no code for those.
     struct Place
     {
         QString stockCode;
-        qint32 stockId = 0; // that of the code
+        qint32 stockId = 0; ///< that of the code
         int givenStock = 0;
         QString boardCode;
         int givenBoard = 0;
@@ -108,7 +109,7 @@ private:
 
     Place m_place;
     QString m_securityCode;
-    // The board that was set by id in the turn that is under way.
+    /// The board that was set by id in the turn that is under way.
     std::unique_ptr<WaitingKey> m_boardOfTurn;
     QPointer<SecuritySelectorFilteredModel> m_filtered;
 };

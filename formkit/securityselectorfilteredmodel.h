@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/selectorproxymodel.h>
 
-// The securities of one board of one exchange, or all of them while either code is empty. Its
-// source is a SecuritySelectorModel.
+/// The securities of one board of one exchange, or all of them while either code is empty. Its
+/// source is a SecuritySelectorModel.
 class FORMKIT_EXPORT SecuritySelectorFilteredModel : public SelectorProxyModel
 {
     Q_OBJECT
@@ -12,8 +13,8 @@ public:
     explicit SecuritySelectorFilteredModel(QObject *parent = nullptr);
 
 public Q_SLOTS:
-    // The exact codes; a change that narrows or widens the list rebuilds it. Codes and list stay as
-    // they were when a subclass's filter throws.
+    /// The exact codes; a change that narrows or widens the list rebuilds it. Codes and list stay
+    /// as they were when a subclass's filter throws.
     void setStockBoard(const QString &stockCode, const QString &boardCode);
 
 protected:

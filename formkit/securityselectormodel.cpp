@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "securityselectormodel.h"
 
 #include "modelrefresh_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/combobox.h>
@@ -56,6 +57,7 @@ protected:
         int column = 0;
     };
 
+    /// Takes the model of the list over.
     SelectorBox(const List &list, QWidget *parent);
     ~SelectorBox() override;
 

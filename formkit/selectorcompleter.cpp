@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "selectorcompleter_p.h"
 
 #include "foldedtext_p.h"

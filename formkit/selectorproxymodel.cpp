@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "selectorproxymodel.h"
 
 #include "foldedtext_p.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/flatproxymodel.h>
@@ -11,76 +12,77 @@
 
 class RowOrder;
 
-// The list that a selector box shows: the rows of a flat source model that the filter
-// accepts, in the order of their display texts, ignoring case (QString::compare(), no
-// collation; equal texts in the order of the source). Made for a million rows: a change of
-// the filter is one model reset and costs by the rows that are shown, and rows are found by
-// text or key without a walk.
-//
-// It keeps a mapping of its own beside that of QSortFilterProxyModel. What it shares with the
-// base for a user: the mapping functions, data(), match(), sort() of column 0, the signals,
-// and filterAcceptsRow(), which a subclass may override. What the base offers beyond is
-// inert: filter patterns and roles, sort roles, sort case sensitivity, dynamicSortFilter.
-// sortColumn() and sortOrder() always report column 0, ascending. Rows are neither inserted,
-// removed nor dragged through it.
-//
-// When the filter throws, the exception passes, and the list stays as it was: also when a model of
-// this library is populated or changes its checks, which then keeps its old rows too. Data of the
-// source that change are shown whatever the filter throws. Another source that is reset, or whose
-// rows come, go or move, has its old rows no longer: its list is empty until the filter next gives
-// an answer.
+/// The list that a selector box shows: the rows of a flat source model that the filter
+/// accepts, in the order of their display texts, ignoring case (QString::compare(), no
+/// collation; equal texts in the order of the source). Made for a million rows: a change of
+/// the filter is one model reset and costs by the rows that are shown, and rows are found by
+/// text or key without a walk.
+///
+/// It keeps a mapping of its own beside that of QSortFilterProxyModel. What it shares with the
+/// base for a user: the mapping functions, data(), match(), sort() of column 0, the signals,
+/// and filterAcceptsRow(), which a subclass may override. What the base offers beyond is
+/// inert: filter patterns and roles, sort roles, sort case sensitivity, dynamicSortFilter.
+/// sortColumn() and sortOrder() always report column 0, ascending. Rows are neither inserted,
+/// removed nor dragged through it.
+///
+/// When the filter throws, the exception passes, and the list stays as it was: also when a model of
+/// this library is populated or changes its checks, which then keeps its old rows too. Data of the
+/// source that change are shown whatever the filter throws. Another source that is reset, or whose
+/// rows come, go or move, has its old rows no longer: its list is empty until the filter next gives
+/// an answer.
 class FORMKIT_EXPORT SelectorProxyModel : public FlatProxyModel
 {
     Q_OBJECT
 
 public:
-    // Beside the roles of the source.
+    /// Beside the roles of the source.
     enum ItemDataRole {
-        // A key made of the display text, on which type-ahead completes.
+        /// A key made of the display text, on which type-ahead completes.
         CompletionRole = Qt::UserRole + 0x1000
     };
 
     explicit SelectorProxyModel(QObject *parent = nullptr);
     ~SelectorProxyModel() override;
 
-    // The roles by which rows are looked up. Their data must be texts or integers that change
-    // only when the source is reset.
+    /// The roles by which rows are looked up. Their data must be texts or integers that change
+    /// only when the source is reset.
     void setKeyRoles(const QVector<int> &roles);
-    // Ascending.
+    /// Ascending.
     QVector<int> keyRoles() const;
 
-    // The first row with that text; -1 for none.
+    /// The first row with that text; -1 for none.
     int rowOfText(const QString &text, Qt::CaseSensitivity sensitivity) const;
-    // How many rows have that text, ignoring case.
+    /// How many rows have that text, ignoring case.
     int countOfText(const QString &text) const;
-    // The rows whose data of a key role reads as the value does, ignoring case, ascending.
+    /// The rows whose data of a key role reads as the value does, ignoring case, ascending.
     QVector<int> rowsOfKey(int role, const QVariant &value) const;
 
-    // Applies the filter again, in one model reset.
+    /// Applies the filter again, in one model reset.
     void invalidate();
 
     void setSourceModel(QAbstractItemModel *source) override;
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    // Look-ups of one hit do not walk the list: of a whole text or key from the first row on,
-    // of a beginning of the text, ignoring case, from any row on.
+    /// Look-ups of one hit do not walk the list: of a whole text or key from the first row on,
+    /// of a beginning of the text, ignoring case, from any row on.
     QModelIndexList match(const QModelIndex &start, int role, const QVariant &value, int hits = 1,
                           Qt::MatchFlags flags = Qt::MatchFlags(Qt::MatchStartsWith |
                                                                 Qt::MatchWrap)) const override;
-    // Column 0 sorts by display text, either way; any other column restores the source's
-    // order.
+    /// Column 0 sorts by display text, either way; any other column restores the source's
+    /// order.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 protected:
     int sourceRow(int row) const override;
     int rowOfSource(int sourceRow) const override;
-    // Whether a row is shown; every row, unless a subclass says otherwise.
+    /// Whether a row is shown; every row, unless a subclass says otherwise.
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
 
+    /// The range by the model's own name for it.
     using RowRange = ::RowRange;
-    // The source rows outside which filterAcceptsRow() accepts none; the whole source unless a
-    // subclass knows better. It is what makes a narrow filter cheap. Asked again at each rebuild
-    // of the list.
+    /// The source rows outside which filterAcceptsRow() accepts none; the whole source unless a
+    /// subclass knows better. It is what makes a narrow filter cheap. Asked again at each rebuild
+    /// of the list.
     virtual RowRange candidateRows() const;
 
     /// Changes what filterAcceptsRow() asks for, and applies the filter in one model reset.

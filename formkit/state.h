@@ -1,33 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
 
 #include <QState>
 
-// A state that traces a dialog's state machine: each time it is entered or left it writes a
-// debug line in the logging category "QGuiLog", such as
-//     Entering state:  OrderDialog :: Open->Editing
-// made of the prefix and of the state's path. Switched off with the category
-// ("QGuiLog.debug=false"), it is a plain state.
+/// A state that traces a dialog's state machine: each time it is entered or left it writes a
+/// debug line in the logging category "QGuiLog", such as
+///     Entering state:  OrderDialog :: Open->Editing
+/// made of the prefix and of the state's path. Switched off with the category
+/// ("QGuiLog.debug=false"), it is a plain state.
 class FORMKIT_EXPORT State : public QState
 {
     Q_OBJECT
 
 public:
-    // The object name is the name; the prefix is empty.
+    /// The object name is the name; the prefix is empty.
     explicit State(const QString &name, QState *parent = nullptr);
     State(const QString &name, QState::ChildMode mode, QState *parent = nullptr);
-    // The prefix stands first; the object name is prefix + "::" + name.
+    /// The prefix stands first; the object name is prefix + "::" + name.
     State(const QString &prefix, const QString &name, QState *parent = nullptr);
     State(const QString &prefix, const QString &name, QState::ChildMode mode,
           QState *parent = nullptr);
 
-    // The names from the outermost of the enclosing States down to this one, joined by "->".
-    // A state of another class ends the path.
+    /// The names from the outermost of the enclosing States down to this one, joined by "->".
+    /// A state of another class ends the path.
     QString fullName() const;
 
-public slots:
-    // Change what is traced. The object name stays.
+public Q_SLOTS:
+    /// Change what is traced. The object name stays.
     void setName(const QString &name);
     void setPrefix(const QString &prefix);
 

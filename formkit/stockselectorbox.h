@@ -1,15 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/selectorbox.h>
 
 class StockSelectorModel;
 
-// Selects an exchange by its name. Ids travel as decimal texts, "0" for none.
-//
-// The setters choose a row as a user would: the change is reported. An id or code that is
-// not listed leaves the choice as it is and waits (see SelectorBox). Typing reports after each
-// change of the text: the exchange only when the text is a name letter for letter, otherwise id "0"
-// and an empty code; the getters find a name in any letter case.
+/// Selects an exchange by its name. Ids travel as decimal texts, "0" for none.
+///
+/// The setters choose a row as a user would: the change is reported. An id or code that is
+/// not listed leaves the choice as it is and waits (see SelectorBox). Typing reports after each
+/// change of the text: the exchange only when the text is a name letter for letter, otherwise id
+/// "0" and an empty code; the getters find a name in any letter case.
 class FORMKIT_EXPORT StockSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -21,26 +22,26 @@ class FORMKIT_EXPORT StockSelectorBox : public SelectorBox
 public:
     explicit StockSelectorBox(QWidget *parent = nullptr);
 
-    // Puts another model in place, a subclass with a filter of its own for example. The box
-    // takes it over, populates it and deletes the one before. An exchange that was chosen
-    // stays so if the new model lists it; otherwise the box is empty.
+    /// Puts another model in place, a subclass with a filter of its own for example. The box
+    /// takes it over, populates it and deletes the one before. An exchange that was chosen
+    /// stays so if the new model lists it; otherwise the box is empty.
     void setSourceModel(StockSelectorModel *model);
 
-    // The id of the exchange that the text names, "0" for none.
+    /// The id of the exchange that the text names, "0" for none.
     QString getStockId() const;
-    // The text as it stands.
+    /// The text as it stands.
     QString getStock() const;
-    // The code of the exchange that the text names, empty for none.
+    /// The code of the exchange that the text names, empty for none.
     QString getStockCode() const;
 
 public Q_SLOTS:
-    // A text that is no number counts as 0.
+    /// A text that is no number counts as 0.
     void setStockId(const QString &id);
-    // In any letter case, unless one has it letter for letter.
+    /// In any letter case, unless one has it letter for letter.
     void setStockCode(const QString &code);
 
 Q_SIGNALS:
-    // The text, after every change of it.
+    /// The text, after every change of it.
     void stockChanged(const QString &newValue);
     void stockCodeChanged(const QString &newValue);
     void stockIdChanged(const QString &newValue);

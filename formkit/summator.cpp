@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "summator.h"
 
 #include <hostapi/decimal.h>
@@ -27,12 +28,12 @@ void Summator::update()
     if (value == m_value)
         return;
     m_value = value;
-    emit changedValue(value);
+    Q_EMIT changedValue(value);
 }
 
 void Summator::report()
 {
-    emit changedValue(QString(m_value));
+    Q_EMIT changedValue(QString(m_value));
 }
 
 QString Summator::sum() const

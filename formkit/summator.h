@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formkit_export.h>
@@ -5,19 +6,19 @@
 #include <QObject>
 #include <QString>
 
-// Adds two fields of a form: an invisible member of the form's tree whose `Value` is
-// `Summand` plus `Addendum`. The dynamic property "fields" ties it to the fields that it
-// adds ("Price=Summand Offset=Addendum Total=Value").
-//
-// All three are texts in the system form of a decimal; the sum has the larger number of
-// fraction digits of the two ("10.5" and "0.25" make "10.75"). The value is the summand text
-// as it stands, without any message, when there is nothing to add up: when either text is no
-// number of the system form (an empty text, "-", "1,5"), and when the sum, or its digits
-// brought to one scale, do not fit into a decimal.
-//
-// It only receives its summands: a hub writes them when it holds, or is given, their values.
-// A text that stood in a field before the hub knew the field arrives only if the field comes
-// before the summator in the tree. A hub's write to the value is refused.
+/// Adds two fields of a form: an invisible member of the form's tree whose `Value` is
+/// `Summand` plus `Addendum`. The dynamic property "fields" ties it to the fields that it
+/// adds ("Price=Summand Offset=Addendum Total=Value").
+///
+/// All three are texts in the system form of a decimal; the sum has the larger number of
+/// fraction digits of the two ("10.5" and "0.25" make "10.75"). The value is the summand text
+/// as it stands, without any message, when there is nothing to add up: when either text is no
+/// number of the system form (an empty text, "-", "1,5"), and when the sum, or its digits
+/// brought to one scale, do not fit into a decimal.
+///
+/// It only receives its summands: a hub writes them when it holds, or is given, their values.
+/// A text that stood in a field before the hub knew the field arrives only if the field comes
+/// before the summator in the tree. A hub's write to the value is refused.
 class FORMKIT_EXPORT Summator : public QObject
 {
     Q_OBJECT
@@ -29,22 +30,22 @@ class FORMKIT_EXPORT Summator : public QObject
 public:
     explicit Summator(QObject *parent = nullptr);
 
-    // The sum and its parts, in system form.
+    /// The sum and its parts, in system form.
     QString getValue() const { return m_value; }
     QString getSummand() const { return m_summand; }
     QString getAddendum() const { return m_addendum; }
 
-    // Take any text.
+    /// Take any text.
     void setSummand(const QString &text);
     void setAddendum(const QString &text);
 
-    // Adds up again.
+    /// Adds up again.
     void update();
-    // Emits changedValue() with the value as it is, for a listener that was away for a while.
+    /// Emits changedValue() with the value as it is, for a listener that was away for a while.
     void report();
 
-signals:
-    // The value has become another text.
+Q_SIGNALS:
+    /// The value has become another text.
     void changedValue(const QString &value);
 
 private:

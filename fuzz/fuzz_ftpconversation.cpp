@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Whole conversations: the input says which operations run and what every socket receives. The
 // first bytes are the operations up to a line feed; the bytes up to a 0xfd are the control
 // connection's, the rest the data connections'.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Any bytes, taken as lines of a listing: nothing read beyond a line, no number that overflows,
 // and what a status says agrees with itself.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Any text read as a number and as a date, and put to the validator of numbers: what is said to be
 // readable reads, what is read is written so that it reads back equal, sums either fit or throw,
 // and an accepted text is left alone the next time.

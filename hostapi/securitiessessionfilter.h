@@ -34,6 +34,6 @@ private:
     /// Sorted.
     QVector<SessionId> m_sessions;
     std::unique_ptr<ValueFilter> m_parent;
-    // Spares all rows but the first the search for the warning.
+    /// Spares all rows but the first the search for the warning.
     mutable std::atomic<bool> m_warned{false};
 };

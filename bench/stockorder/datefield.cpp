@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "datefield.h"
 
 #include <QKeyEvent>
@@ -25,7 +26,7 @@ DateField::DateField()
     connect(lineEdit(), &QLineEdit::textChanged, this, [this](const QString &text) {
         const bool isWrong = !text.isEmpty() && !date().isValid();
         lineEdit()->setStyleSheet(isWrong ? "color: red" : "");
-        emit changed();
+        Q_EMIT changed();
     });
     connect(lineEdit(), &QLineEdit::editingFinished, this, [this] {
         if (!date().isValid())

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDate>
 
-// A date that is typed or picked from a calendar, and may be empty (which QDateEdit cannot be).
+/// A date that is typed or picked from a calendar, and may be empty (which QDateEdit cannot be).
 class DateField : public QComboBox
 {
     Q_OBJECT
@@ -18,7 +19,7 @@ public:
     void showPopup() override;
     void hidePopup() override { m_calendar.hide(); }
 
-signals:
+Q_SIGNALS:
     void changed();
 
 protected:

@@ -1,22 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QDoubleValidator>
 #include <QLineEdit>
 
-// Regroups a number while it is typed, and keeps the caret behind the same digit. Locales whose
-// groups are not of three digits are not supported.
+/// Regroups a number while it is typed, and keeps the caret behind the same digit. Locales whose
+/// groups are not of three digits are not supported.
 class GroupingValidator : public QDoubleValidator
 {
 public:
     using QDoubleValidator::QDoubleValidator;
     State validate(QString &input, int &pos) const override;
 
-    // A number in system form ("1234.5") as the locale writes it, and back.
+    /// A number in system form ("1234.5") as the locale writes it, and back.
     QString shown(QString number) const;
     QString number(QString text) const;
 };
 
-// A line edit for a number.
+/// A line edit for a number.
 class NumberField : public QLineEdit
 {
     Q_OBJECT

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "picker.h"
 
 #include <QAbstractItemView>
@@ -29,7 +30,7 @@ Picker::Picker(const QString &none, bool freeText) : m_none(none), m_freeText(fr
         mark(false);
         if (text.isEmpty())
             setCurrentIndex(-1);
-        emit picked();
+        Q_EMIT picked();
     });
     connect(this, QOverload<int>::of(&QComboBox::activated), this, &Picker::picked);
     // QComboBox would choose the first of several rows that differ in case alone.
@@ -59,7 +60,7 @@ void Picker::setRows(QStandardItemModel *rows)
     }
     setCurrentIndex(-1);
     clearEditText();
-    emit picked();
+    Q_EMIT picked();
 }
 
 void Picker::narrow(const QString &group)
@@ -75,7 +76,7 @@ void Picker::narrow(const QString &group)
         setCurrentIndex(-1);
         clearEditText();
     }
-    emit picked();
+    Q_EMIT picked();
 }
 
 QString Picker::key() const

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QComboBox>
 #include <QSortFilterProxyModel>
 #include <QStandardItemModel>
 
-// Selects a row of a table by its text, with type-ahead.
+/// Selects a row of a table by its text, with type-ahead.
 class Picker : public QComboBox
 {
     Q_OBJECT
@@ -12,19 +13,19 @@ class Picker : public QComboBox
 public:
     enum Role { KeyRole = Qt::UserRole + 1, GroupRole };
 
-    // `none` is the key of no row; `freeText` makes any text its own key.
+    /// `none` is the key of no row; `freeText` makes any text its own key.
     explicit Picker(const QString &none, bool freeText = false);
 
-    // Takes the rows over and keeps the choice, or what is half typed.
+    /// Takes the rows over and keeps the choice, or what is half typed.
     void setRows(QStandardItemModel *rows);
-    // Shows the rows of a group, all of them for an empty one, and no choice.
+    /// Shows the rows of a group, all of them for an empty one, and no choice.
     void narrow(const QString &group);
 
-    // The key of the row that the text names.
+    /// The key of the row that the text names.
     QString key() const;
     void setKey(const QString &key);
 
-signals:
+Q_SIGNALS:
     void picked();
 
 protected:

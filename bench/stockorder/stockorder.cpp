@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "stockorder.h"
 
 #include <hostapi/icore.h>
@@ -163,7 +164,7 @@ void StockOrder::check()
 void StockOrder::report()
 {
     m_sum->setValue(sum());
-    emit changed();
+    Q_EMIT changed();
 }
 
 QString StockOrder::sum() const

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "datefield.h"
@@ -11,7 +12,7 @@
 #include <QRadioButton>
 #include <QTimer>
 
-// The same order as FormkitOrder, with Qt's own widgets.
+/// The same order as FormkitOrder, with Qt's own widgets.
 class StockOrder : public QWidget
 {
     Q_OBJECT
@@ -21,12 +22,12 @@ public:
 
     QMap<QString, QVariant> values() const;
     void fill(const QMap<QString, QVariant> &order);
-    // Reads the host's tables anew.
+    /// Reads the host's tables anew.
     void refresh();
-    // Paints the captions of the fields that are wrong red.
+    /// Paints the captions of the fields that are wrong red.
     void check();
 
-signals:
+Q_SIGNALS:
     void changed();
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/boardselectorbox.h>
 #include <formkit/dateedit.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/table.h>
@@ -6,12 +7,12 @@
 #include <mutex>
 #include <vector>
 
-// A table over the terminal's own plain structs: T is one of them. The table is its own master
-// index.
+/// A table over the terminal's own plain structs: T is one of them. The table is its own master
+/// index.
 template <typename T> class StructTable : public Table, public MasterIndex
 {
 public:
-    // A column and where its cells lie. The member's type is what FieldType stores.
+    /// A column and where its cells lie. The member's type is what FieldType stores.
     struct Column
     {
         QString name;
@@ -19,14 +20,14 @@ public:
         void *(*cell)(T &row);
     };
 
-    // The key columns tell the rows apart, and rows are listed in their order.
+    /// The key columns tell the rows apart, and rows are listed in their order.
     StructTable(const QString &name, const std::vector<Column> &columns,
                 const std::vector<int> &key)
         : m_name(name), m_columns(columns), m_key(key)
     {
     }
 
-    // Replaces the content in one step, from any thread.
+    /// Replaces the content in one step, from any thread.
     void setRows(const std::vector<T> &rows)
     {
         std::vector<Record> fresh;
@@ -74,7 +75,7 @@ private:
         Row() = default;
         explicit Row(const T &content) : data(content), present(~0U) {}
         T data{};
-        quint32 present = 0; // a bit for each cell that is not null
+        quint32 present = 0; ///< a bit for each cell that is not null
     };
 
     int compare(const Record &a, const Record &b) const
@@ -88,6 +89,6 @@ private:
     const QString m_name;
     const std::vector<Column> m_columns;
     const std::vector<int> m_key;
-    std::recursive_mutex m_lock; // a walk may lead to another one on the same thread
+    std::recursive_mutex m_lock; ///< a walk may lead to another one on the same thread
     std::vector<Record> m_rows;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "terminalhost.h"
 
 namespace {
@@ -57,7 +58,7 @@ void TerminalHost::setSessions(const QVector<SessionId> &sessions)
         const std::lock_guard<std::mutex> guard(m_sessionLock);
         m_sessions = sessions;
     }
-    emit m_news.aNewSessions();
+    Q_EMIT m_news.aNewSessions();
 }
 
 QVector<SessionId> TerminalHost::currentSessions() const

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "structtable.h"
@@ -8,7 +9,7 @@
 #include <QHash>
 #include <QMap>
 
-// What the terminal knows of an exchange, a board, a security and a partner.
+/// What the terminal knows of an exchange, a board, a security and a partner.
 struct Exchange
 {
     qint32 id;
@@ -41,27 +42,27 @@ struct Partner
     QString name;
 };
 
-// Tells the forms that other sessions are open now.
+/// Tells the forms that other sessions are open now.
 class SessionNews : public QObject, public IDecoder
 {
     Q_OBJECT
     Q_INTERFACES(IDecoder)
 
-signals:
+Q_SIGNALS:
     void aNewSessions();
 };
 
-// A terminal's reference data as formkit reads them. Exchanges and boards are the same all day;
-// securities, partners and sessions change while forms are open.
+/// A terminal's reference data as formkit reads them. Exchanges and boards are the same all day;
+/// securities, partners and sessions change while forms are open.
 class TerminalHost : public ICore, private IDatabase, private StockDirectory, private BoardDirectory
 {
 public:
     TerminalHost(const std::vector<Exchange> &exchanges, const std::vector<TradingBoard> &boards);
 
-    // From any thread. Forms show the new rows once their lists are populated again.
+    /// From any thread. Forms show the new rows once their lists are populated again.
     void setSecurities(const std::vector<Security> &rows) { m_securities.setRows(rows); }
     void setPartners(const std::vector<Partner> &rows) { m_partners.setRows(rows); }
-    // On the thread of the forms: the lists of securities follow at once.
+    /// On the thread of the forms: the lists of securities follow at once.
     void setSessions(const QVector<SessionId> &sessions);
 
     IDatabase *database() override { return this; }
@@ -72,8 +73,8 @@ public:
 
 private:
     Table *table(const QString &name) override;
-    // The directories are asked inside the walk of a table, from any thread: they read what
-    // never changes, and so need no lock.
+    /// The directories are asked inside the walk of a table, from any thread: they read what
+    /// never changes, and so need no lock.
     QString codeById(int stockId) const override { return m_codes.value(stockId); }
     int idByCode(const QString &stockCode) const override { return m_codes.key(stockCode); }
     QString codeById(int stockId, int boardId) const override

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A small FTP client for the command line: shows what FormKit::Ftp asks of its user.
 //
 //     FTP_PASSWORD=… formkit-ftp --user joe list ftp.example.org pub

@@ -1,21 +1,22 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/FtpClient/FTPClient.h>
 
 #include <QElapsedTimer>
 
-// Shows how far a transfer is on one line of the terminal, the conversation when asked to, and
-// what goes wrong; passes Ctrl-C on as an abort.
+/// Shows how far a transfer is on one line of the terminal, the conversation when asked to, and
+/// what goes wrong; passes Ctrl-C on as an abort.
 class Progress : public nsFTP::CFTPClient::CNotification
 {
 public:
-    // Shows commands and replies when verbose; a line of progress when the error output is a
-    // terminal.
+    /// Shows commands and replies when verbose; a line of progress when the error output is a
+    /// terminal.
     Progress(nsFTP::CFTPClient &client, bool verbose);
 
-    // The bytes to expect, -1 when unknown, of which so many are there already.
+    /// The bytes to expect, -1 when unknown, of which so many are there already.
     void expect(long long total, long long done);
-    // Ends the line.
+    /// Ends the line.
     void finish();
     bool interrupted() const;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Shows every control with an example value, or writes the page about them: a picture of each
 // and the properties that its class adds to Qt's.
 //

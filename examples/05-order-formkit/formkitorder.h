@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/formvalidation.h>
@@ -8,7 +9,7 @@ class PartnerSelectorBox;
 class SecuritySelectorBox;
 class StockSelectorBox;
 
-// An order of twelve fields, with formkit.
+/// An order of twelve fields, with formkit.
 class FormkitOrder : public QWidget
 {
     Q_OBJECT
@@ -18,12 +19,12 @@ public:
 
     Values values() const { return m_hub.values(); }
     void fill(const Values &order);
-    // Reads the host's tables anew.
+    /// Reads the host's tables anew.
     void refresh();
-    // Paints the captions of the fields that are wrong red.
+    /// Paints the captions of the fields that are wrong red.
     void check();
 
-signals:
+Q_SIGNALS:
     void changed();
 
 private:

@@ -35,7 +35,7 @@ namespace nsFTP {
 class FORMKITFTP_EXPORT CFTPClient
 {
 public:
-    // The interfaces that a caller implements can be named as the client's, too.
+    /// The interfaces that a caller implements can be named as the client's, too.
     using IFileListParser = nsFTP::IFileListParser;
     using ITransferNotification = nsFTP::ITransferNotification;
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Shared by scripts/packages: what the Debian packages have to hold, and a fresh Debian for them.
 # shellcheck shell=bash disable=SC2034  # the scripts use the list
 

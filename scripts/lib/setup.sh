@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Shared by the scripts of this folder: installs what is missing, then configures and builds.
 # shellcheck shell=bash disable=SC2034  # the scripts use the lists
 

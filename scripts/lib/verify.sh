@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Shared by the steps of scripts/verify.d.
 # shellcheck shell=bash disable=SC2154  # setup.sh has the lists
 

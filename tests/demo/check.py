@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 """check.py DEMO: the demo as a user without a display starts it."""
 import json
 import pathlib

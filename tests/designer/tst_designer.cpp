@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "support/keys.h"
 #include "support/stricttest.h"
 
@@ -49,7 +50,7 @@ class DesignerTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void controls();
     void forms();
     void designing();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "support/datafile.h"
 #include "support/stricttest.h"
 
@@ -13,7 +14,7 @@ class EmbeddedHostTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void contentOfAFile();
     void refusedFiles();
     void reloadUnderWalks();

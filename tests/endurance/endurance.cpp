@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // The order window under random input, while the reference data under it changes: is it still in
 // time, silent and of the same size after an hour?
 

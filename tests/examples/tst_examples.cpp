@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "support/datafile.h"
 #include "support/keys.h"
 #include "support/stricttest.h"
@@ -93,7 +94,7 @@ class ExamplesTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void orders()
     {
         for (const DataRow &story : rowsOf("order.txt")) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Compiled without sanitizers: their runtime allocates before it is ready for what it instruments.
 
 #include "failingallocations.h"

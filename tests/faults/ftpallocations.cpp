@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Memory that runs out under the FTP client: for each operation and each allocation in it, that
 // one fails, and then that one and all after it. The caller gets std::bad_alloc or a false, the
 // session is closed or in step, nothing is kept, and the same operation then does its work.

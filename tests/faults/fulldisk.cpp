@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Downloads onto a disk that fills up, at every size from nothing to enough: each says so and
 // leaves what found room, and is completed when there is room again. The disk is a limit of the
 // process, to the byte.

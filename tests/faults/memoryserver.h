@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "support/inputsocket.h"
@@ -8,7 +9,7 @@
 #include <cstdlib>
 #include <utility>
 
-// What is being tried, for the message of a demand() that does not hold.
+/// What is being tried, for the message of a demand() that does not hold.
 inline std::string demandPlace;
 
 inline void demand(bool holds, const char *what)
@@ -19,20 +20,20 @@ inline void demand(bool holds, const char *what)
     std::abort();
 }
 
-// An FTP server in memory, which answers each command at once: for faults on the client's side.
+/// An FTP server in memory, which answers each command at once: for faults on the client's side.
 class MemoryServer
 {
 public:
     virtual ~MemoryServer() = default;
 
-    // What is sent to downloads and came with uploads.
+    /// What is sent to downloads and came with uploads.
     std::string content;
     std::string stored;
-    // The place of the next fault: the client's sockets cannot connect or receive data.
+    /// The place of the next fault: the client's sockets cannot connect or receive data.
     enum Fault { NoFault, Connecting, Receiving } fault = NoFault;
     Input input;
 
-    // Takes a command of the client.
+    /// Takes a command of the client.
     virtual void hear(const char *data, int size)
     {
         const std::string line = std::string(data, size_t(size));
@@ -74,7 +75,7 @@ private:
 class MemorySocket : public InputSocket
 {
 public:
-    // Those that are open.
+    /// Those that are open.
     static inline int handles = 0;
 
     MemorySocket(MemoryServer &server, bool control)
@@ -132,7 +133,7 @@ private:
     const bool m_control;
 };
 
-// A session is closed, or a command reads its own reply.
+/// A session is closed, or a command reads its own reply.
 inline void demandStep(const nsFTP::CFTPClient &client)
 {
     nsFTP::CReply reply;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A reference database that another process replaces while it is read: by renaming, writing over
 // it, and in transactions. Whatever a load finds, the host holds one generation of all tables, the
 // former one when the load failed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "countingcontrol.h"
@@ -72,7 +73,7 @@ private Q_SLOTS:
     void note(const QString &text);
 
 private:
-    QWidget *m_place = &window; // where controls are made
+    QWidget *m_place = &window; ///< where controls are made
     QLineEdit *m_next = nullptr;
     std::unique_ptr<Properties> m_hub = std::make_unique<Properties>();
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
 #include <formkit/dateedit.h>
@@ -24,7 +25,7 @@ class DateEditTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void newEdit();
     void stories();
     void calendarByMouse();

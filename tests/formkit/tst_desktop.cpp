@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "support/datafile.h"
 #include "support/stricttest.h"
 
@@ -46,7 +47,7 @@ public:
     QString mood;
     QStringList shown;
 
-public slots:
+public Q_SLOTS:
     void ShowItems(const QStringList &uris, const QString &startupId, const QDBusMessage &call)
     {
         shown << uris + QStringList(startupId);
@@ -61,10 +62,10 @@ class DesktopTest : public StrictTest
 {
     Q_OBJECT
 
-public slots:
+public Q_SLOTS:
     void open(const QUrl &url) { m_opened << url.toString(); }
 
-private slots:
+private Q_SLOTS:
     void processes();
     void lister();
     void addresses();

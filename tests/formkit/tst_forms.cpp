@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
 #include <formkit/dateedit.h>
@@ -63,7 +64,7 @@ class FormsTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void values();
     void walk();
     void mischief();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "support/stricttest.h"
 
 #include <formkit/keymapper.h>
@@ -10,7 +11,7 @@ class KeyMapperMacTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void visibleKeycode();
 };
 

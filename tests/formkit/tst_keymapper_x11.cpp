@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <formkit/combobox.h>
 #include <formkit/keymapper.h>
 #include <formkit/numbereditor.h>
@@ -62,7 +63,7 @@ class KeyMapperX11Test : public StrictTest
 public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
-private slots:
+private Q_SLOTS:
     void initTestCase();
     void keypadDecimal();
     void keysOfTheLayout();

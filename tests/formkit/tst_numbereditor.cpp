@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
 #include <formkit/decimalvalidator.h>
@@ -54,7 +55,7 @@ class NumberEditorTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void edits_data();
     void edits();
     void typing_data();

@@ -54,7 +54,7 @@ class PlayTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void play();
 
 private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <formkit/rowindex_p.h>
 #include <formkit/roworder_p.h>
 
@@ -14,7 +15,7 @@ class RowOrderTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void order();
     void keys();
     void room();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include <formkit/boardselectorbox.h>
 #include <formkit/boardselectorfilteredmodel.h>
 #include <formkit/boardselectormodel.h>
@@ -174,7 +175,7 @@ class SelectorModelsTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void mapping();
     void changes();
     void failures();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
 #include <formkit/pushbuttonsend.h>
@@ -21,7 +22,7 @@ class StoriesTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void init();
     void cleanup();
 

@@ -10,7 +10,7 @@ inline sockaddr *generic(sockaddr_in &address)
     return reinterpret_cast<sockaddr *>(&address);
 }
 
-// Makes a socket that listens on loopback; its port.
+/// Makes a socket that listens on loopback; its port.
 inline unsigned short listenOnLoopback(nsSocket::CBlockingSocket &socket)
 {
     socket.Cleanup();
@@ -32,7 +32,7 @@ inline void connectToLoopback(nsSocket::CBlockingSocket &socket, unsigned short 
     socket.Connect(generic(address));
 }
 
-// Writes a file that everybody may use, and reads one.
+/// Writes a file that everybody may use, and reads one.
 inline void writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);

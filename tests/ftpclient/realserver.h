@@ -10,27 +10,27 @@
 
 #include <memory>
 
-// An FTP server of the unpacked packages, as an ordinary process on loopback with a folder of its
-// own, which is killed with its children in the end.
+/// An FTP server of the unpacked packages, as an ordinary process on loopback with a folder of its
+/// own, which is killed with its children in the end.
 class RealServer
 {
 public:
-    // vsftpd, pure-ftpd, proftpd, pyftpdlib, or ftp-proxy in front of a pyftpdlib of its own.
+    /// vsftpd, pure-ftpd, proftpd, pyftpdlib, or ftp-proxy in front of a pyftpdlib of its own.
     explicit RealServer(const QString &kind);
     ~RealServer() { kill(); }
 
-    // Empty when the server answers, else what went wrong; "NOT TRIED" is in it when this user
-    // cannot start such a server.
+    /// Empty when the server answers, else what went wrong; "NOT TRIED" is in it when this user
+    /// cannot start such a server.
     QString failure() const { return m_failure; }
     nsFTP::CLogonInfo logon() const;
-    // Where a served file lies.
+    /// Where a served file lies.
     QString path(const QString &file) const
     {
         return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
     }
     void put(const QString &file, const QByteArray &bytes) const { writeFile(path(file), bytes); }
     QByteArray get(const QString &file) const { return readFile(path(file)); }
-    // As a machine that loses its power: the processes that serve connections too.
+    /// As a machine that loses its power: the processes that serve connections too.
     void kill();
 
 private:

@@ -11,7 +11,7 @@
 #include <functional>
 #include <thread>
 
-// Writes down what a client reports. The hook runs after each entry.
+/// Writes down what a client reports. The hook runs after each entry.
 class Recorder : public nsFTP::CFTPClient::CNotification
 {
 public:
@@ -24,7 +24,7 @@ public:
         if (hook)
             hook(entry);
     }
-    // Runs something after each entry with this beginning.
+    /// Runs something after each entry with this beginning.
     void when(const QString &beginning, const std::function<void()> &action)
     {
         hook = [=](const QString &entry) {
@@ -33,7 +33,7 @@ public:
         };
     }
 
-    // The end of the log, for a message.
+    /// The end of the log, for a message.
     QString last() const { return log.mid(qMax(0, log.size() - 10)).join('\n') + '\n'; }
     QStringList errors() const { return log.filter(QRegularExpression("^!")); }
 
@@ -66,7 +66,7 @@ public:
     }
 };
 
-// A client watched by a recorder, with a local file of its own.
+/// A client watched by a recorder, with a local file of its own.
 struct Client
 {
     using Socket = std::shared_ptr<nsSocket::IBlockingSocket>;
@@ -82,10 +82,10 @@ struct Client
         if (later.joinable())
             later.join();
     }
-    // Runs operations separated by commas, such as "get f active". The last result counts: 0, 1 and
-    // -1 as commands give them, 0 and -1 for transfers, or a number that was asked for.
+    /// Runs operations separated by commas, such as "get f active". The last result counts: 0, 1
+    /// and -1 as commands give them, 0 and -1 for transfers, or a number that was asked for.
     long long perform(const QString &operations);
-    // Whether commands read their own replies.
+    /// Whether commands read their own replies.
     bool inStep() const
     {
         long long time = 0;
@@ -103,7 +103,7 @@ struct Client
     std::vector<std::string> lines = {"kept"};
 };
 
-// A client and its scripted server.
+/// A client and its scripted server.
 struct Session : Client
 {
     explicit Session(const QString &script = {}, bool byteByByte = false, unsigned int seconds = 10,

@@ -49,7 +49,7 @@ class BlockingSocketTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     // What is sent in many pieces arrives whole, and then the end of the connection.
     void transfers()
     {

@@ -134,7 +134,7 @@ class FtpClientTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void conversations()
     {
         QList<DataRow> rows = rowsOf("conversations.txt") + rowsOf("logons.txt");

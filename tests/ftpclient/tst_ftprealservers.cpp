@@ -40,7 +40,7 @@ class FtpRealServersTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         QProcess unpack;

@@ -12,7 +12,7 @@ class FtpVocabularyTest : public StrictTest
 {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void commands()
     {
         const QStringList ways = {"read", "write", "none"};

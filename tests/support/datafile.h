@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <QFile>
@@ -10,17 +11,17 @@
 #include <thread>
 #include <vector>
 
-// A row of a table beside the tests.
+/// A row of a table beside the tests.
 struct DataRow : QStringList
 {
     QString file;
-    int line = 0; // where it begins
+    int line = 0; ///< where it begins
 };
 
-// The rows of a file: columns parted by tabs, "-" for nothing, lines that begin with '#' left out;
-// \t, \r and \n are read as such, <nbsp> and <nnbsp> as blanks that do not break, and %long as
-// many characters. A line that begins with a tab goes
-// on with the row before.
+/// The rows of a file: columns parted by tabs, "-" for nothing, lines that begin with '#' left out;
+/// \t, \r and \n are read as such, <nbsp> and <nnbsp> as blanks that do not break, and %long as
+/// many characters. A line that begins with a tab goes
+/// on with the row before.
 inline QList<DataRow> rowsOf(const QString &name)
 {
     QFile file(DATA_FOLDER "/" + name);
@@ -50,8 +51,8 @@ inline QList<DataRow> rowsOf(const QString &name)
     return rows;
 }
 
-// Checks many rows at a time, as most of them wait most of the time. A check returns what is
-// wrong; the result tells it of every row.
+/// Checks many rows at a time, as most of them wait most of the time. A check returns what is
+/// wrong; the result tells it of every row.
 inline QByteArray faultsOf(const QList<DataRow> &rows,
                            const std::function<QString(const QStringList &)> &check,
                            int threadCount = 16)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <formkit/FtpClient/BlockingSocket.h>
@@ -10,7 +11,7 @@
 inline constexpr char Timeout = '\xff';
 inline constexpr char Nothing = '\xfe';
 
-// What the sockets of a client receive, and what they say of that before.
+/// What the sockets of a client receive, and what they say of that before.
 struct Input
 {
     enum Readability { Always, Never, Truthful };
@@ -21,8 +22,8 @@ struct Input
     Readability readability = Always;
 };
 
-// Receives what an input holds: 0xff is a time-out, 0xfe a moment with nothing to read, and each
-// receive ends after a line feed, if it is to go by lines, or with its buffer.
+/// Receives what an input holds: 0xff is a time-out, 0xfe a moment with nothing to read, and each
+/// receive ends after a line feed, if it is to go by lines, or with its buffer.
 class InputSocket : public nsSocket::IBlockingSocket
 {
 public:

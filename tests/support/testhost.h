@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include <hostapi/icore.h>
@@ -39,29 +40,29 @@
 //     gx.diler    name, client_code, mox_code
 // The directories answer from the rows of "stocks" and "boards".
 
-// A table. What changes its content takes the lock, so it may come from any thread (and waits
-// while another one walks).
+/// A table. What changes its content takes the lock, so it may come from any thread (and waits
+/// while another one walks).
 class TestTable : public Table, private MasterIndex
 {
 public:
-    // Without types the columns have those of their names.
+    /// Without types the columns have those of their names.
     TestTable(const QString &name, const QStringList &columns, const QVector<int> &keyColumns,
               const QVector<FieldType> &types = {});
     ~TestTable() override;
 
-    // Cells in column order; an invalid QVariant and every cell left out is null. The row
-    // goes to its place in key order, behind rows with an equal key.
+    /// Cells in column order; an invalid QVariant and every cell left out is null. The row
+    /// goes to its place in key order, behind rows with an equal key.
     void addRow(const QVariantList &cells);
-    // Replaces the content in one step; setRows({}) empties the table.
+    /// Replaces the content in one step; setRows({}) empties the table.
     void setRows(const QVector<QVariantList> &rows);
 
-    // Makes the n-th call of dataPtr() from now throw Exception("cell read failed"), once.
+    /// Makes the n-th call of dataPtr() from now throw Exception("cell read failed"), once.
     void failAtCell(int n) { m_failAt = n; }
 
     bool isLocked() const { return m_locks != m_unlocks; }
-    // Calls of dataPtr().
+    /// Calls of dataPtr().
     int cellReads() const { return m_cellReads; }
-    // References held by Records outside the table.
+    /// References held by Records outside the table.
     int references() const;
 
     QString name() const override { return m_name; }
@@ -90,7 +91,7 @@ private:
     const QStringList m_columns;
     const QVector<int> m_keyColumns;
     QVector<FieldType> m_types;
-    std::function<void()> m_changed; // called with the table locked
+    std::function<void()> m_changed; ///< called with the table locked
 
     std::recursive_mutex m_lock;
     std::atomic<std::thread::id> m_holder{};
@@ -99,19 +100,19 @@ private:
     mutable std::atomic<int> m_cellReads{0};
     mutable std::atomic<int> m_failAt{0};
 
-    mutable std::mutex m_mutex; // guards the two below
+    mutable std::mutex m_mutex; ///< guards the two below
     mutable std::set<RowData *> m_live;
     mutable QStringList m_faults;
     std::vector<Record> m_rows;
 };
 
-// The plug-in that announces new sessions.
+/// The plug-in that announces new sessions.
 class TestDecoder : public QObject, public IDecoder
 {
     Q_OBJECT
     Q_INTERFACES(IDecoder)
 
-signals:
+Q_SIGNALS:
     void aNewSessions();
 };
 
@@ -121,16 +122,16 @@ public:
     TestHost();
     ~TestHost() override;
 
-    // One of the four tables (any other name ends the program).
+    /// One of the four tables (any other name ends the program).
     TestTable &table(const QString &name) { return *m_database.tables.at(name); }
-    // A table that the host is to offer as missing from now on.
+    /// A table that the host is to offer as missing from now on.
     void removeTable(const QString &name) { m_database.missing << name; }
 
-    // Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
+    /// Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
-    // Makes the n-th call of a directory from now throw Exception("directory call failed"), once.
+    /// Makes the n-th call of a directory from now throw Exception("directory call failed"), once.
     void failAtDirectoryCall(int n) { m_failAt = n; }
-    // The first decoder of the plug-ins; in front of it are none and one that is no decoder.
+    /// The first decoder of the plug-ins; in front of it are none and one that is no decoder.
     TestDecoder *decoder() { return &m_decoder; }
 
     IDatabase *database() override { return &m_database; }
@@ -173,7 +174,7 @@ private:
     TestDecoder m_decoder, m_second;
     const QList<QObject *> m_plugins{nullptr, &m_other, &m_decoder, &m_second};
     mutable std::atomic<int> m_failAt{0};
-    mutable std::mutex m_mutex; // guards the three below
+    mutable std::mutex m_mutex; ///< guards the three below
     QVector<SessionId> m_sessions;
     QMap<int, QString> m_stocks;
     QMap<boardid, Board> m_boards;

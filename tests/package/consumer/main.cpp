@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A program outside the tree that uses each library of an installation once.
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/FtpClient/FTPListParse.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Classes of the terminal's own, by names that classes of the libraries have.
 #include <QComboBox>
 #include <QLabel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // A macOS of a few variables: those of Carbon's types and functions that KeyMapper uses, so that
 // its macOS file is compiled and run elsewhere.
 #pragma once
@@ -53,7 +54,7 @@ inline UInt8 LMGetKbdType()
 {
     return 40;
 }
-// The layout belongs to the source, which must still be held.
+/// The layout belongs to the source, which must still be held.
 inline OSStatus UCKeyTranslate(const UCKeyboardLayout *, UInt16 key, UInt16 action,
                                UInt32 modifiers, UInt32 keyboard, UInt32 options, UInt32 *deadKeys,
                                UniCharCount room, UniCharCount *length, UniChar *units)
