@@ -186,7 +186,7 @@ void StoriesTest::manual()
 void StoriesTest::failingDirectory()
 {
     StoryPlayer player(m_host.get(), "board");
-    for (const char *step : {"on 1", "set BoardId 99", "turn"})
+    for (const char *step : {"limit on 1", "set BoardId 99", "turn"})
         player.act(step);
     for (int call = 1; player.answer("StockCode").isEmpty(); ++call) {
         QCOMPARE(player.answer("edit.toolTip"), QString("99 is not in the list yet"));
