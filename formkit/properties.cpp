@@ -429,8 +429,22 @@ void Properties::write(const QString &name, const QString &value, const Key &fro
         failure.attempt([&] { propertyOf(key).write(key.object, held); });
         if (!current.hub)
             break;
+        if (Doing::isUsers() && !m_keyNames.contains(key))
+            forgetGiven(key.object);
     }
     failure.rethrow();
+}
+
+// The user has changed a property without a notify signal, which steers what the object shows. What
+// it shows now is the user's doing, also where it has shown that before.
+void Properties::forgetGiven(QObject *object)
+{
+    const Key first{object, std::numeric_limits<int>::min()};
+    for (auto it = m_keyNames.lowerBound(first);
+         it != m_keyNames.end() && it.key().object == object; ++it) {
+        if (m_given.value(*it) != m_values.value(*it).toString())
+            m_given.remove(*it);
+    }
 }
 
 // Tells the writes of the name that are under way. False when its properties have answered too
@@ -464,11 +478,12 @@ void Properties::propertyChanged()
     const Doing user(Doing::User);
     const QString name = m_keyNames.value(key);
     const QString content = propertyOf(key).read(from).toString();
-    if (content == m_values.value(name).toString())
-        return;
-    if (Doing::isUsers())
+    const bool isHeld = content == m_values.value(name).toString();
+    if (Doing::isUsers() && !(isHeld && m_given.value(name) == content))
         m_given.remove(name);
-    else if (m_write && m_write->name == name && isFormOf(name, content))
+    if (isHeld)
+        return;
+    if (!Doing::isUsers() && m_write && m_write->name == name && isFormOf(name, content))
         m_given.insert(name, content);
     write(name, content, key);
 }
