@@ -111,11 +111,6 @@ void BoardSelectorBox::complete(const Place &place)
     chooseWaiting();
 }
 
-bool BoardSelectorBox::isInPlace(int) const
-{
-    return !m_place.isUnknown();
-}
-
 QString BoardSelectorBox::getBoardId() const
 {
     return QString::number(dataOfText(BoardSelectorModel::BoardIdRole).toInt());

@@ -80,7 +80,7 @@ private:
     void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
-    bool isInPlace(int row) const override;
+    bool isPlaceKnown() const override { return !m_place.isUnknown(); }
     void reportNone(const QString &text) override;
     void reportText(const QString &text) override;
 

@@ -169,13 +169,17 @@ void SecuritySelectorBox::complete(const Place &place)
     chooseWaiting();
 }
 
+bool SecuritySelectorBox::isPlaceKnown() const
+{
+    return !m_place.isStockUnknown() && !m_place.isBoardUnknown();
+}
+
 bool SecuritySelectorBox::isInPlace(int row) const
 {
     const auto isOf = [&](const QString &code, int role) {
         return code.isEmpty() || dataOfRow(row, role).toString() == code;
     };
-    return !m_place.isStockUnknown() && !m_place.isBoardUnknown() &&
-           isOf(m_place.stockCode, Model::StockCodeRole) &&
+    return isOf(m_place.stockCode, Model::StockCodeRole) &&
            isOf(m_place.boardCode, Model::BoardCodeRole);
 }
 

@@ -103,6 +103,7 @@ private:
     void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
+    bool isPlaceKnown() const override;
     bool isInPlace(int row) const override;
     void reportNone(const QString &text) override;
     void reportText(const QString &text) override;

@@ -53,7 +53,10 @@ struct Kept
 
 struct SelectorBox::Private
 {
-    explicit Private(const List &all) : traits(all), list(all.model) {}
+    explicit Private(const List &all) : traits(all), list(all.model)
+    {
+        placeTurn.setSingleShot(true);
+    }
 
     QVariant data(int row, int role) const { return list->index(row, 0).data(role); }
     QVariantList key(int row) const;
@@ -65,8 +68,12 @@ struct SelectorBox::Private
     // Null once the host has set a model past setListSource().
     QPointer<SelectorProxyModel> list;
     WaitingKey waiting;
+    // Runs through the turn of the event loop in which another exchange or board was set.
+    QTimer placeTurn;
     Kept kept;
     bool isRefreshing = false;
+    // The list changes for another exchange or board, and then the box is emptied.
+    bool isNarrowing = false;
     // What changes now is set by program, not by hand.
     bool isSetting = false;
     // The edit text is that of the current row.
@@ -326,7 +333,7 @@ void SelectorBox::chooseKey(int role, const QVariant &key)
 {
     if (!d->list || key.toString().isEmpty())
         return;
-    int row = rowOfKey(role, key);
+    int row = rowToChoose(role, key);
     if (row < 0 && isNone(key)) {
         dropWaiting();
         // The box that tells of none reports it.
@@ -383,6 +390,7 @@ void SelectorBox::narrow(const std::function<void()> &setFilter)
     if (late.isValid())
         dropWaiting();
     try {
+        const QScopedValueRollback<bool> narrowing(d->isNarrowing, true);
         setFilter();
     } catch (...) {
         if (late.isValid())
@@ -391,6 +399,7 @@ void SelectorBox::narrow(const std::function<void()> &setFilter)
         showMark();
         throw;
     }
+    d->placeTurn.start(0);
     if (!chooseWaiting())
         clearChoice();
 }
@@ -444,6 +453,11 @@ bool SelectorBox::isTold()
 }
 
 void SelectorBox::lookUpPlace() {}
+
+bool SelectorBox::isPlaceKnown() const
+{
+    return true;
+}
 
 bool SelectorBox::isInPlace(int) const
 {
@@ -507,8 +521,11 @@ void SelectorBox::endRefresh()
     const bool isSame = row >= 0 && rowOfText(currentText(), d->traits.typing) == row &&
                         d->key(row) == kept.row.key && d->told(row) == kept.row.told;
     d->mayStandForNewRow = !stoodForARow;
+    const bool isChanged = (stoodForARow || come >= 0) && !isSame;
     const QScopedValueRollback<bool> setting(d->isSetting, true);
-    if ((stoodForARow || come >= 0) && !isSame)
+    if (isChanged && d->isNarrowing && come < 0)
+        d->owesReport = true;
+    else if (isChanged)
         report(currentText());
 }
 
@@ -559,8 +576,24 @@ int SelectorBox::rowOfKey(int role, const QVariant &key) const
     if (!d->list)
         return -1;
     QVector<int> rows = d->list->rowsOfKey(role, key);
-    const auto isElsewhere = [&](int row) { return !isTold() && !isInPlace(row); };
-    rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
+    const auto isElsewhere = [&](int row) { return !isPlaceKnown() || !isInPlace(row); };
+    if (!isTold())
+        rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
+    return bestOf(rows, role, key);
+}
+
+// What is listed can be chosen at once, also where it lies elsewhere; but not while the exchange
+// and board may be those that the key was set with.
+int SelectorBox::rowToChoose(int role, const QVariant &key) const
+{
+    const int row = rowOfKey(role, key);
+    if (row >= 0 || d->placeTurn.isActive() || !isPlaceKnown())
+        return row;
+    return bestOf(d->list->rowsOfKey(role, key), role, key);
+}
+
+int SelectorBox::bestOf(QVector<int> rows, int role, const QVariant &key) const
+{
     const QString text = key.toString();
     const auto isExact = [&](int row) { return dataOfRow(row, role).toString() == text; };
     const auto inAnyCase = std::stable_partition(rows.begin(), rows.end(), isExact);

@@ -87,7 +87,8 @@ protected:
     QVariant dataOfText(int role) const;
     /// The data of a row of the list, whatever column is shown.
     QVariant dataOfRow(int row, int role) const;
-    /// The row of a key, -1 for none; of a key that the program has set, one in its place.
+    /// The row of a key, -1 for none. For a key that the program has set only rows of the exchange
+    /// and board that are set count.
     int rowOfKey(int role, const QVariant &key) const;
 
     /// Chooses the row of a key that a program sets, or has the key wait for it. An empty key is
@@ -114,7 +115,9 @@ protected:
     /// Looks up an exchange or board whose id the directory did not know when it was set.
     /// Called after each population, and at the end of each turn in which something was set.
     virtual void lookUpPlace();
-    /// Whether a listed row is one of the exchange and board that are set.
+    /// Whether the directory knows the exchange and board that are set.
+    virtual bool isPlaceKnown() const;
+    /// Whether a listed row is one of the exchange and board that are set, which are known.
     virtual bool isInPlace(int row) const;
 
     /// The text names no row: reports that, and for an empty text makes no row current.
@@ -154,6 +157,8 @@ private:
     void showMark();
     void showColumn(int column);
     void noteChoice();
+    int rowToChoose(int role, const QVariant &key) const;
+    int bestOf(QVector<int> rows, int role, const QVariant &key) const;
     int waitingRow() const;
     bool showsWaiting() const;
     int lookUp(const QString &text, Qt::CaseSensitivity sensitivity) const;
