@@ -430,20 +430,24 @@ void Properties::write(const QString &name, const QString &value, const Key &fro
         if (!current.hub)
             break;
         if (Doing::isUsers() && !m_keyNames.contains(key))
-            forgetGiven(key.object);
+            leaveToUser(key.object);
     }
     failure.rethrow();
 }
 
-// The user has changed a property without a notify signal, which steers what the object shows. What
-// it shows now is the user's doing, also where it has shown that before.
-void Properties::forgetGiven(QObject *object)
+// The user has changed a property without a notify signal, which decides what the object shows. So
+// what it shows now is the user's doing, even if it showed the same before.
+void Properties::leaveToUser(QObject *object)
 {
+    QStringList names;
     const Key first{object, std::numeric_limits<int>::min()};
     for (auto it = m_keyNames.lowerBound(first);
-         it != m_keyNames.end() && it.key().object == object; ++it) {
-        if (m_given.value(*it) != m_values.value(*it).toString())
-            m_given.remove(*it);
+         it != m_keyNames.end() && it.key().object == object; ++it)
+        names << *it;
+    for (const QString &name : qAsConst(names)) {
+        const QString held = m_values.value(name).toString();
+        if (m_given.value(name) != held && isShown(name, held))
+            m_given.remove(name);
     }
 }
 
@@ -478,12 +482,11 @@ void Properties::propertyChanged()
     const Doing user(Doing::User);
     const QString name = m_keyNames.value(key);
     const QString content = propertyOf(key).read(from).toString();
-    const bool isHeld = content == m_values.value(name).toString();
-    if (Doing::isUsers() && !(isHeld && m_given.value(name) == content))
-        m_given.remove(name);
-    if (isHeld)
+    if (content == m_values.value(name).toString())
         return;
-    if (!Doing::isUsers() && m_write && m_write->name == name && isFormOf(name, content))
+    if (Doing::isUsers())
+        m_given.remove(name);
+    else if (m_write && m_write->name == name && isFormOf(name, content))
         m_given.insert(name, content);
     write(name, content, key);
 }
