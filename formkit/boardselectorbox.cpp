@@ -68,9 +68,9 @@ void BoardSelectorBox::setStockId(const QString &id)
 void BoardSelectorBox::setStockCode(const QString &code)
 {
     lookUpPlace();
-    if (isTold() && m_place.isUnknown() && !code.isEmpty())
+    if (isSetByBox() && m_place.isUnknown() && !code.isEmpty())
         complete({code, m_place.givenStock});
-    else if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+    else if (!(isSetByBox() && code.isEmpty() && m_place.givenStock != 0))
         setPlace({code, 0});
 }
 
@@ -109,11 +109,6 @@ void BoardSelectorBox::complete(const Place &place)
 {
     filter(place);
     chooseWaiting();
-}
-
-bool BoardSelectorBox::isInPlace(int) const
-{
-    return !m_place.isUnknown();
 }
 
 QString BoardSelectorBox::getBoardId() const

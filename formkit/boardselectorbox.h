@@ -6,15 +6,16 @@
 
 class BoardSelectorModel;
 
-/// Selects a trading board of one exchange by the board's name. Ids travel as decimal texts,
-/// "0" for none.
+/// Selects a trading board of one exchange by the board's name. Ids are decimal texts, "0" for
+/// none.
 ///
-/// Setting another exchange narrows the list and empties the box. A board that is set in the same
-/// turn of the event loop, before or after the exchange, is chosen there, or waits for it (see
-/// SelectorBox). The other setters choose a row as a user would: the change is reported; what is
-/// not listed leaves the choice as it is and waits. Typing reports after each change
-/// of the text: the board only when the text is a name letter for letter, otherwise id "0" and
-/// an empty code; the getters find a name in any letter case.
+/// - Setting another exchange narrows the list and empties the box. A board that is set in the same
+///   turn of the event loop, before or after the exchange, is chosen there, or waits (see
+///   SelectorBox).
+/// - The other setters choose a row and report the change, as if the user had chosen it. A board
+///   that is not listed leaves the choice as it is and waits.
+/// - Each change of the typed text is reported: as the board if the text is exactly its name,
+///   otherwise as id "0" and an empty code. The getters ignore letter case.
 class FORMKIT_EXPORT BoardSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -38,8 +39,8 @@ public:
     void setBoardFlagsOnFilter(qlonglong boardFlagsOn);
     void setBoardFlagsOffFilter(qlonglong boardFlagsOff);
 
-    /// The exchange whose boards are listed; an empty code lists all. An id that the host's
-    /// directory does not know is its answer for an empty code.
+    /// The exchange whose boards are listed; with an empty code the boards of all are. The id is
+    /// that of the code in the host's directory.
     QString getStockId() const;
     void setStockId(const QString &id);
     QString getStockCode() const { return m_place.stockCode; }
@@ -52,7 +53,7 @@ public:
     QString getBoard() const;
     /// The code of the board that the text names, empty for none.
     QString getBoardCode() const;
-    /// In any letter case, unless one has it letter for letter.
+    /// Ignores letter case, unless a board has exactly this code.
     void setBoardCode(const QString &code);
 
 Q_SIGNALS:
@@ -66,8 +67,8 @@ private Q_SLOTS:
     void item_activated(int index) override;
 
 private:
-    /// The exchange as it is set: its code, and the id that was given for it, 0 for none. The
-    /// directory may have no code for that id.
+    /// The exchange that is set: its code, and its id if it was set by id, otherwise 0. The code is
+    /// empty as long as the host's directory does not know the id.
     struct Place
     {
         QString stockCode;
@@ -80,7 +81,7 @@ private:
     void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
-    bool isInPlace(int row) const override;
+    bool isPlaceKnown() const override { return !m_place.isUnknown(); }
     void reportNone(const QString &text) override;
     void reportText(const QString &text) override;
 

@@ -17,11 +17,11 @@
 namespace {
 
 constexpr int MeasuredTexts = 8;
-// What QComboBox takes for an empty list.
+// The width that QComboBox gives an empty list.
 constexpr int FewestCharacters = 7;
 constexpr int MostCharacters = 30;
 
-// Whether Enter chooses a completion: the completer then tells of it.
+// Whether Enter chooses a completion. QComboBox emits activated() for that itself.
 bool isCompletionLit(const QCompleter *completer)
 {
     if (!completer || completer->completionMode() == QCompleter::InlineCompletion)
@@ -55,7 +55,7 @@ void ComboBox::replaceCompleter()
     setCompleter(m_completer);
 }
 
-// Gives a line edit that has come what the first one had.
+// Gives a new line edit what the first one had.
 void ComboBox::furnishLineEdit()
 {
     QLineEdit *const edit = lineEdit();
@@ -64,7 +64,7 @@ void ComboBox::furnishLineEdit()
     m_furnished = edit;
     m_validator = new ComboBoxValidator(edit);
     m_validator->setModel(model());
-    // That of QComboBox completes within the line and belongs to the line edit.
+    // QComboBox has given it an inline completer, which is a child of the line edit.
     const QCompleter *const own = edit->completer();
     if (!own || (own->parent() == edit && own->completionMode() == QCompleter::InlineCompletion))
         replaceCompleter();
@@ -76,8 +76,8 @@ void ComboBox::furnishLineEdit()
 bool ComboBox::event(QEvent *event)
 {
     const bool done = QComboBox::event(event);
-    // QComboBox takes over a line edit without a word. A child that is new is not the line edit
-    // yet; one that is polished is.
+    // Nothing else tells of a new line edit. While it is added as a child, lineEdit() does not
+    // return it yet; when it is polished, it does.
     if (event->type() == QEvent::ChildAdded)
         QMetaObject::invokeMethod(this, &ComboBox::furnishLineEdit, Qt::QueuedConnection);
     else if (event->type() == QEvent::ChildPolished)
@@ -113,14 +113,14 @@ void ComboBox::chooseRow(int row)
 void ComboBox::chooseWhenLeft()
 {
     m_choosesWhenLeft = true;
-    // QComboBox would choose the first of several rows that differ in case alone.
+    // QComboBox's own slot would choose the first of several rows that differ only in case.
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     connect(lineEdit(), &QLineEdit::editingFinished, this, &ComboBox::leave);
 }
 
 void ComboBox::leave()
 {
-    // The line edit loses the focus to the list of the box too.
+    // Opening the list takes the focus from the line edit, too.
     if (m_opening || view()->isVisible())
         return;
     const QString text = currentText();

@@ -6,16 +6,16 @@
 #include <QComboBox>
 #include <QPointer>
 
-/// The type-ahead combo box on which the selector boxes are built: editable, completing
-/// without regard to case, and with a validator that judges texts by the rows. It shows no
-/// choice at first. It has no value of its own.
+/// The editable combo box on which the selector boxes are built. It has no value of its own.
 ///
-/// Enter on a text that no row has adds no row; the wheel neither focuses the closed box nor
-/// turns its choice; the inner line edit is named after the box's caption for screen readers.
-///
-/// A line edit that comes later (setLineEdit(), setEditable()) is given what the first one had:
-/// type-ahead, unless it brings its own, a validator, and what the box does when it is left. It
-/// has them from the moment on at which it is shown, or from the next turn of the event loop.
+/// - It completes ignoring letter case, and has a validator that judges texts by the rows.
+/// - It shows no choice at first.
+/// - Enter on a text that no row has adds no row.
+/// - The wheel over the closed box changes nothing and does not give it the focus.
+/// - Screen readers read its inner line edit by the caption of the box.
+/// - A line edit that is set later (setLineEdit(), setEditable()) gets what the first one had: a
+///   completer, unless it brings one, a validator, and what the box does when it is left; when it
+///   is shown, or else in the next turn of the event loop.
 class FORMKIT_EXPORT ComboBox : public QComboBox
 {
     Q_OBJECT
@@ -23,40 +23,40 @@ class FORMKIT_EXPORT ComboBox : public QComboBox
 public:
     explicit ComboBox(QWidget *parent = nullptr);
 
-    /// Not installed on the line edit: typed text that matches no row yet is no fault. A
-    /// subclass that sets another model points the completer and the validator at it too. It
-    /// goes with the line edit: null while the box cannot be edited.
+    /// Belongs to the line edit: null while the box cannot be edited. It is not installed there,
+    /// because a typed text that matches no row yet is no error. A subclass that sets another model
+    /// gives that to the completer and to the validator too.
     ComboBoxValidator *comboBoxValidator() const { return m_validator; }
 
-    /// Opens the list. What was highlighted in it no longer is, and the list's view says nothing
-    /// about that; only the choice, if there is one, is highlighted.
+    /// Opens the list with no row highlighted but the current one. The view emits no selection
+    /// signals for the rows that were highlighted before.
     void showPopup() override;
 
-    /// A box whose texts measureTexts() has read is as wide as the widest of them, but not wider
-    /// than about 30 characters; sizeAdjustPolicy and minimumContentsLength say otherwise where
-    /// they are set. Any other box is as wide as QComboBox makes it.
+    /// After measureTexts() the box is as wide as its widest text, but at most about 30 characters,
+    /// unless sizeAdjustPolicy or minimumContentsLength ask for something else. Before, QComboBox
+    /// decides.
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
-    /// Reads the texts of a model's first column, once for each population: QComboBox would
-    /// read them at every size hint. A box that has been shown keeps the width it had then.
+    /// Reads the texts of a model's first column for the width of the box. To be called after each
+    /// population: QComboBox would read them at each size hint. A box that has been shown keeps its
+    /// width.
     void measureTexts(const QAbstractItemModel *model);
 
-    /// The text of a row as the line edit shows it, which cuts what is too long; empty for -1.
+    /// The text of a row, cut to the length that the line edit holds; empty for -1.
     QString textOfRow(int row) const;
 
-    /// Makes a row current and shows its text, also where the row was current already and
-    /// another text had been typed. A row of -1 changes nothing.
+    /// Makes a row current and shows its text, even if it was current and another text had been
+    /// typed over it. -1 changes nothing.
     void chooseRow(int row);
 
-    /// From now on, when the user leaves the box or presses Enter, a text that one row alone
-    /// has chooses that row, and activated() says so: the only row that has it letter for letter,
-    /// or where none has it so, the only one that has it in any case. A text that no row has
-    /// stays as it is, in red and with a tool tip that says so.
+    /// From now on, when the user leaves the box or presses Enter, the text chooses a row if
+    /// rowsOfText() finds exactly one, and activated() is emitted. A text that no row has stays, in
+    /// red and with a tool tip that says so.
     void chooseWhenLeft();
-    /// Shows the text in red with a tool tip that says why, or, for an empty one, takes that
-    /// away. While the box is empty the reason stands in its field.
+    /// Shows the text in red, with the reason as tool tip; an empty box shows the reason itself, as
+    /// its placeholder. An empty reason removes the mark.
     void mark(const QString &why);
 
     /// The rows that a text may mean.
@@ -65,11 +65,11 @@ protected:
         int first; ///< -1 for none
         int count;
     };
-    /// Those that have it letter for letter, or, where there are none, in any case. Walks the
-    /// rows, unless a subclass knows better.
+    /// The rows that have exactly this text; if there are none, those that have it in another
+    /// letter case. Reads every row; a subclass may know a faster way.
     virtual TextRows rowsOfText(const QString &text) const;
 
-    /// Type-ahead for a new line edit.
+    /// Makes the completer of a new line edit.
     virtual QCompleter *makeCompleter();
     void replaceCompleter();
 
@@ -87,9 +87,10 @@ private:
     bool m_measured = false;
     bool m_wasShown = false;
     bool m_opening = false;
-    /// Why the line edit is marked, and what of it the mark has replaced.
+    /// The reason why the line edit is marked, empty if it is not.
     QString m_mark;
+    /// Its style sheet, tool tip and placeholder before.
     QStringList m_unmarked;
-    /// The texts of most characters, one of which is likely the widest.
+    /// The texts with most characters. One of them is likely the widest.
     QStringList m_longest;
 };

@@ -15,7 +15,7 @@ QString ComboBoxValidator::rowText(int row) const
 
 int ComboBoxValidator::firstRowStartingWith(const QString &input) const
 {
-    // The model's own search, which may know better than to walk.
+    // match() is virtual: a model may have a faster search than reading row after row.
     const QModelIndexList found =
         m_model->match(m_model->index(0, 0), Qt::DisplayRole, input, 1, Qt::MatchStartsWith);
     return found.isEmpty() ? -1 : found.first().row();

@@ -22,7 +22,7 @@ public:
 
     /// Decides by the first row whose text starts with the input: Acceptable when that text
     /// is the whole input, else Intermediate, even if a later row equals it. Invalid when no
-    /// row starts so, Intermediate for an empty input. The position plays no part.
+    /// row starts so, Intermediate for an empty input. The position is not used.
     State validate(QString &input, int &pos) const override;
     /// Completes the input to the text of the first row that starts with it, if there is one.
     void fixup(QString &input) const override;

@@ -3,8 +3,8 @@
 
 #include <QLineEdit>
 
-/// The text, caret and selection of a box's line edit, which a refresh of the list disturbs and
-/// then puts back. A box that was made not editable has none.
+/// The text, caret and selection of a box's line edit, to be restored after a refresh of the list
+/// has changed them. A box that cannot be edited has none.
 class EditState
 {
 public:

@@ -6,26 +6,25 @@
 
 #include <functional>
 
-/// Texts as the selectors compare them: ignoring case, character by character, exactly as
-/// QString::compare() and startsWith() do with Qt::CaseInsensitive (one character folds to one
-/// character, so ς meets σ and ß only itself).
+/// How the selectors compare texts: ignoring letter case exactly as QString::compare() and
+/// startsWith() do with Qt::CaseInsensitive. Each character is folded to one character: ς equals σ,
+/// and ß only itself.
 namespace FoldedText {
 
-/// The folded text: two texts are equal, ordered or prefixes of one another ignoring case when
-/// their folded forms are so letter for letter.
+/// The folded text. Comparing folded texts exactly is comparing the texts ignoring case.
 QString folded(const QString &text);
 
-/// A key for QCompleter that orders and begins as the folded text does. QCompleter remembers
-/// what it found by QString::toLower(), which is another folding (of İ it makes two characters);
-/// the key is spelt in characters that have no case.
+/// A key for QCompleter. Keys compare, and begin with one another, as the folded texts do.
+/// QCompleter caches results by QString::toLower(), which folds differently (İ becomes two
+/// characters), so the key consists of characters that have no case.
 QString completionKey(const QString &text);
 
-/// Equal for texts that are equal ignoring case.
+/// A hash that is the same for texts that are equal ignoring case.
 size_t hash(const QString &text);
 
-/// The numbers 0 to count - 1 in ascending order of their texts ignoring case; equal texts keep
-/// their order. Each text is asked for once. Made for a million texts: several times faster than a
-/// sort that compares them in pairs.
+/// The numbers 0 to `count` - 1, sorted by their texts ignoring case; equal texts keep their order.
+/// Asks for each text once. At a million texts it is several times faster than sorting with
+/// QString::compare().
 QVector<int> ascending(int count, const std::function<QString(int)> &textOf);
 
 } // namespace FoldedText

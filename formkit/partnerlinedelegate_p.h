@@ -3,14 +3,14 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a code and a name as two columns of a pop-up's line, in line from row to row whatever
-/// the font, mirrored in a right-to-left layout.
+/// Paints code and name of a pop-up's row as two columns that are aligned in any font, mirrored in
+/// a right-to-left layout.
 class PartnerLineDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 
 public:
-    /// The model's columns, and the characters of a line before the name.
+    /// The model's columns, and the width of the code's column in characters.
     struct Columns
     {
         int code;

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int PopupWidth = 40; // em
-// The name, beside the code.
+// The name of the partner, at the item of the code.
 constexpr int NameRole = Qt::UserRole;
 
 QString displayLine(const QString &code, const QString &name)

@@ -12,12 +12,12 @@ class QStandardItemModel;
 /// property "RiskAddress" and it is true, neither is one whose client code is blank; the
 /// property is read at each population.
 ///
-/// A population keeps the partner that is chosen and a text that is half typed, and reports only
-/// what has become another: a name, or that the chosen partner is gone, when the box empties
-/// itself. A typed code that was that partner's stays, and the box reports that it has no name.
-/// The name of a partner that comes to match a typed code is reported when the user goes on
-/// typing or leaves the box; a code that the program has set waits for its partner (see
-/// SelectorBox).
+/// A population keeps the chosen partner and a half-typed text, as in every SelectorBox:
+/// - A partner that has another name is reported.
+/// - If the chosen partner is gone, the box empties itself and reports that. If its code was typed,
+///   the text stays, and the box reports that it has no name.
+/// - A new partner that has the typed code is reported when the user goes on typing or leaves the
+///   box. A code that the program has set waits for its partner.
 class FORMKIT_EXPORT PartnerSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -29,32 +29,31 @@ public:
     /// Columns of the box's item model.
     enum Column {
         CodeColumn, ///< the partner code
-        LineColumn, ///< code and name in one line, names at the 23rd character
+        LineColumn, ///< code and name in one line, the name from the 23rd character on
         NameColumn  ///< the partner's name
     };
-    /// Characters of a line before the name; a longer code is followed by the name at once.
+    /// Characters of a line in front of the name. Right after a longer code the name follows.
     static constexpr int CodeColumnWidth = 22;
 
     explicit PartnerSelectorBox(QWidget *parent = nullptr);
 
-    /// The code last chosen, typed or set, which need not be a listed one.
+    /// The code that was last chosen, typed or set, listed or not.
     QString getPartner() const { return m_partner; }
     /// The name that was reported with it, empty for a code that was not listed then.
     QString getPartnerName() const { return m_partnerName; }
 
-    /// Reads the host's table anew, under its lock. What the host throws passes through, with
-    /// the lock given back and the list left as it was.
+    /// Reads the host's table again, under its lock. Exceptions of the host pass through; the table
+    /// is unlocked then, and the list is as before.
     void populate();
 
 public Q_SLOTS:
-    /// Chooses the partner of a code, in any letter case unless one has it letter for letter, as a
-    /// user would: the change is reported. A code that is not listed is shown as it stands. The
-    /// code that the box holds
-    /// already changes nothing, whatever has been typed since.
+    /// Chooses the partner of a code and reports the change, as if the user had chosen it. Letter
+    /// case is ignored, unless a partner has exactly this code. A code that is not listed is shown
+    /// as it stands. The code that getPartner() returns changes nothing.
     void setPartner(const QString &code);
 
 Q_SIGNALS:
-    /// The code, or the name that goes with it, is another now.
+    /// Both are emitted when the code or its name has changed.
     void changedPartner(const QString &newValue);
     void changedPartnerName(const QString &newValue);
 

@@ -3,8 +3,8 @@
 
 #include <hostapi/indexsort.h>
 
-/// The rows of the gateway's partner table "gx.diler" by partner code, case-sensitive, blank
-/// codes first.
+/// The rows of the gateway's partner table "gx.diler", sorted by partner code: case-sensitive,
+/// empty codes first.
 class PartnersIndex : public IndexSort
 {
 public:

@@ -429,8 +429,26 @@ void Properties::write(const QString &name, const QString &value, const Key &fro
         failure.attempt([&] { propertyOf(key).write(key.object, held); });
         if (!current.hub)
             break;
+        if (Doing::isUsers() && !m_keyNames.contains(key))
+            leaveToUser(key.object);
     }
     failure.rethrow();
+}
+
+// The user has changed a property without a notify signal, which decides what the object shows. So
+// what it shows now is the user's doing, even if it showed the same before.
+void Properties::leaveToUser(QObject *object)
+{
+    QStringList names;
+    const Key first{object, std::numeric_limits<int>::min()};
+    for (auto it = m_keyNames.lowerBound(first);
+         it != m_keyNames.end() && it.key().object == object; ++it)
+        names << *it;
+    for (const QString &name : qAsConst(names)) {
+        const QString held = m_values.value(name).toString();
+        if (m_given.value(name) != held && isShown(name, held))
+            m_given.remove(name);
+    }
 }
 
 // Tells the writes of the name that are under way. False when its properties have answered too

@@ -111,7 +111,9 @@ public:
     /// answer to none. Empty and "0" are one for a name that is bound to a property whose own name
     /// ends in "Id". An empty value for a name that the hub does not hold sets nothing.
     ///
-    /// What the user changes leaves the list, with everything that changes in consequence. The
+    /// What the user changes leaves the list, with everything that changes in consequence. So does
+    /// what a control shows after the user's change has been written into a property of it that has
+    /// no notify signal (a security box, empty before, when the user chooses another board). The
     /// user's is each change that a property reports by itself: neither while the hub, by order of
     /// the program, writes or binds, nor while formkit's controls follow new data of the host or
     /// another sub-form. A program that sets a control past the hub, and a control of a host's own
@@ -160,6 +162,7 @@ private:
     bool isShown(const QString &name, const QString &given) const;
     void write(const QString &name, const QString &value, const Key &from);
     bool supersede(const QString &name, const Key &from);
+    void leaveToUser(QObject *object);
     void reportLater();
     bool isAlive(QObject *object) const;
     void forgetStranger(QObject *object);

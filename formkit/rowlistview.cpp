@@ -64,7 +64,7 @@ QModelIndex RowListView::indexOfRow(int row) const
     return model() ? model()->index(row, m_column, rootIndex()) : QModelIndex();
 }
 
-// That of the first row, on which all others are modelled. A row of many lines is none to go by.
+// All rows have the height of the first one, of which at most two lines are shown.
 int RowListView::rowHeight() const
 {
     if (m_rowHeight == 0) {
@@ -231,7 +231,8 @@ void RowListView::changeEvent(QEvent *event)
     QAbstractItemView::changeEvent(event);
 }
 
-// QAbstractItemView would make the first row current, unlit, and Enter would choose it.
+// QAbstractItemView would make the first row current without highlighting it, and Enter would
+// choose it.
 void RowListView::focusInEvent(QFocusEvent *event)
 {
     // NOLINTNEXTLINE(bugprone-parent-virtual-call)

@@ -3,8 +3,8 @@
 
 #include <QAbstractItemView>
 
-/// A list of one column whose rows are all of one height, for pop-ups: opening, scrolling and
-/// moving in it cost by the rows that are seen, however many there are.
+/// A list of one column for pop-ups. All rows have the same height, so that opening, scrolling and
+/// moving in it take a time that depends only on the rows that are seen.
 class RowListView : public QAbstractItemView
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ void RowOrder::show(const QVector<int> &rows, Direction direction)
     m_direction = direction;
     if (direction == Descending)
         reverse();
-    // clear() would first copy what is shared, and then keep the room for it.
+    // clear() would keep the memory, and copy it first if it is shared.
     m_positions = {};
 }
 
@@ -46,7 +46,7 @@ QVector<int> RowOrder::ascending(const QVector<int> &rows) const
     return ordered;
 }
 
-// Rows of equal texts stay as they are to one another.
+// Reverses the rows that are shown, but not those of equal texts among themselves.
 void RowOrder::reverse()
 {
     std::reverse(m_shown.begin(), m_shown.end());
@@ -74,7 +74,7 @@ void RowOrder::move(int row)
         m_places[m_sorted.at(place)] = place;
 }
 
-// Never 0 for two rows: of equal texts the smaller row goes first.
+// Never 0 for two different rows: of equal texts the smaller row goes first.
 int RowOrder::compare(int a, int b) const
 {
     const int order = m_textOf(a).compare(m_textOf(b), Qt::CaseInsensitive);
@@ -147,8 +147,8 @@ QVector<int> RowOrder::positionsOf(const QVector<int> &rows) const
     return positions;
 }
 
-// The first position whose text does not go before the given one; with `afterEqual` the first
-// after the rows that are equal to it.
+// The first position whose text does not go before the given one; with `afterEqual` the first one
+// after the rows of an equal text.
 int RowOrder::firstPosition(const QString &text, bool afterEqual) const
 {
     const auto goesBefore = [&](int row) {
@@ -158,7 +158,7 @@ int RowOrder::firstPosition(const QString &text, bool afterEqual) const
     return int(std::partition_point(m_shown.begin(), m_shown.end(), goesBefore) - m_shown.begin());
 }
 
-// Where rows of a text, ignoring case, may stand.
+// The positions at which rows of a text, ignoring case, can be.
 RowRange RowOrder::positionsOfText(const QString &text) const
 {
     if (m_direction == AsRead)
@@ -186,7 +186,7 @@ int RowOrder::countOfText(const QString &text) const
     }));
 }
 
-// Such rows stand together.
+// Rows whose texts start alike are neighbours.
 int RowOrder::positionStartingWith(const QString &beginning, int from, bool wrap) const
 {
     const int first = firstPosition(beginning, false);

@@ -8,26 +8,26 @@
 
 #include <functional>
 
-/// The rows of a table in the order in which a list shows them: all of them or some, by their
-/// texts ignoring case (as QString::compare() does; equal texts by row), or as the table has
-/// them. Rows are those of the table, positions those of the list; both count from 0.
+/// The order in which a list shows the rows of a table, or some of them: sorted by their texts as
+/// QString::compare() does ignoring case, equal texts by row; or as in the table. A row is one of
+/// the table, a position one of the list; both count from 0.
 ///
-/// It keeps some numbers for each row but no texts: it asks for a text whenever it needs one.
+/// It keeps some numbers for each row but no texts; whenever it needs a text it asks for it.
 class RowOrder
 {
 public:
     enum Direction { AsRead, Ascending, Descending };
-    /// Equal texts for equal rows until move() is told otherwise.
+    /// The text of a row. It must stay the same until move() is called for the row.
     using TextOf = std::function<QString(int row)>;
 
     RowOrder() = default;
-    /// Sorts the rows 0 to `count` - 1. None is shown yet.
+    /// Sorts the rows 0 to `count` - 1, and shows none yet.
     RowOrder(int count, TextOf textOf);
 
-    /// Shows these rows, which must ascend.
+    /// Shows these rows, which must be in ascending order.
     void show(const QVector<int> &rows, Direction direction);
-    /// Must be told when the text of one row has changed. The list does not change: see
-    /// isInPlace().
+    /// To be called when the text of a row has changed. The row keeps its position in the list
+    /// until the next show(), even if that is wrong now: see isInPlace().
     void move(int row);
 
     /// How many rows are shown.
@@ -40,15 +40,15 @@ public:
     int positionOf(int row) const;
     /// The positions of those of the rows that are shown, ascending.
     QVector<int> positionsOf(const QVector<int> &rows) const;
-    /// Whether a row that is shown stands between neighbours that it belongs between.
+    /// Whether the position of a shown row is right for its text.
     bool isInPlace(int row) const;
 
     /// The first position with a text; -1 for none.
     int positionOfText(const QString &text, Qt::CaseSensitivity sensitivity) const;
     /// How many of the rows shown have a text, ignoring case.
     int countOfText(const QString &text) const;
-    /// The first position from one on whose text starts with `beginning`, ignoring case; with
-    /// `wrap` then from the top. -1 for none. Only while the order is ascending.
+    /// The first position, not before `from`, whose text starts with `beginning`, ignoring case;
+    /// with `wrap` the search goes on from the top. -1 for none. Only for an ascending order.
     int positionStartingWith(const QString &beginning, int from, bool wrap) const;
 
 private:
@@ -62,14 +62,15 @@ private:
     void invert() const;
 
     TextOf m_textOf;
-    /// All rows in ascending order of their texts, and by row the place in that order.
+    /// All rows in ascending order of their texts.
     QVector<int> m_sorted;
+    /// For each row its index in m_sorted.
     QVector<int> m_places;
-    /// By position, the row.
+    /// For each position the row.
     QVector<int> m_shown;
     Direction m_direction = AsRead;
-    /// By row, less m_firstRow, the position, -1 for rows that are not shown; empty until it is
-    /// first needed.
+    /// For each row from m_firstRow on the position, -1 if it is not shown; empty until it is
+    /// needed.
     mutable QVector<int> m_positions;
     mutable int m_firstRow = 0;
 };

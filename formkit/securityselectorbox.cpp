@@ -72,7 +72,7 @@ void SecuritySelectorBox::setStockId(const QString &id)
 void SecuritySelectorBox::setStockCode(const QString &code)
 {
     lookUpPlace();
-    if (!(isTold() && code.isEmpty() && m_place.givenStock != 0))
+    if (!(isSetByBox() && code.isEmpty() && m_place.givenStock != 0))
         setStock(code, 0);
 }
 
@@ -84,7 +84,7 @@ void SecuritySelectorBox::setStock(const QString &code, int id)
     if (place.isSameStock(m_place))
         return;
     place.stockId = StockDirectory::i()->idByCode(code);
-    if (isTold() && m_place.isStockUnknown()) {
+    if (isSetByBox() && m_place.isStockUnknown()) {
         place.givenStock = m_place.givenStock;
         complete(place);
         return;
@@ -113,11 +113,11 @@ void SecuritySelectorBox::setBoardId(const QString &id)
 void SecuritySelectorBox::setBoardCode(const QString &code)
 {
     lookUpPlace();
-    if (isTold() && code.isEmpty() && m_place.givenBoard != 0)
+    if (isSetByBox() && code.isEmpty() && m_place.givenBoard != 0)
         return;
     Place place = m_place;
     place.boardCode = code;
-    if (isTold() && m_place.isBoardUnknown()) {
+    if (isSetByBox() && m_place.isBoardUnknown()) {
         complete(place);
         return;
     }
@@ -129,8 +129,8 @@ void SecuritySelectorBox::setPlace(const Place &place)
 {
     if (!place.isSameStock(m_place) || !place.isSameBoard(m_place))
         narrow([&] { filter(place); });
-    // What is not shown any more is not read either, also while its report waits for the turn's
-    // end.
+    // The report that the box is empty may wait for the end of the turn; the code must not be read
+    // until then.
     if (currentIndex() < 0 && currentText().isEmpty())
         m_securityCode.clear();
 }
@@ -169,13 +169,17 @@ void SecuritySelectorBox::complete(const Place &place)
     chooseWaiting();
 }
 
+bool SecuritySelectorBox::isPlaceKnown() const
+{
+    return !m_place.isStockUnknown() && !m_place.isBoardUnknown();
+}
+
 bool SecuritySelectorBox::isInPlace(int row) const
 {
     const auto isOf = [&](const QString &code, int role) {
         return code.isEmpty() || dataOfRow(row, role).toString() == code;
     };
-    return !m_place.isStockUnknown() && !m_place.isBoardUnknown() &&
-           isOf(m_place.stockCode, Model::StockCodeRole) &&
+    return isOf(m_place.stockCode, Model::StockCodeRole) &&
            isOf(m_place.boardCode, Model::BoardCodeRole);
 }
 

@@ -7,15 +7,16 @@
 class SecuritySelectorModel;
 class WaitingKey;
 
-/// Selects a security of one board of one exchange by what its model shows (the name, unless
-/// the model's default data role says otherwise). Ids travel as decimal texts, "0" for none.
+/// Selects a security of one board of one exchange by the text that its model displays: the name,
+/// unless the model has another default data role. Ids are decimal texts, "0" for none.
 ///
-/// Setting another exchange or board narrows the list and empties the box; while either of them is
-/// empty every security is listed. A security that is set in the same turn of the event loop,
-/// in whatever order, is chosen there, or waits for it (see SelectorBox); a board that is set by id
-/// in that turn is one of the exchange that is set then. The other setters choose a row as a user
-/// would: the change is reported; what is not listed leaves the choice as it is and waits. Typing
-/// reports after each change of the text, and finds a name in any letter case.
+/// - Setting another exchange or board narrows the list and empties the box. While either of them
+///   is empty, every security is listed, and can be chosen.
+/// - Exchange, board and security that are set in the same turn of the event loop belong together,
+///   in whatever order they are set. The security is chosen there, or waits (see SelectorBox).
+/// - The other setters choose a row and report the change, as if the user had chosen it. A security
+///   that is not listed leaves the choice as it is and waits.
+/// - Each change of the typed text is reported. Letter case is ignored.
 class FORMKIT_EXPORT SecuritySelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -55,19 +56,19 @@ public:
     QString getSecurityName() const;
 
 public Q_SLOTS:
-    /// The exchange, by id or by exact code. An id that the host's directory does not know
-    /// counts as an empty code, by which every security is listed.
+    /// The exchange, by id or by its exact code. While the host's directory does not know the id
+    /// the code is empty, and every security is listed.
     void setStockId(const QString &id);
     void setStockCode(const QString &code);
     /// A board of the exchange that is set.
     void setBoardId(const QString &id);
     void setBoardCode(const QString &code);
     void setSecurityId(const QString &id);
-    /// In any letter case, unless one has it letter for letter.
+    /// Ignores letter case, unless a security has exactly this code.
     void setSecurityCode(const QString &code);
-    /// Puts the text into the edit field, as if it had been typed. While a security waits that was
-    /// set in the same turn of the event loop, a name that is not listed is ignored: it will come
-    /// with the security.
+    /// Puts the text into the edit field, as if it had been typed. A name that is not listed is
+    /// ignored while a security waits that was set in the same turn of the event loop: the name
+    /// comes with that security.
     void setSecurityName(const QString &text);
 
 Q_SIGNALS:
@@ -82,12 +83,12 @@ private Q_SLOTS:
     void item_activated(int row) override;
 
 private:
-    /// Exchange and board as they are set: their codes, and the ids that were given for them, 0 for
-    /// none. The directory may have no code for those.
+    /// The exchange and board that are set: their codes, and their ids if they were set by id,
+    /// otherwise 0. A code is empty as long as the host's directory does not know the id.
     struct Place
     {
         QString stockCode;
-        qint32 stockId = 0; ///< that of the code
+        qint32 stockId = 0; ///< what the directory answers for the code
         int givenStock = 0;
         QString boardCode;
         int givenBoard = 0;
@@ -103,6 +104,7 @@ private:
     void complete(const Place &place);
     void filter(const Place &place);
     void lookUpPlace() override;
+    bool isPlaceKnown() const override;
     bool isInPlace(int row) const override;
     void reportNone(const QString &text) override;
     void reportText(const QString &text) override;

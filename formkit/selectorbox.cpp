@@ -17,8 +17,7 @@
 
 namespace {
 
-// The boxes that are reporting now, one within the other. What is set meanwhile in another box of
-// the form is told by a box, not by the program.
+// How many boxes are reporting now: a report may set another box, which then reports in its turn.
 int boxesReporting = 0;
 
 bool isNone(const QVariant &key)
@@ -27,24 +26,24 @@ bool isNone(const QVariant &key)
     return text.isEmpty() || text == QLatin1String("0");
 }
 
-// What a row is found again by after a refresh, and what was told of it; empty for no row.
+// What identifies a row after a refresh, and what was reported of it; empty for no row.
 struct Trace
 {
     QVariantList key;
     QVariantList told;
-    // The key is none, or that of other rows too: it does not tell the row from another.
+    // The key is none, or other rows have it too.
     bool isAmbiguous = false;
 };
 
-// What a refresh brings back.
+// What a refresh restores.
 struct Kept
 {
     EditState edit;
     bool wasChoice = false;
     bool wasWaiting = false;
-    // The row that the edit text stood for, and that the user was on in the open list.
+    // The row that the edit text named, and the one that was highlighted in the open list.
     Trace row;
-    Trace lit;
+    Trace highlighted;
     bool completing = false;
     QString prefix;
 };
@@ -53,7 +52,10 @@ struct Kept
 
 struct SelectorBox::Private
 {
-    explicit Private(const List &all) : traits(all), list(all.model) {}
+    explicit Private(const List &all) : traits(all), list(all.model)
+    {
+        placeTurn.setSingleShot(true);
+    }
 
     QVariant data(int row, int role) const { return list->index(row, 0).data(role); }
     QVariantList key(int row) const;
@@ -62,16 +64,20 @@ struct SelectorBox::Private
     int rowOf(const Trace &trace) const;
 
     const List traits;
-    // Null once the host has set a model past setListSource().
+    // See SelectorBox::list().
     QPointer<SelectorProxyModel> list;
     WaitingKey waiting;
+    // Runs through the turn of the event loop in which another exchange or board was set.
+    QTimer placeTurn;
     Kept kept;
     bool isRefreshing = false;
-    // What changes now is set by program, not by hand.
+    // The list is being filtered for another exchange or board; the box is emptied after that.
+    bool isNarrowing = false;
+    // What changes now is set by the program, not by the user.
     bool isSetting = false;
     // The edit text is that of the current row.
     bool showsChoice = false;
-    // A refresh may have brought the row that the edit text names.
+    // The edit text may name a row that a refresh has brought, which is not reported yet.
     bool mayStandForNewRow = false;
     // What is shown is not reported yet.
     bool owesReport = false;
@@ -104,8 +110,8 @@ Trace SelectorBox::Private::trace(int row) const
     return trace;
 }
 
-// The row of which the same is told; where there is none, the only row of the key, if the key
-// told it from others before.
+// Of the rows of the key the one of which the same would be reported; if there is none, the only
+// row of the key, provided that it was the only one before.
 int SelectorBox::Private::rowOf(const Trace &trace) const
 {
     if (trace.key.isEmpty())
@@ -130,7 +136,8 @@ SelectorBox::SelectorBox(const List &list, QWidget *parent)
     auto *const rows = new RowListView;
     rows->setModelColumn(list.column);
     setView(rows);
-    // QComboBox answers to changed data by showing the current row's, between these two.
+    // Between these two connections QComboBox makes its own, which shows the current row's text
+    // when data change.
     connect(model, &QAbstractItemModel::dataChanged, this, &SelectorBox::beginDataChange);
     setModel(model);
     connect(model, &QAbstractItemModel::dataChanged, this, &SelectorBox::endDataChange);
@@ -139,8 +146,8 @@ SelectorBox::SelectorBox(const List &list, QWidget *parent)
     setCurrentIndex(-1);
 
     chooseWhenLeft();
-    // After the connections of QComboBox, its view and its completer, so that endRefresh()
-    // finds them ready.
+    // Connected after QComboBox, its view and its completer, so that these have handled the reset
+    // when endRefresh() is called.
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &SelectorBox::beginRefresh);
     connect(model, &QAbstractItemModel::modelReset, this, &SelectorBox::endRefresh);
     connect(&d->waiting, &WaitingKey::turnEnded, this, &SelectorBox::endTurn);
@@ -192,13 +199,13 @@ void SelectorBox::startReporting()
     connect(this, QOverload<int>::of(&QComboBox::activated), this, &SelectorBox::rowActivated);
 }
 
-// What is shown, and what is said of it
+// What is shown and reported
 
 void SelectorBox::textChanged(const QString &text)
 {
     if (d->isRefreshing)
         return;
-    // While the list is open QComboBox shows a row by the column of the list.
+    // While the list is open QComboBox shows the text of the list's column.
     if (modelColumn() != 0 && currentIndex() >= 0 && text == itemText(currentIndex()))
         showQuietly(currentIndex(), textOfRow(currentIndex()));
     noteChoice();
@@ -229,7 +236,7 @@ void SelectorBox::report(const QString &text)
     if (d->isRefreshing)
         return;
     d->mayStandForNewRow = false;
-    // What hears of it may type and choose in its turn.
+    // Whoever is called by this report may set the box as a user does.
     const QScopedValueRollback<bool> setting(d->isSetting, d->isSetting);
     if (!std::exchange(d->isSetting, false))
         d->waiting.drop();
@@ -284,7 +291,7 @@ void SelectorBox::choose(int row)
     const QString before = currentText();
     const bool isOther = row != rowOfText(before, d->traits.typing);
     chooseRow(row);
-    // A row of the same name: QComboBox sees no change of the text to tell of.
+    // QComboBox emits nothing for another row of the same text.
     if (isOther && currentText() == before && lineEdit())
         report(before);
 }
@@ -307,7 +314,7 @@ void SelectorBox::hidePopup()
     ComboBox::hidePopup();
 }
 
-// QComboBox puts the new column's text into the edit field.
+// QComboBox would leave the new column's text in the edit field.
 void SelectorBox::showColumn(int column)
 {
     if (modelColumn() == column)
@@ -320,26 +327,26 @@ void SelectorBox::showColumn(int column)
     edit.restoreCaret(lineEdit());
 }
 
-// Keys that are set
+// Keys that are set by the program or another box
 
 void SelectorBox::chooseKey(int role, const QVariant &key)
 {
     if (!d->list || key.toString().isEmpty())
         return;
-    int row = rowOfKey(role, key);
+    int row = rowToChoose(role, key);
     if (row < 0 && isNone(key)) {
         dropWaiting();
-        // The box that tells of none reports it.
-        if (isTold() && d->showsChoice)
+        // A box that sets none reports that itself.
+        if (isSetByBox() && d->showsChoice)
             showQuietly(-1, QString());
         else if (d->owesReport)
             report(currentText());
         return;
     }
-    // An id says more than a code that comes with it, and several rows may have the code of
-    // another box's choice, whose id is still to come.
+    // An id that waits comes before a code that is set with it. And if several rows have a code
+    // that another box reports, its id, which follows, says which one is meant.
     const bool isCode = role != d->traits.reported.first();
-    const bool isEcho = isCode && isTold();
+    const bool isEcho = isCode && isSetByBox();
     const bool isPart = isEcho || (row < 0 && d->waiting.isOfThisTurn());
     if (isCode && isPart && isWaiting() && d->waiting.role() != role)
         return;
@@ -363,7 +370,7 @@ bool SelectorBox::isWaiting() const
 
 bool SelectorBox::isIgnored(const QString &name) const
 {
-    const bool isPart = isTold() || (d->waiting.isOfThisTurn() && rowsOfText(name).count == 0);
+    const bool isPart = isSetByBox() || (d->waiting.isOfThisTurn() && rowsOfText(name).count == 0);
     return isPart && isWaiting();
 }
 
@@ -383,6 +390,7 @@ void SelectorBox::narrow(const std::function<void()> &setFilter)
     if (late.isValid())
         dropWaiting();
     try {
+        const QScopedValueRollback<bool> narrowing(d->isNarrowing, true);
         setFilter();
     } catch (...) {
         if (late.isValid())
@@ -391,6 +399,7 @@ void SelectorBox::narrow(const std::function<void()> &setFilter)
         showMark();
         throw;
     }
+    d->placeTurn.start(0);
     if (!chooseWaiting())
         clearChoice();
 }
@@ -408,7 +417,7 @@ bool SelectorBox::chooseWaiting()
     return true;
 }
 
-// Called by the event loop and within a refresh, neither of which may let an exception through.
+// For what is called by the event loop or within a refresh, which no exception may leave.
 template <typename Deed> static void guarded(Deed deed)
 {
     const Doing ofHost(Doing::Program);
@@ -432,18 +441,23 @@ void SelectorBox::endTurn()
         guarded([this] { report(currentText()); });
 }
 
-// When the directory fails, what waits goes on waiting.
+// If the directory fails, the key goes on waiting.
 void SelectorBox::tryPlace()
 {
     guarded([this] { lookUpPlace(); });
 }
 
-bool SelectorBox::isTold()
+bool SelectorBox::isSetByBox()
 {
     return boxesReporting > 0;
 }
 
 void SelectorBox::lookUpPlace() {}
+
+bool SelectorBox::isPlaceKnown() const
+{
+    return true;
+}
 
 bool SelectorBox::isInPlace(int) const
 {
@@ -475,14 +489,14 @@ void SelectorBox::beginRefresh()
         kept.completing = completed->isVisible();
         kept.prefix = completer()->completionPrefix();
     }
-    // A source that was destroyed has nothing left to read.
+    // If the source was destroyed, there is nothing left to read.
     if (!d->list->sourceModel())
         return;
     kept.wasWaiting = showsWaiting();
     kept.row =
         d->trace(kept.wasChoice ? currentIndex() : rowOfText(currentText(), d->traits.typing));
     if (view()->isVisible())
-        kept.lit = d->trace(view()->currentIndex().row());
+        kept.highlighted = d->trace(view()->currentIndex().row());
 }
 
 void SelectorBox::endRefresh()
@@ -493,22 +507,25 @@ void SelectorBox::endRefresh()
     const int come = same >= 0 && kept.wasWaiting ? same : waitingRow();
     const int row = come >= 0 ? come : same;
     const bool isChoice = come >= 0 || kept.wasChoice;
-    // QComboBox has shown row 0 meanwhile.
+    // QComboBox has made row 0 current by now.
     showQuietly(row, isChoice ? textOfRow(row) : kept.edit.text());
     kept.edit.restoreCaret(lineEdit());
     d->isRefreshing = false;
     if (come >= 0 && !d->waiting.isOfThisTurn())
         d->waiting.drop();
     if (view()->isVisible())
-        view()->setCurrentIndex(d->list->index(d->rowOf(kept.lit), d->traits.column));
+        view()->setCurrentIndex(d->list->index(d->rowOf(kept.highlighted), d->traits.column));
     bringBackCompletions(kept.completing && !(kept.wasChoice && row < 0), kept.prefix);
 
     const bool stoodForARow = kept.wasChoice || !kept.row.key.isEmpty();
     const bool isSame = row >= 0 && rowOfText(currentText(), d->traits.typing) == row &&
                         d->key(row) == kept.row.key && d->told(row) == kept.row.told;
     d->mayStandForNewRow = !stoodForARow;
+    const bool isChanged = (stoodForARow || come >= 0) && !isSame;
     const QScopedValueRollback<bool> setting(d->isSetting, true);
-    if ((stoodForARow || come >= 0) && !isSame)
+    if (isChanged && d->isNarrowing && come < 0)
+        d->owesReport = true;
+    else if (isChanged)
         report(currentText());
 }
 
@@ -533,7 +550,7 @@ void SelectorBox::endDataChange(const QModelIndex &topLeft, const QModelIndex &b
     const Doing ofHost(Doing::Program);
     const EditState edit = std::exchange(d->kept, Kept()).edit;
     const bool isTyped = !d->showsChoice && !edit.text().isEmpty();
-    // What a box that cannot be edited showed before is not known.
+    // It is not known what a box that cannot be edited showed before.
     const bool isUnseen = isTyped || !lineEdit();
     if (lineEdit())
         setEditText(isTyped ? edit.text() : d->showsChoice ? textOfRow(currentIndex()) : QString());
@@ -559,8 +576,24 @@ int SelectorBox::rowOfKey(int role, const QVariant &key) const
     if (!d->list)
         return -1;
     QVector<int> rows = d->list->rowsOfKey(role, key);
-    const auto isElsewhere = [&](int row) { return !isTold() && !isInPlace(row); };
-    rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
+    const auto isElsewhere = [&](int row) { return !isPlaceKnown() || !isInPlace(row); };
+    if (!isSetByBox())
+        rows.erase(std::remove_if(rows.begin(), rows.end(), isElsewhere), rows.end());
+    return bestOf(rows, role, key);
+}
+
+// A row of another exchange or board can be chosen too; but not in the turn in which exchange or
+// board are set, nor before they are known: the key may be that of a row that is still to come.
+int SelectorBox::rowToChoose(int role, const QVariant &key) const
+{
+    const int row = rowOfKey(role, key);
+    if (row >= 0 || d->placeTurn.isActive() || !isPlaceKnown())
+        return row;
+    return bestOf(d->list->rowsOfKey(role, key), role, key);
+}
+
+int SelectorBox::bestOf(QVector<int> rows, int role, const QVariant &key) const
+{
     const QString text = key.toString();
     const auto isExact = [&](int row) { return dataOfRow(row, role).toString() == text; };
     const auto inAnyCase = std::stable_partition(rows.begin(), rows.end(), isExact);
@@ -589,7 +622,7 @@ int SelectorBox::rowOfText(const QString &text, Qt::CaseSensitivity sensitivity)
 {
     if (isCurrentText(text, Qt::CaseSensitive))
         return currentIndex();
-    // Only a choice can mean a row without a name.
+    // An empty text names no row; a row without a name counts while it is the current one (above).
     if (text.isEmpty() || !d->list)
         return -1;
     const int exact = lookUp(text, Qt::CaseSensitive);
@@ -614,7 +647,7 @@ ComboBox::TextRows SelectorBox::rowsOfText(const QString &text) const
     const int first = lookUp(text, Qt::CaseInsensitive);
     const int count = d->traits.inSourceOrder ? rows.size() : d->list->countOfText(text);
     TextRows exact{-1, 0};
-    // Whether it is one or many is all that matters.
+    // It only matters whether there are none, one or more.
     for (int i = 0; i < count && exact.count < 2; ++i) {
         const int row = d->traits.inSourceOrder ? rows.at(i) : first + i;
         if (textOfRow(row) == text)

@@ -31,7 +31,7 @@ QString SelectorCompleter::pathFromIndex(const QModelIndex &index) const
 
 bool SelectorCompleter::eventFilter(QObject *watched, QEvent *event)
 {
-    // The type first: popup() makes a view while there is none, also inside setPopup().
+    // The type is tested first, as popup() makes a view if there is none, even within setPopup().
     if (event->type() == QEvent::KeyPress && completionMode() != InlineCompletion &&
         watched == popup() && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
         const QString typed = completionPrefix();

@@ -5,10 +5,10 @@
 
 class SelectorProxyModel;
 
-/// Type-ahead over a selector's list, at any length of a sorted one: completes on keys in whose
-/// order it is sorted (see FoldedText::completionKey()), and shows them in a view that costs by
-/// the rows that are seen. Escape in its pop-up gives back what was typed before rows were tried
-/// with the arrow keys.
+/// Completes what is typed into a selector box. A sorted list may have any length: it is sorted by
+/// the keys that are completed on (see FoldedText::completionKey()), and the pop-up draws only the
+/// rows that are seen. Escape in the pop-up restores what was typed before the arrow keys tried
+/// rows.
 class SelectorCompleter : public QCompleter
 {
     Q_OBJECT

@@ -5,12 +5,12 @@
 
 class StockSelectorModel;
 
-/// Selects an exchange by its name. Ids travel as decimal texts, "0" for none.
+/// Selects an exchange by its name. Ids are decimal texts, "0" for none.
 ///
-/// The setters choose a row as a user would: the change is reported. An id or code that is
-/// not listed leaves the choice as it is and waits (see SelectorBox). Typing reports after each
-/// change of the text: the exchange only when the text is a name letter for letter, otherwise id
-/// "0" and an empty code; the getters find a name in any letter case.
+/// - The setters choose a row and report the change, as if the user had chosen it. An id or code
+///   that is not listed leaves the choice as it is and waits (see SelectorBox).
+/// - Each change of the typed text is reported: as the exchange if the text is exactly its name,
+///   otherwise as id "0" and an empty code. The getters ignore letter case.
 class FORMKIT_EXPORT StockSelectorBox : public SelectorBox
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ public:
 public Q_SLOTS:
     /// A text that is no number counts as 0.
     void setStockId(const QString &id);
-    /// In any letter case, unless one has it letter for letter.
+    /// Ignores letter case, unless an exchange has exactly this code.
     void setStockCode(const QString &code);
 
 Q_SIGNALS:

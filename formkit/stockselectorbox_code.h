@@ -3,10 +3,10 @@
 
 #include <formkit/selectorbox.h>
 
-/// Selects an exchange by its code, for forms that wire their values by signal and slot: the
-/// hub's walk binds nothing here. The list has the exchanges in the host's own order, and the
-/// first is current at first, under an empty text. An item's text is the exchange code, its
-/// Qt::UserRole data the exchange id (int) and its Qt::UserRole + 1 data the name.
+/// Selects an exchange by its code, for forms that connect their values by signals and slots:
+/// Properties::connectAll() binds nothing here. The exchanges are listed in the order of the host's
+/// table. At first the first one is current, but the text is empty. An item's text is the code, its
+/// Qt::UserRole data the id (int) and its Qt::UserRole + 1 data the name.
 class FORMKIT_EXPORT StockSelectorBox_Code : public SelectorBox
 {
     Q_OBJECT
@@ -14,16 +14,17 @@ class FORMKIT_EXPORT StockSelectorBox_Code : public SelectorBox
 public:
     explicit StockSelectorBox_Code(QWidget *parent = nullptr);
 
-    /// Reads the host's table "stocks" anew, under its lock. The first exchange becomes
-    /// current; setProp_StockId("0") is emitted all the same. But an exchange that waited and has
-    /// come is chosen, and is what is reported last. What the host throws passes through, with the
-    /// lock given back and the list left as it was.
+    /// Reads the host's table "stocks" again, under its lock. The first exchange becomes current;
+    /// setProp_StockId("0") is emitted nevertheless. If an exchange waited that is listed now, that
+    /// one is chosen instead, and is reported last. Exceptions of the host pass through; the table
+    /// is unlocked then, and the list is as before.
     void populate();
 
 Q_SIGNALS:
-    /// The text, after every change of it; empty before that when no exchange has such a code.
+    /// The text, after each change of it. If no exchange has such a code, it is emitted with an
+    /// empty text first.
     void setProp_Stock(const QString &newValue);
-    /// Carries the exchange id, as text, just as setProp_StockId does.
+    /// The exchange id as text (not the code), like setProp_StockId.
     void setProp_StockCode(const QString &newValue);
     /// "0" when the text is no exchange's code.
     void setProp_StockId(const QString &newValue);

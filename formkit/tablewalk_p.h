@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-/// What every selector model does with its table, and the check lists with their checks.
+/// What the selector models share: reading a table, sorting the rows, collecting the checked ones.
 namespace TableWalk {
 
-/// Walks a table that the caller has locked, in the order of the master index: the rows that
-/// `read` makes of the records that `accepts`.
+/// Reads a table, which the caller has locked, in the order of its master index: `read` makes a row
+/// of each record for which `accepts` is true.
 template <typename Row, typename Accept, typename Read>
 QVector<Row> read(const Table *table, const Accept &accepts, const Read &read)
 {
@@ -26,7 +26,7 @@ QVector<Row> read(const Table *table, const Accept &accepts, const Read &read)
     return rows;
 }
 
-/// Sorts rows so that among equals the later read stands first.
+/// Sorts rows; of equal ones the later comes first.
 template <typename Iterator, typename Less>
 void sortLaterFirst(Iterator begin, Iterator end, Less less)
 {
@@ -34,7 +34,7 @@ void sortLaterFirst(Iterator begin, Iterator end, Less less)
     std::stable_sort(begin, end, less);
 }
 
-/// Brings to each place the row that stands at the position which `order` names for it.
+/// Reorders rows without a copy: the row at `order[i]` comes to i.
 template <typename Row> void arrange(QVector<Row> *rows, std::vector<int> order)
 {
     Row *const at = rows->data();
@@ -53,11 +53,12 @@ template <typename Row> void arrange(QVector<Row> *rows, std::vector<int> order)
     }
 }
 
-/// Remembers the last answer of a directory: the rows of one board mostly follow one another.
+/// Remembers the last answer of a directory. The rows of a board mostly follow one another, so that
+/// the directory need not be asked for each.
 template <typename Key, typename Answer> class LastAnswer
 {
 public:
-    /// `ask` gives the answer for a key other than the last one.
+    /// The answer for the key; `ask` is called for it if the key is not that of the last call.
     template <typename Ask> const Answer &of(const Key &key, const Ask &ask)
     {
         if (!m_isKnown || !(m_key == key)) {
@@ -74,7 +75,7 @@ private:
     bool m_isKnown = false;
 };
 
-/// Adds the keys of the checked rows of a check list. True when some row is not checked.
+/// Adds the keys of the checked rows to `keys`. True if a row is not checked.
 template <typename Row, typename Key, typename Keys>
 bool addChecked(const QVector<Row> &rows, Key Row::*key, Keys *keys)
 {

@@ -4,9 +4,9 @@
 #include <QTimer>
 #include <QVariant>
 
-/// A key that a program has set for a box. It is kept through the turn of the event loop in which
-/// it was set, because what else is set in that turn belongs to it, in whatever order; after
-/// that it is its owner's affair whether it goes on waiting.
+/// The id or code that a program has set for a box last. It is kept at least to the end of the turn
+/// of the event loop in which it was set, even if its row is chosen before: an exchange that is set
+/// in that turn belongs to it. After that the owner drops it, unless it waits for its row.
 class WaitingKey : public QObject
 {
     Q_OBJECT
@@ -14,20 +14,20 @@ class WaitingKey : public QObject
 public:
     WaitingKey();
 
-    /// In the place of the key before; a turn begins.
+    /// Replaces the key before. A turn begins.
     void set(int role, const QVariant &key);
     void drop();
-    /// The key that was dropped last waits on; no turn begins.
+    /// Undoes a drop() of this key. No turn begins.
     void putBack(const QVariant &key);
 
     bool isSet() const { return m_key.isValid(); }
-    /// Set in the turn that is under way.
+    /// It is set, in the turn of the event loop that is under way.
     bool isOfThisTurn() const { return isSet() && m_turn.isActive(); }
     int role() const { return m_role; }
     QVariant key() const { return m_key; }
 
 Q_SIGNALS:
-    /// The turn in which the key was set has ended; the key may have been dropped since.
+    /// The turn in which a key was set has ended. The key may have been dropped since.
     void turnEnded();
 
 private:
