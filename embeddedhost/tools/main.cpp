@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// formkit-mkdb makes reference databases for the embedded host: from CSV files, or of any
-// size from a seed.
+// formkit-mkdb makes reference databases for the embedded host, from CSV files or with invented
+// data.
 
 #include "csvimport.h"
 #include "databasewriter.h"
@@ -24,7 +24,7 @@ struct Arguments
     QString database;
 };
 
-// The number of an option, or the end of the program.
+// The number of an option. Ends the program if it is none.
 quint64 number(const QCommandLineParser &parser, const QString &option, quint64 least, quint64 most)
 {
     bool ok = false;
