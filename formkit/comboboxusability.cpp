@@ -8,8 +8,7 @@
 
 namespace {
 
-// The text of a caption as it is spoken: without the mark of its shortcut ("&&" stands for
-// an ampersand).
+// The text of a caption without the mark of its shortcut; "&&" is an ampersand.
 QString spoken(const QString &caption)
 {
     QString text;
@@ -44,7 +43,7 @@ bool ComboBoxUsability::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::Wheel:
-        // The open list takes its own.
+        // The open list gets its wheel events itself.
         event->ignore();
         return true;
     case QEvent::Show:

@@ -5,15 +5,13 @@
 
 class QComboBox;
 
-/// What every editable combo box of a form owes its user, given to a box by making one of
-/// these for it:
-/// - a turn of the wheel on the closed box is ignored and does not bring the focus, so that
-///   what the box stands in scrolls;
-/// - Enter on a text that no row has adds no row;
-/// - the inner line edit carries the accessible name of the box, or the text of the box's
-///   caption (the label whose buddy it is), so that a screen reader says which field it is.
-///   The name is brought up to date whenever the box or a line edit of it is shown, or the box
-///   gets the focus.
+/// Makes an editable combo box easier to use. Create one for the box:
+/// - The wheel over the closed box does nothing and does not give it the focus, so that the form
+///   scrolls.
+/// - Enter on a text that no row has adds no row.
+/// - The inner line edit has the accessible name of the box, or the text of its caption (the label
+///   whose buddy it is), so that a screen reader says which field it is. The name is updated when
+///   the box or its line edit is shown and when the box gets the focus.
 class ComboBoxUsability : public QObject
 {
     Q_OBJECT

@@ -4,8 +4,6 @@
 #include "comboboxusability_p.h"
 #include "datevalidator.h"
 
-#include <hostapi/datetime.h>
-
 #include <QCalendarWidget>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -24,7 +22,7 @@ datetime typed(const QString &text)
     return date.isNull() ? datetime::fromFullYearString(text, QLocale::ShortFormat) : date;
 }
 
-// Knows years of four digits, too.
+// Also accepts a year of four digits where the format has two.
 class TypedDateValidator : public DateValidator
 {
 public:
@@ -123,8 +121,8 @@ void DateEdit::showPopup()
     d->calendar.setFocus(Qt::OtherFocusReason);
 }
 
-// Below the field's left edge, moved as far as it takes to stay on the screen; above the
-// field where there is no room below.
+// Below the field, left edges in line, moved as far as it takes to stay on the screen. Above the
+// field if there is no room below.
 QPoint DateEdit::Private::calendarPosition() const
 {
     const QRect field = q->rect();

@@ -3,8 +3,8 @@
 
 #include <QLineEdit>
 
-/// The text, caret and selection of a box's line edit, which a refresh of the list disturbs and
-/// then puts back. A box that was made not editable has none.
+/// The text, caret and selection of a box's line edit, kept while a refresh of the list disturbs
+/// them. A box that is not editable has no line edit.
 class EditState
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     QString text() const { return m_text; }
 
-    /// Puts caret and selection back, if the edit shows the text.
+    /// Restores caret and selection if the edit shows the text.
     void restoreCaret(QLineEdit *edit) const
     {
         if (!edit || edit->text() != m_text)
