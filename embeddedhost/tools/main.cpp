@@ -45,11 +45,11 @@ Arguments readArguments(const QCoreApplication &application)
                        "--securities, one of any size with invented content."));
     parser.addHelpOption();
     parser.addOptions({
-        {QStringLiteral("csv"), QStringLiteral("Folder with one CSV file a table."),
+        {QStringLiteral("csv"), QStringLiteral("Folder with a CSV file for each table."),
          QStringLiteral("folder")},
         {QStringLiteral("securities"), QStringLiteral("How many securities to invent."),
          QStringLiteral("number")},
-        {QStringLiteral("seed"), QStringLiteral("What the invented names follow from."),
+        {QStringLiteral("seed"), QStringLiteral("Another seed gives other securities."),
          QStringLiteral("number"), QStringLiteral("1")},
         {QStringLiteral("per-board"), QStringLiteral("Invented securities on each board."),
          QStringLiteral("number"), QStringLiteral("1000")},
