@@ -5,6 +5,7 @@
 #include "bindings_p.h"
 #include "doing_p.h"
 #include "firstfailure_p.h"
+#include "namewrite_p.h"
 #include "programvalues_p.h"
 
 #include <QDebug>
@@ -29,15 +30,10 @@ QString propertyName(const QByteArray &property)
     return QString::fromLatin1(property.constData());
 }
 
-// How often properties may answer one write of their name with yet another value.
-constexpr int MaxAnswers = 20;
-
 } // namespace
 
 struct Q_DECL_HIDDEN Properties::Private
 {
-    struct Write;
-
     explicit Private(Properties *properties);
 
     bool bindOwn(QObject *object, const BindingInfo &info);
@@ -45,7 +41,6 @@ struct Q_DECL_HIDDEN Properties::Private
     void listen(const QString &name, const Key &key);
     QMetaMethod changedSlot() const;
     void write(const QString &name, const QString &value, const Key &from);
-    bool supersede(const QString &name, const Key &from);
     void reportLater();
     template <typename... Deeds> void forEachName(Values all, Deeds... deeds);
     bool isWritable(const QString &name) const;
@@ -55,42 +50,7 @@ struct Q_DECL_HIDDEN Properties::Private
     Bindings bindings;
     Values values;
     ProgramValues given{bindings};
-    Write *innermost = nullptr; // of the writes under way, null if there is none
-};
-
-// A write of one name to its properties. A property that answers with another value starts a
-// further write inside this one.
-struct Properties::Private::Write
-{
-    Write(Private *hub, const QString &written)
-        : properties(hub->q), name(written), outer(std::exchange(hub->innermost, this))
-    {
-    }
-    ~Write()
-    {
-        if (properties)
-            properties->d->innermost = outer;
-    }
-    Q_DISABLE_COPY(Write)
-
-    // The name has another value since then. An inner write has handed it to all objects but the
-    // one whose property answered with it (none when the program set it).
-    void supersede(const Key &answer)
-    {
-        isSuperseded = true;
-        answered = answer;
-    }
-    bool isLeftFor(const Key &key) const
-    {
-        return !isSuperseded || (key.object == answered.object && key.index != answered.index);
-    }
-
-    const QPointer<Properties> properties; // null when the hub has died during the write
-    const QString name;
-    Write *const outer;
-    bool isSuperseded = false;
-    Key answered;
-    int answers = 0;
+    NameWrite *innermost = nullptr; // of the writes under way, null if there is none
 };
 
 Properties::Private::Private(Properties *properties)
@@ -153,7 +113,7 @@ void Properties::Private::listen(const QString &name, const Key &key)
     }
     if (values.contains(name)) {
         const Doing binding(Doing::Program);
-        Write current(this, name);
+        const NameWrite current(q, &innermost, name);
         property.write(key.object, values.value(name));
     } else if (property.hasNotifySignal()) {
         values.insert(name, property.read(key.object).toString());
@@ -320,50 +280,29 @@ bool Properties::Private::isWritable(const QString &name) const
 void Properties::Private::write(const QString &name, const QString &value, const Key &from)
 {
     values.insert(name, QVariant(value));
-    if (!supersede(name, from)) {
+    if (!NameWrite::supersede(innermost, name, from)) {
         qWarning() << "Properties::setValue: the properties bound to" << name << "disagree";
         return;
     }
-    Write current(this, name);
+    const NameWrite current(q, &innermost, name);
     const int version = bindings.version();
     FirstFailure failure;
     const Keys keys = bindings.keysOf(name);
     for (const Key &key : keys) {
         if (key.object == from.object || !current.isLeftFor(key))
             continue;
-        if (bindings.version() != version && !bindings.isBound(current.name, key))
+        if (bindings.version() != version && !bindings.isBound(current.name(), key))
             continue;
         if (!bindings.isAlive(key.object)) {
             bindings.forget(key.object);
             continue;
         }
-        const QVariant held = values.value(current.name);
+        const QVariant held = values.value(current.name());
         failure.attempt([&] { propertyOf(key).write(key.object, held); });
-        if (!current.properties)
+        if (!current.isHubAlive())
             break;
     }
     failure.rethrow();
-}
-
-// Tells the writes of the name that are under way that it has another value. False when its
-// properties have answered too often, which ends these writes.
-bool Properties::Private::supersede(const QString &name, const Key &from)
-{
-    const auto forEachWrite = [&](auto deed) {
-        for (Write *write = innermost; write; write = write->outer) {
-            if (write->name == name)
-                deed(write);
-        }
-    };
-    Write *outermost = nullptr;
-    forEachWrite([&](Write *write) {
-        write->supersede(from);
-        outermost = write;
-    });
-    if (!outermost || ++outermost->answers <= MaxAnswers)
-        return true;
-    forEachWrite([](Write *write) { write->supersede({}); });
-    return false;
 }
 
 void Properties::propertyChanged()
@@ -380,7 +319,7 @@ void Properties::propertyChanged()
         return;
     if (Doing::isUsers())
         d->given.userChanged(name);
-    else if (d->innermost && d->innermost->name == name)
+    else if (d->innermost && d->innermost->name() == name)
         d->given.answered(name, content);
     d->write(name, content, key);
 }
