@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // DecimalValidator beside QDoubleValidator on the same twelve-digit texts: one that is grouped
-// already, and one as it stands when the last digit was just typed and the groups must move.
+// already, and one whose groups must move because the last digit was just typed.
 #include <formkit/decimalvalidator.h>
 
 #include <QDoubleValidator>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Parsing a million lines of each listing style, beside a pass that only splits the same lines
-// at blanks (EPLF has commas instead); and a whole List() over loopback at growing numbers of
-// entries.
+// Parsing a million lines of each listing style, beside a loop that only splits the same lines at
+// blanks (for EPLF at commas); and a whole List() over loopback with growing numbers of entries.
 
 #include "ftpclient/scriptedserver.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Downloads and uploads of 1 GiB over loopback beside curl: same server (vsftpd), same buffer
-// size, in pairs; medians of time and of processor time. An argument sets the number of pairs.
+// Downloads and uploads of 1 GiB over loopback beside curl, in pairs: same server (vsftpd), same
+// buffer size. Prints medians of time and of processor time. An argument sets the number of pairs.
 
 #include "ftpclient/realserver.h"
 
@@ -21,7 +21,7 @@ using namespace nsFTP;
 
 namespace {
 
-// curl's own.
+// The buffer sizes of curl.
 constexpr unsigned int DownloadBuffer = 102400;
 constexpr unsigned int UploadBuffer = 65536;
 constexpr qint64 FileSize = 1LL << 30;
@@ -92,7 +92,7 @@ void compare(const char *name, int pairs, const std::function<bool()> &ours,
     std::vector<double> timeRatios;
     std::vector<double> processorRatios;
     for (int i = 0; i < pairs; ++i) {
-        // Each goes first in turn.
+        // They take turns to go first.
         Cost mine = i % 2 == 0 ? costOf(ours) : Cost();
         const Cost other = costOf(curls);
         mine = i % 2 == 0 ? mine : costOf(ours);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The order form of the examples, with formkit and with Qt alone, over the same host: what a user
-// waits for. Each form and size has a process of its own, which is ended after ten minutes.
+// How long a user waits for the order form of the examples, with formkit and with Qt alone, over
+// the same host. Each form and size has a process of its own, which ends after ten minutes at the
+// latest.
 //
 //     bench_orderforms                       10,000, 100,000 and 1,000,000 securities
 //     bench_orderforms formkit 1000000       one form, one size
@@ -21,12 +22,12 @@ namespace {
 
 constexpr int Boards = 100;
 
-// Processor time, which other work on the machine disturbs least; nothing here waits.
+// Measures processor time, as other work on the machine disturbs it least. Nothing here waits.
 class Stopwatch
 {
 public:
     Stopwatch() { restart(); }
-    // The time since the line before.
+    // Prints the time since the last line.
     void line(const char *what)
     {
         QCoreApplication::processEvents();

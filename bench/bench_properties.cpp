@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The binding hub against the property writes that it cannot do without.
+// The hub beside the property writes that it has to make in any case.
 
 #include <formkit/lineedit.h>
 #include <formkit/properties.h>
@@ -30,7 +30,7 @@ struct Form
         }
     }
 
-    // Two contents to take turns with, so that every write changes a text.
+    // Two contents in turn, so that every write changes a text.
     Values fill[2];
     std::vector<std::unique_ptr<LineEdit>> edits;
 };
@@ -69,7 +69,7 @@ void setValuesByBareWrites(benchmark::State &state)
 }
 BENCHMARK(setValuesByBareWrites)->Unit(benchmark::kMicrosecond);
 
-// One edit, handed on to all others of its name.
+// One edit, which the hub writes into all other properties of the name.
 void fanOut(benchmark::State &state)
 {
     Properties hub;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The security box against Qt's own classes wired as such a box (an editable QComboBox with a
-// QCompleter over a QSortFilterProxyModel) and against a bare loop over the table, each
-// measurement in a process of its own.
+// The security box, beside Qt's own classes put together as such a box (an editable QComboBox with
+// a QCompleter over a QSortFilterProxyModel) and beside a plain loop over the table. Each
+// measurement has a process of its own.
 //
 //     bench_selectors                    everything, a quarter of an hour
 //     bench_selectors --sizes 10000      a smoke run
@@ -85,7 +85,8 @@ void makeDatabase(const QString &file, int securities)
         throw std::runtime_error("no database could be made");
 }
 
-// Names that differ in their last seven characters alone: series of one underlying, for example.
+// Gives the securities names that differ only in their last seven characters, like series of one
+// underlying.
 void makeNamesAlike(const QString &file)
 {
     {

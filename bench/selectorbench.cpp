@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "selectorbench.h"
 
+#include "selectorsubject.h"
+
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/securityselectorbox.h>
-#include <formkit/securityselectormodel.h>
 #include <hostapi/directories.h>
 #include <hostapi/securitiessessionfilter.h>
 #include <hostapi/table.h>
@@ -15,7 +16,6 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QSortFilterProxyModel>
 
 #include <algorithm>
 #include <functional>
@@ -28,117 +28,12 @@
 
 namespace {
 
-using Role = SecuritySelectorModel::ItemDataRole;
+using Role = Subject::Role;
 using Data = SecuritySelectorModel::Data;
 
 constexpr int TypedCharacters = 14;
 
-// The operations of a box that the two kinds of it have names of their own for.
-class Subject
-{
-public:
-    virtual ~Subject() = default;
-    virtual QComboBox *box() = 0;
-    virtual SecuritySelectorModel *source() = 0;
-    virtual void setBoard(const QString &stockCode, const QString &boardCode) = 0;
-    virtual void choose(Role role, const QString &key) = 0;
-};
-
-class OurBox : public Subject
-{
-public:
-    QComboBox *box() override { return &m_box; }
-    SecuritySelectorModel *source() override
-    {
-        auto *list = static_cast<QAbstractProxyModel *>(m_box.model());
-        return static_cast<SecuritySelectorModel *>(list->sourceModel());
-    }
-    void setBoard(const QString &stockCode, const QString &boardCode) override
-    {
-        m_box.setStockCode(stockCode);
-        m_box.setBoardCode(boardCode);
-    }
-    void choose(Role role, const QString &key) override
-    {
-        if (role == Role::SecurityIdRole)
-            m_box.setSecurityId(key);
-        else
-            m_box.setSecurityCode(key);
-    }
-
-private:
-    SecuritySelectorBox m_box;
-};
-
-class StockFilter : public QSortFilterProxyModel
-{
-public:
-    void setBoard(const QString &stockCode, const QString &boardCode)
-    {
-        m_stockCode = stockCode;
-        m_boardCode = boardCode;
-        invalidateFilter();
-    }
-
-protected:
-    bool filterAcceptsRow(int sourceRow, const QModelIndex &) const override
-    {
-        if (m_stockCode.isEmpty() || m_boardCode.isEmpty())
-            return true;
-        const QModelIndex row = sourceModel()->index(sourceRow, 0);
-        return row.data(Role::StockCodeRole).toString() == m_stockCode &&
-               row.data(Role::BoardCodeRole).toString() == m_boardCode;
-    }
-
-private:
-    QString m_stockCode;
-    QString m_boardCode;
-};
-
-class StockBox : public Subject
-{
-public:
-    StockBox()
-    {
-        m_source.populate();
-        m_filter.setSortCaseSensitivity(Qt::CaseInsensitive);
-        m_filter.setSourceModel(&m_source);
-        m_filter.sort(0);
-        m_box.setEditable(true);
-        m_box.setInsertPolicy(QComboBox::NoInsert);
-        m_box.setModel(&m_filter);
-        auto *completer = new QCompleter(&m_filter, &m_box);
-        completer->setCaseSensitivity(Qt::CaseInsensitive);
-        m_box.setCompleter(completer);
-        m_box.setCurrentIndex(-1);
-    }
-
-    QComboBox *box() override { return &m_box; }
-    SecuritySelectorModel *source() override { return &m_source; }
-    void setBoard(const QString &stockCode, const QString &boardCode) override
-    {
-        m_filter.setBoard(stockCode, boardCode);
-        m_box.setCurrentIndex(-1);
-    }
-    void choose(Role role, const QString &key) override
-    {
-        m_box.setCurrentIndex(m_box.findData(key, role, Qt::MatchFixedString));
-    }
-
-private:
-    SecuritySelectorModel m_source;
-    StockFilter m_filter;
-    QComboBox m_box;
-};
-
-std::unique_ptr<Subject> makeSubject(const QString &side)
-{
-    if (side == QLatin1String("ours"))
-        return std::make_unique<OurBox>();
-    return std::make_unique<StockBox>();
-}
-
-// Until layout, painting and zero timers are done too.
+// Runs the event loop until layout, painting and zero timers are done.
 void settle()
 {
     QCoreApplication::processEvents();
@@ -155,8 +50,8 @@ std::unique_ptr<Subject> makeShownSubject(const QString &side)
     return subject;
 }
 
-// Processor time: that of the clock on the wall on an idle machine, for nothing here waits,
-// and undisturbed by its neighbours on a busy one.
+// Processor time, which other work on the machine disturbs least. Nothing here waits, so on an idle
+// machine it is the time that passes.
 double processorMilliseconds()
 {
     timespec now;
@@ -178,7 +73,7 @@ SelectorFigure figureOf(std::vector<double> samples)
     return {samples.at(samples.size() / 2), samples.back()};
 }
 
-// Goes on until there are enough samples, or enough time has gone into them.
+// Repeats the measurement until there are enough samples or they have taken enough time.
 SelectorFigure repeat(int enough, const std::function<double(int)> &sample)
 {
     constexpr qint64 EnoughMilliseconds = 5000;
@@ -202,7 +97,7 @@ void press(int key, const QString &text = QString())
     QCoreApplication::sendEvent(target, &up);
 }
 
-// Names of securities, the same ones in every database of one seed.
+// Names of securities: the same ones in every database of one seed.
 QStringList namesToType(const SecuritySelectorModel &source)
 {
     QMap<qint64, QString> byId;
@@ -217,8 +112,7 @@ QStringList namesToType(const SecuritySelectorModel &source)
     return names;
 }
 
-// What a box has behind it by the time that a board is changed: its list was opened, a name
-// was begun.
+// Opens the list and begins a name, as a user has done before the board is changed.
 void useOnce(Subject &subject)
 {
     subject.box()->showPopup();
@@ -265,7 +159,7 @@ QVector<QPair<QString, QString>> boardsOf(const SecuritySelectorModel &source)
     return boards;
 }
 
-// From one board to the next, which mostly is one of the same exchange.
+// Goes from each board to the next one, which mostly is of the same exchange.
 SelectorFigure measureBoards(Subject &subject)
 {
     const auto boards = boardsOf(*subject.source());
@@ -303,7 +197,7 @@ SelectorFigure measureClearing(Subject &subject)
     });
 }
 
-// The first pop-up of a box: later ones find the stock list laid out already.
+// Measures the first pop-up of a box: for later ones Qt's list is laid out already.
 SelectorFigure measureOpening(const QString &side, double place)
 {
     return repeat(7, [&](int) {
@@ -319,7 +213,7 @@ SelectorFigure measureOpening(const QString &side, double place)
     });
 }
 
-// A letter that few names begin with, typed into the open list.
+// Types a letter that few names begin with into the open list.
 SelectorFigure measureSearching(const QString &side)
 {
     return repeat(7, [&](int) {
@@ -353,7 +247,7 @@ SelectorFigure measureChoosing(Subject &subject, Role role)
 
 enum class Texts { SharedWithHost, Own };
 
-// What anybody would write who needs the rows in a vector.
+// The plain loop that reads the rows into a vector.
 std::vector<Data> readRows(Texts texts)
 {
     Table *const table = ICore::instance()->table(QStringLiteral("securities"));
@@ -424,7 +318,7 @@ double processMegabytes(const char *entry)
     throw std::runtime_error("memory: no such entry in /proc/self/status");
 }
 
-// The peak while the action runs, over what was held before it.
+// The peak of memory during the action, minus what was held before it.
 SelectorFigure measureMemory(const std::function<void()> &action)
 {
     malloc_trim(0);
@@ -446,7 +340,7 @@ SelectorFigure measureMemory(const QString &side, const QString &operation)
                                                                 : Texts::Own);
         });
     {
-        // Fonts, style and the like, which Qt holds from its first box on.
+        // Has Qt load what it keeps from the first box on, such as fonts and the style.
         QComboBox any;
         any.setEditable(true);
         any.addItem(QStringLiteral("any"));

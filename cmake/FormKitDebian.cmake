@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# Debian packages, one an install component: `cpack -G DEB` in a build folder, or scripts/packages,
-# which checks them too.
+# Debian packages, one for each install component. `cpack -G DEB` in a build folder makes them;
+# scripts/packages checks them too.
 set(CPACK_PACKAGE_NAME formkit-qt5)
 set(CPACK_PACKAGE_VENDOR "the formkit authors")
 set(CPACK_PACKAGE_CONTACT "the formkit authors <formkit@localhost>")
@@ -25,7 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/hostapi
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianDocuments.cmake)
 set(CPACK_FORMKIT_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 
-# The embedded host cannot open a file without Qt's SQLite driver, which no linker sees.
+# The embedded host needs Qt's SQLite driver, which is a plug-in that it is not linked with.
 set(runtime_package libformkit-qt5-${PROJECT_VERSION_MAJOR})
 set(same_runtime "${runtime_package} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
@@ -45,7 +45,7 @@ set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libformkit-qt5-doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SHLIBDEPS OFF)
-# The pages' links to headers lead there, and the examples build with it.
+# The pages link to its headers, and the examples are built with it.
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_RECOMMENDS libformkit-qt5-dev)
 
 include(CPack)

@@ -7,12 +7,12 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FormKitQt5)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# An installation may be moved: its programs and libraries find each other by relative paths.
+# Programs and libraries find each other by relative paths, so that an installation may be moved.
 file(RELATIVE_PATH libdir_from_bindir
     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set(FORMKIT_PROGRAM_RPATH $ORIGIN/${libdir_from_bindir})
 
-# Part of formkit_add_library(), whose arguments it reads.
+# Called by formkit_add_library(), whose arguments it reads.
 function(formkit_install_library target)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH $ORIGIN)
     install(TARGETS ${target} EXPORT FormKitQt5Targets
@@ -34,7 +34,7 @@ set(FormKitQt5_${ARG_NAME}_modules ${ARG_QT})
 ")
 endfunction()
 
-# Part of formkit_install_library(), whose arguments it reads.
+# Called by formkit_install_library(), whose arguments it reads.
 function(formkit_install_pkgconfig)
     file(RELATIVE_PATH prefix_from_pc
         ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
@@ -69,8 +69,8 @@ function(formkit_install_package)
     formkit_install_documents()
 endfunction()
 
-# Pages and examples stand to each other as in the tree, so that the pages' links hold. Those to
-# headers lead to the installed ones.
+# Pages and examples are in the same places to each other as in the tree, so that the pages' links are
+# right. Links to headers lead to the installed headers.
 function(formkit_install_documents)
     install(FILES LICENSE README.md CHANGELOG.md CONTRIBUTING.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)

@@ -19,7 +19,7 @@ if(FORMKIT_SANITIZE)
     target_link_options(formkit_options INTERFACE -fsanitize=${FORMKIT_SANITIZE})
 endif()
 
-# What moc and uic write is theirs to tidy; this file stands nearer to it than the tree's own.
+# clang-tidy reads the settings that are nearest to a file. These are for what moc and uic write.
 if(CMAKE_CXX_CLANG_TIDY)
     file(WRITE ${PROJECT_BINARY_DIR}/.clang-tidy "Checks: '-*,misc-definitions-in-headers'\n")
 endif()
@@ -27,9 +27,9 @@ endif()
 # formkit_add_library(<target> FOLDER <include folder> NAME <exported name> DESCRIPTION <text>
 #     [USES <exported names>] QT <modules> SOURCES <files>)
 # A shared library with a SONAME, hidden visibility, a generated export header
-# <FOLDER>/<target>_export.h, the alias FormKit::<NAME> and a pkg-config file. USES and QT are
-# what its headers include of this package's and of Qt's libraries: they are linked publicly and
-# are what its users have to have. All else is linked privately and asked of nobody.
+# <FOLDER>/<target>_export.h, the alias FormKit::<NAME> and a pkg-config file. USES and QT name the
+# libraries of this package and of Qt whose headers its headers include: they are linked publicly, and
+# its users need them too. All others are linked privately.
 function(formkit_add_library target)
     cmake_parse_arguments(ARG "" "FOLDER;NAME;DESCRIPTION" "USES;QT;SOURCES" ${ARGN})
     add_library(${target} SHARED ${ARG_SOURCES})
@@ -48,7 +48,7 @@ function(formkit_add_library target)
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5>)
     target_compile_features(${target} PUBLIC cxx_std_17)
-    # As strict as any program that includes the headers.
+    # As strict as programs that include the headers may be.
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_STRICT_ITERATORS)
     list(TRANSFORM ARG_USES PREPEND FormKit:: OUTPUT_VARIABLE own_targets)
@@ -56,8 +56,8 @@ function(formkit_add_library target)
     target_link_libraries(${target}
         PUBLIC ${own_targets} ${qt_targets}
         PRIVATE $<BUILD_INTERFACE:formkit_options>)
-    # A program may have classes of its own called ComboBox, Label or Table: what a library calls
-    # stays its own. Its users have to be compiled with -fPIC, which the Qt targets see to.
+    # A program may have its own classes ComboBox, Label or Table: the libraries go on calling theirs.
+    # Their users must be compiled with -fPIC, which Qt's targets ask for too.
     if(NOT APPLE)
         target_link_options(${target} PRIVATE -Wl,-Bsymbolic)
     endif()

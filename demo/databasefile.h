@@ -3,14 +3,14 @@
 
 #include <QString>
 
-/// Where the demo's reference data comes from.
+/// The files with the demo's reference data.
 namespace DatabaseFile {
 
-/// The database that was built beside the demo.
+/// The database that is built with the demo.
 QString sample();
 
-/// A database of that many invented securities, made in the temporary folder unless it is there
-/// already. Empty, with the reason in `error`, when it cannot be made.
+/// A database of that many invented securities, made in the temporary folder if it is not there
+/// yet. Empty, with the reason in `error`, if it cannot be made.
 QString generated(int securities, QString *error);
 
 } // namespace DatabaseFile

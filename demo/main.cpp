@@ -73,7 +73,7 @@ Options parse(const QApplication &app)
     return options;
 }
 
-// Fusion draws outlines a shade darker than the window, which cannot be seen on a dark one.
+// Fusion draws outlines a little darker than the window, so that they cannot be seen on a dark one.
 class DarkStyle : public QProxyStyle
 {
 public:
@@ -86,7 +86,7 @@ public:
         const bool isBox = element == PE_FrameLineEdit || element == PE_IndicatorCheckBox;
         if (!isBox && element != PE_FrameGroupBox && element != PE_IndicatorRadioButton)
             return;
-        // The title of a group stands above its frame.
+        // The title of a group is above its frame.
         const qreal top = element == PE_FrameGroupBox ? option->fontMetrics.height() + 3 : 0;
         const QRectF outline = QRectF(option->rect).adjusted(0.5, top + 0.5, -0.5, -0.5);
         const qreal radius = element == PE_IndicatorRadioButton ? outline.width() / 2 : 2;
@@ -130,14 +130,14 @@ int runScript(OrderWindow *window, const Options &options)
     return 0;
 }
 
-// The offscreen platform says of each pop-up what it cannot do.
+// Drops what the offscreen platform warns of each pop-up.
 void passUsefulMessages(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     if (!text.startsWith(QLatin1String("This plugin does not support ")))
         std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
 }
 
-// Qt chooses its platform before it reads our options.
+// Reads this option itself: Qt chooses the platform before the other options are read.
 void chooseHeadless(int argc, char **argv)
 {
     bool headless = false;

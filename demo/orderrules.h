@@ -5,6 +5,5 @@
 
 #include <QMap>
 
-/// What the terminal of this demo accepts as an order: the reason for each name whose value it
-/// rejects.
+/// The names whose values the demo's terminal rejects, each with the reason.
 QMap<QString, QString> rejectedFields(const Values &order);

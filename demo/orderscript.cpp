@@ -119,7 +119,7 @@ bool OrderScript::enterOrder(const QString &securityType, const QString &picture
     if (partner->count() > 0)
         fillIn("partner", partner->itemText(0));
 
-    // Typed as this machine's locale writes numbers and dates.
+    // In the form in which this machine's locale writes numbers and dates.
     const auto *price = static_cast<NumberEditor *>(m_window->control("price"));
     fillIn("price", price->toText(QStringLiteral("1234567.25")));
     fillIn("offset", price->toText(QStringLiteral("-0.75")));
@@ -141,7 +141,7 @@ bool OrderScript::enterOrder(const QString &securityType, const QString &picture
     return takePicture(picture);
 }
 
-// The first board of that type on which there are securities.
+// Chooses the first board of that type that has securities.
 bool OrderScript::chooseBoard(const QString &securityType)
 {
     auto *exchange = static_cast<StockSelectorBox *>(m_window->control("exchange"));
@@ -163,7 +163,7 @@ bool OrderScript::chooseBoard(const QString &securityType)
     return fail(QStringLiteral("no board of type %1 has securities").arg(securityType));
 }
 
-// As a hand does: goes to the field, selects what stands there, types, and goes on.
+// Goes to the field, selects its text, types, and leaves the field.
 void OrderScript::fillIn(const char *control, const QString &text)
 {
     QWidget *widget = m_window->control(control);

@@ -75,7 +75,7 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
 
 OrderWindow::~OrderWindow()
 {
-    // The log line of the last state would find the trace gone.
+    // The machine's last state logs, so it must end while the trace is there.
     m_machine.stop();
     disconnect(&m_machine, nullptr, this, nullptr);
 }
@@ -90,13 +90,13 @@ void OrderWindow::makeSubForms()
     m_subForms.insert(equities, makePage<Ui::EquityPage>(m_ui->details));
     m_subForms.insert(SecTypes::Futures.toString(), makePage<Ui::FuturesPage>(m_ui->details));
     m_subForms.insert(SecTypes::Option.toString(), makePage<Ui::OptionsPage>(m_ui->details));
-    // Boards that no exchange has: the sub-forms stand in the form before any board is read.
+    // Places for the sub-forms before any board is read: boards that no exchange has.
     boardid place;
     for (QWidget *subForm : qAsConst(m_subForms)) {
         --place.board_id;
         m_ui->details->addWidget(place, subForm);
     }
-    // Tab would come to what was made last at the end.
+    // These were made last, so that Tab would reach them last.
     QWidget *before = m_ui->comment;
     const QList<QWidget *> controls = m_ui->details->findChildren<QWidget *>();
     for (QWidget *control : controls) {
@@ -111,7 +111,7 @@ void OrderWindow::makeSum()
 {
     auto *sum = new Summator(m_ui->form);
     sum->setProperty("fields", QStringLiteral("Price=Summand Offset=Addendum Total=Value"));
-    // What nobody can type into has no field's ground.
+    // Nobody can type into these, so they have no field's background.
     QPalette palette;
     palette.setBrush(QPalette::Base, Qt::transparent);
     m_ui->total->setPalette(palette);
@@ -163,7 +163,7 @@ void OrderWindow::refresh()
 {
     m_stocks->populate();
     m_boards->populate();
-    // A load that has opened other sessions has had them read anew already.
+    // If the load has opened other sessions, the securities have been read again already.
     if (!m_securitiesAreFresh)
         m_securities->populate();
     m_ui->partner->populate();
@@ -208,7 +208,7 @@ void OrderWindow::showValues()
 QMap<QString, QString> OrderWindow::rejections() const
 {
     QMap<QString, QString> reasons = rejectedFields(m_hub.values());
-    // An amount in doubt has no value, and must not pass for one that was left out.
+    // An amount in doubt has no value, but must not be taken for one that was left out.
     const QList<NumberEditor *> editors = m_ui->form->findChildren<NumberEditor *>();
     for (const NumberEditor *editor : editors) {
         if (editor->isVisibleTo(this) && !editor->text().isEmpty() &&
@@ -264,7 +264,7 @@ void OrderWindow::send()
 void OrderWindow::tell(const QString &outcome)
 {
     m_told = m_hub.values();
-    // A line of its own also when there is nothing to tell: the form does not move.
+    // Never an empty text, so that the line keeps its height and the form does not move.
     m_ui->outcome->setText(outcome.isEmpty() ? QStringLiteral(" ") : outcome);
     m_ui->outcome->setToolTip(outcome);
     if (outcome.isEmpty())

@@ -21,7 +21,7 @@ namespace Ui {
 class OrderWindow;
 }
 
-/// The order-entry dialog: the form on the left, what arrives in its Values on the right.
+/// The order-entry dialog: the form on the left, its Values on the right.
 class OrderWindow : public QWidget
 {
     Q_OBJECT
@@ -33,8 +33,8 @@ public:
     Properties *hub() { return &m_hub; }
     /// A control of the form by its name in the form designer, sub-forms included.
     QWidget *control(const char *name) const;
-    /// Fills the form, once the data are there when they are being loaded: exchange, board and
-    /// security in that order, as each narrows the next.
+    /// Fills the form: exchange, board and security in that order, as each narrows the list of the
+    /// next. While data are being loaded, it waits for them.
     void fill(const Values &values);
 
 Q_SIGNALS:
@@ -47,16 +47,16 @@ private:
     void makeSum();
     void makeStates();
     void connectHost();
-    /// Reads the host's tables anew, after they have changed.
+    /// Reads the host's tables again, after they have changed.
     void refresh();
     /// Gives each board the sub-form of its security type.
     void registerBoards();
     void showValues();
     QMap<QString, QString> rejections() const;
-    /// Marks what the terminal rejects; whether that is nothing.
+    /// Marks what the terminal rejects. True if that is nothing.
     bool check();
     void send();
-    /// Says above the buttons what has become of the order, until it is changed.
+    /// Says above the buttons what has become of the order, until the order is changed.
     void tell(const QString &outcome);
     void announceSessions();
     void showProgress(const QString &table, int rows, int total);
@@ -68,17 +68,18 @@ private:
     StockSelectorModel *m_stocks;
     BoardSelectorModel *m_boards;
     SecuritySelectorModel *m_securities;
-    /// By the security type of the boards that they serve.
+    /// The sub-form of each security type.
     QHash<QString, QWidget *> m_subForms;
     Properties m_hub;
     FormValidation m_validation;
-    /// What waits for a load to end.
+    /// What fill() is to set when the load ends.
     Values m_toFill;
-    /// The values of which tell() has spoken.
+    /// The values at the last tell().
     Values m_told;
     QStateMachine m_machine;
-    /// What was open before the button "New sessions" closed some; empty while all are open.
+    /// The open sessions from before the button "New sessions" closed some; empty while all are
+    /// open.
     QVector<SessionId> m_allSessions;
-    /// Whether new sessions were announced since the load under way last reported.
+    /// New sessions were announced since the load last reported.
     bool m_securitiesAreFresh = false;
 };

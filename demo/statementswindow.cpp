@@ -14,7 +14,7 @@ enum Column { NameColumn, SizeColumn, DateColumn };
 
 constexpr int ProgressSteps = 1000;
 
-// A row that sorts by what it means rather than by its text.
+// A row that sorts by size and time, not by their texts.
 class StatementItem : public QTreeWidgetItem
 {
 public:
@@ -138,7 +138,7 @@ void StatementsWindow::askAndDownload()
     const QTreeWidgetItem *item = m_ui->files->currentItem();
     if (!item || !m_ui->download->isEnabled())
         return;
-    // A server's name is no path of ours.
+    // The server's name of the file may be a path, which is not to be followed here.
     const QString name = QFileInfo(item->text(NameColumn)).fileName();
     const QString file =
         QFileDialog::getSaveFileName(this, tr("Save statement"), QDir::home().filePath(name));
@@ -180,7 +180,7 @@ void StatementsWindow::enter(Phase phase, const QString &text)
     m_ui->server->setEnabled(false);
     m_ui->download->setEnabled(false);
     m_ui->cancel->setEnabled(phase == Downloading);
-    // Busy until a size is known.
+    // Shows activity until the size is known.
     m_ui->progress->setRange(0, 0);
     m_ui->progress->show();
     m_ui->status->setText(text);

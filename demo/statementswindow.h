@@ -12,26 +12,26 @@ namespace Ui {
 class StatementsWindow;
 }
 
-/// Fetches statements from an FTP server while the order form stays alive.
+/// Fetches statements from an FTP server. The order form can be used meanwhile.
 class StatementsWindow : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit StatementsWindow(QWidget *parent = nullptr);
-    /// Cancels what is under way and waits for it, at most one of the server's time-outs.
+    /// Cancels what is under way and waits for its end, at most for one time-out of the client.
     ~StatementsWindow() override;
 
-    /// Fills the fields and connects.
+    /// Fills in the fields and connects.
     void open(const StatementsServer &server);
-    /// Fetches the chosen file without asking where to.
+    /// Fetches the chosen file without asking for a name.
     void downloadTo(const QString &localFile);
 
 Q_SIGNALS:
     /// For the worker's thread.
     void openRequested(const StatementsServer &server);
     void downloadRequested(const Statement &statement, const QString &localFile);
-    /// The list is there, or the download, or neither.
+    /// The list or the download has ended, well or not.
     void finished();
 
 private:

@@ -20,7 +20,7 @@ std::string bytes(const QString &text)
 StatementsWorker::StatementsWorker()
     : m_client(nsSocket::CreateDefaultBlockingSocketInstance(), TimeOutSeconds)
 {
-    // A server is not to send us to a third host, nor a third host to us.
+    // Data connections go to the server and to no third host.
     m_client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
     m_client.SetAcceptOnlyControlPeer(true);
     m_client.AttachObserver(this);

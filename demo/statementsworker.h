@@ -10,7 +10,7 @@
 
 #include <atomic>
 
-/// One file of a statements server.
+/// A file of a statements server.
 struct Statement
 {
     QByteArray name; ///< as the server gave it
@@ -33,8 +33,8 @@ struct StatementsServer
 };
 Q_DECLARE_METATYPE(StatementsServer)
 
-/// Talks to a statements server, on a thread of its own: the calls block, and their results come
-/// as signals.
+/// Talks to a statements server, on a thread of its own. The slots block, and signals report the
+/// results.
 class StatementsWorker : public QObject, private nsFTP::CFTPClient::CNotification
 {
     Q_OBJECT
@@ -43,19 +43,18 @@ public:
     StatementsWorker();
     ~StatementsWorker() override;
 
-    /// Ends the download that is under way after the block in hand. May be called from any
-    /// thread.
+    /// Ends the download after the block that is under way. Any thread may call it.
     void cancel();
 
 public Q_SLOTS:
     /// Logs on and lists the folder.
     void open(const StatementsServer &server);
-    /// Fetches a listed file; it may replace what is there.
+    /// Fetches a listed file. It may replace a local file.
     void download(const Statement &statement, const QString &localFile);
 
 Q_SIGNALS:
     void opened(const QVector<Statement> &statements);
-    /// Bytes so far, bytes of the whole file (-1 when unknown), milliseconds since the start.
+    /// Bytes so far, bytes of the whole file (-1 if unknown), milliseconds since the start.
     void progress(qint64 received, qint64 total, qint64 elapsed);
     void downloaded(const QString &localFile);
     void failed(const QString &reason);

@@ -3,13 +3,13 @@
 
 #include <QObject>
 
-/// Catches what the states of the dialog log, and passes every other message on.
+/// Collects what the states of the dialog log, and passes all other messages on.
 class TraceLog : public QObject
 {
     Q_OBJECT
 
 public:
-    /// One at a time.
+    /// Only one may exist at a time.
     explicit TraceLog(QObject *parent = nullptr);
     ~TraceLog() override;
 

@@ -5,7 +5,7 @@
 
 #include <QTreeWidget>
 
-/// A form's values as a table of two columns that follows the hub.
+/// Shows a form's values as a table of names and values.
 class ValuesView : public QTreeWidget
 {
     Q_OBJECT
@@ -13,7 +13,8 @@ class ValuesView : public QTreeWidget
 public:
     explicit ValuesView(QWidget *parent = nullptr);
 
-    /// Rows come in the order of their names; what has changed since the last call is bold.
+    /// Shows the values in the order of their names. Those that have changed since the last call
+    /// are bold.
     void show(const Values &values);
     using QTreeWidget::show;
 

@@ -42,7 +42,7 @@ QString xmlProperty(const QString &name, const QString &value, const QString &ex
     return QStringLiteral("<property name=\"%1\"%3>%2</property>").arg(name, value, extra);
 }
 
-// Bytes: Designer hands texts to translators.
+// As bytes, since Designer marks texts for translation.
 QString presetText(const QByteArray &name)
 {
     return xmlProperty(QString::fromLatin1(name), QStringLiteral("<cstring/>"),
@@ -185,7 +185,7 @@ QString Control::domXml() const
         if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
-    // What the hub moves is system text, which no translator may touch.
+    // Values of the hub are texts in system form, which must not be translated.
     for (int i = qtClass(meta)->propertyCount(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
         if (property.userType() == QMetaType::QString)

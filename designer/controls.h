@@ -9,13 +9,14 @@ class QObject;
 class QWidget;
 struct QMetaObject;
 
-/// A property that a control reads though no class declares it: a designer must offer it by name.
+/// A property that a control reads although no class declares it, so that a form designer must
+/// offer it by name.
 struct DynamicProperty
 {
     enum Kind {
-        Text,        ///< a text; an empty one is no property ("field" would be an empty name)
-        PresetText,  ///< a text that every new control carries, empty
-        PageText,    ///< a text of each page of the control, carried from the start, empty
+        Text,        ///< a text; an empty one removes the property ("field" would be an empty name)
+        PresetText,  ///< a text that every new control has, empty at first
+        PageText,    ///< a text that each page of the control has, empty at first
         ParentSwitch ///< a switch that the control reads from its parent
     };
 
@@ -25,7 +26,7 @@ struct DynamicProperty
     Kind kind;
 };
 
-/// What a form designer shows of one control, and how it makes it.
+/// What a form designer shows of a control, and how it makes the control.
 struct Control
 {
     const QMetaObject *meta = nullptr;
@@ -37,17 +38,17 @@ struct Control
     QString toolTip;
     QString whatsThis;
     QSize firstSize;
-    /// The properties of a new control, and its pages, as a form file writes them.
+    /// The properties and pages of a new control, in the words of a form file.
     QString firstContent;
     QVector<DynamicProperty> dynamicProperties;
-    /// The method by which a form file adds pages, empty for all but containers of pages.
+    /// The method by which a form file adds pages; empty if the control has none.
     QString addPageMethod;
     bool isContainer = false;
 
     QString name() const;
     /// The Qt class that the control extends.
     QString baseName() const;
-    /// The control's entry of a form file's widget box.
+    /// The control's entry in Designer's widget box.
     QString domXml() const;
 };
 
@@ -55,5 +56,5 @@ struct Control
 const QVector<Control> &controls();
 /// The dynamic property "boards" of a FormSelector's pages.
 const DynamicProperty &boardsProperty();
-/// The control of an object's class, null when the object is none of the library's.
+/// The control of an object's class; null if the object is no control of the library.
 const Control *controlOf(const QObject *object);

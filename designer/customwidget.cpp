@@ -7,7 +7,7 @@
 #include <QExtensionManager>
 #include <QIcon>
 
-// As pixmaps: Designer's widget box shows no icon that names no sizes, as one drawn does not.
+// Of pixmaps: Designer's widget box does not show an icon without sizes, such as a drawn one.
 QIcon CustomWidget::icon() const
 {
     const QIcon drawing(QStringLiteral(":/formkit/designer/%1.svg").arg(name().toLower()));

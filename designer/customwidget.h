@@ -5,7 +5,7 @@
 
 #include <QtUiPlugin/QDesignerCustomWidgetInterface>
 
-/// What Qt Designer and QUiLoader are told of one control of the list.
+/// Describes a control to Qt Designer and QUiLoader, and makes it.
 class CustomWidget : public QDesignerCustomWidgetInterface
 {
 public:
@@ -21,7 +21,7 @@ public:
     QWidget *createWidget(QWidget *parent) override;
     QString domXml() const override { return m_control.domXml(); }
 
-    /// Called by Designer alone. Gives it the task menus and the pages, once for all controls.
+    /// Only Designer calls this. Registers task menus and pages, once for all controls.
     void initialize(QDesignerFormEditorInterface *core) override;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The selector's own empty page stands in front of the form's.
+// Before it comes the selector's own empty page.
 constexpr int firstPage = 1;
 
 } // namespace
@@ -54,7 +54,7 @@ void DesignedFormSelector::setCurrentIndex(int index)
     m_stack->setCurrentIndex(index + firstPage);
 }
 
-// The base shows its empty page when one of its ids changes.
+// Shows the page again when the base has shown its empty one, after a change of an id.
 void DesignedFormSelector::keepPage(int stackIndex)
 {
     if (stackIndex >= firstPage)

@@ -3,11 +3,13 @@
 
 #include <formkit/formselector.h>
 
+#include <QPointer>
+
 class QStackedLayout;
 
-/// A FormSelector while it is designed, and in Designer's preview. Its pages fill it, so that they
-/// can be drawn on, and are shown whatever the current board is. (It bears the name of its base:
-/// that is the class that the form file is to hold.)
+/// A FormSelector in Designer and in its preview. A page fills it, so that it can be drawn on, and
+/// is shown whatever the current board is. (For Designer it has the name of its base class, which
+/// is the one that the form file needs.)
 class DesignedFormSelector : public FormSelector
 {
 public:
@@ -18,9 +20,9 @@ public:
     void removePage(int index);
 
     int count() const;
-    /// Null where there is none.
+    /// The page at an index, or null.
     QWidget *page(int index) const;
-    /// -1 while there is no page.
+    /// The index of the page that is designed; -1 if there is no page.
     int currentIndex() const;
     void setCurrentIndex(int index);
 
@@ -28,6 +30,6 @@ private:
     void keepPage(int stackIndex);
 
     QStackedLayout *m_stack;
-    /// The page that is designed.
+    /// The page that is being designed.
     QPointer<QWidget> m_current;
 };

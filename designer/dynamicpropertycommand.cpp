@@ -41,14 +41,14 @@ void DynamicPropertyCommand::undo()
     replace(m_former, m_formerOfSheet);
 }
 
-// The property is taken away first: the sheet keeps the type that a property has.
+// Removes the property first, because the sheet keeps the type of a property that exists.
 void DynamicPropertyCommand::replace(const QVariant &value, const QVariant &valueOfSheet)
 {
     auto *sheet = extensionOf<QDesignerPropertySheetExtension>(m_form, m_widget);
     auto *dynamic = extensionOf<QDesignerDynamicPropertySheetExtension>(m_form, m_widget);
     if (!dynamic->canAddDynamicProperty(m_name)) {
         dynamic->removeDynamicProperty(sheet->indexOf(m_name));
-        // The sheet only hides it.
+        // The sheet only hides the property.
         m_widget->setProperty(m_name.toLatin1(), QVariant());
     }
     if (value.isValid())

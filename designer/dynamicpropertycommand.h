@@ -6,14 +6,14 @@
 #include <QUndoCommand>
 #include <QVariant>
 
-/// Gives a widget of a form a dynamic property, or another value of it, or takes it away, so that
-/// Designer can undo it. (Designer's own commands change properties that are there.)
+/// Sets or removes a dynamic property of a widget in a form, in a way that Designer can undo.
+/// (Designer's own commands only change properties that exist.)
 ///
-/// Texts are best given as bytes: Designer hands the others to translators.
+/// Pass texts as bytes: Designer marks others for translation.
 class DynamicPropertyCommand : public QUndoCommand
 {
 public:
-    /// An invalid value takes the property away.
+    /// An invalid value removes the property.
     DynamicPropertyCommand(QDesignerFormWindowInterface *form, QWidget *widget,
                            const QByteArray &name, const QVariant &value);
 
@@ -28,6 +28,6 @@ private:
     QString m_name;
     QVariant m_value;
     QVariant m_former;
-    /// As Designer holds it, with what it knows of its translation.
+    /// The former value as Designer holds it, with notes for its translation.
     QVariant m_formerOfSheet;
 };

@@ -3,8 +3,8 @@
 
 #include <QExtensionFactory>
 
-/// Makes what Designer asks for about the library's controls: their task menus, and the pages of
-/// a FormSelector.
+/// Makes Designer's extensions for the library's controls: task menus, and the pages of a
+/// FormSelector.
 class ExtensionFactory : public QExtensionFactory
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ void FormSelectorPages::insertWidget(int index, QWidget *page)
     auto *sheet = qt_extension<QDesignerPropertySheetExtension *>(m_manager, page);
     auto *dynamic = qt_extension<QDesignerDynamicPropertySheetExtension *>(m_manager, page);
     const QString boards = QString::fromLatin1(boardsProperty().name);
-    // Not by a command: it comes and goes with the page.
+    // Without a command, as it comes and goes with the page.
     if (dynamic->canAddDynamicProperty(boards))
         sheet->setProperty(dynamic->addDynamicProperty(boards, QByteArray()), QByteArray());
 }

@@ -8,7 +8,7 @@
 
 class QExtensionManager;
 
-/// Designer's way to the pages of a FormSelector.
+/// Gives Designer access to the pages of a FormSelector.
 class FormSelectorPages : public QObject, public QDesignerContainerExtension
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     int currentIndex() const override { return m_selector->currentIndex(); }
     void setCurrentIndex(int index) override { m_selector->setCurrentIndex(index); }
     void addWidget(QWidget *page) override { m_selector->addPage(page); }
-    /// A page that is new gets its property "boards", to be filled in.
+    /// Gives a new page an empty property "boards".
     void insertWidget(int index, QWidget *page) override;
     void remove(int index) override { m_selector->removePage(index); }
 

@@ -9,15 +9,15 @@
 
 class DesignedFormSelector;
 
-/// The library's part of the context menu of a control, or of a page of a FormSelector: its
-/// dynamic properties, and a way from page to page.
+/// The library's entries in the context menu of a control or of a FormSelector's page: for dynamic
+/// properties, and for going from page to page.
 class TaskMenu : public QObject, public QDesignerTaskMenuExtension
 {
     Q_OBJECT
     Q_INTERFACES(QDesignerTaskMenuExtension)
 
 public:
-    /// Whether the library has a menu for the widget.
+    /// Whether the library has entries for the widget.
     static bool isFor(QWidget *widget);
 
     TaskMenu(QWidget *widget, QObject *parent);
@@ -32,7 +32,7 @@ private:
     void change(QWidget *owner, const QByteArray &name, const QVariant &value);
 
     QWidget *m_widget;
-    /// The selector that the widget, or whose page it is; else null.
+    /// The widget if it is a selector, or the selector whose page it is; otherwise null.
     DesignedFormSelector *m_selector;
     QList<QAction *> m_actions;
 };

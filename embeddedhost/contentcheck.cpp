@@ -53,7 +53,7 @@ void checkParents(const QString &file, const TableContent &table, const TableCon
     RowData *previous = nullptr;
     for (int i = 0; i < table.count(); ++i) {
         RowData *row = table.at(i);
-        // Rows with one parent stand together, so most need no look-up.
+        // Rows with the same parent are next to each other, so most need no look-up.
         if (previous && table.layout().compare(previous, row, columns) == 0)
             continue;
         for (int k = 0; k < columns.size(); ++k) {

@@ -3,7 +3,7 @@
 
 #include "tablecontent_p.h"
 
-/// Checks what only the whole of the tables shows: keys and unique columns without duplicates,
-/// and a parent for each row that must have one. The tables stand in the order of
-/// ReferenceSchema::tables(), their rows in key order. Throws Exception for the first fault.
+/// Checks that keys and unique columns have no duplicates, and that each row that must have a
+/// parent has one. The tables are in the order of ReferenceSchema::tables(), their rows in key
+/// order. Throws Exception for the first fault.
 void checkContent(const QString &file, const std::vector<TableContent> &tables);

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// Everything that one load of a database gives.
+/// The result of one load of a database.
 struct DatabaseContent
 {
     /// In the order of ReferenceSchema::tables().

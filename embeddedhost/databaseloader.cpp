@@ -15,7 +15,7 @@
 
 namespace {
 
-// A database connection under a name that nobody else uses, for the length of a scope.
+// A database connection of its own name, for a scope.
 class Connection
 {
 public:
@@ -46,7 +46,7 @@ private:
 
 constexpr int MostReads = 3;
 
-// What tells that a file has been written to.
+// A state of a file that another state is compared with, to see whether the file was written to.
 struct FileState
 {
     explicit FileState(const QFileInfo &file) : size(file.size()), modified(file.lastModified()) {}
@@ -55,8 +55,8 @@ struct FileState
     {
         return size == other.size && modified == other.modified;
     }
-    // The clock of a file system stands still for some milliseconds, in which a change leaves no
-    // trace: what is to be compared is read after them.
+    // The time stamps of a file system have steps of some milliseconds. This waits until a further
+    // change is sure to give another time stamp.
     void waitUntilSettled() const
     {
         constexpr qint64 Settled = 20;
@@ -99,7 +99,7 @@ QString storageName(const QVariant &value)
     }
 }
 
-// Why the value cannot go into the column; empty when it can.
+// Why the column cannot hold the value; empty if it can.
 QString refusal(const ColumnSchema &column, const QVariant &value)
 {
     const bool isText = column.type.type() == FieldType::String;
@@ -163,9 +163,9 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::load()
     }
 }
 
-// A transaction keeps out writers that ask SQLite, and no others: a file that was written over
-// while it was read, into which halves of two contents may have gone, is read again. One with a
-// write-ahead log changes rightly under its readers, which see the state that they began with.
+// A transaction keeps out only writers that go through SQLite. If the file was overwritten while it
+// was read, halves of two contents may have been read, so it is read again. A file with a
+// write-ahead log may change while it is read: its readers see the state at their begin.
 std::unique_ptr<DatabaseContent> DatabaseLoader::readUnchanged() const
 {
     for (int attempt = 0; attempt < MostReads; ++attempt) {
@@ -190,9 +190,9 @@ void DatabaseLoader::open(QSqlDatabase &database) const
     if (!QFileInfo(m_file).isFile())
         throw Exception(QStringLiteral("%1: no such file").arg(m_file));
     database.setDatabaseName(m_file);
-    // A short wait for a writer that is about to finish; a load can always be repeated.
+    // Waits a second for a writer that is about to finish. A load can always be repeated.
     database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=1000"));
-    // A transaction, so that a writer cannot put its half between two of our tables.
+    // A transaction, so that no writer comes in between two tables.
     if (!database.open() || !database.transaction())
         throw Exception(QStringLiteral("%1: %2").arg(m_file, sqlReason(database.lastError())));
 }

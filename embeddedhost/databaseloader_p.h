@@ -10,21 +10,20 @@
 #include <atomic>
 #include <functional>
 
-/// Reads a SQLite file, within one transaction of a read-only connection of its own, on the
-/// thread that calls it; again, up to twice, when the file was written to meanwhile.
+/// Reads a SQLite file on the calling thread, in one transaction of a read-only connection of its
+/// own. Reads it again, up to twice, if the file was written to meanwhile.
 class DatabaseLoader
 {
 public:
-    /// Called at the start and the end of each table and every few thousand rows between, of each
-    /// reading.
+    /// Called for each reading at the start and the end of each table, and every few thousand rows.
     using Progress = std::function<void(int table, int rows, int total)>;
 
-    /// `cancelled` may be set by any thread while load() runs.
+    /// Any thread may set `cancelled` while load() runs.
     DatabaseLoader(const QString &file, const std::vector<const RowLayout *> &layouts,
                    const std::atomic<bool> &cancelled, const Progress &progress);
 
-    /// The content, or null when cancelled. Throws Exception with one text that says what is
-    /// wrong where.
+    /// The content, or null if it was cancelled. Throws Exception with a text that says what is
+    /// wrong and where.
     std::unique_ptr<DatabaseContent> load();
 
 private:

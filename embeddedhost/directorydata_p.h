@@ -9,7 +9,7 @@
 
 #include <map>
 
-/// What the directories answer from: the exchanges and boards of one load.
+/// The exchanges and boards of one load, for the directories.
 class DirectoryData
 {
 public:

@@ -6,7 +6,7 @@
 
 #include <hostapi/directories.h>
 
-/// The boards of the embedded host; waits for no table.
+/// The board directory of the embedded host. It waits for no table.
 class EmbeddedBoardDirectory : public BoardDirectory
 {
 public:

@@ -16,6 +16,6 @@ public:
     explicit EmbeddedDecoder(QObject *parent = nullptr);
 
 Q_SIGNALS:
-    /// Other sessions than before are open to trading.
+    /// The sessions that are open to trading have changed.
     void aNewSessions();
 };

@@ -63,7 +63,7 @@ bool EmbeddedHost::isLoading() const
 void EmbeddedHost::Private::start()
 {
     startAgain = false;
-    // Without arguments, so that nothing is shared across the threads but the call itself.
+    // The call has no arguments, so that the threads share nothing through it.
     const auto wake = [host = q] {
         QMetaObject::invokeMethod(host, "deliver", Qt::QueuedConnection);
     };
@@ -75,7 +75,7 @@ void EmbeddedHost::deliver()
     if (!d->job)
         return;
     const LoadJob::News news = d->job->takeNews();
-    // Before any signal: a receiver may run an event loop, start a load or destroy the host.
+    // Before any signal, as a receiver may run an event loop, start a load or destroy the host.
     if (news.outcome != LoadJob::Running) {
         d->job.reset();
         if (d->startAgain)

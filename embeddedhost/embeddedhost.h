@@ -14,55 +14,54 @@
 ///         qWarning() << host.errorText();
 ///     ICore::install(&host);
 ///
-/// Use it on the thread of the user interface; what it hands out as ICore may be used as the
-/// contract says, and one recursive lock serves all its tables. A load reads on a thread of
-/// its own and replaces tables, directories and sessions in one step, for which alone it takes
-/// the lock; whatever goes wrong before, the former content stays. Replace the file by renaming
-/// another one or in a transaction of SQLite: a load then sees the one or the other. A file that is
-/// seen to be written over while it is read is read again, up to twice, before the load fails. Rows
-/// that are held by Records outlive the change. The host destroys no form: it must outlive them,
-/// and all Records.
-///
-/// A million securities is a normal size: some 200 bytes each with their texts, texts that
-/// return often (base codes) kept once. A reload needs room for the new rows beside the old.
+/// - Use it on the GUI thread. What it returns as ICore may be used as the interfaces say. One
+///   recursive lock serves all its tables.
+/// - A load reads on a thread of its own, takes the lock, and replaces tables, directories and
+///   sessions in one step. When anything goes wrong before, the former content stays.
+/// - Rows that Records hold outlive the change. The host must outlive all forms and Records.
+/// - Replace the file by renaming another one, or in a transaction of SQLite: a load then sees the
+///   one content or the other. If a load notices that the file was overwritten while it was read,
+///   it reads again, up to twice, and then fails.
+/// - A million securities are a normal size, at some 200 bytes each. A reload needs room for the
+///   new rows beside the old ones.
 class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 {
     Q_OBJECT
 
 public:
     explicit EmbeddedHost(QObject *parent = nullptr);
-    /// Cancels a load and waits for its thread (milliseconds; up to a second when the file is
-    /// locked by a writer or large and all but read); uninstalls itself when it is the installed
-    /// core.
+    /// Uninstalls itself if it is the installed core. Cancels a load and waits for its thread: some
+    /// milliseconds, or up to a second when a writer locks the file, or when a large file is nearly
+    /// read.
     ~EmbeddedHost() override;
 
-    /// Starts a load, which ends with one of the signals loaded(), failed() and cancelled(),
-    /// always after this call has returned. A load that is under way is cancelled first; calls
-    /// that are made before it has ended start one load, of the last file.
+    /// Starts a load. It ends with one of the signals loaded(), failed() and cancelled(), always
+    /// after this call has returned. A load that is under way is cancelled first; several calls
+    /// before it has ended start one load, of the last file.
     void load(const QString &file);
-    /// Loads the file that was last asked for again.
+    /// Loads file() again.
     void reload();
-    /// Asks the load that is under way to end; without one, does nothing.
+    /// Asks the load that is under way to end. Does nothing without one.
     void cancel();
     bool isLoading() const;
 
-    /// Loads on the calling thread, for tools and tests; cancels a load that is under way.
-    /// Emits loaded() or failed() before it returns.
+    /// Loads on the calling thread, for tools and tests; cancels a load that is under way. Emits
+    /// loaded() or failed() before it returns.
     bool loadNow(const QString &file);
 
     /// The file that was last asked for; empty before the first load.
     QString file() const;
-    /// The reason why the last load failed; empty when it did not.
+    /// The reason why the last load failed; empty if it did not.
     QString errorText() const;
-    /// Rows in the tables and rows that left them but are still held by a Record: when no form
-    /// is open, the rows of the tables alone.
+    /// The number of rows in the tables, and of former rows that a Record still holds. When no form
+    /// is open it is that of the tables alone.
     qint64 liveRows() const;
 
-    /// Replaces the sessions that are open to trading, as the next load will do in its turn,
-    /// and lets the decoder announce it.
+    /// Replaces the sessions that are open to trading until the next load, and has the decoder
+    /// announce it.
     void setSessions(const QVector<SessionId> &sessions);
-    /// Appends to the list of plug-ins, which begins with the decoder. The host does not own
-    /// the plug-in; when it is destroyed its entry becomes null.
+    /// Appends to the list of plug-ins, which begins with the decoder. The host does not own the
+    /// plug-in. The entry of one that is destroyed becomes null.
     void addPlugin(QObject *plugin);
     EmbeddedDecoder *decoder();
 
@@ -73,8 +72,8 @@ public:
     QList<QObject *> plugins() const override;
 
 Q_SIGNALS:
-    /// Rows read of one table. Each table is reported at least when it is complete; between,
-    /// as often as the event loop gets round to it. A file that is read again begins again.
+    /// How many rows of a table are read. Each table is reported when it is complete, and before
+    /// that as often as the event loop allows. For a file that is read again this begins again.
     void progress(const QString &table, int rows, int total);
     /// The new content is in place: repopulate the forms. When other sessions are open now, the
     /// decoder has announced them just before.

@@ -5,7 +5,7 @@
 
 #include <hostapi/index.h>
 
-/// The master index of an embedded table: its content, which is kept in key order.
+/// The master index of an embedded table: the table's rows, which are in key order.
 class EmbeddedIndex : public MasterIndex
 {
 public:

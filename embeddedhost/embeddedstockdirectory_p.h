@@ -6,7 +6,7 @@
 
 #include <hostapi/directories.h>
 
-/// The exchanges of the embedded host; waits for no table.
+/// The exchange directory of the embedded host. It waits for no table.
 class EmbeddedStockDirectory : public StockDirectory
 {
 public:

@@ -14,7 +14,7 @@ public:
     EmbeddedTable(const TableSchema &schema, std::recursive_mutex *mutex);
 
     const RowLayout &layout() const { return m_layout; }
-    /// Exchanges the content; the caller holds the lock.
+    /// Swaps the content. The caller holds the lock.
     void swap(TableContent &content) noexcept { m_content.swap(content); }
 
     QString name() const override { return m_layout.schema().name; }

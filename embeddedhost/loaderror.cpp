@@ -5,7 +5,7 @@
 
 namespace {
 
-// As one would write it in SQL.
+// As SQL writes the value.
 QString valueText(const QVariant &value)
 {
     if (value.isNull())

@@ -7,15 +7,15 @@
 
 #include <QVariant>
 
-/// Builds the texts of load errors: 'FILE: table "boards", column "name", row (stock_id 1,
-/// board_id 7): REASON', with those parts that are known.
+/// Builds the text of a load error, with what is known of: FILE: table "boards", column "name", row
+/// (stock_id 1, board_id 7): REASON
 class LoadError
 {
 public:
     LoadError(const QString &file, const TableSchema &table);
 
     LoadError &columns(const QVector<int> &columns);
-    /// Names the row by the values of its key, whatever they hold.
+    /// Names the row by the values of its key, of whatever type they are.
     LoadError &row(const QVariantList &keyValues);
     LoadError &row(const RowLayout &layout, RowData *row);
     [[noreturn]] void raise(const QString &reason) const;

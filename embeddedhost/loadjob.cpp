@@ -43,7 +43,7 @@ void LoadJob::run()
         auto content = DatabaseLoader(m_file, m_store->layouts(), m_cancelled, progress).load();
         const Outcome outcome = content ? Loaded : Cancelled;
         const bool otherSessions = content && m_store->swap(*content);
-        content.reset(); // the old rows go before the load is called done
+        content.reset(); // frees the old rows before the load is reported as done
         change([=](News &news) {
             news.outcome = outcome;
             news.otherSessions = otherSessions;

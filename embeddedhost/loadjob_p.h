@@ -9,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-/// One load on a thread of its own, which ends by swapping the content into the store.
+/// A load on a thread of its own. At its end the store has the new content.
 class LoadJob
 {
 public:
@@ -21,7 +21,7 @@ public:
         int total = 0;
         bool isNew = false;
     };
-    /// What happened since it was asked for last.
+    /// What has happened since the last takeNews().
     struct News
     {
         Outcome outcome = Running;
@@ -31,17 +31,16 @@ public:
         std::vector<TableProgress> tables;
     };
 
-    /// `wake` is called, on the job's thread, when there is news after takeNews() has taken
-    /// all there was.
+    /// Calls `wake`, on the job's thread, for the first news after each takeNews().
     LoadJob(const QString &file, ReferenceStore *store, const std::function<void()> &wake);
-    /// Cancels, and waits for the thread.
+    /// Cancels and waits for the thread.
     ~LoadJob();
     Q_DISABLE_COPY(LoadJob)
 
     QString file() const { return m_file; }
-    /// No effect on a load that has already swapped its content in.
+    /// Has no effect once the store has the new content.
     void cancel() { m_cancelled = true; }
-    /// Returns when there is an outcome.
+    /// Waits until there is an outcome.
     void wait();
     News takeNews();
 
@@ -53,7 +52,7 @@ private:
     ReferenceStore *m_store;
     const std::function<void()> m_wake;
     std::atomic<bool> m_cancelled{false};
-    std::mutex m_mutex; ///< guards the two below
+    std::mutex m_mutex; ///< guards the two members below
     News m_news;
     bool m_isAwake = false;
     std::thread m_thread;

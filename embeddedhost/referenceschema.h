@@ -21,21 +21,20 @@ struct EMBEDDEDHOST_EXPORT TableSchema
 {
     QString name;
     QVector<ColumnSchema> columns;
-    /// The columns that tell the rows apart, and in whose order the rows are listed.
+    /// The columns whose values together are different in each row. Rows are listed in their order.
     QVector<int> keyColumns;
-    /// Columns that together tell the rows apart as well; empty for none.
+    /// Further columns whose values together are different in each row; empty for none.
     QVector<int> uniqueColumns;
-    /// The position in ReferenceSchema::tables() of the table that must hold a row for each row
-    /// of this one, with equal values in the columns that are that table's key; -1 for none.
+    /// The position in ReferenceSchema::tables() of the parent table, or -1. For each row of this
+    /// table the parent must have a row with equal values in the parent's key columns.
     int parent = -1;
 
     /// The position of a named column (exact letter case), or -1.
     int columnIndex(const QString &column) const;
 };
 
-/// What a reference database holds. A SQLite file for EmbeddedHost has these tables (or views
-/// of these names) with at least these columns; other tables and columns are ignored. The
-/// table "gx.diler" has a point in its name: quote it in SQL.
+/// What a reference database holds. A SQLite file for EmbeddedHost has these tables, or views of
+/// these names, with at least these columns. Other tables and columns are ignored.
 ///
 ///     stocks      exchanges     stock_id, stock_code, name
 ///     boards      boards        stock_id, board_id, board_code, name, sectype, flags, position
@@ -44,21 +43,22 @@ struct EMBEDDEDHOST_EXPORT TableSchema
 ///     gx.diler    partners      mox_code, client_code, name
 ///     sessions    the sessions that are open to trading: stock_id, sess_id
 ///
-/// Keys are stock_id; stock_id and board_id; stock_id, board_id and sec_id; mox_code; stock_id
-/// and sess_id. stock_code is unique, board_code is within an exchange. A board's exchange, a
-/// security's board and a session's exchange must be there. `flags` are the bits that
-/// BoardDirectory::checkFlagsById() asks for, `position` is 1 where positions are kept and 0
-/// elsewhere.
-///
-/// The types are those of FieldsTypes and, for "gx.diler", Gexabus::GxFieldsTypes. Of the
-/// columns that these lack, base_code is as long as a security's code (25 characters),
-/// board_code as an exchange's (20), mox_code 25, name 80; flags has 64 bits, position 32.
-/// Integers must be stored as INTEGER and texts as TEXT, whatever type the table declares.
+/// - The keys are, table by table: stock_id; stock_id and board_id; stock_id, board_id and sec_id;
+///   mox_code; stock_id and sess_id.
+/// - Each stock_code is unique, and each board_code within its exchange. A board's exchange, a
+///   security's board and a session's exchange must be in the database.
+/// - `flags` has the bits of BoardDirectory::checkFlagsById(). `position` is 1 if positions are
+///   kept on the board, otherwise 0.
+/// - Integers must be stored as INTEGER and texts as TEXT, whatever the table declares. The types
+///   are those of FieldsTypes and, for "gx.diler", of Gexabus::GxFieldsTypes. For the columns that
+///   these do not have, texts are up to 25 (base_code, mox_code), 20 (board_code) or 80 characters
+///   (name) long; flags has 64 bits, position 32.
+/// - Quote the name "gx.diler" in SQL, as it has a point.
 class EMBEDDEDHOST_EXPORT ReferenceSchema
 {
 public:
-    /// The tables by their position in tables().
+    /// Positions in tables().
     enum TableId { Stocks, Boards, Securities, Partners, Sessions };
-    /// In the order of TableId: a parent stands before its children.
+    /// The tables in the order of TableId: parents before their children.
     static const QVector<TableSchema> &tables();
 };

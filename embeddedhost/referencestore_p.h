@@ -7,8 +7,8 @@
 #include "embeddedtable_p.h"
 
 /// The reference data of the embedded host: tables under one recursive lock, directories and
-/// sessions as snapshots. Nothing else is locked while a snapshot's mutex is held, so that a
-/// look-up inside a walk cannot deadlock.
+/// sessions as snapshots. While a snapshot's mutex is held nothing else is locked, so that a
+/// look-up while a table is locked cannot deadlock.
 class ReferenceStore : public IDatabase
 {
 public:
@@ -23,10 +23,10 @@ public:
 
     /// The layouts of the tables, in the order of ReferenceSchema::tables().
     std::vector<const RowLayout *> layouts() const;
-    /// Rows listed in a table or still held by Records.
+    /// The number of rows in the tables, and of former rows that Records still hold.
     qint64 liveRows() const;
-    /// Exchanges the whole content in one step. The old one is in `content` afterwards, to be
-    /// released by the caller outside the lock. True when other sessions are open now.
+    /// Swaps the whole content in one step. Afterwards `content` has the old one, which the caller
+    /// frees without the lock. True if other sessions are open now.
     bool swap(DatabaseContent &content);
 
 private:

@@ -8,9 +8,9 @@
 #include <atomic>
 #include <vector>
 
-/// How the rows of one table lie in memory: a row is one allocation that holds the reference
-/// count, the presence bits (hence at most 32 columns) and the cells, 64-bit ones first, so
-/// that nothing is lost between them. Cells are 32-bit and 64-bit integers and strings.
+/// The memory layout of a table's rows. A row is one allocation: the reference count, 32 presence
+/// bits (so at most 32 columns), and the cells, 64-bit ones first, so that there are no gaps. Cells
+/// are 32-bit and 64-bit integers and strings.
 class RowLayout
 {
 public:
@@ -22,19 +22,19 @@ public:
     /// A row with every cell null and no reference counted.
     RowData *make() const;
     void free(RowData *row) const;
-    /// Drops one reference, and the row with the last.
+    /// Drops a reference; frees the row with the last one.
     void release(RowData *row) const;
-    /// Rows made and not freed yet.
+    /// The number of rows that are not freed yet.
     qint64 liveRows() const { return m_liveRows.load(std::memory_order_relaxed); }
 
-    /// A null cell for a column that does not exist.
+    /// A cell of the row; a null cell for a column that does not exist.
     Field cell(RowData *row, int column) const;
     /// Stores a number that fits an integer cell.
     void setNumber(RowData *row, int column, qint64 value) const;
     /// Stores a text that fits a string cell, sharing its memory.
     void setText(RowData *row, int column, const QString &text) const;
 
-    /// Compares the cells of the columns, one after the other.
+    /// Compares by the columns, one after the other: less than, equal to or greater than 0.
     int compare(RowData *a, RowData *b, const QVector<int> &columns) const;
 
 private:

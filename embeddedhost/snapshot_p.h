@@ -4,9 +4,8 @@
 #include <memory>
 #include <mutex>
 
-/// A value that is replaced as a whole and never changed: whoever got it keeps what it got.
-/// Its mutex is held for no longer than a pointer takes to copy, and nothing else is locked
-/// meanwhile.
+/// A value that is never changed, only replaced as a whole: who has got one may keep it. The mutex
+/// is held only to copy a pointer, and nothing else is locked meanwhile.
 template <typename T> class Snapshot
 {
 public:

@@ -4,8 +4,8 @@
 #include <QSet>
 #include <QString>
 
-/// Gives equal texts one memory. Made for columns in which few texts return often (the base
-/// codes of derivatives); over a column of distinct texts it soon stops looking.
+/// Lets equal texts share their memory. It suits columns with few different texts, such as the base
+/// codes of derivatives; in a column of distinct texts it soon stops looking.
 class StringPool
 {
 public:

@@ -18,7 +18,7 @@ TableContent::~TableContent()
 
 RowData *TableContent::append()
 {
-    m_rows.push_back(nullptr); // what may throw goes first
+    m_rows.push_back(nullptr); // first, as it may throw
     try {
         m_rows.back() = m_layout->make();
     } catch (...) {

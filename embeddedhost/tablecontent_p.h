@@ -3,7 +3,7 @@
 
 #include "rowlayout_p.h"
 
-/// The rows of a table at one time: holds a reference to each.
+/// The rows that a table holds at one time, with a reference to each.
 class TableContent
 {
 public:
@@ -21,7 +21,7 @@ public:
     RowData *append();
     /// Brings the rows into key order.
     void sort();
-    /// The row with the key of the given one, or null. The rows must be in key order.
+    /// The row with the same key, or null. The rows must be in key order.
     RowData *find(RowData *key) const;
 
     void swap(TableContent &other) noexcept { m_rows.swap(other.m_rows); }

@@ -6,7 +6,7 @@
 #include <QCheckBox>
 
 /// A check box with a text for each of its states: the dynamic properties "value_checked" and
-/// "value_unchecked", set in the form designer. A property that is not set is the empty text.
+/// "value_unchecked", set in the form designer. A property that is not set counts as empty.
 class FORMKIT_EXPORT CheckBox : public QCheckBox
 {
     Q_OBJECT
@@ -16,15 +16,15 @@ class FORMKIT_EXPORT CheckBox : public QCheckBox
 public:
     explicit CheckBox(QWidget *parent = nullptr);
 
-    /// The text of the state shown.
+    /// The text of the state that is shown.
     QString getValue() const;
-    /// Shows the state of the text, silently. A text of neither state leaves the box as it is
-    /// and writes a debug line.
+    /// Shows the state of the text, without a signal. A text of neither state changes nothing and
+    /// writes a debug line.
     void setValue(const QString &value);
 
 Q_SIGNALS:
-    /// The user has toggled the box, or another box of its exclusive QButtonGroup is checked. The
-    /// argument is the text of the checked state in either case: read Value for the state.
+    /// The user has toggled the box, or has checked another box of its exclusive QButtonGroup. The
+    /// argument is always the text of the checked state: read Value for the state.
     void changedValue(const QString &value);
 
 protected:

@@ -8,20 +8,17 @@
 
 #include <memory>
 
-class QCalendarWidget;
-
-/// A date, typed in the short format of the system locale or picked from a calendar that
-/// drops down (Down, Alt+Down, F4 or a click on the arrow open it).
+/// A date, typed in the short format of the system locale or picked from a calendar that drops down
+/// (on Down, Alt+Down, F4 or a click on the arrow).
 ///
-/// While the text is no complete date it is red and there is no value; a text that never
-/// became one is cleared when the field is left or Enter pressed. The value is the date in
-/// system form ("2015.03.01 00:00:00.000"), empty for none. A time of day that the program sets
-/// stays until the text changes. Setting an empty value while there is none leaves half-typed
-/// text alone.
-///
-/// Under a format with a two-digit year, dates typed with two digits lie in 2000 to 2099; four
-/// digits are read as they are. A date set by the program or picked from the calendar keeps its
-/// century, also when its text comes back after edits, until the program sets another.
+/// - The value is the date in system form ("2015.03.01 00:00:00.000"), empty for none. A time of
+///   day that the program sets stays until the text changes.
+/// - While the text is not a complete date it is red, and there is no value. Such a text is cleared
+///   when the field is left or Enter is pressed. An empty value that the program sets while there
+///   is none leaves it alone.
+/// - If the format has a two-digit year, a year typed with two digits lies in 2000 to 2099, and
+///   four digits are read as they are. A date that the program sets or the calendar gives keeps its
+///   century, also when edits lead back to its text, until the next such date.
 class FORMKIT_EXPORT DateEdit : public QComboBox
 {
     Q_OBJECT
@@ -33,38 +30,34 @@ public:
     ~DateEdit() override;
 
     /// The date in system form, empty for none.
-    QString getValue() const { return m_value.toString(); }
-    /// Shows the date of a text in system form (see datetime). A text that is none empties the
-    /// field. Unlike other controls it reports the change, in normal form, and also when only
-    /// the form of the text was another. With a time of day, another date is reported twice:
-    /// first the date alone, which is the value then, and after it what was set.
+    QString getValue() const;
+    /// Shows the date of a text in system form (see datetime); any other text empties the field.
+    /// Unlike other controls this one reports the change, in normal form, also if only the form of
+    /// the text was another. A date with a time of day is reported twice: first the date alone,
+    /// which is the value then, and after it the date and time that were set.
     void setValue(const QString &value);
-    /// The same; without `updateText` the shown text is left alone.
+    /// The same; without `updateText` the shown text stays.
     void setValue(const QString &value, bool updateText);
 
-    /// Opens the calendar below the field, or above it where the screen ends, on the date of
-    /// the field or on today.
+    /// Opens the calendar below the field, or above it if there is no room, at the date of the
+    /// field or today.
     void showPopup() override;
     void hidePopup() override;
 
 Q_SIGNALS:
-    /// The date has changed, by whatever means; the argument is the value (but see setValue()).
+    /// The date has changed, also by program. The argument is the value (but see setValue()).
     void changedValue(const QString &newValue);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 protected Q_SLOTS:
-    /// Takes a date picked from the calendar and closes it.
+    /// Takes the date that was picked and closes the calendar.
     void calendarActivated(const QDate &date);
     /// Reads the text after every change of it.
     void onTextChanged();
 
 private:
-    datetime readText() const;
-    QPoint calendarPosition() const;
-
-    std::unique_ptr<QCalendarWidget> m_calendar;
-    datetime m_value;
-    datetime m_given; ///< what the text was set from
+    struct Private;
+    std::unique_ptr<Private> d;
 };

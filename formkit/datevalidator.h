@@ -5,7 +5,7 @@
 
 #include <QValidator>
 
-/// Judges a date in the short format of the system locale. Typing is never refused: what is
+/// Judges a date in the short format of the system locale. It never refuses a key: a text that is
 /// no date yet is Intermediate.
 class FORMKIT_EXPORT DateValidator : public QValidator
 {

@@ -5,9 +5,10 @@
 
 #include <utility>
 
-/// Says whose doing it is that controls report changes, for as long as it lives. A report that
-/// comes while none lives is the user's. The doing that is under way goes on, unless the program
-/// takes over: a choice that empties another box was made by whoever chose.
+/// While an object of this class lives, it says who causes the changes that controls report: the
+/// user or the program. A report that comes while there is none is the user's. Of nested objects
+/// the outermost counts, unless the program takes over: when the user's choice empties another box,
+/// that is the user's doing too.
 class Doing
 {
 public:

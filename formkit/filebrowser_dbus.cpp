@@ -20,7 +20,7 @@ namespace {
 
 using Callback = std::function<void()>;
 
-// What shellShowFile() promises.
+// Milliseconds, as shellShowFile() promises.
 constexpr int BusLimit = 1000;
 constexpr int FileManagerLimit = 5000;
 
@@ -31,8 +31,8 @@ QByteArray sessionBusAddress()
     return !address.isEmpty() || folder.isEmpty() ? address : "unix:path=" + folder + "/bus";
 }
 
-// The name of the socket that an address such as "unix:path=/run/user/7/bus,guid=12;tcp:…" gives
-// first. That of an abstract one begins with a NUL.
+// The name of the first socket in an address such as "unix:path=/run/user/7/bus,guid=12;tcp:…". The
+// name of an abstract socket begins with a NUL.
 QByteArray socketName(const QByteArray &address)
 {
     const QByteArray first = address.split(';').first().split(',').first();
@@ -63,8 +63,8 @@ int connectTo(const QByteArray &name)
     return descriptor;
 }
 
-// Calls one of the two, once: QDBusConnection waits without any limit for a bus that takes the
-// connection and says nothing, so the bus is asked for a first word before it is relied upon.
+// Calls one of the two, once. QDBusConnection would wait without a limit for a bus that accepts the
+// connection and never answers, so this first sees whether the bus answers at all.
 void askBus(const Callback &answers, const Callback &otherwise)
 {
     const int descriptor = connectTo(socketName(sessionBusAddress()));
@@ -89,7 +89,7 @@ void askBus(const Callback &answers, const Callback &otherwise)
                   "\r\n");
 }
 
-// The bytes of the name as the disk has them, so that the URI stands for this file alone.
+// Has the bytes of the name as the disk has them, so that the URI means this file and no other.
 QString fileUri(const QString &path)
 {
     return QLatin1String("file://") +
@@ -99,7 +99,7 @@ QString fileUri(const QString &path)
 void showItem(const QString &path, const Callback &otherwise)
 {
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) // where a watcher would never report an end
+    if (!bus.isConnected()) // a watcher would never report an end
         return otherwise();
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"),

@@ -5,11 +5,11 @@
 
 #include <functional>
 
-/// What shellShowFile() asks the desktop; one file a platform answers.
+/// The platform's way to show a file, for shellShowFile(). Each platform has its own source file.
 namespace FileBrowser {
 
-/// Has the desktop's file browser come to the front with the file (an absolute path) selected.
-/// Returns at once; `otherwise` is called, now or later, when there is no file browser to do so.
+/// Brings the desktop's file browser to the front with the file (an absolute path) selected.
+/// Returns at once. Calls `otherwise`, now or later, if there is no file browser.
 void select(const QString &path, const std::function<void()> &otherwise);
 
 } // namespace FileBrowser

@@ -5,8 +5,8 @@
 
 namespace Formkit {
 
-/// Registers what the library offers to Qt's meta-type system. One object of it is made when
-/// the library is loaded; more do no harm.
+/// Registers the library's types in Qt's meta-type system. The library makes one object of it when
+/// it is loaded; more do no harm.
 class FORMKIT_EXPORT Main
 {
 public:

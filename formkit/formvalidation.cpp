@@ -35,7 +35,7 @@ void FormValidation::set(const QStringList &names)
     setInvalidWidgets(labels);
 }
 
-// A style change runs the form's own code, which may destroy labels.
+// A change of style runs code of the form, which may destroy labels.
 void FormValidation::setInvalidWidgets(const QList<QWidget *> &widgets)
 {
     QList<QPointer<QWidget>> invalid;

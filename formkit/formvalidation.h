@@ -11,29 +11,27 @@
 
 class Properties;
 
-/// Shows which fields of a form are invalid: the terminal checks the hub's values and hands
-/// over the names that it rejects, and the captions of the controls bound under those names
-/// turn red. A caption is a QLabel whose buddy is the control.
+/// Shows which fields of a form are invalid. The terminal checks the hub's values and passes the
+/// names that it rejects; the captions of the controls bound under those names turn red. A caption
+/// is a QLabel whose buddy is the control.
 ///
-/// The class owns the style sheet of every caption that it has painted: a caption that becomes
-/// valid again has none, whatever a designer gave it. As red alone does not say what is wrong,
-/// let the caption's tool tip give the reason.
-///
-/// Captions that are destroyed are forgotten.
+/// - The class owns the style sheet of every caption that it has painted: a caption that becomes
+///   valid again has none, also if it had one before.
+/// - Red alone does not say what is wrong: let the caption's tool tip give the reason.
+/// - Captions may be destroyed at any time.
 class FORMKIT_EXPORT FormValidation
 {
 public:
-    /// Learns the captions in a widget tree, for the names under which the hub's connectAll()
-    /// has bound their buddies: call it after connectAll(). It adds to what is known, so a
-    /// sub-form that is bound later is learnt by a call of its own. Does nothing for a null
-    /// widget.
+    /// Finds the captions in a widget tree, and the names under which the hub's connectAll() has
+    /// bound their buddies: call it after connectAll(). Each call adds captions, so call it again
+    /// for a sub-form that is bound later. Does nothing for a null widget.
     void setupPropWidgets(const Properties &hub, QWidget *widget);
 
-    /// Shows the captions of exactly these names as invalid. Names without a caption are
-    /// passed over; no names, no red.
+    /// Shows the captions of these names as invalid, and no others. Names without a caption are
+    /// ignored.
     void set(const QStringList &names);
 
-    /// Shows exactly these widgets as invalid. Only labels are painted.
+    /// Shows these widgets as invalid, and no others. Only labels are painted.
     void setInvalidWidgets(const QList<QWidget *> &widgets);
 
     /// Paints one widget, if it is a label, and remembers nothing.

@@ -5,8 +5,8 @@
 
 #include <QGroupBox>
 
-/// A group box that a form can wire to a value by signal and slot. It binds nothing itself:
-/// the hub's walk passes through it to the controls inside.
+/// A group box that a form can connect to a value by signal and slot. The hub binds nothing of it,
+/// but the controls inside.
 class FORMKIT_EXPORT GroupBox : public QGroupBox
 {
     Q_OBJECT

@@ -3,5 +3,5 @@
 
 #include <QLoggingCategory>
 
-// "QGuiLog": debug lines on what the form components do.
+// The category "QGuiLog", for debug lines of the form components.
 Q_DECLARE_LOGGING_CATEGORY(guiLog)

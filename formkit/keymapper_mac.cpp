@@ -7,7 +7,7 @@
 
 namespace {
 
-// The units of the key in the layout; false when it gives none.
+// Gets the UTF-16 units of the key in the layout. False if it gives none.
 bool translate(CFDataRef layout, quint32 virtualKey, UniChar (&units)[4])
 {
     UInt32 deadKeyState = 0;
@@ -20,7 +20,7 @@ bool translate(CFDataRef layout, quint32 virtualKey, UniChar (&units)[4])
 
 } // namespace
 
-// Its virtual key is known to KeyMapper.
+// KeyMapper knows the only one.
 bool Keyboard::isDecimal(const QKeyEvent &)
 {
     return false;
@@ -31,7 +31,7 @@ QChar Keyboard::unmodifiedCharacter(const QKeyEvent &event)
     const TISInputSourceRef source = TISCopyCurrentKeyboardInputSource();
     if (!source)
         return QChar();
-    // Absent for input methods that are no keyboard layout; belongs to the source.
+    // The source owns it. Input methods that are no keyboard layout have none.
     const auto layout =
         static_cast<CFDataRef>(TISGetInputSourceProperty(source, kTISPropertyUnicodeKeyLayoutData));
     UniChar units[4] = {};

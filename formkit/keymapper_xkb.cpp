@@ -22,8 +22,8 @@ struct Release
 
 template <typename T> using Handle = std::unique_ptr<T, Release>;
 
-// The keyboard of the X server with its present layouts and the group in force. Qt offers its
-// own connection to private code only.
+// The state of the X server's keyboard: its layouts, and the one that is in use. Opens a connection
+// of its own, since Qt's is private.
 Handle<xkb_state> currentKeyboard()
 {
     const Handle<xcb_connection_t> connection(xcb_connect(nullptr, nullptr));
@@ -45,8 +45,8 @@ Handle<xkb_state> currentKeyboard()
 
 } // namespace
 
-// Qt's X11 and Wayland platforms give key symbols as virtual keys. With NumLock off the key is
-// KP_Delete, and deletes.
+// Under X11 and Wayland Qt's virtual keys are key symbols. With NumLock off the key is KP_Delete
+// and deletes.
 bool Keyboard::isDecimal(const QKeyEvent &event)
 {
     return event.nativeVirtualKey() == XKB_KEY_KP_Decimal ||
@@ -60,7 +60,7 @@ QChar Keyboard::unmodifiedCharacter(const QKeyEvent &event)
     const Handle<xkb_state> state = currentKeyboard();
     if (!state)
         return QChar();
-    // Of an X11 event this is the key code.
+    // For an X11 event this is the key code.
     const xkb_keycode_t key = event.nativeScanCode();
     const xkb_layout_index_t layout = xkb_state_key_get_layout(state.get(), key);
     const xkb_keysym_t *symbols = nullptr;

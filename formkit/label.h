@@ -5,8 +5,7 @@
 
 #include <QLabel>
 
-/// A caption that can show that its field is in error: in red, with the reason as its tool
-/// tip.
+/// A caption that can show an error of its field: in red, with the reason as its tool tip.
 class FORMKIT_EXPORT Label : public QLabel
 {
     Q_OBJECT
@@ -17,17 +16,17 @@ public:
     explicit Label(const QString &text, QWidget *parent = nullptr,
                    Qt::WindowFlags f = Qt::WindowFlags());
 
-    /// Forgets an error without touching what is shown.
+    /// Forgets an error without a change of what is shown.
     void init_label();
 
-    /// The reason last given to setError(), also after clearError().
+    /// The text that setError() was last called with, also after clearError().
     QString errorText() const { return m_error; }
 
 public Q_SLOTS:
     /// Turns the caption red and makes the text its tool tip.
     void setError(const QString &text);
     void setError();
-    /// Takes the red away, if setError() has put it there. The tool tip stays.
+    /// Removes the red of setError(). The tool tip stays.
     void clearError();
 
 private:

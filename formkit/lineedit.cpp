@@ -21,8 +21,9 @@ void LineEdit::focusInEvent(QFocusEvent *event)
     listenToCompleter();
 }
 
-// Qt puts a completion in by setText(), which it does not report as an edit, in connections that
-// it makes for the time of the focus. These stand behind them and go with them.
+// Qt sets a completion by setText(), which it does not report as an edit. It does so in connections
+// that it makes when the edit gets the focus and removes when the focus leaves. Ours are made after
+// them, so they are called after them, and Qt removes them too.
 void LineEdit::listenToCompleter()
 {
     if (!completer())
@@ -33,7 +34,7 @@ void LineEdit::listenToCompleter()
             &LineEdit::takeCompletion, Qt::UniqueConnection);
 }
 
-// A row of the list is highlighted first and then activated: one edit.
+// A row of the list is highlighted first and then activated, which is one edit.
 void LineEdit::takeCompletion()
 {
     if (text() != m_known)
@@ -42,7 +43,7 @@ void LineEdit::takeCompletion()
 
 void LineEdit::edit_changed(const QString &newValue)
 {
-    // A completer may have come since the focus did.
+    // A completer may have been set after the edit got the focus.
     listenToCompleter();
     m_known = newValue;
     Q_EMIT changedValue(newValue);

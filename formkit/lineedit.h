@@ -17,12 +17,12 @@ public:
 
     /// The text as it stands.
     QString getValue() const { return text(); }
-    /// Shows a text, silently. The text that stands there already is left alone, caret and
-    /// all.
+    /// Shows a text, without a signal. If it is shown already, nothing happens, and the caret
+    /// stays.
     void setValue(const QString &value);
 
 Q_SIGNALS:
-    /// The user has edited the text, by hand or by a completion that is lit or picked.
+    /// The user has edited the text, or a completion that the user highlighted or picked has.
     void changedValue(const QString &newValue);
 
 protected:
@@ -35,6 +35,6 @@ private:
     void listenToCompleter();
     void takeCompletion();
 
-    /// The text last set or reported.
+    /// The text that was last set or reported.
     QString m_known;
 };

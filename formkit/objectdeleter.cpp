@@ -18,7 +18,7 @@ void ObjectDeleter::addParent(QObject *owner)
 void ObjectDeleter::onDestroyed(QObject *obj)
 {
     m_owners.remove(obj);
-    // Queued, as the owner may live in another thread and is still being destroyed.
+    // Queued, since the owner is still being destroyed and may live in another thread.
     if (m_owners.isEmpty())
         QMetaObject::invokeMethod(this, "deleteLater", Qt::QueuedConnection);
 }

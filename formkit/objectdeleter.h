@@ -6,13 +6,14 @@
 #include <QObject>
 #include <QSet>
 
-/// Keeps objects for as long as any of several owners lives:
+/// Deletes objects when the last of several owners is destroyed:
 ///     auto *deleter = new ObjectDeleter;
-///     auto *model = new Model(deleter);   // what is kept is the deleter's child
+///     auto *model = new Model(deleter);   // the deleter deletes its children
 ///     deleter->addParent(firstForm);
 ///     deleter->addParent(secondForm);
-/// When the last owner has gone, the deleter goes with its children at the next pass of the event
-/// loop of its thread, even if an owner was added in between. One without any owner never goes.
+/// After the last owner the deleter is deleted with its children at the next turn of the event loop
+/// of its thread, even if an owner is added in between. A deleter that never had an owner is never
+/// deleted.
 class FORMKIT_EXPORT ObjectDeleter : public QObject
 {
     Q_OBJECT
@@ -20,14 +21,13 @@ class FORMKIT_EXPORT ObjectDeleter : public QObject
 public:
     ObjectDeleter();
 
-    /// Waits for this owner too. Adding one twice is as good as once. Null is refused with a
-    /// warning.
+    /// Adds an owner. Once more does nothing. Null is refused with a warning.
     void addParent(QObject *owner);
 
 private Q_SLOTS:
     void onDestroyed(QObject *obj);
 
 private:
-    /// Only compared: what is in here may be half destroyed.
+    /// Only for comparisons: an owner may be half destroyed.
     QSet<QObject *> m_owners;
 };

@@ -3,51 +3,30 @@
 
 #include <formkit/values.h>
 
-#include <QHash>
-#include <QMap>
-#include <QMultiMap>
 #include <QObject>
-#include <QPointer>
-#include <QSet>
 #include <QStringList>
-#include <QVarLengthArray>
 
-class QTimer;
+#include <functional>
+#include <memory>
 
-/// The hub between a form and the terminal: one text per name, bound to any number of Qt
-/// properties of the form's objects. A value that the terminal sets is written into every
-/// property bound under its name; a bound property that reports a change through its notify
-/// signal gives the hub its new value, which goes on into the other properties of that name.
-/// After any number of changes in one turn of the event loop the hub emits hasChanged() once.
+/// The hub between a form and the terminal: one text for each name, bound to any number of Qt
+/// properties of the form's objects. docs/hub.md has the rules in full.
 ///
-/// What connectAll() binds is said by the objects themselves:
-/// - Q_CLASSINFO("Properties", …) of a class: "this" binds the properties that the class
-///   itself declares and walks on into the children; "thisOnly" binds them and ends the walk;
-///   "super" hands over to the base class, its entry and its properties. A class without an
-///   entry binds nothing and passes the walk on.
-/// - The dynamic property "field" of an object names the hub name for its user property (for
-///   its `Value`, where it has no readable user property).
-/// - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-///   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
-///   skipped with a warning.
+/// - A value that the terminal sets is written into every property bound under its name.
+/// - When a bound property reports a change by its notify signal, the hub reads it and writes the
+///   value into the other properties of that name.
+/// - After any number of changes in one turn of the event loop the hub emits hasChanged() once.
+/// - The hub owns no bound object and forgets one that is destroyed. Bindings may be made and
+///   undone, and the hub itself may be destroyed, in any notification and any write of a property.
+/// - It is used on one thread, with everything bound to it.
 ///
-/// The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
-/// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
-/// destroyed, inside any of its notifications and any write of a property. It belongs to one
-/// thread, with everything bound to it.
-///
-/// A property may answer a write with a form of its own (a date in normal form, say): the hub
-/// takes that over and hands it on. Properties of one name that go on contradicting one another
-/// are left as they stand after a while, with a warning.
-///
-/// Before a program acts on the values it asks unshown() whether they are what it set and what the
-/// user sees.
+/// Before a program acts on the values it asks unshown() whether the form shows what it has set.
 class FORMKIT_EXPORT Properties : public QObject
 {
     Q_OBJECT
 
 public:
-    /// A member of an object: a property index or a notify signal's method index, absolute in
+    /// A member of an object: the index of a property, or the method index of a notify signal, in
     /// the object's meta-object.
     struct Key
     {
@@ -69,15 +48,21 @@ public:
     ~Properties() override;
 
     /// Binds one property under a name, once more for each call. If the hub holds a value of
-    /// the name it is written into the property; otherwise a property with a notify signal
-    /// gives its content to the hub. Neither is reported by hasChanged(). A property without
-    /// a notify signal only receives. False, with a warning, when there is no such property.
+    /// the name, the property takes it; otherwise the hub takes the content of the property, if it
+    /// has a notify signal. hasChanged() reports neither. A property without a notify signal only
+    /// receives. False, with a warning, when there is no such property.
     bool connectOne(const QString &name, QObject *object, const QByteArray &property);
     /// The same under the property's own name.
     bool connectOne(QObject *object, const QByteArray &property);
-    /// Binds what an object tree offers (see above). A binding that the hub already holds is
-    /// not added again, but works afterwards in both directions and shows the hub's value, so
-    /// a sub-form may come and go. True when anything in the tree is bound.
+    /// Binds what the objects of a tree offer. The class information "Properties" of a class says
+    /// what that is: "this" its own properties, with the children after them; "thisOnly" its own
+    /// properties alone; "super" what its base class says. Other objects offer their children. The
+    /// dynamic properties "field" and "fields" give properties other names: "Price", "A=StockId
+    /// B=BoardId".
+    ///
+    /// A binding that the hub holds already is not added again, but works in both directions
+    /// afterwards and shows the hub's value, so that a sub-form may come and go. True when anything
+    /// in the tree is bound.
     bool connectAll(QObject *object);
 
     /// Undoes every connectOne() of the property under the name, and stops listening to it.
@@ -85,43 +70,35 @@ public:
     bool disconnectOne(const QString &name, QObject *object, const QByteArray &property);
     bool disconnectOne(QObject *object, const QByteArray &property);
     /// Unbinds an object tree: each property that the objects' own classes declare, under its
-    /// own name. It is not the exact reverse of connectAll(): "super" is not followed, and
-    /// bindings made by "field" and "fields" stay and still receive, though nobody listens to
-    /// the property any more. True when the tree has such a property, bound or not.
+    /// own name. It is not the exact reverse of connectAll(): it does not follow "super", and
+    /// bindings made by "field" and "fields" stay and still receive, though the hub does not listen
+    /// to the property any more. True when the tree has such a property, bound or not.
     bool disconnectAll(QObject *object);
 
-    /// Writes a value into every property bound under the name, unless the hub holds it
-    /// already (a name that is absent counts as empty). hasChanged() follows in either case. An
-    /// exception that a property throws comes out when all the others are written; the hub keeps
-    /// the value.
+    /// Writes a value into every property bound under the name, unless the hub holds it already (a
+    /// name that is absent counts as empty). hasChanged() follows in either case. When a property
+    /// answers with another form of the value, the hub takes that over. When one throws, the others
+    /// are still written, the hub keeps the value, and the exception passes through afterwards.
     void setValue(const QString &name, const QString &value);
-    /// setValue() for each entry, by ascending name, and once more for those that were held already
-    /// and therefore not written: a later entry may have changed them (an exchange empties a
-    /// board). An exception comes out when all are set.
+    /// Calls setValue() for each entry, by ascending name, and then again for those that the hub
+    /// held already, which were not written: a later entry may have changed them (an exchange
+    /// empties a board). An exception passes through when all are set.
     void setValues(const Values &values);
-    Values values() const { return m_values; }
+    Values values() const;
 
-    /// The names, ascending, that the program has set to a value that the form does not show: the
-    /// value has become another since, and not by the user; or a property that the hub listens to
-    /// does not read it (an id that is not listed yet, say), or throws. Ask before an order is
-    /// accepted.
-    ///
-    /// A property may answer the write of its name in a form of its own: that form counts from
-    /// then on, unless it is empty, another number (a spin box cuts 150 to its 99), or an id in
-    /// answer to none. Empty and "0" are one for a name that is bound to a property whose own name
-    /// ends in "Id". An empty value for a name that the hub does not hold sets nothing.
-    ///
-    /// What the user changes leaves the list, with everything that changes in consequence. So does
-    /// what a control shows after the user's change has been written into a property of it that has
-    /// no notify signal (a security box, empty before, when the user chooses another board). The
-    /// user's is each change that a property reports by itself: neither while the hub, by order of
-    /// the program, writes or binds, nor while formkit's controls follow new data of the host or
-    /// another sub-form. A program that sets a control past the hub, and a control of a host's own
-    /// that follows its data, count as the user.
+    /// The names, ascending, that the program has set to a value that the form does not show. Ask
+    /// before an order is accepted. A name is listed when
+    /// - its value has become another since then, and not by the user, or
+    /// - a property that the hub listens to does not read the value (an id that is not in the list
+    ///   yet, say), or throws.
+    /// A change that a property reports by itself is the user's, and takes off the list its name
+    /// and the names that change in consequence. Not the user's are changes while the hub writes or
+    /// binds for the program, and while formkit's controls follow new data of the host or another
+    /// sub-form. docs/hub.md says when two texts count as one value.
     QStringList unshown() const;
     /// Writes every value that the hub holds once more into every property bound under its name,
-    /// by ascending name, as if the program set it; for data that have come after the values.
-    /// hasChanged() follows. An exception comes out when all are written.
+    /// by ascending name, as if the program set it: for data that have come after the values.
+    /// hasChanged() follows. An exception passes through when all are written.
     void showAgain();
 
     /// The names under which connectAll() bound the object's properties, the latest first.
@@ -130,57 +107,18 @@ public:
     void dumpObjProp();
 
 Q_SIGNALS:
-    /// Some value may have changed: read values(). Emitted from the event loop, once for any
-    /// number of changes, also when a change left the value as it was.
+    /// Some value may have changed: read values(). Comes from the event loop, once for any number
+    /// of changes, also when a change left the value as it was.
     void hasChanged();
 
 protected Q_SLOTS:
-    /// Takes over the value of the property whose notify signal calls it. Only a signal can
-    /// call it: it asks for the sender.
+    /// Reads the property whose notify signal calls it. For signals only: it asks for the sender.
     void propertyChanged();
 
 private:
-    struct Write;
-    struct Bound
-    {
-        QPointer<QObject> object;
-        /// The names in m_bindings under which it stands, so that it is forgotten in time that
-        /// does not grow with the form.
-        QSet<QString> names;
-    };
-    using Aliases = QMap<QByteArray, QString>;
+    struct Private;
 
-    static Aliases aliasesOf(QObject *object, const QList<QByteArray> &bound);
-    void bind(const QString &name, QObject *object, int propertyIndex);
-    void listen(const QString &name, const Key &key);
-    using Keys = QVarLengthArray<Key, 16>;
-    Keys keysOf(const QString &name) const;
-    template <typename... Deeds> void forEachName(Values values, Deeds... deeds);
-    bool isNothing(const QString &name, const QString &value) const;
-    bool isId(const QString &name) const;
-    bool isFormOf(const QString &name, const QString &content) const;
-    bool isShown(const QString &name, const QString &given) const;
-    void write(const QString &name, const QString &value, const Key &from);
-    bool supersede(const QString &name, const Key &from);
-    void leaveToUser(QObject *object);
-    void reportLater();
-    bool isAlive(QObject *object) const;
-    void forgetStranger(QObject *object);
     void forget(QObject *object);
 
-    QMap<Key, Key> m_notifyKeys;
-    QMultiMap<QString, Key> m_bindings;
-    QMap<Key, QString> m_keyNames;
-    Values m_values;
-    /// What the program has set and the user has not changed since.
-    QMap<QString, QString> m_given;
-    QTimer *m_changeTimer;
-    QMultiMap<QObject *, QString> m_objectNames;
-
-    /// The objects that are bound, or were, until they are destroyed.
-    QHash<QObject *, Bound> m_bound;
-    /// Counts the changes of m_bindings, so that a write under way notices.
-    int m_bindingChanges = 0;
-    /// The innermost write under way.
-    Write *m_write = nullptr;
+    std::unique_ptr<Private> d;
 };

@@ -53,7 +53,7 @@ QSize PushButtonSend::sizeHint() const
     initStyleOption(&option);
     option.icon = okIcon();
     const QSize words = fontMetrics().size(Qt::TextShowMnemonic, text());
-    // The gap is QPushButton's own.
+    // 4 is the gap that QPushButton leaves.
     const QSize contents(words.width() + 4 + iconSize().width(),
                          std::max(words.height(), iconSize().height()));
     return style()->sizeFromContents(QStyle::CT_PushButton, &option, contents, this);
@@ -71,7 +71,7 @@ void PushButtonSend::nextCheckState()
     const bool leavesToAnother =
         isChecked() && group() && group()->exclusive() && group()->checkedButton() != this;
     QPushButton::nextCheckState();
-    // A group unchecks the button by the same call when another one is checked.
+    // A group calls this function too, to uncheck the button when another one is checked.
     if (leavesToAnother)
         return;
     m_value = property(ownText).toString();

@@ -6,11 +6,12 @@
 #include <QIcon>
 #include <QPushButton>
 
-/// A button that sends one of several values: the text of its dynamic property "value", set
-/// in the form designer. The button whose value is selected bears an OK icon and is the form's
-/// default. Leave it an ordinary push button: one that is checkable stays down and is announced as
-/// a check box; one that is exclusive too is announced as a radio button, sends when an arrow key
-/// reaches it, and cannot be reached by Tab while another one is down.
+/// A button that sends one of several values: the text of its dynamic property "value", set in the
+/// form designer. The button whose value is selected has an OK icon and is the form's default.
+///
+/// Do not make it checkable: a checkable button stays down, and screen readers call it a check box.
+/// If it is exclusive too, they call it a radio button, an arrow key that reaches it sends, and Tab
+/// does not reach it while another one is down.
 class FORMKIT_EXPORT PushButtonSend : public QPushButton
 {
     Q_OBJECT
@@ -20,13 +21,13 @@ class FORMKIT_EXPORT PushButtonSend : public QPushButton
 public:
     explicit PushButtonSend(QWidget *parent = nullptr);
 
-    /// The button's own text while it is checked, otherwise the text last set or clicked.
+    /// The button's own text while it is checked, otherwise the text that was last set or clicked.
     QString getValue() const;
-    /// Selects the button if the text is its own, silently; otherwise its icon goes. Once the
-    /// form's default, it stays the default until another button takes its place.
+    /// Selects the button if the text is its own, otherwise removes its icon; without a signal. A
+    /// button that has become the form's default stays so until another button does.
     void setValue(const QString &value);
 
-    /// Has room for the OK icon, whether it is shown or not, so that no neighbour moves.
+    /// Leaves room for the OK icon also while it is not shown, so that no neighbour moves.
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -43,6 +44,6 @@ private:
     const QIcon &okIcon() const;
 
     QString m_value;
-    /// The style's, read once: each reading makes new pictures, which Qt keeps for a while.
+    /// The style's icon, read once: each reading makes new pictures, which Qt keeps for a while.
     mutable QIcon m_okIcon;
 };

@@ -27,7 +27,7 @@ void RadioButton::setValue(const QString &value)
         uncheck();
 }
 
-// Qt unchecks no button that is exclusive.
+// Qt unchecks no exclusive button, so the button is made a non-exclusive one for a moment.
 void RadioButton::uncheck()
 {
     if (!isChecked())
@@ -49,10 +49,10 @@ void RadioButton::nextCheckState()
     const bool leavesToAnother =
         isChecked() && group() && group()->exclusive() && group()->checkedButton() != this;
     QRadioButton::nextCheckState();
-    // A group unchecks the button by the same call when another one is checked.
+    // A group calls this function too, to uncheck the button when another one is checked.
     if (leavesToAnother)
         return;
-    // Qt unchecks a button that stands alone among its siblings; its text stays the value.
+    // Qt has unchecked the button if it has no siblings. Its text is to stay the value.
     setChecked(true);
     m_value = property(ownText).toString();
     Q_EMIT changedValue(m_value);

@@ -16,15 +16,15 @@ class FORMKIT_EXPORT RadioButton : public QRadioButton
 public:
     explicit RadioButton(QWidget *parent = nullptr);
 
-    /// The button's own text while it is checked, otherwise the text last set or clicked.
+    /// The button's own text while it is checked, otherwise the text that was last set or clicked.
     QString getValue() const;
-    /// Checks the button if the text is its own, otherwise unchecks it, an exclusive one too,
-    /// silently, and remembers the text.
+    /// Remembers the text. Checks the button if the text is its own, otherwise unchecks it, also if
+    /// it is exclusive; without a signal.
     void setValue(const QString &value);
 
 Q_SIGNALS:
-    /// The user has clicked the button; the argument is its own text. A click never unchecks, on
-    /// purpose not even a button that stands alone: its text stays the value. A button that is
+    /// The user has clicked the button; the argument is its own text. A click never unchecks a
+    /// button, on purpose not even a single one: its text stays the value. A button that is
     /// unchecked because another one is checked does not report.
     void changedValue(const QString &value);
 

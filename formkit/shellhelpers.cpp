@@ -21,8 +21,8 @@ namespace {
 constexpr int Limit = 2000;
 constexpr char ProcessLister[] = "pgrep";
 
-// Kills a process without waiting for its end, which QProcess's destructor would do (for half a
-// minute where the kernel holds on to the process): the object goes when the end is reported.
+// Kills a process and deletes the object when the end is reported. QProcess's destructor would wait
+// for the end, up to half a minute if the kernel is slow.
 void abandon(std::unique_ptr<QProcess> process)
 {
     if (process->state() == QProcess::NotRunning)

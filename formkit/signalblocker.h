@@ -7,13 +7,12 @@
 
 class QObject;
 
-/// Blocks or, with false, unblocks an object's signals for a scope, and then puts back the state
-/// that it found: blockers within each other unwind rightly. The object must outlive the blocker,
-/// and must not be null.
+/// Blocks an object's signals for a scope, or unblocks them with false, and then restores the state
+/// from before. Scopes may be nested. The object must not be null and must outlive the blocker.
 class FORMKIT_EXPORT SignalBlocker
 {
 public:
-    /// From here on the signals are blocked, or let through when `block` is false.
+    /// Blocks the signals, or unblocks them if `block` is false.
     SignalBlocker(QObject *object, bool block);
     ~SignalBlocker();
     Q_DISABLE_COPY(SignalBlocker)

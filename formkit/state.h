@@ -5,11 +5,10 @@
 
 #include <QState>
 
-/// A state that traces a dialog's state machine: each time it is entered or left it writes a
-/// debug line in the logging category "QGuiLog", such as
+/// A state of a state machine that writes a debug line in the logging category "QGuiLog" each time
+/// it is entered or left, such as
 ///     Entering state:  OrderDialog :: Open->Editing
-/// made of the prefix and of the state's path. Switched off with the category
-/// ("QGuiLog.debug=false"), it is a plain state.
+/// with the prefix and the path of the state. The category turns that off ("QGuiLog.debug=false").
 class FORMKIT_EXPORT State : public QState
 {
     Q_OBJECT
@@ -18,7 +17,7 @@ public:
     /// The object name is the name; the prefix is empty.
     explicit State(const QString &name, QState *parent = nullptr);
     State(const QString &name, QState::ChildMode mode, QState *parent = nullptr);
-    /// The prefix stands first; the object name is prefix + "::" + name.
+    /// The prefix comes first. The object name is prefix + "::" + name.
     State(const QString &prefix, const QString &name, QState *parent = nullptr);
     State(const QString &prefix, const QString &name, QState::ChildMode mode,
           QState *parent = nullptr);
@@ -28,7 +27,7 @@ public:
     QString fullName() const;
 
 public Q_SLOTS:
-    /// Change what is traced. The object name stays.
+    /// Change the name and the prefix in the debug lines. The object name stays.
     void setName(const QString &name);
     void setPrefix(const QString &prefix);
 

@@ -6,19 +6,18 @@
 #include <QObject>
 #include <QString>
 
-/// Adds two fields of a form: an invisible member of the form's tree whose `Value` is
-/// `Summand` plus `Addendum`. The dynamic property "fields" ties it to the fields that it
-/// adds ("Price=Summand Offset=Addendum Total=Value").
+/// Adds two fields of a form: `Value` is `Summand` plus `Addendum`. It is an invisible member of
+/// the form's tree. Its dynamic property "fields" names the fields ("Price=Summand Offset=Addendum
+/// Total=Value").
 ///
-/// All three are texts in the system form of a decimal; the sum has the larger number of
-/// fraction digits of the two ("10.5" and "0.25" make "10.75"). The value is the summand text
-/// as it stands, without any message, when there is nothing to add up: when either text is no
-/// number of the system form (an empty text, "-", "1,5"), and when the sum, or its digits
-/// brought to one scale, do not fit into a decimal.
-///
-/// It only receives its summands: a hub writes them when it holds, or is given, their values.
-/// A text that stood in a field before the hub knew the field arrives only if the field comes
-/// before the summator in the tree. A hub's write to the value is refused.
+/// - All three are texts in the system form of a decimal. The sum has the larger number of fraction
+///   digits of the two: "10.5" and "0.25" make "10.75".
+/// - When there is no sum, the value is the text of the summand, without any message: if either
+///   text is no number in system form (an empty text, "-", "1,5"), or the sum does not fit a
+///   decimal.
+/// - It only receives its summands, when a hub holds or is given their values. A text that was in a
+///   field before the hub knew the field arrives only if the field comes before the summator in the
+///   tree. The value cannot be written.
 class FORMKIT_EXPORT Summator : public QObject
 {
     Q_OBJECT
@@ -30,7 +29,7 @@ class FORMKIT_EXPORT Summator : public QObject
 public:
     explicit Summator(QObject *parent = nullptr);
 
-    /// The sum and its parts, in system form.
+    /// The sum and its parts, as they were set.
     QString getValue() const { return m_value; }
     QString getSummand() const { return m_summand; }
     QString getAddendum() const { return m_addendum; }
@@ -41,7 +40,8 @@ public:
 
     /// Adds up again.
     void update();
-    /// Emits changedValue() with the value as it is, for a listener that was away for a while.
+    /// Emits changedValue() with the value as it is, for a listener that was disconnected for a
+    /// while.
     void report();
 
 Q_SIGNALS:

@@ -7,7 +7,7 @@
 
 namespace {
 
-// One direction of a placement.
+// Where a widget goes in one direction, horizontal or vertical.
 enum Place { Edge, Near, Middle, Far };
 
 Place placeOf(Qt::Alignment alignment, Qt::AlignmentFlag near, Qt::AlignmentFlag middle,
@@ -20,8 +20,8 @@ Place placeOf(Qt::Alignment alignment, Qt::AlignmentFlag near, Qt::AlignmentFlag
     return alignment & far ? Far : Edge;
 }
 
-// Where the widget's near edge goes in an area whose pixels are `first` to `last`. The widget's
-// last pixel, not the one behind it, lies on the far place.
+// The first pixel of a widget in an area whose pixels are `first` to `last`. At the far place it is
+// the widget's last pixel, not the one after it, that keeps the margin.
 int position(Place place, int first, int last, int extent)
 {
     const int margin = (last + 1 - first) / 20;
@@ -38,7 +38,7 @@ int position(Place place, int first, int last, int extent)
     return first;
 }
 
-// A window that has been placed but not shown yet still counts as one of the primary screen's.
+// QWidget::screen() is the primary one for a window that has been moved but not shown yet.
 QRect screenArea(const QWidget &widget)
 {
     const QScreen *screen = QGuiApplication::screenAt(widget.mapToGlobal(widget.rect().center()));

@@ -9,21 +9,22 @@
 
 class QWidget;
 
-/// The widget itself or its nearest ancestor that is a window; the outermost one when none is.
-/// Null for null.
+/// The widget, or its nearest ancestor, that is a window; the outermost ancestor if none is. Null
+/// for null.
 FORMKIT_EXPORT QWidget *appTopLevelWidget(QWidget *widget);
 
-/// Moves a widget (a window or a child; nothing happens for null) into the area of another one or,
-/// when that is null, of the screen that the middle of the widget lies on (of the widget's own
-/// screen when it lies on none). Screen areas are whole screens, panels included.
+/// Moves a widget (a window or a child; nothing happens for null) into an area: that of another
+/// widget or, if that is null, of the screen with the middle of the widget (of the widget's own
+/// screen if the middle is on none). Screens count whole, panels included.
 ///
-/// Left, right, top and bottom keep five per cent of the area's width or height, rounded down, from
-/// its edge. A centre counts half pixels down. Of several flags of one direction left goes before
-/// centre before right, top before centre before bottom. Without a flag, and for those not named
-/// here, the widget goes to the area's left or top edge itself.
+/// - Left, right, top and bottom leave five per cent of the area's width or height, rounded down,
+///   to its edge. For a centre, half pixels are rounded down.
+/// - Of several flags for one direction left goes before centre before right, and top before centre
+///   before bottom.
+/// - Without a flag for a direction, the widget goes to the left or top edge itself.
 FORMKIT_EXPORT void moveWidgetRelatively(QWidget *widget, const QWidget *relativeTo,
                                          Qt::Alignment alignment);
 
-/// The text in the middle of `width` characters, filled up on both sides; when they do not share
-/// out evenly, the right side has one more. A text that is as wide, or wider, is returned as it is.
+/// The text in the middle of `width` characters, filled up on both sides. If the sides cannot be
+/// equal, the right one has one character more. A text that is not shorter is returned as it is.
 FORMKIT_EXPORT QString centerJustified(const QString &text, int width, QChar fill);

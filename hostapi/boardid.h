@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
-/// One trading board: the id of its exchange and its own id. Boards are ordered by exchange,
-/// then by board.
+/// A trading board: the id of its exchange and its own id. Boards are ordered by exchange, then by
+/// board.
 struct boardid
 {
     qint32 stock_id = 0;
@@ -33,8 +33,8 @@ using boardlist = QVector<boardid>;
 
 /// "1,7;1,9": exchange and board ids joined by ',', boards joined by ';'.
 HOSTAPI_EXPORT QString boardListToString(const boardlist &boards);
-/// The reverse; `ok` is false, and the list empty, when the text is none. An empty text is an
-/// empty list.
+/// Reads what boardListToString() writes. For any other text `ok` is false and the list empty. An
+/// empty text is an empty list.
 HOSTAPI_EXPORT boardlist boardListFromString(const QString &text, bool *ok);
 
 /// A list that is kept sorted ascending and free of duplicates.

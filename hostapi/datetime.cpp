@@ -8,7 +8,7 @@ bool isDirectionMark(QChar c)
     return c == QChar(0x200e) || c == QChar(0x200f) || c == QChar(0x061c);
 }
 
-// What a keyboard gives for the text or format: no direction marks, plain blanks, ASCII
+// The text or format as a keyboard types it: without direction marks, with plain blanks and ASCII
 // digits.
 QString asTyped(const QString &text)
 {
@@ -34,9 +34,9 @@ QString inAsciiDigits(QString text)
     return text;
 }
 
-// True when the text has an ASCII digit for each letter of the form and agrees with the rest.
-// The forms that are all digits are not left to QDateTime, which reads local time and refuses
-// the hours that the local clock skips in spring.
+// True when the text has an ASCII digit for each letter of the form and equals it in the rest.
+// QDateTime does not read these forms: it reads local time and refuses the hours that the local
+// clock skips in spring.
 bool fits(QStringView text, QStringView form)
 {
     if (text.size() != form.size())
@@ -49,7 +49,7 @@ bool fits(QStringView text, QStringView form)
     return true;
 }
 
-// What digits that are known to fit say; 0 for those behind the end of the text.
+// The number that digits at a place of the text write; 0 if the text ends before them.
 int numberAt(QStringView text, int from, int count)
 {
     int number = 0;
@@ -64,7 +64,8 @@ QTime timeAt(QStringView text, int from)
                  numberAt(text, from + 9, 3));
 }
 
-// Cuts " HH:mm:ss.zzz" off the end; an invalid time when the text does not end so.
+// Cuts " HH:mm:ss.zzz" off the end and returns that time. An invalid time if the text has another
+// end.
 QTime takeTime(QString &text)
 {
     const int place = text.size() - datetime::timeNoDateFormat().size();
@@ -79,7 +80,8 @@ QTime takeTime(QString &text)
 // QDate reads a two-digit year as one of the 1900s.
 constexpr int CenturyShift = 100;
 
-// 1900 had no leap day, so QDate refuses the one of a year 00; it reads that of a year 04.
+// QDate takes year 00 for 1900, which had no leap day, so it refuses 29 February. It accepts that
+// day in year 04.
 QDate readLeapDayOfYear00(const QString &text, const QString &format)
 {
     const int year = text.indexOf(QLatin1String("00"));
@@ -92,7 +94,7 @@ QDate readLeapDayOfYear00(const QString &text, const QString &format)
 
 QDate readDate(const QString &text, const QString &format)
 {
-    // QLocale takes a plus in front of a number.
+    // QLocale accepts a plus in front of a number.
     if (text.contains(QLatin1Char('+')))
         return {};
     const QDate read = QLocale::system().toDate(text, format);

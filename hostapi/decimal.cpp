@@ -71,15 +71,15 @@ struct SystemSymbols
     }
 };
 
-// Reads sign, digits and point; nothing when the text is no number or does not fit. Digits
-// are gathered below zero, where there is room for the smallest number too.
+// Reads sign, digits and point; nothing if the text is no number or does not fit. The digits are
+// added up below zero, as the smallest number has no positive counterpart.
 template <typename Symbols>
 std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
 {
     bool negative = false;
     bool signMayFollow = true;
     bool anyDigit = false;
-    bool behindPoint = false;
+    bool afterPoint = false;
     qint64 word = 0;
     short scale = 0;
     for (int i = 0; i < text.size(); ++i) {
@@ -87,16 +87,16 @@ std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
         switch (kind) {
         case LocaleSymbols::Digit: {
             const int digit = symbols.digitValue(text.at(i));
-            if (word < (Smallest + digit) / 10 || (behindPoint && ++scale > decimal::MaxScale))
+            if (word < (Smallest + digit) / 10 || (afterPoint && ++scale > decimal::MaxScale))
                 return {};
             word = word * 10 - digit;
             anyDigit = true;
             break;
         }
         case LocaleSymbols::Point:
-            if (behindPoint)
+            if (afterPoint)
                 return {};
-            behindPoint = true;
+            afterPoint = true;
             break;
         case LocaleSymbols::Group:
             break;
@@ -226,7 +226,7 @@ int decimal::compare(const decimal &other) const
     const qint64 otherWhole = other.m_word / otherPower;
     if (whole != otherWhole)
         return whole < otherWhole ? -1 : 1;
-    // The fractions, which always fit when they are brought to one scale.
+    // The fractions: brought to one scale they always fit.
     const int scale = qMax(m_scale, other.m_scale);
     const qint64 fraction = m_word % power * powerOfTen(scale - m_scale);
     const qint64 otherFraction = other.m_word % otherPower * powerOfTen(scale - other.m_scale);

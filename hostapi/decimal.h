@@ -10,18 +10,19 @@
 
 class LocaleSymbols;
 
-/// A fixed-point number: a signed 64-bit word and a scale, the count of its fraction digits
-/// (0 to 18), so that 12.50 is the word 1250 with the scale 2. No operation passes through a
-/// double except toDouble(). What does not fit throws Exception, it never wraps.
+/// A fixed-point number: a signed 64-bit word and a scale, the number of its fraction digits (0 to
+/// 18). 12.50 is the word 1250 with the scale 2. No operation but toDouble() uses a double. A
+/// result that does not fit throws Exception; nothing wraps.
 ///
-/// Two text forms:
+/// There are two text forms:
 /// - the system form, in which values are stored and exchanged: an optional sign, ASCII
 ///   digits, '.', no grouping ("-1234.50");
 /// - the locale form, which people read and type: the locale's digits, signs, decimal point
-///   and group separators. Reading skips group separators wherever they stand and takes what
-///   keyboards offer in their place (see LocaleSymbols).
-/// Either may lack the integer or the fraction digits (".5", "5."), not both: a lone sign or
-/// point, blanks around the number, exponents and the empty text are no numbers.
+///   and group separators. Reading skips group separators wherever they stand and accepts what
+///   keyboards have in place of these characters (see LocaleSymbols).
+///
+/// Either form may lack the integer digits or the fraction digits (".5", "5."), but not both. A
+/// lone sign or point, blanks around the number, exponents and the empty text are no numbers.
 class HOSTAPI_EXPORT decimal
 {
 public:
@@ -43,10 +44,10 @@ public:
     {
     }
 
-    /// True when decimal(systemText) can be made. An empty text counts when `emptyToo` is set:
-    /// it is what makes a cell null.
+    /// True when decimal(systemText) does not throw. With `emptyToo` an empty text, which makes a
+    /// cell null, counts too.
     static bool canConvert(QStringView systemText, bool emptyToo);
-    /// The same for the locale form: true when fromLocaleString() can be made of the text.
+    /// The same for the locale form and fromLocaleString().
     static bool canConvert(QStringView localeText, bool emptyToo, const LocaleSymbols &symbols);
 
     /// Reads the locale form and brings it to the scale (see setScale()).
@@ -55,11 +56,11 @@ public:
 
     /// The system form, with as many fraction digits as the scale says.
     QString toString() const;
-    /// The locale form, grouped: what an editor shows. An editor passes the locale of its
-    /// validator, so that the text reads back equal there.
+    /// The locale form, grouped, as an editor shows it. An editor passes the locale of its
+    /// validator: there the text reads back equal.
     QString toSystemString(const QLocale &locale = QLocale()) const;
     QString toSystemString(const LocaleSymbols &symbols) const;
-    /// The nearest double or one beside it.
+    /// The nearest double, or one next to it.
     double toDouble() const;
 
     /// The parts of the number.
@@ -72,7 +73,8 @@ public:
     /// -1, 0 or 1, by value: 1.5 equals 1.50.
     int compare(const decimal &other) const;
 
-    /// Sums have the larger of the two scales, to which both numbers must fit.
+    /// A sum has the larger of the two scales. Throws if one of the numbers does not fit that
+    /// scale, or the sum does not fit.
     decimal operator+(const decimal &other) const;
     decimal operator-(const decimal &other) const;
     decimal operator-() const;

@@ -3,12 +3,12 @@
 
 #include <QString>
 
-/// Says on the log why lists stay empty.
+/// Warns in the log why lists stay empty.
 namespace EmptyLists {
 
-/// Warns, each text once until forget(). From any thread.
+/// Warns once of each cause, until forget(). Any thread may call it.
 void warn(const QString &cause);
-/// Lets everything be said again.
+/// From now on each cause is warned of again.
 void forget();
 
 } // namespace EmptyLists

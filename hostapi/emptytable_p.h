@@ -3,7 +3,7 @@
 
 #include "table.h"
 
-/// A table without rows, which stands in for one that no host offers.
+/// A table without rows, in place of one that the host does not have.
 class EmptyTable : public Table
 {
 public:

@@ -8,11 +8,11 @@
 
 #include <exception>
 
-/// The one error that the data layer throws: a text for the person who reads the log.
+/// The error of the data layer: a text for people who read the log.
 class HOSTAPI_EXPORT Exception : public std::exception
 {
 public:
-    /// The text says what went wrong, and where.
+    /// Takes a text that says what went wrong, and where.
     explicit Exception(const QString &text);
     ~Exception() override;
 

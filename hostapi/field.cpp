@@ -12,7 +12,7 @@ namespace {
     throw Exception(QStringLiteral("Incorrect type conversion."));
 }
 
-// The doubled quote has always been there; log readers look for it.
+// The second quote after %1 is no slip: programs that read logs look for this text.
 [[noreturn]] void failText(QStringView text, FieldType::Type type)
 {
     throw Exception(QStringLiteral("Can't convert from '%1'' to %2")

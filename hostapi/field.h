@@ -6,9 +6,9 @@
 #include <hostapi/decimal.h>
 #include <hostapi/fieldtype.h>
 
-/// A typed view of one cell of a row: the column's type, the cell's storage (see FieldType)
-/// and its presence bit. The cell is null while the bit is clear. The view is good for as
-/// long as the row is held (see Record).
+/// A typed view of one cell of a row: the column's type, the cell's storage (see FieldType) and its
+/// presence bit. The cell is null while the bit is clear. The view is valid for as long as a Record
+/// holds the row.
 class HOSTAPI_EXPORT Field
 {
 public:
@@ -27,14 +27,13 @@ public:
     /// Makes the cell null.
     void clear();
 
-    /// The cell as text: numbers in their system form (a double in the fewest digits that read
-    /// back equal), dates likewise, board lists as boardListToString() writes them; empty for
-    /// null.
+    /// The cell as text: numbers and dates in system form (a double in the fewest digits that read
+    /// back equal), board lists as boardListToString() writes them; empty for null.
     QString toString() const;
-    /// The text of a string cell, sharing the cell's memory; any other cell as toString().
+    /// As toString(); the text of a string cell shares the cell's memory.
     QString asStaticString() const;
-    /// A 64-bit cell beyond the 32-bit range gives that range's nearer end. Null reads as 0; a
-    /// cell that is no integer throws Exception.
+    /// A 64-bit number beyond the 32-bit range gives the nearer end of that range. Null reads as 0;
+    /// a cell that is no integer throws Exception.
     int toInteger() const;
     /// Null reads as 0; a cell that is no integer throws Exception.
     qint64 toInteger64() const;
@@ -42,20 +41,20 @@ public:
     /// Stores a number, converted to the cell's type (a decimal in the column's scale). A
     /// date or board-list cell throws Exception.
     Field &operator=(int value);
-    /// Would lose digits unseen; assign a 64-bit number as text.
+    /// Deleted, as it could lose digits unseen: assign a 64-bit number as text.
     Field &operator=(qint64) = delete;
-    /// Stores what the text says in the system form; a decimal keeps the text's scale. An empty
-    /// text makes the cell null; a text that does not convert, or a board-list cell, throws
-    /// Exception and leaves the cell as it was. A text that is no date becomes the null date.
+    /// Stores the value that the text gives in system form; a decimal keeps the text's scale. An
+    /// empty text makes the cell null. A text that does not convert, or a board-list cell, throws
+    /// Exception and leaves the cell as it was; but a text that is no date becomes the null date.
     Field &operator=(QStringView text);
     Field &operator=(const Field &) = delete;
 
-    /// Order for sorted indexes: -1, 0 or 1 (or the difference of the type codes). Null goes
-    /// before everything. Doubles answer one-sidedly: -1 when this is smaller, else 0, which
-    /// is enough for a sort and all that indexes ask. Board lists are all equal.
+    /// The order of sorted indexes: -1, 0 or 1 (or the difference of the type codes). Null comes
+    /// first. Two doubles give -1 if this one is smaller, otherwise 0, also if it is larger: that
+    /// is enough to sort. Board lists are all equal.
     int compare(const Field &other) const;
 
-    /// Throws: a value of the type cannot go into this cell.
+    /// Throws the error that a value of the type cannot go into this cell.
     [[noreturn]] void incompatibleType(FieldType::Type from) const;
 
 private:

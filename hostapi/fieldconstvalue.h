@@ -19,7 +19,7 @@ private:
     char m_character;
 };
 
-/// Whether an order still stands.
+/// Whether an order is active.
 struct Statuses
 {
     static constexpr FieldConstValue Active{'A'};
@@ -64,7 +64,7 @@ struct SecTypes
     static constexpr FieldConstValue Indexes{'I'};
 };
 
-/// The way a price went.
+/// The direction in which a price moved.
 struct PriceDirs
 {
     static constexpr FieldConstValue Asc{'A'};

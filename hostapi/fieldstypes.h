@@ -12,8 +12,7 @@ struct NamedFieldType
     FieldType type;
 };
 
-/// The standard column types: whatever table a column of such a name stands in, it has this
-/// type.
+/// The standard column types: a column of such a name has this type in every table.
 class HOSTAPI_EXPORT FieldsTypes
 {
 public:
@@ -25,8 +24,8 @@ public:
 
 namespace Gexabus {
 
-/// The types of the gateway's own columns, which go before the standard ones in the tables
-/// that the gateway fills ("gx.diler" among them).
+/// The types of the gateway's own columns. In the tables that the gateway fills, such as
+/// "gx.diler", they override the standard ones.
 class HOSTAPI_EXPORT GxFieldsTypes
 {
 public:

@@ -10,7 +10,7 @@
 class HOSTAPI_EXPORT FieldType
 {
 public:
-    /// In brackets, what a cell of the type is stored in.
+    /// In brackets: the C++ type that stores a cell.
     enum Type {
         Integer = 1,   ///< 32 bits (qint32)
         Integer64 = 2, ///< 64 bits (qint64)
@@ -31,11 +31,11 @@ public:
     constexpr Type type() const { return m_type; }
     constexpr int parameter() const { return m_parameter; }
 
-    /// "integer", "integer64", "double", "decimal", "string", "datetime" or "boardlist", as
-    /// error texts name the type; "type N" for a code that is none of them.
+    /// The name of the type in error texts: "integer", "integer64", "double", "decimal", "string",
+    /// "datetime" or "boardlist"; "type N" for any other code.
     static QString typeName(Type type);
-    /// Stores the text in a string cell, cut to the column's length. A character that UTF-16
-    /// writes in two halves is never cut in the middle.
+    /// Stores the text in a string cell, cut to the column's length, but never between the two
+    /// halves of a surrogate pair.
     static void setString(QString &storage, int maxLength, QStringView text);
 
     friend bool operator==(FieldType a, FieldType b)

@@ -34,24 +34,24 @@ public:
 };
 
 /// The host's core: the one object through which forms reach the reference data. A terminal
-/// implements it and installs it once, before the first form; forms keep pointers into it, so
-/// it outlives them all.
+/// implements it and installs it once, before the first form. Forms keep pointers to what it gives,
+/// so it must outlive them all.
 class HOSTAPI_EXPORT ICore
 {
 public:
     virtual ~ICore();
 
-    /// The installed core. Before any is installed, one that has no tables, boards, sessions
-    /// or plug-ins, so that forms can be shown all the same (in a form designer, for example).
+    /// The installed core. While none is installed, a core without tables, boards, sessions and
+    /// plug-ins, so that forms can be shown all the same (in a form designer, for example).
     static ICore *instance();
-    /// Null takes the core away again. Not thread-safe.
+    /// Null uninstalls the core. Not thread-safe.
     static void install(ICore *core);
 
-    /// The table of a name, never null: one that the host lacks reads as empty. A warning names
-    /// it, or says that no core is installed: once for the core that is installed.
+    /// The table of a name, never null: a table that the host does not have reads as empty. A
+    /// warning names it, or says that no core is installed, once until another core is installed.
     Table *table(const QString &name);
 
-    /// The same objects for as long as the core lives; never null.
+    /// Each always returns the same object; never null.
     virtual IDatabase *database() = 0;
     virtual const StockDirectory *stockDirectory() const = 0;
     virtual const BoardDirectory *boardDirectory() const = 0;

@@ -3,9 +3,9 @@
 
 #include <QtPlugin>
 
-/// A plug-in that decodes the host's market data. The object that implements it also declares
-/// the signal aNewSessions(), by which it announces that the sessions open to trading have
-/// changed; the security list connects to it by name.
+/// A plug-in that decodes the host's market data. The object that implements it declares a signal
+/// aNewSessions() and emits it when the sessions that are open to trading have changed. The
+/// security list connects to the signal by its name.
 class IDecoder
 {
 public:

@@ -16,11 +16,11 @@ public:
     /// The row at a position of 0 to count() - 1.
     virtual Record at(int position) const = 0;
 
-    /// Each dereference takes a reference to the row.
+    /// Goes through the rows. Each dereference takes a reference to the row.
     class iterator
     {
     public:
-        /// As std::iterator_traits asks for them.
+        /// For std::iterator_traits.
         using iterator_category = std::input_iterator_tag;
         using value_type = Record;
         using difference_type = int;

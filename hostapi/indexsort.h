@@ -7,8 +7,8 @@
 
 #include <vector>
 
-/// A list of rows in an order of its own. It holds the rows, so it may be used without the
-/// table's lock.
+/// A list of rows in an order of its own. As it holds the rows, it may be used without the table's
+/// lock.
 class HOSTAPI_EXPORT IndexList : public Index
 {
 public:
@@ -25,15 +25,15 @@ protected:
 class HOSTAPI_EXPORT IndexSort : public IndexList
 {
 public:
-    /// An index over the core's table of that name. With `keepEqual` rows that compare equal
-    /// all stay, in the order of the master index; without it the first of them.
+    /// An index over the core's table of that name. Of rows that compare equal, `keepEqual` keeps
+    /// all, in the order of the master index; without it only the first stays.
     IndexSort(const QString &table, bool keepEqual);
 
-    /// Walks the table under its lock, then sorts. What compare() or filter() throws passes
-    /// through, with the lock given back and the index left as it was.
+    /// Walks the table under its lock, then sorts. An exception of compare() or filter() passes
+    /// through; the table is unlocked then, and the index stays as it was.
     void build();
 
-    /// The table that was named, never null (see ICore::table()).
+    /// The table; never null (see ICore::table()).
     Table *table() const { return m_table; }
 
 protected:

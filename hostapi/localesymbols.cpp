@@ -23,7 +23,7 @@ bool isApostrophe(QChar c)
     return c == QLatin1Char('\'') || c == QChar(0x2019);
 }
 
-// The sign itself: direction marks, where a locale has them, stand in front of it.
+// The sign itself: some locales have direction marks in front of it.
 QChar lastOf(const QString &sign, char otherwise)
 {
     return sign.isEmpty() ? QLatin1Char(otherwise) : sign.back();

@@ -8,10 +8,9 @@
 
 #include <array>
 
-/// The characters with which a locale writes numbers, read out once, and what a typed
-/// character stands for among them. Number options of the locale (whether it groups) do not
-/// count: integers are always grouped, in the sizes that QLocale::toString(qlonglong) uses
-/// (1,234,567 or 12,34,567).
+/// The characters with which a locale writes numbers, and what a typed character stands for among
+/// them. Number options of the locale do not count: integers are always grouped, in the sizes that
+/// QLocale::toString(qlonglong) uses (1,234,567 or 12,34,567).
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
@@ -21,10 +20,10 @@ public:
     /// Reads the locale, which may change afterwards.
     explicit LocaleSymbols(const QLocale &locale);
 
-    /// What the character stands for. More is read than the locale writes, because keyboards
-    /// lack most of these characters: ASCII digits beside the locale's own; '-' and '+' beside
-    /// its signs; any blank (U+0020, U+00A0, U+2009, U+202F) for a blank group separator, and
-    /// either apostrophe (U+0027, U+2019) for an apostrophe.
+    /// What the character stands for. Keyboards lack most of a locale's characters, so others count
+    /// too: ASCII digits beside the locale's own; '-' and '+' beside its signs; any blank (U+0020,
+    /// U+00A0, U+2009, U+202F) for a group separator that is a blank; either apostrophe (U+0027,
+    /// U+2019) for one that is an apostrophe.
     Kind kindOf(QChar c) const
     {
         return c.unicode() < m_asciiKinds.size() ? m_asciiKinds[c.unicode()] : readKindOf(c);
@@ -42,16 +41,16 @@ public:
     /// The decimal point and the group separator, as the locale writes them.
     QChar point() const { return m_point; }
     QChar group() const { return m_group; }
-    /// A string: some locales of newer Qt write a direction mark before the sign.
+    /// The minus sign. Some locales of Qt 6 write a direction mark in front of it.
     const QString &minus() const { return m_minus; }
 
-    /// The number of digits behind the last separator; 0 when the locale does not group.
+    /// The number of digits after the last separator; 0 if the locale does not group.
     int lastGroupSize() const { return m_primary; }
-    /// True when a separator belongs in front of a digit that has `behind` digits behind and
-    /// including it (and at least one digit before it).
-    bool separatorBefore(int behind) const
+    /// True when a separator belongs in front of the last `digits` digits of an integer that has
+    /// more.
+    bool separatorBefore(int digits) const
     {
-        return m_primary > 0 && behind >= m_primary && (behind - m_primary) % m_secondary == 0;
+        return m_primary > 0 && digits >= m_primary && (digits - m_primary) % m_secondary == 0;
     }
     /// Inserts the group separators into a string of digits.
     QString grouped(const QString &digits) const;
@@ -66,10 +65,9 @@ private:
     QChar m_minusSign;
     QChar m_plusSign;
     ushort m_zero;
-    /// Digits in the group next to the point and in the groups further left; 0 means that the
-    /// locale does not group.
+    /// Digits in the group next to the point (0 if the locale does not group) and in the others.
     int m_primary = 0;
     int m_secondary = 1;
-    /// Validators ask for every character at every keystroke.
+    /// A table, since validators ask for every character of a text after every key.
     std::array<Kind, 128> m_asciiKinds;
 };

@@ -8,23 +8,22 @@
 
 class Table;
 
-/// What every row of a host begins with; the host's own struct derives from it. The count is
-/// that of the references held: by the table's content one, by each Record one.
+/// The base of a host's rows. The table's content holds one reference to each of its rows, and each
+/// Record holds one.
 struct RowData
 {
     std::atomic<int> references{0};
 };
 
-/// A row of a table, held for as long as the Record lives: a row that has left the table
-/// meanwhile stays readable. References are counted atomically, and the row whose last
-/// reference is dropped is given back with Table::freeRow(). A Record must not outlive its
-/// table.
+/// Holds a row of a table: the row stays readable after it has left the table. References are
+/// counted atomically; when the last one is dropped, Table::freeRow() takes the row. A Record must
+/// not outlive its table.
 class HOSTAPI_EXPORT Record
 {
 public:
     /// The null record.
     Record() = default;
-    /// An empty row shaped like the table (every cell null), to be filled as a look-up key.
+    /// A new row of the table with every cell null, to be filled as a look-up key.
     explicit Record(const Table *table);
     /// Another reference to a row.
     Record(const Table *table, RowData *row) : m_table(table), m_row(row)
@@ -51,11 +50,11 @@ public:
 
     /// True when it holds no row.
     bool isNull() const { return !m_row; }
-    /// The table and the row that it holds; null for the null record (which may know its table).
+    /// The table and the row. A null record has no row, but may have a table.
     const Table *table() const { return m_table; }
     RowData *row() const { return m_row; }
-    /// The cell of a column; a null cell when the record is null or the column is -1, which is
-    /// what a table has no column for (see Table::columnIndex()).
+    /// The cell of a column. A null cell if the record is null, or the column -1, as
+    /// Table::columnIndex() answers for a column that does not exist.
     Field field(int column) const;
 
 private:

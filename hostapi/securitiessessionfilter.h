@@ -14,17 +14,17 @@
 class HOSTAPI_EXPORT SecuritiesSessionFilter : public ValueFilter
 {
 public:
-    /// `sessionColumn` of the table holds a row's session and `keyColumns` the parts of its
-    /// key, exchange first. A `session` other than -1 narrows the filter to that session id.
-    /// With a `parent`, a row must meet the parent's condition as well; a copy of it is kept.
+    /// `sessionColumn` is the column of the session, `keyColumns` are those of the key, with the
+    /// exchange first. A `session` other than -1 accepts that session id alone. With a `parent` a
+    /// row must meet the parent's condition too; the filter keeps a copy of it.
     SecuritiesSessionFilter(const Table *table, int sessionColumn, const QList<int> &keyColumns,
                             int session, const ValueFilter *parent);
     SecuritiesSessionFilter(const SecuritiesSessionFilter &other);
     SecuritiesSessionFilter &operator=(const SecuritiesSessionFilter &) = delete;
     ~SecuritiesSessionFilter() override;
 
-    /// False for a null record. The first row that is refused because no session is open at all
-    /// is warned of, once for the core that is installed.
+    /// False for a null record. When no session is open at all, a warning says so, once until
+    /// another core is installed.
     bool filter(const Record &record) const override;
     std::unique_ptr<ValueFilter> clone() const override;
 
@@ -34,6 +34,6 @@ private:
     /// Sorted.
     QVector<SessionId> m_sessions;
     std::unique_ptr<ValueFilter> m_parent;
-    /// Spares all rows but the first the search for the warning.
+    /// This filter has warned. Spares all other rows the look-up whether that is due.
     mutable std::atomic<bool> m_warned{false};
 };

@@ -3,11 +3,11 @@
 
 #include <hostapi/index.h>
 
-/// One reference table of the host. A host implements it; a form reads it.
+/// A reference table. The host implements it, forms read it.
 ///
-/// Everything that touches rows by way of the master index happens between lock() and
-/// unlock() (or in the life of a TableLock). The content may be replaced at any moment when
-/// nobody holds the lock. Rows held by Records stay valid throughout.
+/// The master index and the rows that it gives are used between lock() and unlock() only (or while
+/// a TableLock lives). While nobody holds the lock the content may be replaced at any moment. Rows
+/// that Records hold always stay valid.
 class HOSTAPI_EXPORT Table
 {
 public:
@@ -15,12 +15,12 @@ public:
 
     /// The name under which IDatabase::table() finds it.
     virtual QString name() const = 0;
-    /// The index of a named column, or -1. Constant for the life of the table.
+    /// The index of a named column, or -1. It never changes.
     virtual int columnIndex(const QString &column) const = 0;
 
-    /// Exclusive access for the length of a walk. The thread that holds the lock may take it
-    /// again (models report changes while they hold it, and a receiver may walk in its turn);
-    /// each lock() needs its unlock().
+    /// Gives exclusive access. The thread that holds the lock may take it again: models report
+    /// changes while they hold it, and a receiver may walk the table too. Each lock() needs its
+    /// unlock().
     virtual void lock() = 0;
     virtual void unlock() = 0;
 
@@ -29,15 +29,14 @@ public:
 
     /// The cell of a row that a Record or the locked table holds.
     virtual Field dataPtr(RowData *row, int column) const = 0;
-    /// A new row with every cell null, outside any index, for Record's use; no reference is
-    /// counted yet.
+    /// A new row with every cell null, in no index and without a reference, for Record's use.
     virtual RowData *newRow() const = 0;
     /// Takes back a row whose last reference was dropped. Any thread may call this, with or
     /// without the lock.
     virtual void freeRow(RowData *row) const = 0;
 };
 
-/// Holds a table's lock for a scope, whichever way the scope is left.
+/// Holds a table's lock for a scope.
 class HOSTAPI_EXPORT TableLock
 {
 public:

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-/// A condition on the rows of a table. Filters are values: a copy is independent.
+/// A condition on the rows of a table.
 class HOSTAPI_EXPORT ValueFilter
 {
 public:

@@ -4,15 +4,15 @@
 #include <QDoubleValidator>
 #include <QLineEdit>
 
-/// Regroups a number while it is typed, and keeps the caret behind the same digit. Locales whose
-/// groups are not of three digits are not supported.
+/// Regroups a number while it is typed, and keeps the caret after the same digit. Locales with
+/// groups of other than three digits are not supported.
 class GroupingValidator : public QDoubleValidator
 {
 public:
     using QDoubleValidator::QDoubleValidator;
     State validate(QString &input, int &pos) const override;
 
-    /// A number in system form ("1234.5") as the locale writes it, and back.
+    /// Converts a number in system form ("1234.5") to the form of the locale, and back.
     QString shown(QString number) const;
     QString number(QString text) const;
 };

@@ -20,7 +20,7 @@ Picker::Picker(const QString &none, bool freeText) : m_none(none), m_freeText(fr
     completer()->setModel(&m_shown);
     completer()->setCompletionMode(QCompleter::PopupCompletion);
     completer()->setCaseSensitivity(Qt::CaseInsensitive);
-    // What Qt offers for long lists.
+    // What Qt has for long lists.
     completer()->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
     for (QAbstractItemView *list : {completer()->popup(), view()})
         static_cast<QListView *>(list)->setUniformItemSizes(true);
@@ -33,7 +33,7 @@ Picker::Picker(const QString &none, bool freeText) : m_none(none), m_freeText(fr
         Q_EMIT picked();
     });
     connect(this, QOverload<int>::of(&QComboBox::activated), this, &Picker::picked);
-    // QComboBox would choose the first of several rows that differ in case alone.
+    // QComboBox would choose the first of several rows that differ only in case.
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     connect(lineEdit(), &QLineEdit::editingFinished, this, &Picker::leave);
 }

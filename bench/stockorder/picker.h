@@ -16,9 +16,9 @@ public:
     /// `none` is the key of no row; `freeText` makes any text its own key.
     explicit Picker(const QString &none, bool freeText = false);
 
-    /// Takes the rows over and keeps the choice, or what is half typed.
+    /// Takes the rows and owns them. The choice stays, or what is half typed.
     void setRows(QStandardItemModel *rows);
-    /// Shows the rows of a group, all of them for an empty one, and no choice.
+    /// Shows the rows of a group (all rows for an empty one), and no choice.
     void narrow(const QString &group);
 
     /// The key of the row that the text names.

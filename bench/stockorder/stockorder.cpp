@@ -7,7 +7,7 @@
 
 namespace {
 
-// The rows of a table of the host: text, key, and the columns that make the group.
+// Reads a table of the host: for each row its text, its key, and the columns that make its group.
 QStandardItemModel *readTable(const QString &name, const QString &textColumn,
                               const QString &keyColumn, const QStringList &groupColumns,
                               const QString &sessionColumn = QString())

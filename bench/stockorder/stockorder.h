@@ -22,9 +22,9 @@ public:
 
     QMap<QString, QVariant> values() const;
     void fill(const QMap<QString, QVariant> &order);
-    /// Reads the host's tables anew.
+    /// Reads the host's tables again.
     void refresh();
-    /// Paints the captions of the fields that are wrong red.
+    /// Turns the captions of wrong fields red.
     void check();
 
 Q_SIGNALS:

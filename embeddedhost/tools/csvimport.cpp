@@ -8,7 +8,7 @@
 
 namespace {
 
-// For each cell of a row, the schema's column.
+// The schema's column for each cell of a row.
 QVector<int> readHeader(CsvReader &reader, const TableSchema &schema)
 {
     const CsvReader::Cell start{QString(), 1, 1};

@@ -64,7 +64,7 @@ void CsvReader::readQuoted(Cell &cell)
         fail(cell, QStringLiteral("the closing quote is missing"));
     ++m_position;
     if (!atLineEnd() && m_text.at(m_position) != QLatin1Char(','))
-        fail(cell, QStringLiteral("text behind the closing quote"));
+        fail(cell, QStringLiteral("text after the closing quote"));
 }
 
 void CsvReader::skipLineEnd()

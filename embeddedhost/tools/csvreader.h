@@ -4,15 +4,15 @@
 #include <QString>
 #include <QVector>
 
-/// Reads comma-separated values: UTF-8, cells with commas, quotes or line ends in double
-/// quotes, quotes within doubled, blank lines skipped.
+/// Reads comma-separated values in UTF-8. Cells with commas, quotes or line ends are in double
+/// quotes, with the quotes inside doubled. Blank lines are skipped.
 class CsvReader
 {
 public:
     struct Cell
     {
         QString text;
-        /// Where it begins, both counted from 1.
+        /// Where the cell begins, both counted from 1.
         int line = 0;
         int column = 0;
     };
@@ -20,8 +20,8 @@ public:
     /// Reads the file; throws Exception when that fails.
     explicit CsvReader(const QString &file);
 
-    /// The cells of the next row, none at the end of the file. Throws Exception for a cell
-    /// that breaks the rules.
+    /// The cells of the next row; none at the end of the file. Throws Exception for a cell that is
+    /// not as above.
     QVector<Cell> nextRow();
 
     /// Throws Exception("file:line:column: reason").

@@ -34,7 +34,7 @@ DatabaseWriter::DatabaseWriter(const QString &file)
     m_database.setDatabaseName(m_partFile);
     if (!m_database.open())
         throw Exception(QStringLiteral("%1: cannot be written").arg(m_partFile));
-    // Nothing is lost if the machine stops now: the file is not in place yet.
+    // A broken file does no harm: it is not in its place yet.
     execute(QStringLiteral("PRAGMA journal_mode = OFF"));
     execute(QStringLiteral("PRAGMA synchronous = OFF"));
     execute(QStringLiteral("PRAGMA foreign_keys = ON"));
@@ -93,7 +93,7 @@ void DatabaseWriter::finish()
     m_inserts.clear();
     execute(QStringLiteral("COMMIT"));
     close();
-    // Unlike QFile's, this rename replaces a file that is there.
+    // Unlike QFile's rename, this one replaces a file.
     if (std::rename(QFile::encodeName(m_partFile), QFile::encodeName(m_file)) != 0)
         throw Exception(QStringLiteral("%1: cannot be written").arg(m_file));
 }

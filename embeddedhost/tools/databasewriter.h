@@ -10,18 +10,18 @@
 #include <map>
 #include <memory>
 
-/// Writes a reference database. The file appears, or replaces the one of its name, when the
-/// database is complete; until then the rows go to a file beside it.
+/// Writes a reference database. The rows go to a file beside the named one, which takes its place
+/// when the database is complete.
 class DatabaseWriter
 {
 public:
-    /// Throws Exception, as every call here does, with the database's own reason.
+    /// Throws Exception with the database's reason, as every call here does.
     explicit DatabaseWriter(const QString &file);
     ~DatabaseWriter();
     Q_DISABLE_COPY(DatabaseWriter)
 
-    /// Adds a row, with values in the order of the schema's columns. The database itself
-    /// refuses duplicate keys and rows without their parent, so parents go first.
+    /// Adds a row, with values in the order of the schema's columns. The database refuses duplicate
+    /// keys and rows without their parent, so add parents first.
     void insert(ReferenceSchema::TableId table, const QVariantList &values);
     void finish();
 

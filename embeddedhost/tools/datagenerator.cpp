@@ -30,7 +30,7 @@ DataGenerator::DataGenerator(int securities, quint64 seed, int perBoard)
 {
 }
 
-// SplitMix64: the standard library's distributions differ between implementations.
+// SplitMix64, since the standard library's distributions differ between implementations.
 quint64 DataGenerator::next()
 {
     m_state += 0x9e3779b97f4a7c15u;

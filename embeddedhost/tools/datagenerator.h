@@ -5,15 +5,15 @@
 
 class DatabaseWriter;
 
-/// Invents reference data of any size; the same numbers give the same data on every machine.
+/// Invents reference data of any size. The same arguments give the same data on every machine.
 class DataGenerator
 {
 public:
-    /// `perBoard` securities stand on each board (fewer on the last).
+    /// Each board has `perBoard` securities, the last one the rest.
     DataGenerator(int securities, quint64 seed, int perBoard);
 
-    /// Up to 12 exchanges with four sessions each, all open; boards, spread evenly over the
-    /// exchanges; securities, eight to a base code, in sessions by turns; 40 partners.
+    /// Writes up to 12 exchanges with four open sessions each, boards spread evenly over the
+    /// exchanges, securities in turn for each session, eight to a base code, and 40 partners.
     void write(DatabaseWriter &writer);
 
 private:

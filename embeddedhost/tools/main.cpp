@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// formkit-mkdb makes reference databases for the embedded host: from CSV files, or of any
-// size from a seed.
+// formkit-mkdb makes reference databases for the embedded host, from CSV files or with invented
+// data.
 
 #include "csvimport.h"
 #include "databasewriter.h"
@@ -24,7 +24,7 @@ struct Arguments
     QString database;
 };
 
-// The number of an option, or the end of the program.
+// The number of an option. Ends the program if it is none.
 quint64 number(const QCommandLineParser &parser, const QString &option, quint64 least, quint64 most)
 {
     bool ok = false;
@@ -45,11 +45,11 @@ Arguments readArguments(const QCoreApplication &application)
                        "--securities, one of any size with invented content."));
     parser.addHelpOption();
     parser.addOptions({
-        {QStringLiteral("csv"), QStringLiteral("Folder with one CSV file a table."),
+        {QStringLiteral("csv"), QStringLiteral("Folder with a CSV file for each table."),
          QStringLiteral("folder")},
         {QStringLiteral("securities"), QStringLiteral("How many securities to invent."),
          QStringLiteral("number")},
-        {QStringLiteral("seed"), QStringLiteral("What the invented names follow from."),
+        {QStringLiteral("seed"), QStringLiteral("Another seed gives other securities."),
          QStringLiteral("number"), QStringLiteral("1")},
         {QStringLiteral("per-board"), QStringLiteral("Invented securities on each board."),
          QStringLiteral("number"), QStringLiteral("1000")},

@@ -7,12 +7,11 @@
 #include <mutex>
 #include <vector>
 
-/// A table over the terminal's own plain structs: T is one of them. The table is its own master
-/// index.
+/// A table over plain structs of the terminal: T is one of them. The table is its own master index.
 template <typename T> class StructTable : public Table, public MasterIndex
 {
 public:
-    /// A column and where its cells lie. The member's type is what FieldType stores.
+    /// A column and where its cells are. FieldType says what type the member has.
     struct Column
     {
         QString name;
@@ -20,7 +19,7 @@ public:
         void *(*cell)(T &row);
     };
 
-    /// The key columns tell the rows apart, and rows are listed in their order.
+    /// The values of the key columns are different in each row. Rows are listed in their order.
     StructTable(const QString &name, const std::vector<Column> &columns,
                 const std::vector<int> &key)
         : m_name(name), m_columns(columns), m_key(key)
@@ -37,7 +36,7 @@ public:
         std::sort(fresh.begin(), fresh.end(),
                   [this](const Record &a, const Record &b) { return compare(a, b) < 0; });
         const TableLock guard(this);
-        m_rows.swap(fresh); // the former rows go after the lock, those that are held stay
+        m_rows.swap(fresh); // the old rows are freed after the lock, unless a form holds them
     }
 
     QString name() const override { return m_name; }
@@ -89,6 +88,6 @@ private:
     const QString m_name;
     const std::vector<Column> m_columns;
     const std::vector<int> m_key;
-    std::recursive_mutex m_lock; ///< a walk may lead to another one on the same thread
+    std::recursive_mutex m_lock; ///< while a table is walked, the same thread may walk it again
     std::vector<Record> m_rows;
 };

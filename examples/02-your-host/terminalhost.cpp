@@ -3,7 +3,7 @@
 
 namespace {
 
-// Where the member of a struct lies, as a column wants to know it.
+// Where a member of a struct is, for a column.
 template <auto Member, typename T> void *cell(T &row)
 {
     return &(row.*Member);

@@ -42,7 +42,7 @@ struct Partner
     QString name;
 };
 
-/// Tells the forms that other sessions are open now.
+/// Announces to the forms that other sessions are open now.
 class SessionNews : public QObject, public IDecoder
 {
     Q_OBJECT
@@ -52,17 +52,17 @@ Q_SIGNALS:
     void aNewSessions();
 };
 
-/// A terminal's reference data as formkit reads them. Exchanges and boards are the same all day;
-/// securities, partners and sessions change while forms are open.
+/// A terminal's reference data, for formkit. Exchanges and boards are the same all day; securities,
+/// partners and sessions change while forms are open.
 class TerminalHost : public ICore, private IDatabase, private StockDirectory, private BoardDirectory
 {
 public:
     TerminalHost(const std::vector<Exchange> &exchanges, const std::vector<TradingBoard> &boards);
 
-    /// From any thread. Forms show the new rows once their lists are populated again.
+    /// Any thread may call these. Forms show the new rows when their lists are populated again.
     void setSecurities(const std::vector<Security> &rows) { m_securities.setRows(rows); }
     void setPartners(const std::vector<Partner> &rows) { m_partners.setRows(rows); }
-    /// On the thread of the forms: the lists of securities follow at once.
+    /// For the forms' thread. The lists of securities are read again at once.
     void setSessions(const QVector<SessionId> &sessions);
 
     IDatabase *database() override { return this; }
@@ -73,8 +73,8 @@ public:
 
 private:
     Table *table(const QString &name) override;
-    /// The directories are asked inside the walk of a table, from any thread: they read what
-    /// never changes, and so need no lock.
+    /// Any thread may ask the directories, also while a table is locked. They read what never
+    /// changes, so they need no lock.
     QString codeById(int stockId) const override { return m_codes.value(stockId); }
     int idByCode(const QString &stockCode) const override { return m_codes.key(stockCode); }
     QString codeById(int stockId, int boardId) const override

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A small FTP client for the command line: shows what FormKit::Ftp asks of its user.
+// A small FTP client for the command line, to show how FormKit::Ftp is used.
 //
 //     FTP_PASSWORD=… formkit-ftp --user joe list ftp.example.org pub
 //     formkit-ftp --resume get ftp.example.org pub/statement.pdf
@@ -113,7 +113,7 @@ bool get(const CFTPClient &client, Progress &progress, const QStringList &words,
     const std::string remote = words.value(2).toStdString();
     const QString local = words.value(3, QFileInfo(words.value(2)).fileName());
     long size = -1;
-    // The type first: many servers tell no size in ASCII.
+    // The type first, since many servers refuse to tell a size in ASCII.
     client.RepresentationType(type);
     client.FileSize(remote, size);
     progress.expect(size, client.IsResumeModeEnabled() ? QFileInfo(local).size() : 0);
@@ -126,6 +126,20 @@ bool put(const CFTPClient &client, const QStringList &words, const CRepresentati
     const QString local = words.value(2);
     const QString remote = words.value(3, QFileInfo(local).fileName());
     return client.UploadFile(_tstring(local), remote.toStdString(), false, type, passive);
+}
+
+bool run(const CFTPClient &client, Progress &progress, const QStringList &words,
+         const QCommandLineParser &options)
+{
+    const bool passive = !options.isSet("active");
+    const CRepresentation type = options.isSet("ascii") ? CType::ASCII : CType::Image;
+    if (words.at(0) == "list")
+        return list(client, words.value(2).toStdString(), passive);
+    if (words.at(0) == "names")
+        return names(client, words.value(2).toStdString(), passive);
+    if (words.at(0) == "get")
+        return get(client, progress, words, type, passive);
+    return put(client, words, type, passive);
 }
 
 } // namespace
@@ -150,24 +164,14 @@ int main(int argc, char **argv)
         options.showHelp(WrongUsage);
 
     CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), timeout, 256 * 1024);
-    // No data to or from third hosts, and nothing appended unless asked for.
+    // No data connections to third hosts, and no resuming unless asked for.
     client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
     client.SetAcceptOnlyControlPeer(true);
     client.SetResumeMode(options.isSet("resume"));
     Progress progress(client, options.isSet("verbose"));
     if (!client.Login(logon))
         return NotLoggedOn;
-    const bool passive = !options.isSet("active");
-    const CRepresentation type = options.isSet("ascii") ? CType::ASCII : CType::Image;
-    bool good = false;
-    if (command == "list")
-        good = list(client, words.value(2).toStdString(), passive);
-    else if (command == "names")
-        good = names(client, words.value(2).toStdString(), passive);
-    else if (command == "get")
-        good = get(client, progress, words, type, passive);
-    else
-        good = put(client, words, type, passive);
+    const bool good = run(client, progress, words, options);
     progress.finish();
     if (client.IsConnected())
         client.Logout();

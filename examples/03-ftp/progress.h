@@ -5,18 +5,18 @@
 
 #include <QElapsedTimer>
 
-/// Shows how far a transfer is on one line of the terminal, the conversation when asked to, and
-/// what goes wrong; passes Ctrl-C on as an abort.
+/// Shows the progress of a transfer on one line of the terminal, errors, and on request the
+/// conversation. Ctrl-C aborts the transfer.
 class Progress : public nsFTP::CFTPClient::CNotification
 {
 public:
-    /// Shows commands and replies when verbose; a line of progress when the error output is a
+    /// Shows commands and replies if verbose, and the line of progress if the error output is a
     /// terminal.
     Progress(nsFTP::CFTPClient &client, bool verbose);
 
-    /// The bytes to expect, -1 when unknown, of which so many are there already.
+    /// Takes the number of bytes to expect (-1 if unknown), and how many of them are there already.
     void expect(long long total, long long done);
-    /// Ends the line.
+    /// Ends the line of progress.
     void finish();
     bool interrupted() const;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Shows every control with an example value, or writes the page about them: a picture of each
-// and the properties that its class adds to Qt's.
+// Shows every control with an example value, or writes the page of controls: a picture of each, and
+// the properties that its class adds to Qt's.
 //
 //     formkit-gallery reference.sqlite                 a window
 //     formkit-gallery reference.sqlite gallery.md images
@@ -36,7 +36,7 @@ namespace {
 
 struct Exhibit
 {
-    QWidget *control; // the one who asked owns it
+    QWidget *control; // owned by the caller
     const char *use;
 };
 
@@ -89,7 +89,7 @@ const char *className(const QWidget *control)
     return control->metaObject()->className();
 }
 
-// The properties that formkit's classes add, those of the base first.
+// The properties that formkit's classes add, with those of the base class first.
 QString propertyTable(const QMetaObject *type)
 {
     const QMetaObject *qt = type;

@@ -19,9 +19,9 @@ public:
 
     Values values() const { return m_hub.values(); }
     void fill(const Values &order);
-    /// Reads the host's tables anew.
+    /// Reads the host's tables again.
     void refresh();
-    /// Paints the captions of the fields that are wrong red.
+    /// Turns the captions of wrong fields red.
     void check();
 
 Q_SIGNALS:

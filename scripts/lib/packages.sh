@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# Shared by scripts/packages: what the Debian packages have to hold, and a fresh Debian for them.
+# For scripts/packages: what the Debian packages must hold, and a fresh Debian to try them in.
 # shellcheck shell=bash disable=SC2034  # the scripts use the list
 
 package_packages=(dpkg-dev file pkgconf make)
@@ -12,7 +12,7 @@ version_of_tree() {
     sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
 }
 
-# expected_files <package> <libdir>: the files that it has to hold, its licence and changes apart.
+# expected_files <package> <libdir>: the files that it must hold, except its licence and changes.
 expected_files() {
     local lib=/usr/$2 include=/usr/include/FormKitQt5 pair name folder version
     version=$(version_of_tree)
@@ -44,21 +44,21 @@ expected_files() {
     done
 }
 
-# held_files <deb>: what it holds, directories apart, in the notation of expected_files.
+# held_files <deb>: the files that it holds, in the notation of expected_files.
 held_files() {
     dpkg-deb --fsys-tarfile "$1" | tar -t | grep -v '/$' |
         sed -E 's,^\.,,; s,(Targets-)[a-z]+(\.cmake)$,\1*\2,; s,/[a-z]+(_export\.h)$,/*\1,
             s,^(/usr/lib/)[^/]+(/qt5/),\1*\2,'
 }
 
-# check_depends <package> <deb> <extended regular expression>...: each has to be in its Depends.
+# check_depends <package> <deb> <extended regular expression>...: each must match its Depends.
 check_depends() {
     local package=$1 depends wanted
     depends=$(dpkg-deb --field "$2" Depends)
     shift 2
     for wanted in "$@"; do
         grep -qE "(^|, )$wanted(,|$)" <<<"$depends" && continue
-        echo "$package depends on: $depends; not on: $wanted" >&2
+        echo "$package depends on: $depends; missing: $wanted" >&2
         return 1
     done
 }
@@ -105,8 +105,8 @@ check_packages() {
     [ "$failures" -eq 0 ] && [ "$count" -gt 0 ]
 }
 
-# try_in_fresh_root <folder>: installs the packages in a Debian that holds nothing else, so that
-# a missing dependency shows, and builds and runs the consumer of tests/package there.
+# try_in_fresh_root <folder>: installs the packages in a Debian with nothing else, so that a missing
+# dependency shows, and builds and runs the consumer of tests/package there.
 try_in_fresh_root() {
     ensure_packages debootstrap
     local root mirror
@@ -121,7 +121,8 @@ try_in_fresh_root() {
     }
     cp "$1"/*.deb "$root/tmp/"
     cp -r tests/package/consumer "$root/tmp/"
-    # Of this machine's environment what the net needs; a compiler's launcher, say, is not there.
+    # Takes from this machine's environment only what the network needs. A compiler's launcher, say, is
+    # not there.
     local environment
     mapfile -t environment < <(env | grep -iE '^[a-z]+_proxy=')
     environment+=(PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root)

@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# Shared by the scripts of this folder: installs what is missing, then configures and builds.
+# Shared by the scripts of this folder: installs missing packages, configures and builds.
 # shellcheck shell=bash disable=SC2034  # the scripts use the lists
 
-# What building needs, and what running needs beside it.
+# The packages for building, and those for running as well.
 build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev)
 run_packages=(libqt5sql5-sqlite fonts-dejavu-core)
-# What the plug-in for Qt Designer needs: headers, Designer itself, and its reader of icons.
+# The packages for the plug-in of Qt Designer: headers, Designer itself, and its reader of icons.
 designer_packages=(qttools5-dev qttools5-dev-tools libqt5svg5)
 
-# ensure_packages <package...>: installs those that are not there, as root or through sudo.
+# ensure_packages <package...>: installs those that are missing, as root or through sudo.
 ensure_packages() {
     local missing=() package
     for package in "$@"; do
@@ -26,7 +26,7 @@ ensure_packages() {
         as_root=(sudo)
     fi
     echo "Installing: ${missing[*]}"
-    # For another installation apt waits itself, for another reading of the lists it does not.
+    # apt waits by itself while another installation runs, but not while another apt reads the lists.
     until errors=$("${as_root[@]}" env LC_ALL=C apt-get -qq update 2>&1); do
         if ! grep -q 'Could not get lock' <<<"$errors"; then
             echo "$errors" >&2
@@ -38,8 +38,8 @@ ensure_packages() {
         install -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build <preset> [target...]: configures on the first run and builds, in build/<preset>. Where a
-# script has configured that folder in its own way, it stays so.
+# build <preset> [target...]: builds in build/<preset>; configures that folder if nothing has done so
+# before.
 build() {
     local preset=$1
     shift

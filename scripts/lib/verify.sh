@@ -2,7 +2,7 @@
 # Shared by the steps of scripts/verify.d.
 # shellcheck shell=bash disable=SC2154  # setup.sh has the lists
 
-# The scripts of the tree that are bash's.
+# The bash scripts of the tree.
 shell_scripts() {
     git ls-files -co --exclude-standard | while read -r file; do
         case $file in
@@ -24,7 +24,7 @@ run_ctest() {
     return "$status"
 }
 
-# configure_clang: a database of clang's compile commands, with what moc and uic write in place.
+# configure_clang: makes clang's compile commands, and the files that moc and uic write.
 configure_clang() {
     ensure_packages "${build_packages[@]}" "${run_packages[@]}" clang clang-tidy libbenchmark-dev \
         qttools5-dev
