@@ -2,14 +2,31 @@
 #pragma once
 
 #include "countingcontrol.h"
-#include "storyfile.h"
 
 #include <formkit/combobox.h>
 #include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 
+#include <support/datafile.h>
+#include <support/testhost.h>
+
 #include <QAbstractItemView>
 #include <QLineEdit>
+
+/// A file of stories, as README.md explains it: first the form and its host, then the stories.
+struct StoryFile
+{
+    /// Reads stories/NAME.txt.
+    explicit StoryFile(const QString &name);
+
+    QList<QStringList> controls;                         ///< class, name, properties
+    QMap<QString, QMap<QString, QVariantList>> rows;     ///< by table and nickname
+    QMap<QString, QVector<QVariantList>> offeredAtStart; ///< by table
+    QVector<SessionId> sessions;
+    QMap<QByteArray, QString> reports; ///< what a signal is called, by its name
+    QMap<QString, QString> labels;     ///< what is meant, by the name that stories have for it
+    QList<DataRow> stories;
+};
 
 /// The form of a file of stories, shown, with the rows that its host has and one control in use.
 /// All controls are bound to one hub, but for one that is alone with its caption.
