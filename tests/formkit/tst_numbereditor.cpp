@@ -82,8 +82,7 @@ void NumberEditorTest::edits()
     auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     QStringList said;
     connect(editor, &NumberEditor::refused, this, [&](const QString &reason) { said << reason; });
-    player.act("locale " + row[0]);
-    player.act(row[1]);
+    player.act("locale " + row[0] + "; " + row[1]);
     QCOMPARE(player.answer("edited"), row[2]);
     QCOMPARE(editor->isValid() ? editor->getValue() : "invalid", row[3]);
     QVERIFY(editor->isValid() || !editor->hasAcceptableInput());
