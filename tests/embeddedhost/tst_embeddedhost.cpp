@@ -211,11 +211,6 @@ void EmbeddedHostTest::endsOfALoad()
     QVERIFY_EXCEPTION_THROWN(failingWalk(), Exception);
     host.reload(); // takes the lock on another thread
     QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 3, 60000);
-    QVERIFY(host.loadNow(large));
-    qint64 rows = 0;
-    connect(&host, &EmbeddedHost::loaded, this, [&] { rows = host.liveRows(); });
-    host.load(file);
-    QTRY_COMPARE_WITH_TIMEOUT(rows, Rows, 60000); // the old ones have gone
     host.load(m_folder.filePath("none"));
     QTRY_COMPARE_WITH_TIMEOUT(host.errorText(), m_folder.filePath("none") + ": no such file",
                               60000);

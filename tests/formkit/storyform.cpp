@@ -87,17 +87,13 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
     log.clear();
 }
 
-QObject *StoryForm::create(const QString &className, QWidget *form)
-{
-    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
-                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                       FormSelector, CountingControl, QWidget>(className, form);
-}
-
 void StoryForm::make(const QStringList &words)
 {
-    QObject *const made = create(words[0], m_place);
+    QObject *const made =
+        createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
+                    QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
+                    BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
+                    FormSelector, CountingControl, QWidget>(words[0], m_place);
     QVERIFY2(made, qPrintable("no class " + words[0]));
     made->setObjectName(words[1]);
     for (const QString &pair : words.mid(2))

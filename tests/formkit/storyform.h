@@ -37,8 +37,6 @@ class StoryForm : public QObject
 public:
     StoryForm(TestHost *host, const QString &fileName);
 
-    /// A control by its class; null for an unknown one.
-    static QObject *create(const QString &className, QWidget *form);
     /// Makes a control from its class, its name and properties, "field=Price". A QWidget is a page
     /// of the form's FormSelector, and what follows stands on that page.
     void make(const QStringList &words);
@@ -56,7 +54,6 @@ public:
         return window.findChild<Object *>(name);
     }
     QWidget *control(const QString &name) const { return find(name); }
-    ComboBox *box(const QString &name) const { return find<ComboBox>(name); }
     ComboBox *box() const { return qobject_cast<ComboBox *>(current.data()); }
     /// The line edit in use.
     QLineEdit *edit() const;

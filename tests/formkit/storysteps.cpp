@@ -105,6 +105,14 @@ void setCompleter(Player p, Words how)
         box->setCompleter(how == "none" ? nullptr : new QCompleter(box->model(), box));
 }
 
+void setLineEdit(Player p, Words how)
+{
+    auto *const edit = new QLineEdit;
+    if (how == "completing")
+        edit->setCompleter(new QCompleter(QStringList("own"), edit));
+    p->box()->setLineEdit(edit);
+}
+
 void fiddle(Player p, Words)
 {
     const QMetaProperty key = p->current->metaObject()->userProperty();
@@ -277,7 +285,7 @@ const StorySteps BoxSteps = {
      }},
     {"iconless", [](Player p, Words) { p->current->setStyle(new Iconless(p->current)); }},
     {"completer", setCompleter},
-    {"lineEdit", [](Player p, Words) { p->box()->setLineEdit(new QLineEdit); }},
+    {"lineEdit", setLineEdit},
     {"items", [](Player p, Words texts) { p->box()->addItems(texts.split(' ')); }},
     {"model",
      [](Player p, Words how) {

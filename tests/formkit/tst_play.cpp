@@ -33,6 +33,7 @@ class PlayTest : public StrictTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale("en_US")); }
     void play();
 
 private:
@@ -162,7 +163,7 @@ void PlayTest::checkScreen()
                  qPrintable(now.editor->objectName() + ' ' + now.value + " shows " + now.text));
     }
     for (const char *const name : {"stock", "twin", "board", "security", "partner"})
-        checkBox(m_player->box(name));
+        checkBox(m_player->find<ComboBox>(name));
 }
 
 // A box answers for the row that it shows, and is marked while it waits for what the hub holds.
@@ -266,12 +267,5 @@ void PlayTest::play()
     m_player.reset();
 }
 
-int main(int argc, char **argv)
-{
-    QLocale::setDefault(QLocale("en_US"));
-    QApplication application(argc, argv);
-    PlayTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(PlayTest)
 #include "tst_play.moc"
