@@ -58,15 +58,13 @@ struct Session
     CFTPClient other{std::make_shared<MemorySocket>(otherServer, true), 1, 100};
 };
 
-// Ends a transfer at its first block. Keeps what was replied, for which memory may lack too.
+// Ends a transfer at its first block.
 struct Aborter : CFTPClient::CNotification
 {
     explicit Aborter(CFTPClient &client) : watched(client) { watched.AttachObserver(this); }
     void OnBytesReceived(const std::vector<char> &, long) override { watched.Abort(); }
-    void OnResponse(const CReply &reply) override { said = reply.Value(); }
 
     CFTPClient &watched;
-    std::string said;
 };
 
 struct Operation

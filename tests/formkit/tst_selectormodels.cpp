@@ -244,6 +244,15 @@ void SelectorModelsTest::failures()
     proxy.isFailing = false;
     proxy.invalidate();
     QCOMPARE(texts(proxy), QStringList("a3"));
+    // A model of the library keeps its old rows, too.
+    TestHost host;
+    StockSelectorModel stocks;
+    host.table("stocks").setRows({{1, "a1", "A"}});
+    stocks.populate();
+    proxy.setSourceModel(&stocks);
+    proxy.isFailing = true;
+    host.table("stocks").setRows({{2, "a2", "B"}});
+    QCOMPARE(shownAfter([&] { stocks.populate(); }), QString("a1"));
 }
 
 // Checks of stocks are reported when asked for.

@@ -223,6 +223,12 @@ private Q_SLOTS:
         QVERIFY(one.recorder.log.contains("end 10"));
         QCOMPARE(one.client.GetObservers(), CFTPClient::TObserverSet({&one.recorder}));
         QCOMPARE(other.client.GetObservers(), CFTPClient::TObserverSet({&other.recorder, &leaves}));
+        // One that throws leaves the client in step.
+        Session thrown("NOOP: 120 wait|200 done");
+        thrown.recorder.when("< 120", [] { throw 1; });
+        QVERIFY(thrown.login());
+        QVERIFY_EXCEPTION_THROWN(thrown.client.Noop(), int);
+        QVERIFY(thrown.inStep());
     }
 
     void listings()
