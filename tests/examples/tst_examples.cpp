@@ -11,7 +11,7 @@
 
 namespace {
 
-const std::vector<Security> allSecurities{
+const std::vector<Security> securities{
     {1, 1, 10, "THB", "Thistle", 1}, {1, 1, 11, "TAM", "Tamar", 1}, {1, 2, 12, "RAV", "Raven", 1},
     {2, 1, 20, "ELD", "Elder", 1},   {2, 1, 21, "EL2", "elder", 1}, {2, 1, 22, "SHU", "Shut", 9}};
 
@@ -37,7 +37,7 @@ template <typename Form> QStringList play(const QStringList &story)
 {
     TerminalHost host({{1, "XNYS", "New York"}, {2, "XNAS", "Nasdaq"}},
                       {{1, 1, "XNYS", "NYSE"}, {1, 2, "ARCX", "Arca"}, {2, 1, "XNGS", "Select"}});
-    host.setSecurities(allSecurities);
+    host.setSecurities(securities);
     host.setPartners({{"MB1", "C1", "Alder"}, {"MB2", "", "Calder"}});
     host.setSessions({{1, 1}, {2, 1}});
     ICore::install(&host);
@@ -60,10 +60,6 @@ template <typename Form> QStringList play(const QStringList &story)
             form.fill(values);
         if (verb == "check")
             form.check();
-        if (verb == "drop") {
-            host.setSecurities({allSecurities.begin() + what.toInt(), allSecurities.end()});
-            form.refresh();
-        }
         QString red;
         for (const QLabel *label : form.template findChildren<QLabel *>()) {
             const QString caption = label->text().remove('&');

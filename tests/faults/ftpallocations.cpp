@@ -54,6 +54,17 @@ struct Session
     const std::string source;
     Server server;
     CFTPClient client{std::make_shared<MemorySocket>(server, true), 1, 100};
+    Server otherServer;
+    CFTPClient other{std::make_shared<MemorySocket>(otherServer, true), 1, 100};
+};
+
+// Ends a transfer at its first block.
+struct Aborter : CFTPClient::CNotification
+{
+    explicit Aborter(CFTPClient &client) : watched(client) { watched.AttachObserver(this); }
+    void OnBytesReceived(const std::vector<char> &, long) override { watched.Abort(); }
+
+    CFTPClient &watched;
 };
 
 struct Operation
@@ -96,6 +107,16 @@ const std::vector<Operation> Operations = {
     {"put", [](Session &s) { return put(s, true); }},
     {"put the rest, active", [](Session &s) { return put(s, false); },
      [](Session &s) { s.server.stored = s.server.content.substr(0, 300); }},
+    {"abort",
+     [](Session &s) {
+         const Aborter aborter(s.client);
+         return !get(s, CType::Image, true) && !s.localContent().empty();
+     }},
+    {"between servers",
+     [](Session &s) {
+         return (s.other.IsConnected() || s.other.Login(s.logon)) &&
+                CFTPClient::TransferFile(s.client, "f", s.other, "u", CType::Image, true);
+     }},
     {"no connection",
      [](Session &s) {
          s.server.fault = MemoryServer::Connecting;
@@ -145,6 +166,7 @@ bool tryOut(const Operation &operation, const QString &folder, long allocation, 
     // On a thread of its own: what is locked still hangs there.
     std::thread([&] {
         demandStep(session.client);
+        demandStep(session.other);
         demand(session.client.IsConnected() || session.client.Login(session.logon), "no logon");
         demand(operation.run(session), "not done with memory back");
         demandStep(session.client);

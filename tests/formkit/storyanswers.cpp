@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "storyanswers.h"
+#include "storyplayer.h"
 
 #include <formkit/partnerselectorbox.h>
 
@@ -9,22 +9,24 @@
 
 namespace {
 
+using Player = StoryPlayer *;
+using Words = const QString &;
+
 // The labels of an expectation, "id=1 name=Gazelle rail", with the values that they have now.
-QString labelled(const QString &expectation,
-                 const std::function<QString(const QString &label)> &valueOf)
+QString labelled(Player p, Words expectation)
 {
     static const QRegularExpression Label("(?:^| )([A-Za-z][\\w.]*)=");
     QStringList all;
     for (auto match = Label.globalMatch(expectation); match.hasNext();) {
         const QString label = match.next().captured(1);
-        all << label + '=' + valueOf(label);
+        all << label + '=' + p->answer(label);
     }
     return all.join(' ');
 }
 
-CountingControl *counting(const StoryPlayer *player, const QString &label)
+CountingControl *counting(Player p, Words label)
 {
-    return player->find<CountingControl>(label.section('.', 0, 0));
+    return p->find<CountingControl>(label.section('.', 0, 0));
 }
 
 // The row that a list shows lit where a user can see it.
@@ -38,12 +40,12 @@ QString litRow(const QAbstractItemView *list)
     return isSeen ? QString::number(row) : "none";
 }
 
-QString litCompletion(const QAbstractItemView *list)
+QString lightOf(const QAbstractItemView *list, const QString &count = {})
 {
-    return litRow(list) + QString(" of %1").arg(list->model()->rowCount());
+    return list->isVisible() ? litRow(list) + count : "closed";
 }
 
-QString column(const StoryPlayer *player, const QAbstractItemModel *model, int role)
+QString column(Player player, const QAbstractItemModel *model, int role)
 {
     const bool isPartner = qobject_cast<PartnerSelectorBox *>(player->current);
     // What tells partners apart is their name.
@@ -54,28 +56,30 @@ QString column(const StoryPlayer *player, const QAbstractItemModel *model, int r
     return texts.join(' ');
 }
 
-QString roles(const ComboBox *box, const QString &row)
+QString roles(Player p, Words expected)
 {
-    const QModelIndex index = box->model()->index(row.toInt(), 0);
-    QString all = row;
+    const int row = expected.section(' ', 0, 0).toInt();
+    const QModelIndex index = p->box()->model()->index(row, 0);
+    QString all = QString::number(row);
     for (int role = Qt::UserRole + 1; index.data(role).isValid(); ++role)
         all += QString(" %1=").arg(index.data(role).typeName()) + index.data(role).toString();
     return all;
 }
 
-QString judgement(const ComboBox *box, QString input)
+QString judgement(Player p, Words expected)
 {
+    const ComboBoxValidator *const validator = p->box()->comboBoxValidator();
+    QString input = expected.section('=', 0, 0);
     int pos = 0;
-    QString verdict = input + '=';
-    verdict += QString::number(box->comboBoxValidator()->validate(input, pos));
-    box->comboBoxValidator()->fixup(input);
+    const QString verdict = input + '=' + QString::number(validator->validate(input, pos));
+    validator->fixup(input);
     return verdict + ' ' + input;
 }
 
-QString drawnLetters(const StoryPlayer *player)
+QString drawnLetters(Player p, Words)
 {
-    const QAbstractItemView *const list = player->list();
-    const ComboBox *const box = player->box();
+    const QAbstractItemView *const list = p->list();
+    const ComboBox *const box = p->box();
     const QImage all = list->viewport()->grab().toImage();
     const int width =
         list->fontMetrics().horizontalAdvance('0') * PartnerSelectorBox::CodeColumnWidth;
@@ -91,7 +95,7 @@ QString drawnLetters(const StoryPlayer *player)
     return letters;
 }
 
-QString openCalendar()
+QString openCalendar(Player, Words)
 {
     auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
     return open ? open->selectedDate().toString(Qt::ISODate) : "closed";
@@ -99,87 +103,57 @@ QString openCalendar()
 
 } // namespace
 
-StoryAnswers storyVerbs(StoryPlayer *p)
+StoryAnswers storyVerbs()
 {
-    using Words = const QString &;
     return {
-        {"shows", "label=value ...", "labels of the file and of the table below",
-         "shows text=Xetra row=3 price.Value=1.5",
-         [p](Words expected) {
-             return labelled(expected, [p](Words label) { return p->answer(label); });
-         }},
-        {"judges", "text=verdict fixed",
-         "the box's validator on a text (0 invalid, 1 intermediate, 2 acceptable), and its fixup",
-         "judges ab=1 ABC",
-         [p](Words expected) { return judgement(p->box(), expected.section('=', 0, 0)); }},
-        {"roles", "row type=value ...", "a row's data from `Qt::UserRole + 1` on, with types",
-         "roles 2 int=1 QString=XNAS",
-         [p](Words expected) { return roles(p->box(), expected.section(' ', 0, 0)); }},
+        {"shows", labelled},
+        {"judges", judgement},
+        {"roles", roles},
     };
 }
 
-StoryAnswers storyLabels(StoryPlayer *p)
+StoryAnswers storyLabels()
 {
-    using Words = const QString &;
     return {
-        {"text", "", "the text of the control in use", "text=Xetra",
-         [p](Words) { return p->edit()->text(); }},
-        {"caret", "", "the place of its caret", "caret=5",
-         [p](Words) { return QString::number(p->edit()->cursorPosition()); }},
-        {"edited", "", "its text with a bar at the caret", "edited=1,2|00",
-         [p](Words) { return p->edit()->text().insert(p->edit()->cursorPosition(), '|'); }},
-        {"row", "", "the chosen row; -1 for none", "row=3",
-         [p](Words) { return p->property("currentIndex"); }},
-        {"tip", "", "its tool tip", "tip=Not in the list",
-         [p](Words) { return p->property("edit.toolTip"); }},
-        {"list", "", "the row that is lit in the open list: a number, none or closed", "list=3",
-         [p](Words) {
-             const QAbstractItemView *const view = p->box()->view();
-             return view->isVisible() ? litRow(view) : "closed";
+        {"text", [](Player p, Words) { return p->property("text"); }},
+        {"caret", [](Player p, Words) { return p->property("cursorPosition"); }},
+        {"edited",
+         [](Player p, Words) {
+             return p->edit()->text().insert(p->edit()->cursorPosition(), '|');
          }},
-        {"completions", "", "the same of the completions, and of how many", "completions=1 of 4",
-         [p](Words) {
+        {"row", [](Player p, Words) { return p->property("currentIndex"); }},
+        {"tip", [](Player p, Words) { return p->property("edit.toolTip"); }},
+        {"list", [](Player p, Words) { return lightOf(p->box()->view()); }},
+        {"completions",
+         [](Player p, Words) {
              const QAbstractItemView *const view = p->completions();
-             return view->isVisible() ? litCompletion(view) : "closed";
+             return lightOf(view, QString(" of %1").arg(view->model()->rowCount()));
          }},
-        {"focus", "", "the control that has the focus: list, box or next", "focus=box",
-         [p](Words) { return p->focus(); }},
-        {"popup", "", "whether anything is open", "popup=open",
-         [](Words) { return QApplication::activePopupWidget() ? "open" : "closed"; }},
-        {"calendar", "", "the day that is lit in the calendar, or closed", "calendar=2035-12-31",
-         [](Words) { return openCalendar(); }},
-        {"spoken", "", "its name as a screen reader says it", "spoken=Buy & sell",
-         [p](Words) {
+        {"focus", [](Player p, Words) { return p->focus(); }},
+        {"popup",
+         [](Player, Words) { return QApplication::activePopupWidget() ? "open" : "closed"; }},
+        {"calendar", openCalendar},
+        {"spoken",
+         [](Player p, Words) {
              return QAccessible::queryAccessibleInterface(p->edit())->text(QAccessible::Name);
          }},
-        {"wheel", "", "what became of the last `wheel`: taken or ignored", "wheel=ignored",
-         [p](Words) { return p->wheel; }},
-        {"lists", "", "the rows of the box as they read", "lists=Nasdaq Xetra",
-         [p](Words) { return column(p, p->box()->model(), Qt::DisplayRole); }},
-        {"ids", "", "the ids of these rows", "ids=1 2",
-         [p](Words) { return column(p, p->box()->model(), p->roleOfId(p->box())); }},
-        {"source", "", "the ids of all rows, in the order of the box's model", "source=2 1 3",
-         [p](Words) { return column(p, p->source(), p->roleOfId(p->box())); }},
-        {"drawn", "", "code and name of each listed partner: one letter for what looks the same",
-         "drawn=ABAC", [p](Words) { return drawnLetters(p); }},
-        {"unshown", "", "the hub's names whose values no control shows", "unshown=BoardId",
-         [p](Words) { return p->hub()->unshown().join(' '); }},
-        {"turns", "", "turns of the event loop with changes in the hub, since the last `turns`",
-         "turns=1",
-         [p](Words) {
+        {"wheel", [](Player p, Words) { return p->wheel; }},
+        {"lists", [](Player p, Words) { return column(p, p->box()->model(), Qt::DisplayRole); }},
+        {"ids",
+         [](Player p, Words) { return column(p, p->box()->model(), p->roleOfId(p->box())); }},
+        {"source", [](Player p, Words) { return column(p, p->source(), p->roleOfId(p->box())); }},
+        {"drawn", drawnLetters},
+        {"unshown", [](Player p, Words) { return p->hub()->unshown().join(' '); }},
+        {"turns",
+         [](Player p, Words) {
              QCoreApplication::processEvents();
              return QString::number(std::exchange(p->turns, 0));
          }},
-        {"hub.*", "", "what the hub holds under a name", "hub.Price=1.5",
-         [p](Words label) { return p->held(label.section('.', 1)); }},
-        {"*.writes", "", "how often the hub wrote to a CountingControl since last asked",
-         "a.writes=1",
-         [p](Words label) { return QString::number(counting(p, label)->takeWrites()); }},
-        {"*.listeners", "", "how many listen to a CountingControl", "a.listeners=1",
-         [p](Words label) { return QString::number(counting(p, label)->listeners()); }},
-        {"*", "",
-         "any other property: of the control in use or its line edit, or after its "
-         "control's name",
-         "Value=1 buy.checked=true", [p](Words label) { return p->property(label); }},
+        {"hub.*", [](Player p, Words label) { return p->held(label.section('.', 1)); }},
+        {"*.writes",
+         [](Player p, Words label) { return QString::number(counting(p, label)->takeWrites()); }},
+        {"*.listeners",
+         [](Player p, Words label) { return QString::number(counting(p, label)->listeners()); }},
+        {"*", [](Player p, Words label) { return p->property(label); }},
     };
 }

@@ -37,6 +37,32 @@ template <typename... Controls> QObject *createOneOf(const QString &name, QWidge
 
 } // namespace
 
+StoryFile::StoryFile(const QString &name)
+{
+    for (const DataRow &row : rowsOf("stories/" + name + ".txt")) {
+        const QString &about = row.first();
+        if (about == "make")
+            controls << row.mid(1);
+        else if (about == "labels")
+            for (const QString &pair : row.mid(1))
+                labels[pair.section('=', 0, 0)] = pair.section('=', 1);
+        else if (about == "hears")
+            reports[row[1].toLatin1()] = row[2];
+        else if (about == "sessions")
+            sessions << SessionId{row[1].toInt(), row[2].toInt()};
+        else if (about == "row" || about == "later") {
+            QVariantList cells;
+            for (const QString &cell : row.mid(3))
+                cells << (cell.isEmpty() ? QVariant() : QVariant(cell));
+            rows[row[1]][row[2]] = cells;
+            if (about == "row")
+                offeredAtStart[row[1]] << cells;
+        } else if (about.at(0).isUpper()) {
+            stories << row;
+        }
+    }
+}
+
 StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileName), host(testHost)
 {
     for (auto table = file.offeredAtStart.cbegin(); table != file.offeredAtStart.cend(); ++table)
@@ -61,17 +87,13 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
     log.clear();
 }
 
-QObject *StoryForm::create(const QString &className, QWidget *form)
-{
-    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
-                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                       FormSelector, CountingControl, QWidget>(className, form);
-}
-
 void StoryForm::make(const QStringList &words)
 {
-    QObject *const made = create(words[0], m_place);
+    QObject *const made =
+        createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
+                    QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
+                    BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
+                    FormSelector, CountingControl, QWidget>(words[0], m_place);
     QVERIFY2(made, qPrintable("no class " + words[0]));
     made->setObjectName(words[1]);
     for (const QString &pair : words.mid(2))

@@ -2,14 +2,31 @@
 #pragma once
 
 #include "countingcontrol.h"
-#include "storyfile.h"
 
 #include <formkit/combobox.h>
 #include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 
+#include <support/datafile.h>
+#include <support/testhost.h>
+
 #include <QAbstractItemView>
 #include <QLineEdit>
+
+/// A file of stories, as README.md explains it: first the form and its host, then the stories.
+struct StoryFile
+{
+    /// Reads stories/NAME.txt.
+    explicit StoryFile(const QString &name);
+
+    QList<QStringList> controls;                         ///< class, name, properties
+    QMap<QString, QMap<QString, QVariantList>> rows;     ///< by table and nickname
+    QMap<QString, QVector<QVariantList>> offeredAtStart; ///< by table
+    QVector<SessionId> sessions;
+    QMap<QByteArray, QString> reports; ///< what a signal is called, by its name
+    QMap<QString, QString> labels;     ///< what is meant, by the name that stories have for it
+    QList<DataRow> stories;
+};
 
 /// The form of a file of stories, shown, with the rows that its host has and one control in use.
 /// All controls are bound to one hub, but for one that is alone with its caption.
@@ -20,8 +37,6 @@ class StoryForm : public QObject
 public:
     StoryForm(TestHost *host, const QString &fileName);
 
-    /// A control by its class; null for an unknown one.
-    static QObject *create(const QString &className, QWidget *form);
     /// Makes a control from its class, its name and properties, "field=Price". A QWidget is a page
     /// of the form's FormSelector, and what follows stands on that page.
     void make(const QStringList &words);
@@ -39,7 +54,6 @@ public:
         return window.findChild<Object *>(name);
     }
     QWidget *control(const QString &name) const { return find(name); }
-    ComboBox *box(const QString &name) const { return find<ComboBox>(name); }
     ComboBox *box() const { return qobject_cast<ComboBox *>(current.data()); }
     /// The line edit in use.
     QLineEdit *edit() const;

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
-#include "storyanswers.h"
-#include "storysteps.h"
-
 #include <formkit/stockselectorbox_code.h>
 
 #include <QAbstractItemModelTester>
@@ -19,38 +16,41 @@ bool isCalled(const QString &name, const QString &word)
                     : word.startsWith(name.left(star)) && word.endsWith(name.mid(star + 1));
 }
 
+// The longest of the names that fit.
 template <typename Words> auto findWord(const Words &words, const QString &name)
 {
-    return std::find_if(words.begin(), words.end(),
-                        [&](const auto &word) { return isCalled(word.name, name); });
-}
-
-template <typename Words> QString table(const char *title, const Words &words)
-{
-    QString page = QString("\n### %1\n\n| word | meaning | example |\n|---|---|---|\n").arg(title);
-    const auto code = [](const QString &text) {
-        return '`' + text.trimmed().replace("|", "\\|") + '`';
-    };
-    for (const auto &word : words)
-        page += "| " + code(QString("%1 %2").arg(word.name, word.arguments)) + " | " +
-                word.meaning + " | " + code(word.example) + " |\n";
-    return page;
+    auto found = words.end();
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        const bool isLonger = found == words.end() || word.key().size() > found.key().size();
+        if (isLonger && isCalled(word.key(), name))
+            found = word;
+    }
+    return found;
 }
 
 } // namespace
 
-StoryPlayer::StoryPlayer(TestHost *testHost, const QString &fileName)
-    : StoryForm(testHost, fileName)
-    , m_steps(storySteps(this))
-    , m_verbs(storyVerbs(this))
-    , m_labels(storyLabels(this))
-{
-}
-
 QString StoryPlayer::manual() const
 {
-    return table("Steps", m_steps) + table("Expectations", m_verbs) +
-           table("Labels of `shows`", m_labels);
+    QString page;
+    QStringList told;
+    const auto code = [](const QString &text) {
+        return '`' + text.trimmed().replace("|", "\\|") + '`';
+    };
+    for (const DataRow &row : rowsOf("stories/words.txt")) {
+        if (row.size() == 1) {
+            page += "\n### " + row[0] + "\n\n| word | meaning | example |\n|---|---|---|\n";
+            continue;
+        }
+        told << row[0];
+        page += QStringList{"| " + code(row[0] + ' ' + row[1]), row[2], code(row[3]) + " |\n"}.join(
+            " | ");
+    }
+    QStringList known = m_steps.keys() + m_verbs.keys() + m_labels.keys();
+    known.sort();
+    told.sort();
+    compare("words.txt", told.join(' '), known.join(' '));
+    return page;
 }
 
 void StoryPlayer::act(const QString &steps, const QString &separator)
@@ -58,20 +58,20 @@ void StoryPlayer::act(const QString &steps, const QString &separator)
     for (const QString &step : steps.split(separator)) {
         const auto word = findWord(m_steps, step.section(' ', 0, 0));
         QVERIFY2(word != m_steps.end(), qPrintable("no step " + step));
-        word->function(step.section(' ', 1));
+        (*word)(this, step.section(' ', 1));
     }
 }
 
-QString StoryPlayer::answer(const QString &label) const
+QString StoryPlayer::answer(const QString &label)
 {
     const QString meant = file.labels.value(label, label);
-    return findWord(m_labels, meant)->function(meant);
+    return (*findWord(m_labels, meant))(this, meant);
 }
 
-QString StoryPlayer::compared(const QString &verb, const QString &expectation) const
+QString StoryPlayer::compared(const QString &verb, const QString &expectation)
 {
     const auto word = findWord(m_verbs, verb);
-    return word == m_verbs.end() ? "no such word" : word->function(expectation);
+    return word == m_verbs.end() ? "no such word" : (*word)(this, expectation);
 }
 
 void StoryPlayer::testModels() const

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "storysteps.h"
+#include "storyplayer.h"
 
 #include <formkit/boardselectorbox.h>
 #include <formkit/boardselectormodel.h>
@@ -25,6 +25,7 @@
 
 namespace {
 
+using Player = StoryPlayer *;
 using Words = const QString &;
 
 QString first(Words words)
@@ -44,13 +45,14 @@ template <typename T> T *as(QObject *object)
 
 struct Iconless : QProxyStyle
 {
+    explicit Iconless(QWidget *owner) { setParent(owner); }
     QIcon standardIcon(StandardPixmap, const QStyleOption *, const QWidget *) const override
     {
         return {};
     }
 };
 
-void setProperty(const StoryForm *p, Words words)
+void setProperty(Player p, Words words)
 {
     QString name = first(words);
     QObject *const object = p->owner(&name);
@@ -58,7 +60,7 @@ void setProperty(const StoryForm *p, Words words)
     object->setProperty(name.toLatin1(), rest(words));
 }
 
-void callSlot(const StoryForm *p, Words words)
+void callSlot(Player p, Words words)
 {
     const QByteArray name = first(words).toLatin1();
     const bool isCalled =
@@ -75,12 +77,18 @@ void compose(QWidget *edit, Words text, int replaced = 0)
     QApplication::sendEvent(edit, &event);
 }
 
-void pressKeypadPoint(QWidget *edit)
+void paste(Player p, Words text)
+{
+    QApplication::clipboard()->setText(text);
+    QMetaObject::invokeMethod(p->edit(), "paste");
+}
+
+void pressKeypadPoint(Player p, Words)
 {
     constexpr quint32 MacKeypadDecimal = 0x41;
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 1, MacKeypadDecimal, 0,
                     ".");
-    QApplication::sendEvent(edit, &press);
+    QApplication::sendEvent(p->current, &press);
 }
 
 QPoint placeOf(const QAbstractItemView *list, Words row)
@@ -88,15 +96,24 @@ QPoint placeOf(const QAbstractItemView *list, Words row)
     return list->visualRect(list->model()->index(row.toInt(), 0)).center();
 }
 
-void setCompleter(QComboBox *box, Words how)
+void setCompleter(Player p, Words how)
 {
+    QComboBox *const box = p->box();
     if (how == "inline")
         box->completer()->setCompletionMode(QCompleter::InlineCompletion);
     else
         box->setCompleter(how == "none" ? nullptr : new QCompleter(box->model(), box));
 }
 
-void fiddle(StoryPlayer *p)
+void setLineEdit(Player p, Words how)
+{
+    auto *const edit = new QLineEdit;
+    if (how == "completing")
+        edit->setCompleter(new QCompleter(QStringList("own"), edit));
+    p->box()->setLineEdit(edit);
+}
+
+void fiddle(Player p, Words)
 {
     const QMetaProperty key = p->current->metaObject()->userProperty();
     key.write(p->current, "1");
@@ -104,8 +121,9 @@ void fiddle(StoryPlayer *p)
     key.write(p->current, "1");
 }
 
-void insertForeignModel(QComboBox *box, Words what)
+void insertForeignModel(Player p, Words what)
 {
+    auto *const box = as<QComboBox>(p->current);
     auto *const foreign = new QStandardItemModel(2, 1, box);
     if (what == "list")
         box->setModel(foreign);
@@ -119,7 +137,7 @@ template <typename Box, typename Model> void changeModel(QWidget *control, Words
         box->setSourceModel(how == "none" ? nullptr : new Model);
 }
 
-void limit(const StoryForm *p, Words words)
+void limit(Player p, Words words)
 {
     auto *const box = as<BoardSelectorBox>(p->current);
     auto *const model = as<BoardSelectorModel>(p->source());
@@ -143,7 +161,7 @@ template <typename... Listed> void populateAny(QObject *object)
     (populate(as<Listed>(object)), ...);
 }
 
-void populate(StoryForm *p, Words name)
+void populate(Player p, Words name)
 {
     const QPointer<QWidget> before = p->current;
     p->current = name.isEmpty() ? before.data() : p->control(name);
@@ -152,7 +170,7 @@ void populate(StoryForm *p, Words name)
     p->current = before;
 }
 
-void offer(const StoryForm *p, Words words)
+void offer(Player p, Words words)
 {
     const QMap<QString, QVariantList> known = p->file.rows[first(words)];
     QVector<QVariantList> offered;
@@ -163,31 +181,26 @@ void offer(const StoryForm *p, Words words)
     p->host->table(first(words)).setRows(offered);
 }
 
-void offerMany(TestHost *host, int count)
+void offerMany(Player p, Words count)
 {
     QVector<QVariantList> rows;
-    for (int i = 1; i <= count; ++i)
+    for (int i = 1; i <= count.toInt(); ++i)
         rows << QVariantList{i, 1, 7, QString("C%1").arg(i), QString("N%1").arg(i, 6), {}, 20};
-    host->table("securities").setRows(rows);
+    p->host->table("securities").setRows(rows);
 }
 
-void bind(const StoryForm *p, Words words)
+// Binds a whole control, or one of its properties under a name, or undoes it.
+template <bool (Properties::*All)(QObject *),
+          bool (Properties::*One)(const QString &, QObject *, const QByteArray &)>
+void bind(Player p, Words words)
 {
     const QStringList pair = rest(words).split('=');
     QWidget *const object = p->control(first(words));
-    QVERIFY(pair.size() < 2 ? p->hub()->connectAll(object)
-                            : p->hub()->connectOne(pair[1], object, pair[0].toLatin1()));
+    QVERIFY(pair.size() < 2 ? (p->hub()->*All)(object)
+                            : (p->hub()->*One)(pair[1], object, pair[0].toLatin1()));
 }
 
-void unbind(const StoryForm *p, Words words)
-{
-    const QStringList pair = rest(words).split('=');
-    QWidget *const object = p->control(first(words));
-    QVERIFY(pair.size() < 2 ? p->hub()->disconnectAll(object)
-                            : p->hub()->disconnectOne(pair[1], object, pair[0].toLatin1()));
-}
-
-void setValues(const StoryForm *p, Words pairs)
+void setValues(Player p, Words pairs)
 {
     Values values;
     for (const QString &pair : pairs.split(' '))
@@ -195,7 +208,7 @@ void setValues(const StoryForm *p, Words pairs)
     p->hub()->setValues(values);
 }
 
-void destroy(StoryForm *p, Words name)
+void destroy(Player p, Words name)
 {
     if (name == "hub")
         p->destroyHub();
@@ -203,169 +216,118 @@ void destroy(StoryForm *p, Words name)
         delete (name.isEmpty() ? p->current.data() : p->find<QObject>(name));
 }
 
-StorySteps handSteps(StoryPlayer *p)
+void upon(Player p, Words words)
 {
-    return {
-        {"at", "control", "takes a control in use and gives it the focus", "at price",
-         [p](Words name) { p->use(name); }},
-        {"type", "text", "types into the control in use", "type 1.5",
-         [p](Words text) { keys::type(p->current, text); }},
-        {"press", "key ...", "presses keys; an open list gets them", "press Ctrl+A Home F4",
-         [p](Words names) { keys::press(p->current, names); }},
-        {"paste", "text", "pastes from the clipboard", "paste 1,234.50",
-         [p](Words text) {
-             QApplication::clipboard()->setText(text);
-             QMetaObject::invokeMethod(p->edit(), "paste");
-         }},
-        {"keypad", "", "presses the keypad's decimal key", "keypad",
-         [p](Words) { pressKeypadPoint(p->current); }},
-        {"compose", "text", "enters a text by an input method", "compose 5",
-         [p](Words text) { compose(p->edit(), text); }},
-        {"recompose", "count text", "the same in place of so many characters before the caret",
-         "recompose 3 abc",
-         [p](Words words) { compose(p->edit(), rest(words), first(words).toInt()); }},
-        {"caret", "place", "moves the caret", "caret 2",
-         [p](Words place) { p->edit()->setCursorPosition(place.toInt()); }},
-        {"select", "start length", "selects a part of the text", "select 5 -3",
-         [p](Words words) { p->edit()->setSelection(first(words).toInt(), rest(words).toInt()); }},
-        {"wheel", "angle", "turns the wheel over the control, or its open list", "wheel -120",
-         [p](Words angle) { p->wheel = p->turnWheel(angle.toInt()) ? "taken" : "ignored"; }},
-        {"point", "row", "moves the mouse to a row of the open list", "point 1",
-         [p](Words row) { QTest::mouseMove(p->list()->viewport(), placeOf(p->list(), row)); }},
-        {"click", "row", "clicks a row of the open list; see `wait`", "click 2",
-         [p](Words row) {
-             QTest::mouseClick(p->list()->viewport(), Qt::LeftButton, {}, placeOf(p->list(), row));
-         }},
-        {"wait", "", "waits until a click is none of a double click (after F4)", "wait",
-         [](Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); }},
-        {"leave", "", "moves the focus to a line edit that the form ends with", "leave",
-         [p](Words) { p->leave(); }},
-        {"back", "", "gives the control in use the focus again", "back",
-         [p](Words) { p->current->setFocus(); }},
-        {"fiddle", "", "all that a hand and a program may do to a selector, in short", "fiddle",
-         [p](Words) { fiddle(p); }},
+    p->find<CountingControl>(first(words))->onWrite = [p, steps = rest(words)] {
+        if (!steps.isEmpty())
+            p->act(steps, " & ");
     };
 }
 
-StorySteps programSteps(StoryPlayer *p)
-{
-    return {
-        {"set", "[control.]property value", "sets a property; `edit.` is the line edit in use",
-         "set Value 1.5", [p](Words words) { setProperty(p, words); }},
-        {"call", "slot [text]", "calls a slot of the control in use", "call setError too much",
-         [p](Words words) { callSlot(p, words); }},
-        {"edit", "[text]", "sets the text of the line edit in use", "edit Xetra",
-         [p](Words text) { p->edit()->setText(text); }},
-        {"row", "number", "chooses a row of the box", "row 1",
-         [p](Words row) { p->box()->setCurrentIndex(row.toInt()); }},
-        {"hub", "name [value]", "sets a value in the hub", "hub Price 1.5",
-         [p](Words words) { p->hub()->setValue(first(words), rest(words)); }},
-        {"hubs", "name=value ...", "sets values in the hub in one call", "hubs StockId=1 BoardId=7",
-         [p](Words pairs) { setValues(p, pairs); }},
-        {"again", "", "has the hub show its values again", "again",
-         [p](Words) { p->hub()->showAgain(); }},
-        {"invalid", "[name ...]", "marks the captions of these names", "invalid Price",
-         [p](Words names) { p->validation.set(names.split(' ', Qt::SkipEmptyParts)); }},
-        {"make", "class name [property=value ...]", "makes a control, which is not bound",
-         "make CheckBox margin field=Margin", [p](Words words) { p->make(words.split(' ')); }},
-        {"another", "name", "makes one of the class in use, takes it in use", "another alone",
-         [p](Words name) {
-             p->make({p->current->metaObject()->className(), name});
-             p->use(name);
-         }},
-        {"delete", "[control]", "destroys a control, or the hub, or the control in use",
-         "delete price", [p](Words name) { destroy(p, name); }},
-        {"bind", "control [property=name]", "binds a control, or a property of it under a name",
-         "bind price Value=Price", [p](Words words) { bind(p, words); }},
-        {"unbind", "control [property=name]", "undoes that", "unbind price",
-         [p](Words words) { unbind(p, words); }},
-        {"enter", "control text", "changes a CountingControl as a user would", "enter a text",
-         [p](Words words) { p->find<CountingControl>(first(words))->enter(rest(words)); }},
-        {"upon", "control [step & ...]", "what a CountingControl does at each write from now on",
-         "upon a hub Price 2 & delete b",
-         [p](Words words) {
-             p->find<CountingControl>(first(words))->onWrite = [p, steps = rest(words)] {
-                 if (!steps.isEmpty())
-                     p->act(steps, " & ");
-             };
-         }},
-        {"warns", "pattern", "announces a warning; unannounced ones fail", "warns .* is gone",
-         [](Words pattern) { StrictTest::expectWarning(pattern); }},
-        {"turn", "", "lets the event loop turn once", "turn",
-         [](Words) { QCoreApplication::processEvents(); }},
-    };
-}
+const StorySteps HandSteps = {
+    {"at", [](Player p, Words name) { p->use(name); }},
+    {"type", [](Player p, Words text) { keys::type(p->current, text); }},
+    {"press", [](Player p, Words names) { keys::press(p->current, names); }},
+    {"paste", paste},
+    {"keypad", pressKeypadPoint},
+    {"compose", [](Player p, Words text) { compose(p->edit(), text); }},
+    {"recompose",
+     [](Player p, Words words) { compose(p->edit(), rest(words), first(words).toInt()); }},
+    {"caret", [](Player p, Words place) { p->edit()->setCursorPosition(place.toInt()); }},
+    {"select",
+     [](Player p, Words words) {
+         p->edit()->setSelection(first(words).toInt(), rest(words).toInt());
+     }},
+    {"wheel",
+     [](Player p, Words angle) { p->wheel = p->turnWheel(angle.toInt()) ? "taken" : "ignored"; }},
+    {"point",
+     [](Player p, Words row) { QTest::mouseMove(p->list()->viewport(), placeOf(p->list(), row)); }},
+    {"click",
+     [](Player p, Words row) {
+         QTest::mouseClick(p->list()->viewport(), Qt::LeftButton, {}, placeOf(p->list(), row));
+     }},
+    {"wait", [](Player, Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); }},
+    {"leave", [](Player p, Words) { p->leave(); }},
+    {"back", [](Player p, Words) { p->current->setFocus(); }},
+    {"fiddle", fiddle},
+};
 
-StorySteps boxSteps(StoryPlayer *p)
-{
-    return {
-        {"locale", "name", "gives a number editor's validator a locale", "locale de_DE",
-         [p](Words name) {
-             as<NumberEditor>(p->current)->decimalValidator()->setLocale(QLocale(name));
-         }},
-        {"iconless", "", "gives the control a style without icons", "iconless",
-         [p](Words) {
-             auto *const style = new Iconless;
-             style->setParent(p->current);
-             p->current->setStyle(style);
-         }},
-        {"completer", "inline, none or other", "changes the type-ahead", "completer none",
-         [p](Words how) { setCompleter(p->box(), how); }},
-        {"lineEdit", "", "gives the box another line edit", "lineEdit",
-         [p](Words) { p->box()->setLineEdit(new QLineEdit); }},
-        {"items", "text ...", "adds rows to a ComboBox", "items ABC AB",
-         [p](Words texts) { p->box()->addItems(texts.split(' ')); }},
-        {"model", "new or none", "gives a selector another model", "model new",
-         [p](Words how) {
-             changeModel<StockSelectorBox, StockSelectorModel>(p->current, how);
-             changeModel<BoardSelectorBox, BoardSelectorModel>(p->current, how);
-             changeModel<SecuritySelectorBox, SecuritySelectorModel>(p->current, how);
-         }},
-        {"kill", "", "destroys the model behind the box's list", "kill",
-         [p](Words) { delete p->source(); }},
-        {"foreign", "list or source", "puts a model of two rows in place of the list, or behind it",
-         "foreign list", [p](Words what) { insertForeignModel(as<QComboBox>(p->current), what); }},
-        {"loseList", "", "destroys the box's list", "loseList",
-         [p](Words) { delete as<QComboBox>(p->current)->model(); }},
-        {"display", "role", "what securities are listed by, from `Qt::UserRole` on", "display 6",
-         [p](Words role) {
-             as<SecuritySelectorModel>(p->source())
-                 ->setDefaultDataRole(
-                     SecuritySelectorModel::ItemDataRole(Qt::UserRole + role.toInt()));
-         }},
-        {"limit", "on, off, sectype, boards or positions, value", "limits what boards are listed",
-         "limit boards 2,3;1,7", [p](Words words) { limit(p, words); }},
-    };
-}
+const StorySteps ProgramSteps = {
+    {"set", setProperty},
+    {"call", callSlot},
+    {"edit", [](Player p, Words text) { p->edit()->setText(text); }},
+    {"row", [](Player p, Words row) { p->box()->setCurrentIndex(row.toInt()); }},
+    {"hub", [](Player p, Words words) { p->hub()->setValue(first(words), rest(words)); }},
+    {"hubs", setValues},
+    {"again", [](Player p, Words) { p->hub()->showAgain(); }},
+    {"invalid",
+     [](Player p, Words names) { p->validation.set(names.split(' ', Qt::SkipEmptyParts)); }},
+    {"make", [](Player p, Words words) { p->make(words.split(' ')); }},
+    {"another",
+     [](Player p, Words name) {
+         p->make({p->current->metaObject()->className(), name});
+         p->use(name);
+     }},
+    {"delete", destroy},
+    {"bind", bind<&Properties::connectAll, &Properties::connectOne>},
+    {"unbind", bind<&Properties::disconnectAll, &Properties::disconnectOne>},
+    {"enter",
+     [](Player p, Words words) { p->find<CountingControl>(first(words))->enter(rest(words)); }},
+    {"upon", upon},
+    {"warns", [](Player, Words pattern) { StrictTest::expectWarning(pattern); }},
+    {"turn", [](Player, Words) { QCoreApplication::processEvents(); }},
+};
 
-StorySteps hostSteps(StoryPlayer *p)
-{
-    return {
-        {"offer", "table [nickname ...]", "gives a table these rows and no others",
-         "offer stocks nasdaq late", [p](Words words) { offer(p, words); }},
-        {"many", "count", "gives the table of securities so many rows, numbered from 1",
-         "many 100000", [p](Words count) { offerMany(p->host, count.toInt()); }},
-        {"populate", "[control]", "has a selector read its table again", "populate stock",
-         [p](Words name) { populate(p, name); }},
-        {"sessions", "exchange session", "what session is open; see `announce`", "sessions 1 20",
-         [p](Words words) {
-             p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
-         }},
-        {"announce", "", "announces new sessions, which has securities read again", "announce",
-         [p](Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},
-        {"lack", "table", "takes a table from the host", "lack stocks",
-         [p](Words table) { p->host->removeTable(table); }},
-        {"away", "", "takes the host away", "away",
-         [](Words) {
-             ICore::install(nullptr);
-             StrictTest::expectWarning("ICore::table: no host is installed: lists stay empty");
-         }},
-    };
-}
+const StorySteps BoxSteps = {
+    {"locale",
+     [](Player p, Words name) {
+         as<NumberEditor>(p->current)->decimalValidator()->setLocale(QLocale(name));
+     }},
+    {"iconless", [](Player p, Words) { p->current->setStyle(new Iconless(p->current)); }},
+    {"completer", setCompleter},
+    {"lineEdit", setLineEdit},
+    {"items", [](Player p, Words texts) { p->box()->addItems(texts.split(' ')); }},
+    {"model",
+     [](Player p, Words how) {
+         changeModel<StockSelectorBox, StockSelectorModel>(p->current, how);
+         changeModel<BoardSelectorBox, BoardSelectorModel>(p->current, how);
+         changeModel<SecuritySelectorBox, SecuritySelectorModel>(p->current, how);
+     }},
+    {"kill", [](Player p, Words) { delete p->source(); }},
+    {"foreign", insertForeignModel},
+    {"loseList", [](Player p, Words) { delete as<QComboBox>(p->current)->model(); }},
+    {"display",
+     [](Player p, Words role) {
+         using Role = SecuritySelectorModel::ItemDataRole;
+         as<SecuritySelectorModel>(p->source())
+             ->setDefaultDataRole(Role(Qt::UserRole + role.toInt()));
+     }},
+    {"limit", limit},
+};
+
+const StorySteps HostSteps = {
+    {"offer", offer},
+    {"many", offerMany},
+    {"populate", populate},
+    {"sessions",
+     [](Player p, Words words) {
+         p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
+     }},
+    {"announce", [](Player p, Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},
+    {"lack", [](Player p, Words table) { p->host->removeTable(table); }},
+    {"away",
+     [](Player, Words) {
+         ICore::install(nullptr);
+         StrictTest::expectWarning("ICore::table: no host is installed: lists stay empty");
+     }},
+};
 
 } // namespace
 
-StorySteps storySteps(StoryPlayer *player)
+StorySteps storySteps()
 {
-    return handSteps(player) + programSteps(player) + boxSteps(player) + hostSteps(player);
+    StorySteps all = HandSteps;
+    for (const StorySteps *more : {&ProgramSteps, &BoxSteps, &HostSteps})
+        all.insert(*more);
+    return all;
 }

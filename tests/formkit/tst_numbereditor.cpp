@@ -56,6 +56,7 @@ class NumberEditorTest : public StrictTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale("en_US")); }
     void edits_data();
     void edits();
     void typing_data();
@@ -82,8 +83,7 @@ void NumberEditorTest::edits()
     auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     QStringList said;
     connect(editor, &NumberEditor::refused, this, [&](const QString &reason) { said << reason; });
-    player.act("locale " + row[0]);
-    player.act(row[1]);
+    player.act("locale " + row[0] + "; " + row[1]);
     QCOMPARE(player.answer("edited"), row[2]);
     QCOMPARE(editor->isValid() ? editor->getValue() : "invalid", row[3]);
     QVERIFY(editor->isValid() || !editor->hasAcceptableInput());
@@ -138,7 +138,13 @@ void NumberEditorTest::refusals()
     auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     auto *const frame = editor->findChild<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
     const QString reason = "A number has one decimal point";
-    player.act("type 1.5.");
+    player.act("type -");
+    for (const auto toMenu : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
+        QFocusEvent leave(QEvent::FocusOut, toMenu);
+        QApplication::sendEvent(editor, &leave);
+        QCOMPARE(editor->text(), QString("-"));
+    }
+    player.act("press Ctrl+A; type 1.5.");
     QCOMPARE(QToolTip::text(), reason);
     QCOMPARE(QAccessible::queryAccessibleInterface(frame)->text(QAccessible::Name), reason);
     QVERIFY(frame->isVisible());
@@ -262,7 +268,11 @@ void NumberEditorTest::completeTexts()
     // An editor's own takes other texts than the shown one too, also when it is not in use.
     NumberEditor editor;
     editor.setValidator(nullptr);
-    QTest::keyClicks(&editor, "1234.5");
+    QTest::keyClicks(&editor, "1234");
+    editor.setLocale(QLocale("de_DE")); // the keypad's point is the system's
+    QKeyEvent point(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 0, 0x41, 0, ".");
+    QApplication::sendEvent(&editor, &point);
+    QTest::keyClicks(&editor, "5");
     QCOMPARE(editor.getValue() + editor.text(), QString("1234.51234.5"));
     QString text = "-1234567";
     int pos = 2;
@@ -285,12 +295,5 @@ void NumberEditorTest::verdicts()
     }
 }
 
-int main(int argc, char **argv)
-{
-    QLocale::setDefault(QLocale("en_US"));
-    QApplication application(argc, argv);
-    NumberEditorTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(NumberEditorTest)
 #include "tst_numbereditor.moc"

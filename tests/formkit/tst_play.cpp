@@ -14,36 +14,14 @@
 
 namespace {
 
-bool isId(const QString &name)
-{
-    return name.endsWith("Id");
-}
+// What stands on pages, and is bound while its page shows.
+const QStringList Pages{"limit", "limit2", "strike"};
 
 // Empty and "0" are the same id: none.
 bool agree(const QString &name, const QString &a, const QString &b)
 {
     const auto isNone = [](const QString &id) { return id.isEmpty() || id == "0"; };
-    return a == b || (isId(name) && isNone(a) && isNone(b));
-}
-
-QString digitsOf(const QString &text)
-{
-    QString digits;
-    for (const QChar c : text) {
-        if (c.isDigit() && (c != '0' || !digits.isEmpty()))
-            digits += c;
-    }
-    return digits;
-}
-
-// Whether one text is the other with one character more.
-bool isOneMore(const QString &longer, const QString &shorter)
-{
-    for (int i = 0; longer.size() == shorter.size() + 1 && i < longer.size(); ++i) {
-        if (QString(longer).remove(i, 1) == shorter)
-            return true;
-    }
-    return false;
+    return a == b || (name.endsWith("Id") && isNone(a) && isNone(b));
 }
 
 } // namespace
@@ -55,6 +33,7 @@ class PlayTest : public StrictTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale("en_US")); }
     void play();
 
 private:
@@ -70,7 +49,6 @@ private:
         NumberEditor *editor;
         QString value;
         QString text;
-        bool isSelected;
     };
 
     QVector<Bound> bound(StoryPlayer *player) const;
@@ -78,7 +56,7 @@ private:
     void checkHub();
     void checkScreen();
     void checkBox(ComboBox *box);
-    void checkAmounts(const QString &who, const QString &steps, const QVector<Amount> &before);
+    void checkAmounts(const QVector<Amount> &before);
     void checkHost();
     void failSoon(int n);
     QVector<Amount> amounts() const;
@@ -96,10 +74,9 @@ private:
 QVector<PlayTest::Bound> PlayTest::bound(StoryPlayer *player) const
 {
     QVector<Bound> all;
-    const QStringList pages{"limit", "limit2", "strike"};
     for (QWidget *const control : player->control("stock")->window()->findChildren<QWidget *>()) {
-        if (pages.contains(control->objectName()))
-            continue; // bound while their page shows
+        if (Pages.contains(control->objectName()))
+            continue;
         const QStringList names = player->hub()->objectProperty(control);
         const QMetaObject *const meta = control->metaObject();
         for (int i = 0; i < meta->propertyCount() && !names.isEmpty(); ++i) {
@@ -186,7 +163,7 @@ void PlayTest::checkScreen()
                  qPrintable(now.editor->objectName() + ' ' + now.value + " shows " + now.text));
     }
     for (const char *const name : {"stock", "twin", "board", "security", "partner"})
-        checkBox(m_player->box(name));
+        checkBox(m_player->find<ComboBox>(name));
 }
 
 // A box answers for the row that it shows, and is marked while it waits for what the hub holds.
@@ -220,28 +197,14 @@ void PlayTest::checkBox(ComboBox *box)
     QVERIFY2(!waits || !isShown || isCode || !agree(key.name(), held, id), qPrintable(told));
 }
 
-// No deed makes an amount that nobody entered.
-void PlayTest::checkAmounts(const QString &who, const QString &steps, const QVector<Amount> &before)
+// No deed of the host changes an amount, but for those of pages, which come and go.
+void PlayTest::checkAmounts(const QVector<Amount> &before)
 {
-    const QString about = steps.section("; ", 0, 0).section(' ', 1);
-    const QString step = steps.section("; ", 1, 1);
     const QVector<Amount> after = amounts();
     for (int i = 0; i < before.size(); ++i) {
-        const NumberEditor *const editor = before[i].editor;
-        const QString said = editor->objectName() + ": " + before[i].text + " to " + after[i].text;
-        const bool isKey = step.startsWith("type ") || step.startsWith("press Backspace") ||
-                           step.startsWith("press Delete");
-        const bool isOnPage =
-            QStringList{"limit", "limit2", "strike"}.contains(editor->objectName());
-        if (who == "host" && !isOnPage)
-            QVERIFY2(before[i].text == after[i].text, qPrintable(said));
-        if (who != "hand" || about != editor->objectName() || !isKey || before[i].isSelected)
-            continue;
-        const QString was = digitsOf(before[i].text);
-        const QString is = digitsOf(after[i].text);
-        const bool isNear = was == is || isOneMore(is, was) || isOneMore(was, is) ||
-                            step.startsWith("press"); // leading zeros may go with a digit
-        QVERIFY2(isNear, qPrintable(said));
+        const QString name = before[i].editor->objectName();
+        QVERIFY2(Pages.contains(name) || before[i].text == after[i].text,
+                 qPrintable(name + ": " + before[i].text + " to " + after[i].text));
     }
 }
 
@@ -249,7 +212,7 @@ QVector<PlayTest::Amount> PlayTest::amounts() const
 {
     QVector<Amount> all;
     for (auto *const editor : m_player->control("stock")->window()->findChildren<NumberEditor *>())
-        all.append({editor, editor->getValue(), editor->text(), editor->hasSelectedText()});
+        all.append({editor, editor->getValue(), editor->text()});
     return all;
 }
 
@@ -294,7 +257,8 @@ void PlayTest::play()
         QCoreApplication::processEvents();
         checkHub();
         checkScreen();
-        checkAmounts(deed[0], steps, before);
+        if (deed[0] == "host")
+            checkAmounts(before);
         checkHost();
     }
     if (QTest::currentTestFailed())
@@ -303,12 +267,5 @@ void PlayTest::play()
     m_player.reset();
 }
 
-int main(int argc, char **argv)
-{
-    QLocale::setDefault(QLocale("en_US"));
-    QApplication application(argc, argv);
-    PlayTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(PlayTest)
 #include "tst_play.moc"

@@ -5,7 +5,9 @@ using namespace nsFTP;
 
 namespace {
 
-std::string text(const QStringList &words)
+using Words = const QStringList &;
+
+std::string text(Words words)
 {
     return words.join(' ').replace("␀", QChar(0)).toStdString();
 }
@@ -29,7 +31,7 @@ CCommand commandOf(const QString &name)
 }
 
 // "get <remote> [<local>] [ascii] [active]", likewise put, list and names.
-long long transfer(Client &c, const QStringList &a)
+long long transfer(Client &c, Words a)
 {
     const CRepresentation ascii(CType::ASCII, CTypeFormat::NonPrint);
     const CRepresentation representation = a.contains("ascii") ? ascii : CType::Image;
@@ -45,107 +47,118 @@ long long transfer(Client &c, const QStringList &a)
     return good(c.client.UploadFile(local, remote, a.contains("unique"), representation, passive));
 }
 
-// What changes the client or its file, or asks for nothing.
-long long prepare(Client &c, const QStringList &a)
+// The result when nothing was given, as it has to be on failure.
+template <typename Value, int (CFTPClient::*Ask)(const std::string &, Value &) const>
+long long ask(Client &c, Words)
 {
-    if (a[0] == "local")
-        c.write(text(a.mid(1)).c_str());
-    else if (a[0] == "resize")
-        return good(QFile::resize(QString::fromStdString(c.local), a[1].toLongLong()));
-    else if (a[0] == "replace")
-        c.client.SetResumeMode(false);
-    else if (a[0] == "onlypeer")
-        c.client.SetAcceptOnlyControlPeer(true);
-    else if (a[0] == "policy")
-        c.client.SetPassiveAddressPolicy(valueOf<CFTPClient::TPassiveAddress>("ucr", a[1]));
-    else
-        qFatal("no operation %s", qPrintable(a.join(' ')));
+    Value value = -7;
+    const int result = (c.client.*Ask)("f", value);
+    return result == 0 ? value : value == -7 ? result : -99;
+}
+
+// "when <beginning of an entry>: <operation>", whose result goes into the log.
+long long when(Client &c, Words a)
+{
+    const QStringList parts = a.mid(1).join(' ').split(": ");
+    c.recorder.when(parts[0], [&c, operation = parts[1]] {
+        c.recorder.log << "= " + QString::number(c.perform(operation));
+    });
     return 0;
 }
 
-long long performOne(Client &c, const QStringList &a)
+// On another thread, "elsewhere" at once, "later" after a while.
+long long abortElsewhere(Client &c, Words a)
 {
-    const CFTPClient &client = c.client;
-    // "when <beginning of an entry>: <operation>", whose result goes into the log.
-    if (a[0] == "when") {
-        const QStringList parts = a.mid(1).join(' ').split(": ");
-        c.recorder.when(parts[0], [&c, operation = parts[1].split(' ')] {
-            c.recorder.log << "= " + QString::number(performOne(c, operation));
-        });
-        return 0;
-    }
-    if (a[0] == "abort")
-        return client.Abort();
-    if (a[0] == "elsewhere") {
-        std::thread([&] { client.Abort(); }).join();
-        return 0;
-    }
-    if (a[0] == "later") {
-        c.later = std::thread([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
-            client.Abort();
-        });
-        return 0;
-    }
-    if (a[0] == "connected")
-        return client.IsConnected();
-    if (a[0] == "help")
-        return client.Help();
-    const int number = a.value(2).toInt();
-    CReply reply;
-    if (a[0] == "raw") {
-        const bool sent = client.SendCommand(commandOf(a[1]), {text(a.mid(2))}, reply);
-        return sent ? CFTPClient::SimpleErrorCheck(reply) : -1;
-    }
-    // Commands sent before the reply to an earlier one is read.
-    if (a[0] == "send")
-        return good(client.SendCommand(commandOf(a[1]), {}));
-    if (a[0] == "reply")
-        return good(client.GetResponse(reply));
-    if (a[0] == "noop")
-        return client.Noop();
-    if (a[0] == "quit")
-        return client.Logout();
-    if (a[0] == "rename")
-        return client.Rename(text(a.mid(1, 1)), text(a.mid(2)));
-    if (a[0] == "type") {
-        const auto format = valueOf<CTypeFormat::TTypeFormatEnum>("-NTC", a.value(2, "-").left(1));
-        return client.RepresentationType({valueOf<CType::TTypeEnum>("AEIL", a[1]), format}, number);
-    }
-    if (a[0] == "size" || a[0] == "mdtm") {
-        // The result when nothing was given, as it has to be on failure.
-        long size = -7;
-        long long seconds = -7;
-        const int result =
-            a[0] == "size" ? client.FileSize("f", size) : client.FileModificationTime("f", seconds);
-        const long long value = qMax<long long>(size, seconds);
-        return result == 0 ? value : value == -7 ? result : -99;
-    }
-    if (a[0] == "login")
-        return good(c.client.Login({text(a.mid(1, 1)), 1, text(a.mid(2, 1)), text(a.mid(3))}));
-    if (a[0] == "logon") {
-        // Without a firewall the host's port is the server's; with one it only shows in arguments.
-        CLogonInfo logon(a[1] == "0" ? "127.0.0.1" : "h", a[1] == "0" ? c.port : quint16(number),
-                         "u", "p", text(a.mid(3)) + "a");
-        logon.SetFirewall("127.0.0.1", "fu", "fp", c.port,
-                          CFirewallType::TFirewallTypeEnum(a[1].toInt()));
-        return good(c.client.Login(logon));
-    }
-    if (a[0] == "run") {
-        COutputStream stream("");
-        return good(client.ExecuteDatachannelCommand(commandOf(a[1]), "f", CType::Image, true,
-                                                     a[2].toUInt(), stream));
-    }
-    const bool moves = QStringList({"list", "names", "get", "put"}).contains(a[0]);
-    return moves ? transfer(c, a) : prepare(c, a);
+    const bool later = a[0] == "later";
+    c.later = std::thread([&c, later] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(later ? 300 : 0));
+        c.client.Abort();
+    });
+    if (!later)
+        c.later.join();
+    return 0;
 }
+
+long long raw(Client &c, Words a)
+{
+    const bool sent = c.client.SendCommand(commandOf(a[1]), {text(a.mid(2))}, c.reply);
+    return sent ? CFTPClient::SimpleErrorCheck(c.reply) : -1;
+}
+
+long long type(Client &c, Words a)
+{
+    const auto format = valueOf<CTypeFormat::TTypeFormatEnum>("-NTC", a.value(2, "-").left(1));
+    return c.client.RepresentationType({valueOf<CType::TTypeEnum>("AEIL", a[1]), format},
+                                       a.value(2).toUInt());
+}
+
+// Without a firewall the host's port is the server's; with one it only shows in arguments.
+long long logon(Client &c, Words a)
+{
+    CLogonInfo info(a[1] == "0" ? "127.0.0.1" : "h", a[1] == "0" ? c.port : quint16(a[2].toUInt()),
+                    "u", "p", text(a.mid(3)) + "a");
+    info.SetFirewall("127.0.0.1", "fu", "fp", c.port,
+                     CFirewallType::TFirewallTypeEnum(a[1].toInt()));
+    return good(c.client.Login(info));
+}
+
+long long run(Client &c, Words a)
+{
+    COutputStream stream("");
+    return good(c.client.ExecuteDatachannelCommand(commandOf(a[1]), "f", CType::Image, true,
+                                                   a[2].toUInt(), stream));
+}
+
+const QHash<QString, std::function<long long(Client &, Words)>> Operations = {
+    {"abort", [](Client &c, Words) { return c.client.Abort(); }},
+    {"connected", [](Client &c, Words) { return c.client.IsConnected(); }},
+    {"elsewhere", abortElsewhere},
+    {"get", transfer},
+    {"help", [](Client &c, Words) { return c.client.Help(); }},
+    {"later", abortElsewhere},
+    {"list", transfer},
+    {"local", [](Client &c, Words a) { return c.write(text(a.mid(1)).c_str()), 0; }},
+    {"login",
+     [](Client &c, Words a) {
+         return good(c.client.Login({text(a.mid(1, 1)), 1, text(a.mid(2, 1)), text(a.mid(3))}));
+     }},
+    {"logon", logon},
+    {"mdtm", ask<long long, &CFTPClient::FileModificationTime>},
+    {"names", transfer},
+    {"noop", [](Client &c, Words) { return c.client.Noop(); }},
+    {"onlypeer", [](Client &c, Words) { return c.client.SetAcceptOnlyControlPeer(true), 0; }},
+    {"policy",
+     [](Client &c, Words a) {
+         using Policy = CFTPClient::TPassiveAddress;
+         return c.client.SetPassiveAddressPolicy(valueOf<Policy>("ucr", a[1])), 0;
+     }},
+    {"put", transfer},
+    {"quit", [](Client &c, Words) { return c.client.Logout(); }},
+    {"raw", raw},
+    {"rename",
+     [](Client &c, Words a) { return c.client.Rename(text(a.mid(1, 1)), text(a.mid(2))); }},
+    {"replace", [](Client &c, Words) { return c.client.SetResumeMode(false), 0; }},
+    {"reply", [](Client &c, Words) { return good(c.client.GetResponse(c.reply)); }},
+    {"resize",
+     [](Client &c, Words a) { return good(QFile::resize(c.local.c_str(), a[1].toLongLong())); }},
+    {"run", run},
+    // Commands sent before the reply to an earlier one is read.
+    {"send", [](Client &c, Words a) { return good(c.client.SendCommand(commandOf(a[1]), {})); }},
+    {"size", ask<long, &CFTPClient::FileSize>},
+    {"type", type},
+    {"when", when},
+};
 
 } // namespace
 
 long long Client::perform(const QString &operations)
 {
     long long result = 0;
-    for (const QString &operation : operations.split(','))
-        result = performOne(*this, operation.split(' '));
+    for (const QString &operation : operations.split(',')) {
+        const QStringList words = operation.split(' ');
+        if (!Operations.contains(words[0]))
+            qFatal("no operation %s", qPrintable(operation));
+        result = Operations[words[0]](*this, words);
+    }
     return result;
 }

@@ -99,6 +99,7 @@ struct Client
     Recorder recorder;
     nsFTP::CFTPClient client;
     std::thread later;
+    nsFTP::CReply reply;
     quint16 port = 0;
     std::vector<std::string> lines = {"kept"};
 };

@@ -69,12 +69,6 @@ QString between(const QStringList &row)
     return in && asWanted && inStep ? "" : sent.join(',');
 }
 
-void compare(const QByteArray &faults)
-{
-    qInfo("%s", faults.constData());
-    QVERIFY(faults.isEmpty());
-}
-
 // A stream that sends commands of its own.
 struct AskingStream : COutputStream
 {
@@ -144,7 +138,7 @@ private Q_SLOTS:
                 rows.last() << "byte by byte";
             }
         }
-        compare(faultsOf(rows, conversation, 24));
+        QCOMPARE(faultsOf(rows, conversation, 24), 0);
     }
 
     // Replies that stand ready belong to the commands to come, whatever a stranger's socket says.
@@ -185,7 +179,7 @@ private Q_SLOTS:
         QCOMPARE(cut.perform("noop,connected"), 0);
     }
 
-    void betweenServers() { compare(faultsOf(rowsOf("between.txt"), between)); }
+    void betweenServers() { QCOMPARE(faultsOf(rowsOf("between.txt"), between), 0); }
 
     void commands()
     {
@@ -229,6 +223,12 @@ private Q_SLOTS:
         QVERIFY(one.recorder.log.contains("end 10"));
         QCOMPARE(one.client.GetObservers(), CFTPClient::TObserverSet({&one.recorder}));
         QCOMPARE(other.client.GetObservers(), CFTPClient::TObserverSet({&other.recorder, &leaves}));
+        // One that throws leaves the client in step.
+        Session thrown("NOOP: 120 wait|200 done");
+        thrown.recorder.when("< 120", [] { throw 1; });
+        QVERIFY(thrown.login());
+        QVERIFY_EXCEPTION_THROWN(thrown.client.Noop(), int);
+        QVERIFY(thrown.inStep());
     }
 
     void listings()

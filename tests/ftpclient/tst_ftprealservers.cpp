@@ -1,14 +1,98 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "realserver.h"
 #include "session.h"
 #include "support/datafile.h"
 #include "support/stricttest.h"
 
+#include <QProcess>
 #include <QRandomGenerator>
+
+#include <csignal>
 
 using namespace nsFTP;
 
 namespace {
+
+bool answers(quint16 port)
+{
+    try {
+        nsSocket::CBlockingSocket socket;
+        connectToLoopback(socket, port);
+        return true;
+    } catch (const nsSocket::CBlockingSocketException &) {
+        return false;
+    }
+}
+
+// A free port below those that the system gives by itself (from 32768 on): no test that runs beside
+// this one gets it before the server does. Processes begin at ports of their own.
+quint16 freePort()
+{
+    static qint64 next = QCoreApplication::applicationPid() * 16;
+    for (int tries = 0; tries < 1000; ++tries) {
+        const auto port = quint16(10000 + next++ % 20000);
+        if (!answers(port))
+            return port;
+    }
+    return 0;
+}
+
+// An FTP server of the unpacked packages, as an ordinary process on loopback with a folder of its
+// own, which is killed with its children in the end.
+class RealServer
+{
+public:
+    // vsftpd, pure-ftpd, proftpd, pyftpdlib, or ftp-proxy in front of a pyftpdlib of its own.
+    explicit RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
+    {
+        if (kind == "ftp-proxy")
+            m_behind = std::make_unique<RealServer>("pyftpdlib");
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        // In a session of its own, so that all its processes can be ended at once.
+        m_process.start("setsid",
+                        {"/bin/sh", DATA_FOLDER "/servers/" + kind, QString::number(m_port),
+                         m_folder.path(), SERVERS_FOLDER, MULTIARCH},
+                        QIODevice::ReadOnly);
+        for (int i = 0; m_failure.isEmpty() && !answers(m_port); ++i) {
+            if (i == 1000 || m_process.waitForFinished(20))
+                m_failure = kind + ": " + m_process.errorString() + "\n" + m_process.readAll();
+        }
+    }
+    ~RealServer() { kill(); }
+
+    // Empty when the server answers, else what went wrong; "NOT TRIED" is in it when this user
+    // cannot start such a server.
+    QString failure() const { return m_failure; }
+    CLogonInfo logon() const
+    {
+        if (!m_behind)
+            return {"127.0.0.1", m_port, m_kind == "vsftpd" ? "anonymous" : "joe", "secret"};
+        CLogonInfo logon = m_behind->logon();
+        logon.SetFirewall("127.0.0.1", "", "", m_port, CFirewallType::UserWithNoLogon);
+        return logon;
+    }
+    // Where a served file lies.
+    QString path(const QString &file) const
+    {
+        return m_behind ? m_behind->path(file) : m_folder.filePath("files/" + file);
+    }
+    void put(const QString &file, const QByteArray &bytes) const { writeFile(path(file), bytes); }
+    QByteArray get(const QString &file) const { return readFile(path(file)); }
+    // As a machine that loses its power: the processes that serve connections too.
+    void kill()
+    {
+        if (m_process.state() != QProcess::NotRunning)
+            ::kill(pid_t(-m_process.processId()), SIGKILL);
+        m_process.waitForFinished();
+    }
+
+private:
+    QString m_kind;
+    QTemporaryDir m_folder;
+    quint16 m_port;
+    std::unique_ptr<RealServer> m_behind;
+    QProcess m_process;
+    QString m_failure;
+};
 
 QByteArray bytes(int size)
 {

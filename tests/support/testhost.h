@@ -19,16 +19,6 @@
 
 // The tests' own host: a second implementation of the contract, driven by code.
 //
-//     TestHost host;                                       // installed as the core
-//     host.table("stocks").addRow({1, "Nasdaq", "XNAS"});  // cells in column order
-//     host.table("boards").addRow({7, 1, "XNGS", "Global Select", "S"});
-//     host.table("securities").addRow({100, 1, 7, "AAA", "Aaa Inc", "AAA", 20});
-//     host.setSessions({{1, 20}});
-//     StockSelectorModel model;                            // destroyed before the host
-//     host.table("stocks").failAtCell(3);                  // the third cell read throws
-//     QVERIFY_EXCEPTION_THROWN(model.populate(), Exception);
-//     QVERIFY(!host.table("stocks").isLocked());
-//
 // A test that destroys the host while a lock is held or a row reference is out, or that has used
 // an index without the lock, asked for a cell of no column or unlocked what it had not locked,
 // fails: the host's destructor logs a warning for each.

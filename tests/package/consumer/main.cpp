@@ -30,36 +30,22 @@ bool formKitBinds()
     return price->getValue() == "101.25" && changes == 1;
 }
 
-bool exceptionIsCaught()
-{
-    try {
-        return decimal(u"a lot") == decimal();
-    } catch (const Exception &) {
-        return true;
-    }
-}
-
-bool ftpParses()
-{
-    nsFTP::CFTPFileStatus status;
-    return nsFTP::CFTPListParser().Parse(status, "+i7.19,m1700000000,/,\tquotes") &&
-           status.name == "quotes";
-}
-
-bool embeddedHostRefuses()
-{
-    EmbeddedHost host;
-    return !host.loadNow("there is no such file") && !host.errorText().isEmpty();
-}
-
 } // namespace
 
 static_assert(FORMKIT_VERSION >= FORMKIT_VERSION_CHECK(0, 1, 0), FORMKIT_VERSION_STR);
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
-    const bool works = formKitBinds() && ftpParses() && ownClassesWork() && exceptionIsCaught() &&
-                       embeddedHostRefuses();
-    return works ? 0 : 1;
+    const QApplication app(argc, argv);
+    nsFTP::CFTPFileStatus status;
+    EmbeddedHost host;
+    bool works = formKitBinds() && ownClassesWork() && !host.loadNow("there is no such file") &&
+                 nsFTP::CFTPListParser().Parse(status, "+i7.19,m1700000000,/,\tquotes") &&
+                 status.name == "quotes";
+    try {
+        works = decimal(u"a lot") == decimal() && works;
+    } catch (const Exception &) {
+        return works ? 0 : 1;
+    }
+    return 1;
 }
