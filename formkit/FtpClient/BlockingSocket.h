@@ -150,6 +150,13 @@ public:
     /// One datagram to psa. Throws "Send timeout", "SendDatagram".
     int SendDatagram(const char *data, int size, const sockaddr *psa, int seconds) const;
 
+protected:
+    /// As Create(), for another family of addresses; Connect() and Bind() then take these.
+    void Open(int family, int type);
+    /// Gives a new instance the wait limit and the interruption of this one.
+    IBlockingSocket *Equipped(CBlockingSocket *instance) const;
+    int WaitLimit() const { return m_nWaitLimit; }
+
 private:
     int descriptor() const;
 
