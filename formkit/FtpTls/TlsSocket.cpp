@@ -8,6 +8,7 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <exception>
 
@@ -17,6 +18,12 @@
 namespace nsSocket {
 
 namespace {
+
+[[noreturn]] int timedOut()
+{
+    errno = 0;
+    throw CBlockingSocketException("Receive timeout");
+}
 
 // OpenSSL reads and writes through the socket below it, which bounds the waits. What that throws
 // must not pass through OpenSSL: it is kept, and thrown again outside.
@@ -106,8 +113,11 @@ int CTlsSocket::readWire(BIO *bio, char *buffer, int size)
 {
     const auto *const socket = static_cast<const CTlsSocket *>(::BIO_get_data(bio));
     BIO_clear_retry_flags(bio);
+    // A peer could send messages of TLS without end, and never a byte of data.
+    const bool late = Clock::now() > socket->m_end + std::chrono::seconds(1);
     const int count = !socket->m_mayRead ? -1 : socket->onWire([&] {
-        return socket->CBlockingSocket::Receive(buffer, size, socket->secondsLeft());
+        return late ? timedOut()
+                    : socket->CBlockingSocket::Receive(buffer, size, socket->secondsLeft());
     });
     socket->m_ended = socket->m_ended || count == 0;
     if (count < 0)
@@ -217,7 +227,16 @@ int CTlsSocket::Write(const char *data, int size, int seconds) const
 
 bool CTlsSocket::CheckReadability() const
 {
-    return (m_tls && ::SSL_has_pending(m_tls.get())) || CInternetSocket::CheckReadability();
+    if (!m_tls)
+        return CInternetSocket::CheckReadability();
+    // What has come may be a ticket, or a part of a record: then Receive() would wait.
+    try {
+        char byte = 0;
+        run(0, [&](SSL *tls) { return ::SSL_peek(tls, &byte, 1); });
+        return true;
+    } catch (const CBlockingSocketException &) {
+        return false;
+    }
 }
 
 void CTlsSocket::EndTls(int seconds)
