@@ -186,7 +186,7 @@ class Server(socketserver.StreamRequestHandler):
             self.passive.settimeout(PATIENCE)
             port = "%d,%d" % divmod(self.passive.getsockname()[1], 256)
             text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
-                    .replace("{epsv}", "|||%d|" % self.passive.getsockname()[1])
+                    .replace("{epsv}", "!!!%d!" % self.passive.getsockname()[1])
                     .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
                     .replace("{size}", str(len(self.content))))
         return text.replace("\u2400", "\0").encode()

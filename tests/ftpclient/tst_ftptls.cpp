@@ -52,8 +52,10 @@ private:
         Session session(row[3], row[0].contains("slow") ? 2 : 20,
                         nsSocket::CreateTlsSocketInstance(securityOf(row[1].split(' '))),
                         m_folder.path());
-        long long result = session.login() ? 0 : -1;
-        const QString operations = row[2].section(',', 1);
+        // "login,<operations>", or operations that log on themselves.
+        const bool logsOn = row[2].startsWith("logon");
+        long long result = logsOn || session.login() ? 0 : -1;
+        const QString operations = logsOn ? row[2] : row[2].section(',', 1);
         if (!operations.isEmpty())
             result = session.perform(operations);
         const QString sent = session.server.commands().join(',');
