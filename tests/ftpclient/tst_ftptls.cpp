@@ -39,7 +39,8 @@ private:
         else if (!onlyPin && !words.contains("system"))
             security.caFile = m_folder.filePath("ca.pem").toStdString();
         if (words.contains("pin"))
-            security.pinnedKey = "sha256//" + readFile(m_folder.filePath("pin")).trimmed().toStdString();
+            security.pinnedKey =
+                "sha256//" + readFile(m_folder.filePath("pin")).trimmed().toStdString();
         if (words.contains("otherpin"))
             security.pinnedKey = "sha256//0000";
         security.clearData = words.contains("data");
