@@ -27,6 +27,11 @@ constexpr int SendFlags = MSG_NOSIGNAL;
 constexpr int SendFlags = 0; // SO_NOSIGPIPE is set on the handle instead
 #endif
 
+socklen_t lengthOf(const sockaddr *psa)
+{
+    return psa->sa_family == AF_INET6 ? sizeof(sockaddr_in6) : AddressLength;
+}
+
 bool wouldBlock(int error)
 {
     return error == EAGAIN || error == EWOULDBLOCK;
@@ -119,7 +124,11 @@ int CBlockingSocket::descriptor() const
 
 IBlockingSocket *CBlockingSocket::CreateInstance() const
 {
-    auto *instance = new CBlockingSocket;
+    return Equipped(new CBlockingSocket);
+}
+
+IBlockingSocket *CBlockingSocket::Equipped(CBlockingSocket *instance) const
+{
     instance->SetWaitLimit(m_nWaitLimit);
     instance->SetInterruption(m_pInterruption);
     return instance;
@@ -132,8 +141,13 @@ void CBlockingSocket::SetInterruption(const std::shared_ptr<const CInterruption>
 
 void CBlockingSocket::Create(int type)
 {
+    Open(AF_INET, type);
+}
+
+void CBlockingSocket::Open(int family, int type)
+{
     FTP_ASSERT(m_hSocket == INVALID_SOCKET, "m_hSocket==INVALID_SOCKET");
-    const int made = ::socket(AF_INET, type, 0);
+    const int made = ::socket(family, type, 0);
     if (made < 0)
         throw CBlockingSocketException("Create");
     prepare(made);
@@ -144,7 +158,7 @@ void CBlockingSocket::Bind(const sockaddr *psa) const
 {
     const int handle = descriptor();
     FTP_ASSERT(psa, "psa != NULL");
-    if (::bind(handle, psa, AddressLength) != 0)
+    if (::bind(handle, psa, lengthOf(psa)) != 0)
         throw CBlockingSocketException("Bind");
 }
 
@@ -186,7 +200,7 @@ void CBlockingSocket::Connect(const sockaddr *psa) const
 {
     const int handle = descriptor();
     FTP_ASSERT(psa, "psa != NULL");
-    if (::connect(handle, psa, AddressLength) == 0)
+    if (::connect(handle, psa, lengthOf(psa)) == 0)
         return;
     if (errno != EINPROGRESS && errno != EINTR)
         throw CBlockingSocketException("Connect");

@@ -48,6 +48,7 @@ public:
                                  unsigned int *helpContext = nullptr) const;
     /// The same text as a string; empty when it is longer than 511 bytes.
     virtual std::string GetErrorMessage(unsigned int *helpContext = nullptr) const;
+    int GetErrorNumber() const { return m_nError; }
 
 private:
     int m_nError;
@@ -149,6 +150,13 @@ public:
     int ReceiveDatagram(char *buffer, int size, sockaddr *psa, int seconds) const;
     /// One datagram to psa. Throws "Send timeout", "SendDatagram".
     int SendDatagram(const char *data, int size, const sockaddr *psa, int seconds) const;
+
+protected:
+    /// As Create(), for another family of addresses; Connect() and Bind() then take these.
+    void Open(int family, int type);
+    /// Gives a new instance the wait limit and the interruption of this one.
+    IBlockingSocket *Equipped(CBlockingSocket *instance) const;
+    int WaitLimit() const { return m_nWaitLimit; }
 
 private:
     int descriptor() const;

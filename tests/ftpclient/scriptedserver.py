@@ -22,21 +22,28 @@ usual. Actions:
   end, cut     closes the data connection, cleanly or with a reset
   flood        sends data until the other side goes
   from <address>  in active mode, connects from there from now on
+  tls <name>   goes on over TLS with that certificate of the folder "certificates", tls1.2 at most
+               with that version; clear ends that.
+               After PROT P data connections do so with the same one, and must resume its session
+  unprotected  sends data in clear all the same
+  chop         closes the data connection without TLS's closing message
 """
 import json
 import re
 import select
 import socket
 import socketserver
+import ssl
 import struct
 import threading
 import time
 
 BEHAVIOUR = """greeting: 220 ready;USER: 331 password;PASS: 230 in;CWD: 250 there;REST: 350 go on;
-PASV: 227 Entering Passive Mode ({pasv});RNFR: 350 to what;SIZE: 213 {size};
+PASV: 227 Entering Passive Mode ({pasv});EPSV: 229 Extended ({epsv});AUTH: 234 go|tls good;
+CCC: 200 go|clear;RNFR: 350 to what;SIZE: 213 {size};
 MDTM: 213 20240229120001;PWD: 257 in step;ABOR: 226 aborted;QUIT: 221 bye|close;
 RETR: 150 here|data|226 done;LIST: 150 here|data|226 done;NLST: 150 here|data|226 x;
-STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
+MLSD: 150 here|data|226 done;STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
 PATIENCE = 60  # seconds for a peer that does nothing
 
 
@@ -50,6 +57,7 @@ class Server(socketserver.StreamRequestHandler):
         self.script = entries(order["script"])
         self.content = order["content"].encode("latin-1")
         self.byte_by_byte = order["byte by byte"]
+        self.certificates = order["certificates"]
         self.commands, self.offset, self.origin = [], 0, "127.0.0.1"
         self.passive = self.active = self.data = None
         self.listens = threading.Event()
@@ -72,7 +80,8 @@ class Server(socketserver.StreamRequestHandler):
                 return
             self.control.settimeout(PATIENCE)
             self.control.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-            with self.control, self.control.makefile("rb") as self.lines:
+            self.lines, self.tls, self.protects = self.control.makefile("rb"), None, False
+            with self.control:
                 self.perform("greeting")
                 try:
                     while not self.lines.closed and self.obey_next():
@@ -96,6 +105,10 @@ class Server(socketserver.StreamRequestHandler):
         if verb == "PORT":
             high, low = argument.split(",")[4:]
             self.active = int(high) * 256 + int(low)
+        if verb == "EPRT":
+            self.active = int(argument.split("|")[3])
+        if verb == "PROT":
+            self.protects = argument == "P"
         self.perform(verb)
         return True
 
@@ -136,6 +149,21 @@ class Server(socketserver.StreamRequestHandler):
             self.move(verb, int(number))
         elif word in ("end", "cut"):
             self.end_data(reset=word == "cut")
+        elif word == "unprotected":
+            self.protects = False
+        elif word == "chop":
+            self.drop_data()
+        elif word in ("tls", "tls1.2", "clear"):
+            self.lines.close()
+            if word == "clear":
+                self.control = self.control.unwrap()
+            else:
+                self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+                if word == "tls1.2":
+                    self.tls.maximum_version = ssl.TLSVersion.TLSv1_2
+                self.tls.load_cert_chain(f"{self.certificates}/{rest}.pem")
+                self.control = self.tls.wrap_socket(self.control, server_side=True)
+            self.lines = self.control.makefile("rb")
         elif word == "flood":
             self.open_data()
             while True:
@@ -161,6 +189,7 @@ class Server(socketserver.StreamRequestHandler):
             self.passive.settimeout(PATIENCE)
             port = "%d,%d" % divmod(self.passive.getsockname()[1], 256)
             text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
+                    .replace("{epsv}", "!!!%d!" % self.passive.getsockname()[1])
                     .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
                     .replace("{size}", str(len(self.content))))
         return text.replace("\u2400", "\0").encode()
@@ -177,10 +206,17 @@ class Server(socketserver.StreamRequestHandler):
         else:
             raise OSError("no way was agreed upon")
         self.data.settimeout(PATIENCE)
+        if self.protects:
+            self.data = self.tls.wrap_socket(self.data, server_side=True)
+            if not self.data.session_reused:
+                self.drop_data()
+                raise OSError("another session")
         self.data.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
 
     def end_data(self, reset):
         self.open_data()
+        if isinstance(self.data, ssl.SSLSocket) and not reset:
+            self.data = self.data.unwrap()
         linger = struct.pack("ii", reset, 0)
         self.data.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, linger)
         self.drop_data()
@@ -192,7 +228,7 @@ class Server(socketserver.StreamRequestHandler):
 
     def move(self, verb, length):
         self.open_data()
-        if verb in ("RETR", "LIST", "NLST"):
+        if verb in ("RETR", "LIST", "NLST", "MLSD"):
             part = self.content[self.offset:][:length]
             self.send(self.data, part)
             self.offset += len(part)

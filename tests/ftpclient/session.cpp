@@ -40,6 +40,14 @@ long long transfer(Client &c, Words a)
     const std::string local = a.value(2).startsWith('/') ? a[2].toStdString() : c.local;
     if (a[0] == "list")
         return good(c.client.List(remote, c.lines, passive));
+    if (a[0] == "entries") {
+        std::vector<std::shared_ptr<CFTPFileStatus>> entries;
+        const bool listed = c.client.List(remote, entries, passive);
+        c.lines.clear();
+        for (const auto &entry : entries)
+            c.lines.push_back(entry->name + " in " + entry->path + ": " + entry->line);
+        return listed ? (long long)(entries.size()) : -1;
+    }
     if (a[0] == "names")
         return good(c.client.NameList(remote, c.lines, passive));
     if (a[0] == "get")
@@ -109,13 +117,34 @@ long long run(Client &c, Words a)
                                                    a[2].toUInt(), stream));
 }
 
+long long nanoseconds(Client &c, Words)
+{
+    long long seconds = 0;
+    long value = -7;
+    return c.client.FileModificationTime("f", seconds, value) == 0 ? value : -1;
+}
+
+long long status(Client &c, Words)
+{
+    CFTPFileStatus file;
+    const int result = c.client.MachineStatus("f", file);
+    return result == 0 ? file.size : result;
+}
+
 const QHash<QString, std::function<long long(Client &, Words)>> Operations = {
     {"abort", [](Client &c, Words) { return c.client.Abort(); }},
     {"connected", [](Client &c, Words) { return c.client.IsConnected(); }},
     {"elsewhere", abortElsewhere},
+    {"entries", transfer},
+    {"extended", [](Client &c, Words) { return c.client.SetExtendedAddresses(true), 0; }},
     {"get", transfer},
     {"help", [](Client &c, Words) { return c.client.Help(); }},
     {"later", abortElsewhere},
+    {"line",
+     [](Client &c, Words a) {
+         const bool sent = c.client.SendRaw(text(a.mid(1)), c.reply);
+         return sent ? CFTPClient::SimpleErrorCheck(c.reply) : -1;
+     }},
     {"list", transfer},
     {"local", [](Client &c, Words a) { return c.write(text(a.mid(1)).c_str()), 0; }},
     {"login",
@@ -123,8 +152,10 @@ const QHash<QString, std::function<long long(Client &, Words)>> Operations = {
          return good(c.client.Login({text(a.mid(1, 1)), 1, text(a.mid(2, 1)), text(a.mid(3))}));
      }},
     {"logon", logon},
+    {"machine", [](Client &c, Words) { return c.client.SetMachineListings(true), 0; }},
     {"mdtm", ask<long long, &CFTPClient::FileModificationTime>},
     {"names", transfer},
+    {"nanoseconds", nanoseconds},
     {"noop", [](Client &c, Words) { return c.client.Noop(); }},
     {"onlypeer", [](Client &c, Words) { return c.client.SetAcceptOnlyControlPeer(true), 0; }},
     {"policy",
@@ -145,7 +176,11 @@ const QHash<QString, std::function<long long(Client &, Words)>> Operations = {
     // Commands sent before the reply to an earlier one is read.
     {"send", [](Client &c, Words a) { return good(c.client.SendCommand(commandOf(a[1]), {})); }},
     {"size", ask<long, &CFTPClient::FileSize>},
+    {"status", status},
+    {"touch",
+     [](Client &c, Words a) { return c.client.SetFileModificationTime("f", a[1].toLongLong()); }},
     {"type", type},
+    {"utf8", [](Client &c, Words) { return c.client.SetUtf8(true), 0; }},
     {"when", when},
 };
 

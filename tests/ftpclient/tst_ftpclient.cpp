@@ -31,6 +31,7 @@ QString conversation(const QStringList &row)
     const QString log = session.recorder.log.join(',');
     QStringList sent = session.server.commands().mid(logsOn ? 0 : 3);
     sent.replaceInStrings(QRegularExpression("(PORT 127,0,0,1),.*"), "\\1");
+    sent.replaceInStrings(QRegularExpression("(EPRT .*)\\|.*\\|$"), "\\1");
     const QString errors = session.recorder.errors().join('\n');
     QString outcome = QString::number(result);
     for (int i = 0; i < 3; ++i)
