@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "statementsworker.h"
+#include <formkit/FtpJobs/ftpjobs.h>
 
-#include <QThread>
 #include <QWidget>
 
 #include <memory>
@@ -19,33 +18,30 @@ class StatementsWindow : public QWidget
 
 public:
     explicit StatementsWindow(QWidget *parent = nullptr);
-    /// Cancels what is under way and waits for it, at most one of the server's time-outs.
     ~StatementsWindow() override;
 
     /// Fills the fields and connects.
-    void open(const StatementsServer &server);
+    void open(const FtpServer &server, const QString &folder);
     /// Fetches the chosen file without asking where to.
     void downloadTo(const QString &localFile);
 
 Q_SIGNALS:
-    /// For the worker's thread.
-    void openRequested(const StatementsServer &server);
-    void downloadRequested(const Statement &statement, const QString &localFile);
     /// The list is there, or the download, or neither.
     void finished();
 
 private:
-    enum Phase { Idle, Connecting, Downloading };
-
-    StatementsServer enteredServer() const;
-    void showStatements(const QVector<Statement> &statements);
-    void showProgress(qint64 received, qint64 total, qint64 elapsed);
+    FtpServer enteredServer() const;
+    void connectToServer();
+    void showStatements(const QVector<FtpEntry> &entries);
+    void showProgress(const FtpProgress &progress);
     void askAndDownload();
-    void enter(Phase phase, const QString &text);
+    const FtpEntry *currentStatement() const;
+    void enter(int job, const QString &text);
     void leave(const QString &text);
 
     std::unique_ptr<Ui::StatementsWindow> m_ui;
-    QThread m_thread;
-    StatementsWorker *m_worker;
-    QVector<Statement> m_statements;
+    FtpJobs m_jobs;
+    int m_job = 0; // under way
+    QVector<FtpEntry> m_statements;
+    QString m_success; // to be told
 };

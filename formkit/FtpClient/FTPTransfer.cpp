@@ -310,4 +310,9 @@ int CFTPClient::Abort() const
     return d->simple(CCommand::ABOR);
 }
 
+void CFTPClient::GiveUp() const
+{
+    d->transfers.giveUp();
+}
+
 } // namespace nsFTP

@@ -2,6 +2,7 @@
 // A program outside the tree that uses each library of an installation once.
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/FtpClient/FTPListParse.h>
+#include <formkit/FtpJobs/ftpjobs.h>
 #include <formkit/formkit_version.h>
 #include <formkit/numbereditor.h>
 #include <formkit/properties.h>
@@ -46,6 +47,13 @@ bool ftpParses()
            status.name == "quotes";
 }
 
+bool ftpJobsWait()
+{
+    FtpJobs jobs;
+    const int id = jobs.list();
+    return jobs.count() == 1 && jobs.state(id) != FtpJobs::Unknown;
+}
+
 bool embeddedHostRefuses()
 {
     EmbeddedHost host;
@@ -59,7 +67,7 @@ static_assert(FORMKIT_VERSION >= FORMKIT_VERSION_CHECK(0, 1, 0), FORMKIT_VERSION
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
-    const bool works = formKitBinds() && ftpParses() && ownClassesWork() && exceptionIsCaught() &&
-                       embeddedHostRefuses();
+    const bool works = formKitBinds() && ftpParses() && ftpJobsWait() && ownClassesWork() &&
+                       exceptionIsCaught() && embeddedHostRefuses();
     return works ? 0 : 1;
 }
