@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Downloads and uploads of 1 GiB over loopback beside curl: same server (vsftpd), same buffer
-// size, in pairs; medians of time and of processor time. An argument sets the number of pairs.
+// Downloads and uploads of 1 GiB over loopback beside curl, in clear and over TLS: same server
+// (vsftpd), same buffer size, in pairs; medians of time and of processor time. An argument sets the
+// number of pairs.
 
 #include "ftpclient/realserver.h"
 
 #include <formkit/FtpClient/FTPClient.h>
+#include <formkit/FtpTls/TlsSocket.h>
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -68,10 +70,10 @@ bool runCurl(const QStringList &arguments)
     return false;
 }
 
-bool runOurs(const RealServer &server, unsigned int bufferSize,
+bool runOurs(const RealServer &server, const CFTPSecurity &security, unsigned int bufferSize,
              const std::function<bool(CFTPClient &)> &work)
 {
-    CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), 30, bufferSize);
+    CFTPClient client(nsSocket::CreateTlsSocketInstance(security), 30, bufferSize);
     client.SetResumeMode(false);
     const bool done = client.Login(server.logon()) && work(client);
     client.Logout();
@@ -104,21 +106,19 @@ void compare(const char *name, int pairs, const std::function<bool()> &ours,
         processorRatios.push_back(mine.processor / other.processor);
     }
     const double mebibytes = double(FileSize) / (1 << 20);
-    std::printf("%-9s formkit %6.0f MiB/s %5.2f s cpu   curl %6.0f MiB/s %5.2f s cpu   "
+    std::printf("%-10s formkit %6.0f MiB/s %5.2f s cpu   curl %6.0f MiB/s %5.2f s cpu   "
                 "throughput %.2f of curl's, processor time %.2f times curl's\n",
                 name, mebibytes / median(times[0]), median(processors[0]),
                 mebibytes / median(times[1]), median(processors[1]), median(timeRatios),
                 median(processorRatios));
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+// Moves the file both ways, in clear or over TLS with the certificates of a folder.
+void measure(const char *name, int pairs, const QString &certificates)
 {
-    const int pairs = argc > 1 ? QByteArray(argv[1]).toInt() : 7;
-    if (QProcess::execute(UNPACK_SCRIPT, {SERVERS_FOLDER}) != 0)
-        qFatal("no server to measure with");
-    const RealServer server("vsftpd");
+    const bool tls = !certificates.isEmpty();
+    const RealServer server(
+        "vsftpd", {tls ? "explicit" : "", tls ? certificates + "/good.pem" : "", "127.0.0.1"});
     if (!server.failure().isEmpty())
         qFatal("%s", qPrintable(server.failure()));
     QFile big(server.path("big"));
@@ -128,6 +128,11 @@ int main(int argc, char **argv)
     while (big.size() < FileSize)
         big.write(block);
     big.close();
+    CFTPSecurity security;
+    security.mode = tls ? CFTPSecurity::Explicit : CFTPSecurity::None;
+    security.caFile = (certificates + "/ca.pem").toStdString();
+    const QStringList secure =
+        tls ? QStringList({"--ssl-reqd", "--cacert", certificates + "/ca.pem"}) : QStringList();
     const QTemporaryDir folder;
     const QString local = folder.filePath("big");
     const QString url = QString("ftp://127.0.0.1:%1/").arg(server.logon().HostPort());
@@ -137,15 +142,28 @@ int main(int argc, char **argv)
     const auto put = [&](CFTPClient &client) {
         return client.UploadFile(local.toStdString(), "up", false, CType::Image, true);
     };
-    compare(
-        "download", pairs, [&] { return runOurs(server, DownloadBuffer, get); },
-        [&] {
-            return runCurl({"-o", local, url + "big"});
-        });
-    compare(
-        "upload", pairs, [&] { return runOurs(server, UploadBuffer, put); },
-        [&] {
-            return runCurl({"-T", local, url + "up"});
-        });
+    compare((name + std::string(" down")).c_str(), pairs,
+            [&] { return runOurs(server, security, DownloadBuffer, get); },
+            [&] {
+                return runCurl(secure + QStringList({"-o", local, url + "big"}));
+            });
+    compare((name + std::string(" up")).c_str(), pairs,
+            [&] { return runOurs(server, security, UploadBuffer, put); },
+            [&] {
+                return runCurl(secure + QStringList({"-T", local, url + "up"}));
+            });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int pairs = argc > 1 ? QByteArray(argv[1]).toInt() : 7;
+    const QTemporaryDir certificates;
+    if (QProcess::execute(UNPACK_SCRIPT, {SERVERS_FOLDER}) != 0 ||
+        QProcess::execute("sh", {DATA_FOLDER "/certificates", certificates.path()}) != 0)
+        qFatal("no server to measure with");
+    measure("clear", pairs, {});
+    measure("TLS", pairs, certificates.path());
     return 0;
 }

@@ -46,6 +46,8 @@ void perform(CFTPClient &client, char operation)
 {
     std::vector<std::shared_ptr<CFTPFileStatus>> entries;
     std::vector<std::string> lines;
+    CFTPFileStatus status;
+    CReply reply;
     COutputStream stream("stream", 100000);
     CLogonInfo logon("host", 21, "user", "password", "account");
     long size = 0;
@@ -72,7 +74,17 @@ void perform(CFTPClient &client, char operation)
             client.SetAcceptOnlyControlPeer(passive);
         },
         [&] { client.Logout(); },
-        [&] { client.Noop(); }};
+        [&] { client.Noop(); },
+        [&] {
+            client.SetExtendedAddresses(passive);
+            client.SetMachineListings(true);
+            client.SetUtf8(true);
+        },
+        [&] {
+            client.MachineStatus("f", status);
+            client.MachineList("", entries, passive);
+            client.SendRaw("SITE x", reply);
+        }};
     operations[std::min<size_t>(operation >> 1 & 15, std::size(operations) - 1)]();
 }
 

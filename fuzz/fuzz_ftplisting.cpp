@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Any bytes, taken as lines of a listing: nothing read beyond a line, no number that overflows,
-// and what a status says agrees with itself.
+// Any bytes, taken as lines of a listing and as a list of features: nothing read beyond a line, no
+// number that overflows, and what a status says agrees with itself.
 
-#include <formkit/FtpClient/FTPListParse.h>
+#include <formkit/FtpClient/FTPFactParse.h>
+#include <formkit/FtpClient/FTPFeatures.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -23,9 +24,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                 status.name.size() > line.size() || !status.path.empty())
                 std::abort();
         }
+        if (CFTPFactParser::ParseEntry(status, line) &&
+            (status.size < -1 || status.name.empty() || status.name.size() >= line.size()))
+            std::abort();
         CFTPFileStatus direct;
         parser.ParseMultiNetListing(direct, line);
         begin = end + 1;
+    }
+    CReply reply;
+    reply.Set("211-" + text);
+    for (const std::string &name : CFTPFeatures(reply).Names()) {
+        if (name.empty() || !CFTPFeatures(reply).Has(name))
+            std::abort();
     }
     return 0;
 }

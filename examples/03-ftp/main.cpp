@@ -2,13 +2,16 @@
 // A small FTP client for the command line: shows what FormKit::FtpJobs asks of its user.
 //
 //     FTP_PASSWORD=… formkit-ftp --user joe list ftp.example.org pub
-//     formkit-ftp --resume get ftp.example.org pub/statement.pdf
+//     formkit-ftp --tls --ca our-ca.pem --resume get ftp.example.org pub/statement.pdf
 //     formkit-ftp --active --firewall USER_WITH_NO_LOGON --firewall-host proxy:2121 put …
 
 #include "progress.h"
 
+#include <formkit/FtpTls/TlsSocket.h>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QTimer>
 
@@ -70,7 +73,7 @@ void addOptions(QCommandLineParser &options)
         "Exit codes:\n"
         "  0  done\n"
         "  1  wrong usage\n"
-        "  2  not logged on: unknown host, no connection, or logon refused\n"
+        "  2  not logged on: unknown host, no connection, not secure, or logon refused\n"
         "  3  failed after the logon\n"
         "  4  interrupted (Ctrl-C)");
     options.addHelpOption();
@@ -80,6 +83,10 @@ void addOptions(QCommandLineParser &options)
         {{"r", "resume"}, "Go on where an earlier transfer ended."},
         {{"A", "ascii"}, "Transfer as text."},
         {{"v", "verbose"}, "Show commands and replies."},
+        {"tls", "Protect all by TLS (AUTH TLS)."},
+        {"implicit-tls", "The same for servers that begin with TLS, mostly on port 990."},
+        {"ca", "Trust the authorities in this PEM file, not the system's.", "file"},
+        {"6", "Connect by IPv6 only."},
         {"timeout", "Seconds for each wait.", "seconds", "30"},
         {"retries", "How often to try again after what may pass.", "number", "4"},
         {"firewall", "How the firewall logs on, for example PROXY_OPEN.", "type"},
@@ -97,6 +104,7 @@ void addOptions(QCommandLineParser &options)
 bool readServer(const QCommandLineParser &options, FtpServer &server)
 {
     Host host;
+    host.port = options.isSet("implicit-tls") ? 990 : 21;
     bool goodTimeout = false;
     bool goodRetries = false;
     server.timeout = options.value("timeout").toUInt(&goodTimeout);
@@ -109,12 +117,29 @@ bool readServer(const QCommandLineParser &options, FtpServer &server)
     return server.timeout > 0 && server.retries >= 0 && readFirewall(options, server.logon);
 }
 
-// The client of the jobs, watched when asked to.
-std::unique_ptr<CFTPClient> makeClient(unsigned int timeout, Conversation *conversation)
+CFTPSecurity securityOf(const QCommandLineParser &options)
 {
-    auto client = std::make_unique<CFTPClient>(nsSocket::CreateDefaultBlockingSocketInstance(),
-                                               timeout, 256 * 1024);
-    if (conversation)
+    CFTPSecurity security;
+    if (options.isSet("implicit-tls"))
+        security.mode = CFTPSecurity::Implicit;
+    else if (!options.isSet("tls"))
+        security.mode = CFTPSecurity::None;
+    security.caFile = QFile::encodeName(options.value("ca")).toStdString();
+    return security;
+}
+
+// A client for the jobs, watched when asked to.
+std::unique_ptr<CFTPClient> makeClient(const QCommandLineParser &options,
+                                       Conversation *conversation)
+{
+    using nsSocket::TAddressFamily;
+    const TAddressFamily family = options.isSet("6") ? TAddressFamily::IPv6 : TAddressFamily::Any;
+    auto client =
+        std::make_unique<CFTPClient>(nsSocket::CreateTlsSocketInstance(securityOf(options), family),
+                                     options.value("timeout").toUInt(), 256 * 1024);
+    client->SetMachineListings(true);
+    client->SetUtf8(true);
+    if (options.isSet("verbose"))
         client->AttachObserver(conversation);
     return client;
 }
@@ -193,8 +218,7 @@ int main(int argc, char **argv)
         options.showHelp(WrongUsage);
 
     Conversation conversation;
-    Conversation *const watcher = options.isSet("verbose") ? &conversation : nullptr;
-    server.makeClient = [&] { return makeClient(server.timeout, watcher); };
+    server.makeClient = [&] { return makeClient(options, &conversation); };
     FtpJobs jobs;
     jobs.setServer(server);
     Progress progress(jobs);

@@ -93,6 +93,14 @@ void Conversation::OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CA
     std::fprintf(stderr, "> %s\n", harmless(QByteArray::fromStdString(text)).constData());
 }
 
+void Conversation::OnSendExtension(const std::string &command, const nsFTP::CArg &arguments)
+{
+    QByteArray text = QByteArray::fromStdString(command);
+    for (const std::string &argument : arguments)
+        text += ' ' + QByteArray::fromStdString(argument);
+    std::fprintf(stderr, "> %s\n", harmless(text).constData());
+}
+
 void Conversation::OnResponse(const nsFTP::CReply &reply)
 {
     std::fprintf(stderr, "< %s\n", harmless(QByteArray::fromStdString(reply.Value())).constData());

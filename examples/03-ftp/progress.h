@@ -26,6 +26,7 @@ class Conversation : public nsFTP::CFTPClient::CNotification
 {
 public:
     void OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments) override;
+    void OnSendExtension(const std::string &command, const nsFTP::CArg &arguments) override;
     void OnResponse(const nsFTP::CReply &reply) override;
 };
 

@@ -12,7 +12,6 @@
 #include <cstring>
 
 #include <fcntl.h>
-#include <netdb.h>
 #include <netinet/tcp.h>
 #include <unistd.h>
 
@@ -28,6 +27,11 @@ constexpr int SendFlags = MSG_NOSIGNAL;
 #else
 constexpr int SendFlags = 0; // SO_NOSIGPIPE is set on the handle instead
 #endif
+
+socklen_t lengthOf(const sockaddr *psa)
+{
+    return psa->sa_family == AF_INET6 ? sizeof(sockaddr_in6) : AddressLength;
+}
 
 bool wouldBlock(int error)
 {
@@ -131,7 +135,11 @@ int CBlockingSocket::descriptor() const
 
 IBlockingSocket *CBlockingSocket::CreateInstance() const
 {
-    auto *instance = new CBlockingSocket;
+    return Equipped(new CBlockingSocket);
+}
+
+IBlockingSocket *CBlockingSocket::Equipped(CBlockingSocket *instance) const
+{
     instance->SetWaitLimit(m_nWaitLimit);
     instance->SetInterruption(m_pInterruption);
     return instance;
@@ -144,8 +152,13 @@ void CBlockingSocket::SetInterruption(const std::shared_ptr<const CInterruption>
 
 void CBlockingSocket::Create(int type)
 {
+    Open(AF_INET, type);
+}
+
+void CBlockingSocket::Open(int family, int type)
+{
     FTP_ASSERT(m_hSocket == INVALID_SOCKET, "m_hSocket==INVALID_SOCKET");
-    const int made = ::socket(AF_INET, type, 0);
+    const int made = ::socket(family, type, 0);
     if (made < 0)
         throw CBlockingSocketException("Create");
     prepare(made);
@@ -156,7 +169,7 @@ void CBlockingSocket::Bind(const sockaddr *psa) const
 {
     const int handle = descriptor();
     FTP_ASSERT(psa, "psa != NULL");
-    if (::bind(handle, psa, AddressLength) != 0)
+    if (::bind(handle, psa, lengthOf(psa)) != 0)
         throw CBlockingSocketException("Bind");
 }
 
@@ -198,7 +211,7 @@ void CBlockingSocket::Connect(const sockaddr *psa) const
 {
     const int handle = descriptor();
     FTP_ASSERT(psa, "psa != NULL");
-    if (::connect(handle, psa, AddressLength) == 0)
+    if (::connect(handle, psa, lengthOf(psa)) == 0)
         return;
     if (errno != EINPROGRESS && errno != EINTR)
         throw CBlockingSocketException("Connect");
@@ -304,13 +317,19 @@ bool CBlockingSocket::CheckReadability() const
     return outcome == SocketWait::Ready;
 }
 
+std::shared_ptr<const addrinfo> CBlockingSocket::LookUp(const char *name, unsigned short port,
+                                                        int family) const
+{
+    addrinfo wanted = {};
+    wanted.ai_family = family;
+    wanted.ai_socktype = SOCK_STREAM;
+    return lookUpHost(name, port, wanted, m_pInterruption, m_nWaitLimit);
+}
+
 sockaddr_in CBlockingSocket::GetHostByName(const char *name, unsigned short port)
 {
     FTP_ASSERT(name, "pchName != NULL");
-    addrinfo wanted = {};
-    wanted.ai_family = AF_INET;
-    wanted.ai_socktype = SOCK_STREAM;
-    const HostAddresses found = lookUpHost(name, wanted, m_pInterruption, m_nWaitLimit);
+    const auto found = LookUp(name, port, AF_INET);
     sockaddr_in first = {};
     std::memcpy(&first, found->ai_addr, sizeof first);
     sockaddr_in address = {};

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPClient_p.h"
-#include "formkit/FtpClient/FTPPassive_p.h"
 #include "formkit/FtpClient/FTPResume_p.h"
 
 #include <QScopeGuard>
@@ -20,6 +19,13 @@ bool CFTPClient::TransferFile(const CFTPClient &source, const std::string &sourc
         source.RepresentationType(representation) != 0 ||
         target.RepresentationType(representation) != 0)
         return false;
+    for (const CFTPClient *client : {&source, &target}) {
+        if (client->d->control.session.protectsData || client->d->control.family() != AF_INET) {
+            client->d->observers.report("Server to server is for IPv4 without protected data.",
+                                        ReportAt::Between);
+            return false;
+        }
+    }
     // The target makes its file before the source is asked for data: better to know first that
     // there is something to send. In ASCII the answer means nothing: many servers refuse it with
     // the code of a missing file.
@@ -40,9 +46,9 @@ bool CFTPClient::agreeOnAddress(const CFTPClient &listening, const CFTPClient &c
     unsigned short port = 0;
     if (listening.Passive(ip, port) != 0)
         return false;
-    sockaddr_in address = addressOf(ip, port);
+    Address address(ip, port);
     return listening.d->choosePassiveAddress(address) &&
-           connecting.DataPort(dotted(address.sin_addr), port) == 0;
+           connecting.DataPort(address.host(), port) == 0;
 }
 
 bool CFTPClient::transferBetween(const CFTPClient &source, const std::string &sourceFile,

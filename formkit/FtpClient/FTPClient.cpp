@@ -4,7 +4,7 @@
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 #include "formkit/FtpClient/FTPLogon_p.h"
-#include "formkit/FtpClient/FTPProtocol_p.h"
+#include "formkit/FtpClient/FTPProtection_p.h"
 
 #include <algorithm>
 
@@ -17,6 +17,15 @@ static_assert(sizeof(long) == sizeof(long long), "sizes beyond 4 GiB travel in a
 namespace {
 
 using Turn = std::lock_guard<std::recursive_mutex>;
+
+bool isSendable(const ControlConnection &control, const Logon &steps)
+{
+    const std::vector<Logon::Command> commands = steps.commands();
+    return control.accepts(steps.host()) &&
+           std::all_of(commands.begin(), commands.end(), [&](const Logon::Command &step) {
+               return control.accepts(step.command, {step.argument});
+           });
+}
 
 } // namespace
 
@@ -34,7 +43,7 @@ bool CFTPClient::Private::isCalledByTransfer() const
     return transfers.isMoving() || (transfers.isRunning() && observers.areTold());
 }
 
-int CFTPClient::Private::simple(const CCommand &command, const CArg &arguments, CReply *replyOut)
+int CFTPClient::Private::simple(const Verb &command, const CArg &arguments, CReply *replyOut)
 {
     const Turn turn(exchange);
     CReply reply;
@@ -131,19 +140,19 @@ bool CFTPClient::Login(const CLogonInfo &logon)
         return false;
     }
     Logon steps(logon);
-    bool sendable = d->control.accepts(steps.host()) &&
-                    d->control.accepts(CCommand::CWD, {d->initialDirectory});
-    for (const Logon::Command &step : steps.commands())
-        sendable = sendable && d->control.accepts(step.command, {step.argument});
-    if (!sendable)
+    if (!d->control.accepts(CCommand::CWD, {d->initialDirectory}) || !isSendable(d->control, steps))
         return false;
 
     if (IsConnected())
         Logout();
+    Protection protection(d->control, d->observers);
     CReply reply;
-    if (!d->control.open(steps.host(), steps.port()) || !d->control.receive(reply))
+    if (!d->control.open(steps.host(), steps.port()) || !protection.beforeGreeting() ||
+        !d->control.receive(reply))
         return false;
     bool goesOn = reply.Code().IsPositiveCompletionReply();
+    if (!protection.afterGreeting(goesOn))
+        return false;
     while (goesOn && !steps.isOver()) {
         const Logon::Command step = steps.command();
         if (!d->control.exchange(step.command, {step.argument}, reply))
@@ -158,7 +167,8 @@ bool CFTPClient::Login(const CLogonInfo &logon)
         return false;
     }
     if (steps.isLoggedOn())
-        return ChangeWorkingDirectory(d->initialDirectory) == 0;
+        return protection.afterLogon() && protection.atTheEnd() && offerUtf8() &&
+               ChangeWorkingDirectory(d->initialDirectory) == 0;
     d->observers.report("Logon failed.", ReportAt::Logon);
     return false;
 }
@@ -290,7 +300,7 @@ int CFTPClient::Allocate(int bytes, const int *recordSize) const
 int CFTPClient::RepresentationType(const CRepresentation &representation, unsigned int size) const
 {
     const Turn turn(d->exchange);
-    if (d->control.representation == representation)
+    if (d->control.session.representation == representation)
         return 0;
     CArg arguments = {representation.Type().AsString()};
     const bool text =
@@ -301,7 +311,7 @@ int CFTPClient::RepresentationType(const CRepresentation &representation, unsign
         arguments.push_back(std::to_string(size == 0 ? 8 : size));
     const int result = d->simple(CCommand::TYPE, arguments);
     if (result == 0)
-        d->control.representation = representation;
+        d->control.session.representation = representation;
     return result;
 }
 

@@ -3,6 +3,7 @@
 
 #include "formkit/FtpClient/BlockingSocket.h"
 #include "formkit/FtpClient/FTPDataTypes.h"
+#include "formkit/FtpClient/FTPFeatures.h"
 #include "formkit/FtpClient/FTPListParse.h"
 #include "formkit/FtpClient/FTPStreams.h"
 #include "formkit/FtpClient/formkitftp_export.h"
@@ -13,6 +14,9 @@
 #include <vector>
 
 namespace nsFTP {
+
+class Address;
+class Verb;
 
 /// A blocking FTP client: one control connection, one data connection at a time.
 ///
@@ -78,6 +82,9 @@ public:
         virtual void OnSendCommand(const CCommand &command, const CArg &arguments);
         /// A complete reply came.
         virtual void OnResponse(const CReply &reply);
+        /// A command that CCommand does not know is about to be sent (AUTH, FEAT, EPSV, MLSD), or a
+        /// raw line, with its secrets.
+        virtual void OnSendExtension(const std::string &command, const CArg &arguments);
 
     private:
         friend class CFTPClient;
@@ -125,6 +132,15 @@ public:
     /// On: only that of the control connection's peer. Others are reported and closed, and the
     /// client waits on until its time-out.
     void SetAcceptOnlyControlPeer(bool only);
+    /// Off at first: on IPv4 the client uses PASV and PORT. On: EPSV and EPRT, until the server
+    /// refuses them, which is remembered for the session. On IPv6 they are used in any case. The
+    /// data connection of EPSV goes to the control connection's peer.
+    void SetExtendedAddresses(bool extended);
+    /// Off at first: List() sends LIST. On: the List() that gives entries sends MLSD when
+    /// Features() has MLST; the parser is then a CFTPFactParser.
+    void SetMachineListings(bool machine);
+    /// Off at first. On: when Features() has UTF8, Login() tells the server that names are UTF-8.
+    void SetUtf8(bool utf8);
     /// True while data are moved.
     bool IsTransferringData() const;
     /// True when the control connection is open, as far as is known.
@@ -182,6 +198,25 @@ public:
     /// positive reply has no number that fits. Many servers refuse SIZE while the type is ASCII.
     int FileSize(const std::string &path, long &size) const;
 
+    // What not every server knows. Features() tells.
+
+    /// Sends FEAT, once a session.
+    int Features(CFTPFeatures &features) const;
+    /// Sends a line as it stands and reads its reply; true when a reply with a code came. Lines
+    /// that begin with AUTH, PBSZ, PROT, CCC, REIN and QUIT are refused: the client keeps account
+    /// of these.
+    bool SendRaw(const std::string &line, CReply &reply) const;
+    /// As above, with the part of a second that servers may tell.
+    int FileModificationTime(const std::string &path, long long &seconds, long &nanoseconds) const;
+    /// Sends MFMT: seconds since 1970-01-01 UTC, from the years 1000 to 9999.
+    int SetFileModificationTime(const std::string &path, long long seconds) const;
+    /// Sends MLST for one file or directory. Gives -1, and sets nothing, when a positive reply has
+    /// no entry.
+    int MachineStatus(const std::string &path, CFTPFileStatus &status) const;
+    /// MLSD, in ASCII: the entries of a directory as CFTPFactParser reads them.
+    bool MachineList(const std::string &path, std::vector<std::shared_ptr<CFTPFileStatus>> &result,
+                     bool passive) const;
+
     /// LIST and NLST, in ASCII. A list that fails leaves the result as it was. Lines that the
     /// parser does not understand are left out; a result of strings has all lines but empty ones,
     /// without line ends. Many servers take a path with a blank for several paths, and one with a
@@ -204,8 +239,7 @@ public:
     /// With resume mode on, a download in Image or LocalByte continues after the local file's last
     /// byte; text is fetched from the beginning.
     /// - The download fails, and leaves the local file as it was, when that is longer than the
-    ///   remote file or than 4,294,967,295 bytes, and when the server does not agree to REST (350
-    ///   agrees, 202 does not).
+    ///   remote file, and when the server does not agree to REST (350 agrees, 202 does not).
     /// - A server that agrees to REST may send the file from its beginning all the same. The
     ///   download then fails, and the local file is cut back to its former length. The sizes show
     ///   this: the client does not notice when the server has no SIZE or the data break off early.
@@ -233,7 +267,8 @@ public:
     bool UploadFile(const CFTPClient &sourceClient, const std::string &sourceFile,
                     const std::string &targetFile, const CRepresentation &representation,
                     bool passive) const;
-    /// Lets one server send a file straight to another, from its beginning. passive: the source
+    /// Lets one server send a file straight to another, from its beginning; on IPv4 and without
+    /// protected data only, since servers know no other way. passive: the source
     /// listens and the target connects; else the other way round. Both clients must be logged on,
     /// and their time-outs must be longer than the whole transfer, which Abort() does not end.
     /// Many servers refuse such transfers. In Image and LocalByte the client asks the source for
@@ -297,10 +332,19 @@ private:
     struct Private;
     class DataCommand;
 
-    bool execute(const CCommand &command, const std::string &path,
-                 const CRepresentation &representation, bool passive, unsigned int offset,
+    bool execute(const Verb &command, const std::string &path,
+                 const CRepresentation &representation, bool passive, long long offset,
                  ITransferNotification &notification) const;
-    bool begin(const CCommand &command, const std::string &path, unsigned int offset) const;
+    bool begin(const Verb &command, const std::string &path, long long offset) const;
+    bool openPassive(nsSocket::IBlockingSocket &dataSocket, const Verb &command,
+                     const std::string &path, long long offset) const;
+    bool openActive(nsSocket::IBlockingSocket &dataSocket, const Verb &command,
+                    const std::string &path, long long offset) const;
+    bool askForAddress(Address &address) const;
+    int tellAddress(const Address &address) const;
+    int restart(long long position) const;
+    bool supports(const char *extension) const;
+    bool offerUtf8() const;
     bool listLines(const CCommand &command, const std::string &path,
                    std::vector<std::string> &result, bool passive) const;
     bool openLocal(CFile &file, CFile::TDirection direction) const;

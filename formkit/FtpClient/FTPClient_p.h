@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "formkit/FtpClient/FTPAddress_p.h"
 #include "formkit/FtpClient/FTPControl_p.h"
 #include "formkit/FtpClient/FTPTransferState_p.h"
 
@@ -12,13 +13,15 @@ struct CFTPClient::Private
             unsigned int bufferSize, const std::string &directory);
 
     /// Sends a command and reads one reply. When that announces another one, that is owed.
-    int simple(const CCommand &command, const CArg &arguments = {}, CReply *reply = nullptr);
+    int simple(const Verb &command, const CArg &arguments = {}, CReply *reply = nullptr);
     /// True within calls of observers and streams during a transfer. A command would then take
     /// the replies of the transfer.
     bool isCalledByTransfer() const;
     /// Of the control socket's kind; null, and reported, when there is none.
     std::unique_ptr<nsSocket::IBlockingSocket> newSocket(ReportAt place);
-    bool choosePassiveAddress(sockaddr_in &address);
+    bool choosePassiveAddress(Address &address);
+    bool findPeer(Address &peer);
+    Address acceptedFrom(const sockaddr_in &peer, nsSocket::IBlockingSocket &dataSocket);
     bool accept(nsSocket::IBlockingSocket &listener, nsSocket::IBlockingSocket &dataSocket);
     int receiveBlock(nsSocket::IBlockingSocket &dataSocket);
     bool breakOff(const nsSocket::CBlockingSocketException &exception,
@@ -34,6 +37,9 @@ struct CFTPClient::Private
     std::atomic<bool> resume{true};
     TPassiveAddress passivePolicy = TPassiveAddress::Use;
     bool acceptOnlyControlPeer = false;
+    bool extendedAddresses = false;
+    bool machineListings = false;
+    bool utf8 = false;
     /// Held during each exchange of command and reply, so that Abort() from another thread sends
     /// nothing then.
     std::recursive_mutex exchange;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpClient/FTPControl_p.h"
 
-#include "formkit/FtpClient/FTPProtocol_p.h"
+#include "formkit/FtpClient/FTPAddress_p.h"
 #include "formkit/FtpClient/FTPTransferState_p.h"
+#include "formkit/FtpClient/InternetSocket.h"
 
 #include <QScopeGuard>
 
@@ -52,9 +53,7 @@ bool ControlConnection::open(const std::string &host, unsigned short port)
     try {
         m_socket->SetWaitLimit(timeout());
         m_socket->SetInterruption(m_transfers.interruption());
-        m_socket->Create(SOCK_STREAM);
-        const sockaddr_in address = m_socket->GetHostByName(host.c_str(), port);
-        m_socket->Connect(reinterpret_cast<const sockaddr *>(&address));
+        connect(host, port);
     } catch (const CBlockingSocketException &exception) {
         m_observers.report(exception, ReportAt::OpenControl);
         return false;
@@ -62,6 +61,20 @@ bool ControlConnection::open(const std::string &host, unsigned short port)
     failed.dismiss();
     m_unanswered = 1; // the greeting
     return true;
+}
+
+void ControlConnection::connect(const std::string &host, unsigned short port)
+{
+    m_host = host;
+    m_family = AF_INET;
+    if (auto *internet = dynamic_cast<nsSocket::IInternetSocket *>(m_socket.get())) {
+        internet->ConnectToHost(host.c_str(), port);
+        m_family = Address::peerOf(*m_socket).family();
+        return;
+    }
+    m_socket->Create(SOCK_STREAM);
+    const sockaddr_in address = m_socket->GetHostByName(host.c_str(), port);
+    m_socket->Connect(reinterpret_cast<const sockaddr *>(&address));
 }
 
 void ControlConnection::close()
@@ -78,7 +91,7 @@ void ControlConnection::close()
 void ControlConnection::drop()
 {
     m_socket->Cleanup();
-    representation.reset();
+    session = {};
     m_lines.clear();
     m_partialLine.clear();
     m_partialReply.clear();
@@ -86,6 +99,56 @@ void ControlConnection::drop()
     m_unanswered = 0;
     m_abandoned = 0;
     m_afterAbort = false;
+}
+
+nsSocket::ISecureSocket *ControlConnection::secure() const
+{
+    return dynamic_cast<nsSocket::ISecureSocket *>(m_socket.get());
+}
+
+bool ControlConnection::startTls()
+{
+    // Text that came in clear must not be taken for the server's protected replies.
+    if (!m_lines.empty() || !m_partialLine.empty()) {
+        const auto reported = qScopeGuard([this] { drop(); });
+        m_observers.report("The server sent text in clear before TLS began.", ReportAt::Security);
+        return false;
+    }
+    try {
+        secure()->StartTls(m_host, timeout());
+        return true;
+    } catch (const CBlockingSocketException &exception) {
+        breakOff(exception, ReportAt::Security);
+        return false;
+    }
+}
+
+bool ControlConnection::protect(nsSocket::IBlockingSocket &dataSocket)
+{
+    auto *const target = dynamic_cast<nsSocket::ISecureSocket *>(&dataSocket);
+    if (!session.protectsData)
+        return true;
+    try {
+        if (target)
+            target->StartTls(m_host, timeout());
+        else
+            m_observers.report("The data socket has no TLS.", ReportAt::Security);
+        return target != nullptr;
+    } catch (const CBlockingSocketException &exception) {
+        m_observers.report(exception, ReportAt::Security);
+        return false;
+    }
+}
+
+bool ControlConnection::endTls()
+{
+    try {
+        secure()->EndTls(timeout());
+        return true;
+    } catch (const CBlockingSocketException &exception) {
+        breakOff(exception, ReportAt::Security);
+        return false;
+    }
 }
 
 void ControlConnection::breakOff(const CBlockingSocketException &exception, ReportAt place)
@@ -244,7 +307,7 @@ bool ControlConnection::receive(CReply &reply)
     return false;
 }
 
-bool ControlConnection::receiveFor(const CCommand &command, CReply &reply)
+bool ControlConnection::receiveFor(const Verb &command, CReply &reply)
 {
     if (!receive(reply))
         return false;
@@ -256,7 +319,7 @@ bool ControlConnection::receiveFor(const CCommand &command, CReply &reply)
     return false;
 }
 
-bool ControlConnection::exchange(const CCommand &command, const CArg &arguments, CReply &reply)
+bool ControlConnection::exchange(const Verb &command, const CArg &arguments, CReply &reply)
 {
     return send(command, arguments) && receiveFor(command, reply);
 }
@@ -274,11 +337,11 @@ void ControlConnection::abort()
         isPreliminary = readReply(reply, latest) && reply.Code().IsPositivePreliminaryReply();
 }
 
-bool ControlConnection::accepts(const CCommand &command, const CArg &arguments) const
+bool ControlConnection::accepts(const Verb &command, const CArg &arguments) const
 {
     if (std::none_of(arguments.begin(), arguments.end(), hasLineBreakOrNul))
         return true;
-    m_observers.report("Line break or NUL in an argument of " + command.AsString() + ".",
+    m_observers.report("Line break or NUL in an argument of " + command.name() + ".",
                        ReportAt::Argument);
     return false;
 }
@@ -291,11 +354,16 @@ bool ControlConnection::accepts(const std::string &host) const
     return false;
 }
 
-bool ControlConnection::write(const CCommand &command, const CArg &arguments)
+bool ControlConnection::write(const Verb &command, const CArg &arguments)
 {
-    m_observers.tell([&](CFTPClient::CNotification &o) { o.OnSendCommand(command, arguments); });
+    m_observers.tell([&](CFTPClient::CNotification &o) {
+        if (command.known())
+            o.OnSendCommand(*command.known(), arguments);
+        else
+            o.OnSendExtension(command.name(), arguments);
+    });
     try {
-        const std::string line = command.AsString(arguments) + LineEnd;
+        const std::string line = command.line(arguments) + LineEnd;
         m_socket->Write(line.data(), int(line.size()), timeout());
     } catch (const CBlockingSocketException &exception) {
         breakOff(exception, ReportAt::Send);
@@ -305,12 +373,16 @@ bool ControlConnection::write(const CCommand &command, const CArg &arguments)
     return true;
 }
 
-bool ControlConnection::send(const CCommand &command, const CArg &arguments)
+bool ControlConnection::send(const Verb &command, const CArg &arguments)
 {
     if (!isOpen() || !accepts(command, arguments) || !settle())
         return false;
+    if (command == CCommand::REIN && secure() && secure()->IsTls()) {
+        m_observers.report("REIN would end the protection: log out instead.", ReportAt::Security);
+        return false;
+    }
     if (command == CCommand::TYPE || command == CCommand::REIN)
-        representation.reset();
+        session.representation.reset();
     return write(command, arguments);
 }
 

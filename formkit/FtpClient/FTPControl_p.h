@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "formkit/FtpClient/FTPFeatures.h"
 #include "formkit/FtpClient/FTPObservers_p.h"
+#include "formkit/FtpClient/FTPProtocol_p.h"
+#include "formkit/FtpClient/SecureSocket.h"
 
 #include <chrono>
 #include <deque>
@@ -16,6 +19,20 @@ struct ControlTimes
 {
     unsigned int receiveTimeout; ///< for each wait
     unsigned int responseDelay;  ///< to sleep after every receive
+};
+
+/// What is known of a session, and forgotten at its end.
+struct SessionState
+{
+    /// What TYPE set; empty when that is not known.
+    std::optional<CRepresentation> representation;
+    /// The reply to FEAT; empty when it was not asked for.
+    std::optional<CFTPFeatures> features;
+    /// The server has refused these, and is not asked again.
+    bool refusesEpsv = false;
+    bool refusesEprt = false;
+    /// Data connections go over TLS.
+    bool protectsData = false;
 };
 
 /// A control connection: sends commands, reads replies, and keeps each reply with its command.
@@ -45,19 +62,31 @@ public:
     /// Connects; the greeting is then owed.
     bool open(const std::string &host, unsigned short port);
     void close();
+    /// The family of the peer's address.
+    int family() const { return m_family; }
+
+    /// Null when the socket cannot be protected.
+    nsSocket::ISecureSocket *secure() const;
+    /// Protects this connection or ends that; the socket must be a secure one. False, reported and
+    /// closed when the peer is not whom the host's name says.
+    bool startTls();
+    bool endTls();
+    /// Protects a connected data socket, when the session's are. False, and reported, when it
+    /// cannot.
+    bool protect(nsSocket::IBlockingSocket &dataSocket);
 
     /// False, and reported, when a text has a line break or NUL.
-    bool accepts(const CCommand &command, const CArg &arguments) const;
+    bool accepts(const Verb &command, const CArg &arguments) const;
     bool accepts(const std::string &host) const;
 
     /// Sends a command.
-    bool send(const CCommand &command, const CArg &arguments);
+    bool send(const Verb &command, const CArg &arguments);
     /// Reads one reply; true when it has a code.
     bool receive(CReply &reply);
     /// The same, but a reply that cannot answer the command is reported, closes the session and
     /// gives false.
-    bool receiveFor(const CCommand &command, CReply &reply);
-    bool exchange(const CCommand &command, const CArg &arguments, CReply &reply);
+    bool receiveFor(const Verb &command, CReply &reply);
+    bool exchange(const Verb &command, const CArg &arguments, CReply &reply);
     /// Sends ABOR and reads its reply, or that of the aborted command.
     void abort();
 
@@ -65,11 +94,11 @@ public:
     void abandonReplies() { m_abandoned = m_unanswered; }
     bool isOwedReplies() const { return m_unanswered > 0; }
 
-    /// What TYPE set; empty when that is not known, as after the end of a session.
-    std::optional<CRepresentation> representation;
+    SessionState session;
 
 private:
     void drop();
+    void connect(const std::string &host, unsigned short port);
     void breakOff(const nsSocket::CBlockingSocketException &exception, ReportAt place);
     bool limitPassed(size_t lines, size_t bytes);
     bool receiveText();
@@ -78,7 +107,7 @@ private:
     bool takeReply(CReply &reply);
     bool readReply(CReply &reply, Clock::time_point latest = Clock::time_point::max());
     Clock::time_point deadline() const;
-    bool write(const CCommand &command, const CArg &arguments);
+    bool write(const Verb &command, const CArg &arguments);
     bool settle();
     bool readOwed(bool untilPwd);
 
@@ -87,6 +116,8 @@ private:
     const TransferState &m_transfers;
     std::vector<char> &m_buffer;
     const ControlTimes m_times;
+    std::string m_host;
+    int m_family = AF_INET;
 
     /// What was received and not yet read: whole lines, the text after the last line feed, and the
     /// first lines of a reply whose rest had not come when a wait timed out.

@@ -8,7 +8,7 @@ namespace nsFTP {
 void CFTPFileStatus::Reset()
 {
     // Cleared in place: strings keep their memory for the next line.
-    for (std::string *text : {&name, &path, &attributes, &owner, &group, &links, &id})
+    for (std::string *text : {&name, &path, &attributes, &owner, &group, &links, &id, &line})
         text->clear();
     tryCwd = false;
     tryRetrieve = false;

@@ -5,7 +5,6 @@
 #include "formkit/FtpClient/FTPResume_p.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace nsFTP {
 
@@ -13,6 +12,8 @@ bool CFTPClient::List(const std::string &path, std::vector<std::shared_ptr<CFTPF
                       bool passive) const
 {
     FTP_ASSERT(d->parser.get(), "m_apFileListParser.get()");
+    if (d->machineListings && supports("MLST"))
+        return MachineList(path, result, passive);
     COutputStream stream(CCommand(CCommand::LIST).AsString());
     if (!ExecuteDatachannelCommand(CCommand::LIST, path, CType::ASCII, passive, 0, stream))
         return false;
@@ -93,14 +94,13 @@ bool CFTPClient::DownloadFile(const std::string &remoteFile, ITransferNotificati
         d->observers.report("The local file is longer than the remote one.", ReportAt::Offset);
         return false;
     }
-    if (offset > std::numeric_limits<unsigned int>::max() ||
-        !notification.SetLocalStreamOffset(offset)) {
+    if (!notification.SetLocalStreamOffset(offset)) {
         d->observers.report("Cannot resume at " + std::to_string(offset) + ".", ReportAt::Offset);
         return false;
     }
     CountedDownload download(notification, offset, isBinary(representation) ? remoteSize : -1);
-    const bool good = execute(CCommand::RETR, remoteFile, representation, passive,
-                              static_cast<unsigned int>(offset), download);
+    const bool good =
+        execute(CCommand::RETR, remoteFile, representation, passive, offset, download);
     if (download.beganAgain(good)) {
         d->observers.report("The server ignores REST: the local file is left as it was.",
                             ReportAt::Offset);

@@ -47,8 +47,11 @@ public:
     std::string group;
     std::string links;
     int idType = idUnknown;
-    /// EPLF's unique identifier.
+    /// The unique identifier that EPLF and MLSD have.
     std::string id;
+    /// The line as the server sent it, without its line end; set by CFTPClient, by no parser. Not
+    /// compared.
+    std::string line;
 };
 
 /// Reads one line of a directory listing.

@@ -22,6 +22,7 @@ FileStatuses entriesOf(COutputStream &listing, IFileListParser &parser, const st
         auto status = std::make_shared<CFTPFileStatus>();
         if (parser.Parse(*status, line)) {
             status->path = path;
+            status->line = std::move(line);
             entries.push_back(std::move(status));
         }
     }

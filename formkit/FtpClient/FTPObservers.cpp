@@ -46,6 +46,11 @@ void CFTPClient::CNotification::OnSendCommand(const CCommand & /*command*/,
 
 void CFTPClient::CNotification::OnResponse(const CReply & /*reply*/) {}
 
+void CFTPClient::CNotification::OnSendExtension(const std::string & /*command*/,
+                                                const CArg & /*arguments*/)
+{
+}
+
 void Observers::report(const std::string &message, ReportAt place) const
 {
     tell([&](CNotification &o) { o.OnInternalError(message, SourceName, int(place)); });

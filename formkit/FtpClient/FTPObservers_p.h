@@ -11,6 +11,7 @@ namespace nsFTP {
 enum class ReportAt {
     OpenControl = 410,
     CloseControl = 432,
+    Security = 440,
     Logon = 532,
     Send = 601,
     Argument = 612,

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include <arpa/inet.h>
-
 namespace nsFTP {
 
 namespace {
@@ -62,25 +60,31 @@ bool readPassiveAddress(const std::string &reply, unsigned int &ipAddress, unsig
     return false;
 }
 
-sockaddr_in addressOf(unsigned int ipAddress, unsigned short port)
+bool readExtendedPort(const std::string &reply, unsigned short &port)
 {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(ipAddress);
-    return address;
+    // Any character may stand between the fields, three times before the port and once after it.
+    for (size_t open = reply.find('('); open != std::string::npos;
+         open = reply.find('(', open + 1)) {
+        const std::string_view text = std::string_view(reply).substr(open + 1);
+        const size_t end = text.size() < 5 ? 0 : std::min(text.find(text[0], 3), text.size());
+        unsigned long number = 0;
+        size_t i = 3;
+        for (; i < end && isDigit(text[i]) && number <= 65535; ++i)
+            number = number * 10 + unsigned(text[i] - '0');
+        const bool framed =
+            end > 3 && end < text.size() && text[1] == text[0] && text[2] == text[0];
+        if (framed && i == end && number > 0 && number <= 65535) {
+            port = static_cast<unsigned short>(number);
+            return true;
+        }
+    }
+    return false;
 }
 
-sockaddr *generic(sockaddr_in *address)
+std::string extendedArgument(const Address &address)
 {
-    return reinterpret_cast<sockaddr *>(address);
-}
-
-std::string dotted(in_addr address)
-{
-    char text[INET_ADDRSTRLEN] = {};
-    ::inet_ntop(AF_INET, &address, text, sizeof text);
-    return text;
+    return (address.family() == AF_INET6 ? "|2|" : "|1|") + address.host() + "|" +
+           std::to_string(address.port()) + "|";
 }
 
 } // namespace nsFTP

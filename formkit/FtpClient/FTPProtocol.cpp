@@ -5,6 +5,7 @@
 #include "formkit/FtpClient/FTPListParse.h"
 
 #include <algorithm>
+#include <ctime>
 
 namespace nsFTP {
 
@@ -24,7 +25,62 @@ int leadingNumber(const std::string &line)
     return value;
 }
 
+// Of what follows the seconds: ".25" is a quarter of a second. Digits past the ninth are dropped.
+long fractionOf(std::string_view text)
+{
+    long nanoseconds = 0;
+    if (text.empty() || text.front() != '.')
+        return 0;
+    long unit = 100000000;
+    for (size_t i = 1; i < text.size() && isDigit(text[i]); ++i, unit /= 10)
+        nanoseconds += unit * (text[i] - '0');
+    return nanoseconds;
+}
+
 } // namespace
+
+std::string Verb::line(const CArg &arguments) const
+{
+    if (m_command)
+        return m_command->AsString(arguments);
+    std::string text = m_name;
+    for (const std::string &argument : arguments)
+        text += argument.empty() ? "" : " " + argument;
+    return text;
+}
+
+std::string_view nextLine(std::string_view &text)
+{
+    const size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (!line.empty() && line.back() == '\r')
+        line.remove_suffix(1);
+    return line;
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    const size_t begin = std::min(text.find_first_not_of(' '), text.size());
+    const size_t end = text.find_last_not_of(' ') + 1; // 0 for none
+    return text.substr(begin, std::max(begin, end) - begin);
+}
+
+std::string upper(std::string_view text)
+{
+    std::string result(text);
+    for (char &c : result)
+        c = c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c;
+    return result;
+}
+
+std::string lower(std::string_view text)
+{
+    std::string result(text);
+    for (char &c : result)
+        c = c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+    return result;
+}
 
 bool hasLineBreakOrNul(const std::string &text)
 {
@@ -46,11 +102,11 @@ bool closesMultiLine(const std::string &line, const std::string &firstLine)
     return line.size() >= 4 && line[3] == ' ' && leadingNumber(line) == leadingNumber(firstLine);
 }
 
-bool mayAnswer(const CReply &reply, CCommand::TCommandEnum command)
+bool mayAnswer(const CReply &reply, const Verb &command)
 {
     using C = CCommand;
     const std::string &code = reply.Code().Value();
-    if (command == C::SITE || command == C::HELP)
+    if (!command.known() || command == C::SITE || command == C::HELP)
         return true;
     if (code == "257")
         return command == C::PWD || command == C::MKD;
@@ -70,7 +126,7 @@ std::string_view valueOf(const CReply &reply)
     return text.substr(std::min(text.find_first_not_of(' '), text.size()));
 }
 
-bool readTime(std::string_view text, long long &seconds)
+bool readTime(std::string_view text, long long &seconds, long *nanoseconds)
 {
     long parts[6] = {};
     constexpr size_t lengths[6] = {4, 2, 2, 2, 2, 2};
@@ -87,7 +143,20 @@ bool readTime(std::string_view text, long long &seconds)
         return false;
     seconds = Calendar::secondsOf(parts[0], parts[1] - 1, parts[2]) + parts[3] * 3600 +
               parts[4] * 60 + parts[5];
+    if (nanoseconds)
+        *nanoseconds = fractionOf(text);
     return true;
+}
+
+std::string timeText(long long seconds)
+{
+    const std::time_t time = seconds;
+    std::tm parts = {};
+    char text[32] = {};
+    const bool known = ::gmtime_r(&time, &parts) && parts.tm_year + 1900 >= 1000;
+    if (known && parts.tm_year + 1900 <= 9999)
+        std::strftime(text, sizeof text, "%Y%m%d%H%M%S", &parts);
+    return text;
 }
 
 } // namespace nsFTP

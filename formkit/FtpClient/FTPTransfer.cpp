@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "formkit/FtpClient/FTPAddress_p.h"
 #include "formkit/FtpClient/FTPAssert_p.h"
 #include "formkit/FtpClient/FTPClient_p.h"
 #include "formkit/FtpClient/FTPPassive_p.h"
 
 #include <algorithm>
 #include <chrono>
+
+#include <arpa/inet.h>
 
 using nsSocket::CBlockingSocketException;
 using nsSocket::IBlockingSocket;
@@ -37,29 +40,74 @@ std::unique_ptr<IBlockingSocket> CFTPClient::Private::newSocket(ReportAt place)
 }
 
 // Decides by the policy where to connect to, given the address in the reply to PASV.
-bool CFTPClient::Private::choosePassiveAddress(sockaddr_in &address)
+bool CFTPClient::Private::choosePassiveAddress(Address &address)
 {
     if (passivePolicy == TPassiveAddress::Use) {
-        // "This network": the system would take 0.0.0.0 for the machine itself.
-        const bool isAddress = ntohl(address.sin_addr.s_addr) >> 24 != 0;
-        if (!isAddress)
+        if (address.isThisNetwork())
             observers.report("No address in the reply to PASV.", ReportAt::Passive);
-        return isAddress;
+        return !address.isThisNetwork();
     }
-    sockaddr_in peer = {};
+    Address peer;
+    if (!findPeer(peer))
+        return false;
+    if (passivePolicy == TPassiveAddress::Refuse && !address.isSameHost(peer)) {
+        observers.report("Foreign address in the reply to PASV.", ReportAt::Passive);
+        return false;
+    }
+    peer.setPort(address.port());
+    address = peer;
+    return true;
+}
+
+// The control connection's.
+bool CFTPClient::Private::findPeer(Address &peer)
+{
     try {
-        control.socket().GetPeerAddr(generic(&peer));
+        peer = Address::peerOf(control.socket());
+        return true;
     } catch (const CBlockingSocketException &exception) {
         observers.report(exception, ReportAt::Passive);
         return false;
     }
-    if (passivePolicy == TPassiveAddress::Refuse &&
-        address.sin_addr.s_addr != peer.sin_addr.s_addr) {
-        observers.report("Foreign address in the reply to PASV.", ReportAt::Passive);
-        return false;
+}
+
+// Asks the server where it listens, by EPSV or PASV.
+bool CFTPClient::askForAddress(Address &address) const
+{
+    const bool onlyExtended = d->control.family() == AF_INET6;
+    if (onlyExtended || (d->extendedAddresses && !d->control.session.refusesEpsv)) {
+        CReply reply;
+        unsigned short port = 0;
+        const int result = d->simple("EPSV", {}, &reply);
+        if (result == 0) {
+            const bool found = readExtendedPort(reply.Value(), port) && d->findPeer(address);
+            address.setPort(port);
+            return found;
+        }
+        if (onlyExtended || result != 1)
+            return false;
+        d->control.session.refusesEpsv = reply.Code().IsPermanentNegativeReply();
     }
-    address.sin_addr = peer.sin_addr;
-    return true;
+    unsigned int ip = 0;
+    unsigned short port = 0;
+    if (Passive(ip, port) != 0)
+        return false;
+    address = Address(ip, port);
+    return d->choosePassiveAddress(address);
+}
+
+// Tells the server where the client listens, by EPRT or PORT.
+int CFTPClient::tellAddress(const Address &address) const
+{
+    const bool onlyExtended = address.family() == AF_INET6;
+    if (onlyExtended || (d->extendedAddresses && !d->control.session.refusesEprt)) {
+        CReply reply;
+        const int result = d->simple("EPRT", {extendedArgument(address)}, &reply);
+        if (onlyExtended || result != 1)
+            return result;
+        d->control.session.refusesEprt = reply.Code().IsPermanentNegativeReply();
+    }
+    return DataPort(address.host(), address.port());
 }
 
 int CFTPClient::DataPort(const std::string &hostIp, unsigned short port) const
@@ -72,6 +120,11 @@ int CFTPClient::DataPort(const std::string &hostIp, unsigned short port) const
 
 int CFTPClient::Restart(unsigned int position) const
 {
+    return restart(position);
+}
+
+int CFTPClient::restart(long long position) const
+{
     CReply reply;
     const int result = d->simple(CCommand::REST, {std::to_string(position)}, &reply);
     // "Not implemented, superfluous" is positive, and yet no agreement.
@@ -81,13 +134,13 @@ int CFTPClient::Restart(unsigned int position) const
 }
 
 // Sends REST when a restart is wanted, then the command; true when the server is about to transfer.
-bool CFTPClient::begin(const CCommand &command, const std::string &path, unsigned int offset) const
+bool CFTPClient::begin(const Verb &command, const std::string &path, long long offset) const
 {
     const bool restarts =
         command == CCommand::RETR || command == CCommand::STOR || command == CCommand::APPE;
     if (d->transfers.isAbortRequested())
         return false;
-    if (d->resume && offset != 0 && restarts && Restart(offset) != 0) {
+    if (d->resume && offset != 0 && restarts && restart(offset) != 0) {
         // A REST that was not answered may still take effect, on a later transfer.
         if (d->control.isOwedReplies())
             d->control.close();
@@ -101,51 +154,67 @@ bool CFTPClient::OpenPassiveDataConnection(IBlockingSocket &dataSocket, const CC
                                            const std::string &path, unsigned int offset) const
 {
     FTP_ASSERT(command.IsDatachannelCommand(), "false");
-    unsigned int ip = 0;
-    unsigned short port = 0;
-    if (Passive(ip, port) != 0)
-        return false;
-    sockaddr_in address = addressOf(ip, port);
-    if (!d->choosePassiveAddress(address))
+    return openPassive(dataSocket, command, path, offset);
+}
+
+bool CFTPClient::openPassive(IBlockingSocket &dataSocket, const Verb &command,
+                             const std::string &path, long long offset) const
+{
+    Address address;
+    if (!askForAddress(address))
         return false;
     try {
         dataSocket.SetWaitLimit(d->control.timeout());
-        dataSocket.Create(SOCK_STREAM);
-        dataSocket.Connect(generic(&address));
+        createFor(dataSocket, address.family());
+        dataSocket.Connect(address.generic());
     } catch (const CBlockingSocketException &exception) {
         d->observers.report(exception, ReportAt::Passive);
         dataSocket.Cleanup();
         return false;
     }
-    return begin(command, path, offset);
+    return begin(command, path, offset) && d->control.protect(dataSocket);
 }
 
 bool CFTPClient::OpenActiveDataConnection(IBlockingSocket &dataSocket, const CCommand &command,
                                           const std::string &path, unsigned int offset) const
 {
     FTP_ASSERT(command.IsDatachannelCommand(), "false");
+    return openActive(dataSocket, command, path, offset);
+}
+
+bool CFTPClient::openActive(IBlockingSocket &dataSocket, const Verb &command,
+                            const std::string &path, long long offset) const
+{
     if (!IsConnected())
         return false;
-    IBlockingSocket &control = d->control.socket();
     const std::unique_ptr<IBlockingSocket> listener = d->newSocket(ReportAt::Active);
     if (!listener)
         return false;
     try {
         listener->SetWaitLimit(d->control.timeout());
-        listener->Create(SOCK_STREAM);
-        sockaddr_in any = addressOf(INADDR_ANY, 0);
-        listener->Bind(generic(&any));
-        sockaddr_in listening = {};
-        listener->GetSockAddr(generic(&listening));
+        createFor(*listener, d->control.family());
+        listener->Bind(Address::any(d->control.family()).generic());
+        const Address listening = Address::ownOf(*listener);
         listener->Listen();
-        sockaddr_in own = {};
-        control.GetSockAddr(generic(&own));
-        return DataPort(dotted(own.sin_addr), ntohs(listening.sin_port)) == 0 &&
-               begin(command, path, offset) && d->accept(*listener, dataSocket);
+        Address own = Address::ownOf(d->control.socket());
+        own.setPort(listening.port());
+        return tellAddress(own) == 0 && begin(command, path, offset) &&
+               d->accept(*listener, dataSocket) && d->control.protect(dataSocket);
     } catch (const CBlockingSocketException &exception) {
         d->observers.report(exception, ReportAt::Active);
         listener->Cleanup();
         return false;
+    }
+}
+
+// The other end of a data connection that was accepted.
+Address CFTPClient::Private::acceptedFrom(const sockaddr_in &peer, IBlockingSocket &dataSocket)
+{
+    try {
+        return control.family() == AF_INET6 ? Address::peerOf(dataSocket)
+                                            : Address(ntohl(peer.sin_addr.s_addr), 0);
+    } catch (const CBlockingSocketException &) {
+        return {}; // it has gone already
     }
 }
 
@@ -155,15 +224,14 @@ bool CFTPClient::Private::accept(IBlockingSocket &listener, IBlockingSocket &dat
 {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::seconds(control.timeout());
-    sockaddr_in wanted = {};
-    if (acceptOnlyControlPeer)
-        control.socket().GetPeerAddr(generic(&wanted));
+    const Address wanted = acceptOnlyControlPeer ? Address::peerOf(control.socket()) : Address();
     for (;;) {
-        sockaddr_in peer = {};
-        if (listener.Accept(dataSocket, generic(&peer))) {
-            if (!acceptOnlyControlPeer || peer.sin_addr.s_addr == wanted.sin_addr.s_addr)
+        sockaddr_in psa = {};
+        if (listener.Accept(dataSocket, reinterpret_cast<sockaddr *>(&psa))) {
+            const Address peer = acceptedFrom(psa, dataSocket);
+            if (!acceptOnlyControlPeer || peer.isSameHost(wanted))
                 return true;
-            observers.report("Data connection from " + dotted(peer.sin_addr) + " turned away.",
+            observers.report("Data connection from " + peer.host() + " turned away.",
                              ReportAt::ForeignPeer);
             dataSocket.Cleanup();
         }
@@ -185,8 +253,8 @@ bool CFTPClient::ExecuteDatachannelCommand(const CCommand &command, const std::s
     return scope.entered() && execute(command, path, representation, passive, offset, notification);
 }
 
-bool CFTPClient::execute(const CCommand &command, const std::string &path,
-                         const CRepresentation &representation, bool passive, unsigned int offset,
+bool CFTPClient::execute(const Verb &command, const std::string &path,
+                         const CRepresentation &representation, bool passive, long long offset,
                          ITransferNotification &notification) const
 {
     const std::lock_guard<std::recursive_mutex> turn(d->exchange);
@@ -196,9 +264,10 @@ bool CFTPClient::execute(const CCommand &command, const std::string &path,
     const std::shared_ptr<IBlockingSocket> dataSocket = d->newSocket(ReportAt::CreateData);
     if (!dataSocket)
         return false;
-    const bool opened = passive ? OpenPassiveDataConnection(*dataSocket, command, path, offset)
-                                : OpenActiveDataConnection(*dataSocket, command, path, offset);
-    const bool moved = opened && TransferData(command, notification, *dataSocket);
+    const bool opened = passive ? openPassive(*dataSocket, command, path, offset)
+                                : openActive(*dataSocket, command, path, offset);
+    const bool moved = opened && (command.sends() ? SendData(notification, *dataSocket)
+                                                  : ReceiveData(notification, *dataSocket));
     try {
         dataSocket->Close();
     } catch (const CBlockingSocketException &exception) {
@@ -239,6 +308,9 @@ bool CFTPClient::SendData(ITransferNotification &notification, IBlockingSocket &
             d->observers.tell([&](CNotification &o) { o.OnBytesSent(d->buffer, long(bytesRead)); });
             nextBlock();
         }
+        auto *const secure = dynamic_cast<nsSocket::ISecureSocket *>(&dataSocket);
+        if (secure && !d->transfers.isAbortRequested())
+            secure->EndTls(d->control.timeout());
     } catch (const CBlockingSocketException &exception) {
         if (!d->transfers.isInterrupted())
             return d->breakOff(exception, dataSocket);

@@ -19,6 +19,7 @@ constexpr char Operation[] = "GetHostByName";
 struct Lookup
 {
     std::string name;
+    std::string port;
     addrinfo wanted = {};
     HostAddresses found;
     int error = 0;
@@ -30,7 +31,7 @@ struct Lookup
         addrinfo *list = nullptr;
         wanted.ai_flags |= flags;
         errno = 0;
-        error = ::getaddrinfo(name.c_str(), nullptr, &wanted, &list);
+        error = ::getaddrinfo(name.c_str(), port.c_str(), &wanted, &list);
         number = errno;
         wanted.ai_flags &= ~flags;
         if (error == 0 && list)
@@ -56,11 +57,12 @@ bool runElsewhere(const std::shared_ptr<Lookup> &lookup)
 
 } // namespace
 
-HostAddresses lookUpHost(const char *name, const addrinfo &wanted,
+HostAddresses lookUpHost(const char *name, unsigned short port, const addrinfo &wanted,
                          const std::shared_ptr<const CInterruption> &interruption, int seconds)
 {
     const auto lookup = std::make_shared<Lookup>();
     lookup->name = name;
+    lookup->port = std::to_string(port);
     lookup->wanted = wanted;
     lookup->run(AI_NUMERICHOST);
     if (lookup->found)

@@ -16,7 +16,7 @@ using HostAddresses = std::shared_ptr<const addrinfo>;
 /// wait lasts no longer than so many seconds (for ever when they are negative) and can be
 /// interrupted; the system's resolver then ends by itself, and nobody waits for it. Throws
 /// "GetHostByName" with errno as it is documented for that operation.
-HostAddresses lookUpHost(const char *name, const addrinfo &wanted,
+HostAddresses lookUpHost(const char *name, unsigned short port, const addrinfo &wanted,
                          const std::shared_ptr<const CInterruption> &interruption, int seconds);
 
 } // namespace nsSocket

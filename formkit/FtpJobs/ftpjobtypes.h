@@ -39,10 +39,12 @@ struct FtpServer
     int keepAlive = 30;
     /// Seconds after which such a session logs out.
     int idleTime = 300;
-    /// Makes the client of each session; a plain one when there is none. Called on the thread of
-    /// the session. The jobs themselves set resume mode and, before the logon, both address
-    /// policies: no data come from a foreign host, or go to one. Observers that are attached here
-    /// are called on that thread, and have to outlive the jobs.
+    /// Makes the client of each session, for TLS with a socket of CreateTlsSocketInstance(). When
+    /// there is none: a client without TLS, for IPv4 and IPv6, which uses MLSD and UTF-8 where the
+    /// server has them. Called on the thread of the session. The jobs themselves set resume mode
+    /// and, before the logon, both address policies: no data come from a foreign host, or go to
+    /// one. Observers that are attached here are called on that thread, and have to outlive the
+    /// jobs.
     std::function<std::unique_ptr<nsFTP::CFTPClient>()> makeClient;
 };
 

@@ -75,7 +75,8 @@ int JobQueue::add(const JobPointer &job)
     if (job->ownsTarget)
         queueUp(job);
     else
-        finish(lock, {job}, {FtpError::LocalFile, tr("%1: another job fetches it").arg(job->local)});
+        finish(lock, {job},
+               {FtpError::LocalFile, tr("%1: another job fetches it").arg(job->local)});
     return job->id;
 }
 
@@ -116,8 +117,7 @@ void JobQueue::cancel(int id)
         return;
     }
     leaveLists(*job);
-    finish(lock, {job},
-           {FtpError::Cancelled, tr("Cancelled.")});
+    finish(lock, {job}, {FtpError::Cancelled, tr("Cancelled.")});
 }
 
 std::vector<int> JobQueue::ids() const

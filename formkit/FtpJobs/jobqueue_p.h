@@ -89,7 +89,7 @@ private:
     bool m_isEnding = false;
     int m_lastId = 0;
     std::map<int, JobPointer> m_jobs;
-    std::set<QString> m_targets; // of downloads
+    std::set<QString> m_targets;                       // of downloads
     std::vector<std::shared_ptr<JobServer>> m_servers; // the current one last
     std::vector<std::unique_ptr<Worker>> m_workers;
     std::deque<Event> m_events;

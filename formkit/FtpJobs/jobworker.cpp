@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpJobs/jobworker_p.h"
 
+#include "formkit/FtpClient/InternetSocket.h"
+
 #include <QCoreApplication>
 
 #include <exception>
@@ -15,8 +17,11 @@ std::unique_ptr<CFTPClient> makeClient(const FtpServer &settings)
 {
     if (settings.makeClient)
         return settings.makeClient();
-    return std::make_unique<CFTPClient>(nsSocket::CreateDefaultBlockingSocketInstance(),
-                                        qMax(1U, settings.timeout), BufferSize);
+    auto client = std::make_unique<CFTPClient>(nsSocket::CreateInternetSocketInstance(),
+                                               qMax(1U, settings.timeout), BufferSize);
+    client->SetMachineListings(true);
+    client->SetUtf8(true);
+    return client;
 }
 
 FtpError internalError(const char *text)

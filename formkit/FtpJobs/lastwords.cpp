@@ -7,8 +7,9 @@
 
 namespace {
 
-/// The place in the client that reports refused security.
+/// The places in the client that report refused security, and transfers that broke off.
 constexpr int SecurityLine = 440;
+constexpr int TransferLine = 1089;
 constexpr int LongestText = 300;
 
 QString tr(const char *text)
@@ -37,6 +38,7 @@ void LastWords::forget()
     m_message.clear();
     m_number = 0;
     m_insecure = false;
+    m_brokeOff = false;
 }
 
 QString LastWords::plain(const std::string &text)
@@ -55,6 +57,7 @@ void LastWords::OnInternalError(const std::string &message, const std::string & 
 {
     forget();
     m_insecure = line == SecurityLine;
+    m_brokeOff = line == TransferLine;
     const size_t end = message.find(" error");
     if (m_insecure || end == std::string::npos) {
         m_message = message;
@@ -121,5 +124,5 @@ FtpError LastWords::of(const std::string &name, bool connected) const
     if (!m_reply.empty())
         return {FtpError::Busy, tr("Not now, %1: %2").arg(file, plain(m_reply))};
     const QString reason = m_message.empty() ? tr("the server did not say why") : plain(m_message);
-    return {FtpError::Failed, tr("%1: %2").arg(file, reason)};
+    return {m_brokeOff ? FtpError::Incomplete : FtpError::Failed, tr("%1: %2").arg(file, reason)};
 }

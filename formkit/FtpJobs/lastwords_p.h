@@ -35,4 +35,5 @@ private:
     std::string m_message;
     int m_number = 0; ///< the operation's errno
     bool m_insecure = false;
+    bool m_brokeOff = false;
 };

@@ -6,7 +6,7 @@ package_packages=(dpkg-dev file pkgconf make)
 
 # The libraries, as <name> <folder of its headers>.
 package_libraries=("HostApi hostapi" "FormKit formkit" "Ftp formkit/FtpClient"
-    "FtpJobs formkit/FtpJobs" "EmbeddedHost embeddedhost")
+    "FtpTls formkit/FtpTls" "FtpJobs formkit/FtpJobs" "EmbeddedHost embeddedhost")
 
 version_of_tree() {
     sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
@@ -77,7 +77,7 @@ check_package() {
     case $1 in
         libformkit-qt5-0)
             check_depends "$1" "$2" 'libqt5core5a \(>= 5\.15[^)]*\)' 'libqt5widgets5 [^,]*' \
-                'libqt5sql5 [^,]*' libqt5sql5-sqlite 'libxkbcommon0 [^,]*' 'libc6 [^,]*' &&
+                'libqt5sql5 [^,]*' libqt5sql5-sqlite 'libxkbcommon0 [^,]*' 'libssl3 [^,]*' 'libc6 [^,]*' &&
                 dpkg-deb --ctrl-tarfile "$2" | tar -xO ./shlibs |
                 grep -q '^libFormKitQt5FormKit 0 libformkit-qt5-0' ;;
         libformkit-qt5-dev) check_depends "$1" "$2" "$same" 'qtbase5-dev \(>= 5\.15\)' ;;

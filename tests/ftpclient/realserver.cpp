@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "realserver.h"
 
+#include <formkit/FtpClient/InternetSocket.h>
+
 #include <QCoreApplication>
 
 #include <csignal>
 
 namespace {
 
-bool answers(quint16 port)
+bool answers(const QString &address, quint16 port)
 {
     try {
-        nsSocket::CBlockingSocket socket;
-        connectToLoopback(socket, port);
+        nsSocket::CInternetSocket().ConnectToHost(address.toLatin1(), port);
         return true;
     } catch (const nsSocket::CBlockingSocketException &) {
         return false;
@@ -25,7 +26,7 @@ quint16 freePort()
     static qint64 next = QCoreApplication::applicationPid() * 16;
     for (int tries = 0; tries < 1000; ++tries) {
         const auto port = quint16(10000 + next++ % 20000);
-        if (!answers(port))
+        if (!answers("127.0.0.1", port) && !answers("::1", port))
             return port;
     }
     return 0;
@@ -33,7 +34,8 @@ quint16 freePort()
 
 } // namespace
 
-RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
+RealServer::RealServer(const QString &kind, const Access &access)
+    : m_kind(kind), m_access(access), m_port(freePort())
 {
     if (kind == "ftp-proxy")
         m_behind = std::make_unique<RealServer>("pyftpdlib");
@@ -41,9 +43,10 @@ RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
     // In a session of its own, so that all its processes can be ended at once.
     m_process.start("setsid",
                     {"/bin/sh", DATA_FOLDER "/servers/" + kind, QString::number(m_port),
-                     m_folder.path(), SERVERS_FOLDER, MULTIARCH},
+                     m_folder.path(), SERVERS_FOLDER, MULTIARCH, access.address, access.tls,
+                     access.certificate},
                     QIODevice::ReadOnly);
-    for (int i = 0; m_failure.isEmpty() && !answers(m_port); ++i) {
+    for (int i = 0; m_failure.isEmpty() && !answers(access.address, m_port); ++i) {
         if (i == 1000 || m_process.waitForFinished(20))
             m_failure = kind + ": " + m_process.errorString() + "\n" + m_process.readAll();
     }
@@ -52,7 +55,8 @@ RealServer::RealServer(const QString &kind) : m_kind(kind), m_port(freePort())
 nsFTP::CLogonInfo RealServer::logon() const
 {
     if (!m_behind)
-        return {"127.0.0.1", m_port, m_kind == "vsftpd" ? "anonymous" : "joe", "secret"};
+        return {m_access.address.toStdString(), m_port, m_kind == "vsftpd" ? "anonymous" : "joe",
+                "secret"};
     nsFTP::CLogonInfo logon = m_behind->logon();
     logon.SetFirewall("127.0.0.1", "", "", m_port, nsFTP::CFirewallType::UserWithNoLogon);
     return logon;

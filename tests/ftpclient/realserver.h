@@ -10,13 +10,22 @@
 
 #include <memory>
 
+/// How a server is reached: over TLS ("explicit", "implicit" or, in clear, ""), with a certificate
+/// in a file, and at which address.
+struct Access
+{
+    QString tls;
+    QString certificate;
+    QString address = "127.0.0.1";
+};
+
 /// An FTP server of the unpacked packages, as an ordinary process on loopback with a folder of its
 /// own, which is killed with its children in the end.
 class RealServer
 {
 public:
     /// vsftpd, pure-ftpd, proftpd, pyftpdlib, or ftp-proxy in front of a pyftpdlib of its own.
-    explicit RealServer(const QString &kind);
+    explicit RealServer(const QString &kind, const Access &access = {});
     ~RealServer() { kill(); }
 
     /// Empty when the server answers, else what went wrong; "NOT TRIED" is in it when this user
@@ -35,6 +44,7 @@ public:
 
 private:
     QString m_kind;
+    Access m_access;
     QTemporaryDir m_folder;
     quint16 m_port;
     std::unique_ptr<RealServer> m_behind;

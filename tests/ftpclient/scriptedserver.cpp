@@ -21,12 +21,14 @@ quint16 startServers()
 
 } // namespace
 
-ScriptedServer::ScriptedServer(const QString &script, bool byteByByte, const QByteArray &content)
+ScriptedServer::ScriptedServer(const QString &script, bool byteByByte, const QByteArray &content,
+                               const QString &certificates)
 {
     static const quint16 desk = startServers();
     connectToLoopback(m_desk, desk);
     const QJsonObject order = {{"script", script},
                                {"byte by byte", byteByByte},
+                               {"certificates", certificates},
                                {"content", QString::fromLatin1(content)}};
     m_port = quint16(ask(QJsonDocument(order).toJson(QJsonDocument::Compact)).toInt());
 }

@@ -11,7 +11,8 @@ class ScriptedServer
 public:
     /// The content is what downloads and listings send.
     explicit ScriptedServer(const QString &script = {}, bool byteByByte = false,
-                            const QByteArray &content = "0123456789");
+                            const QByteArray &content = "0123456789",
+                            const QString &certificates = {});
 
     quint16 port() const { return m_port; }
     /// The command lines that came so far, and after each upload "=" with its first bytes; told

@@ -24,6 +24,10 @@ die <ms>     breaks all connections off, and refuses others for so long
   end, cut     closes the data connection, cleanly or with a reset
   flood        sends data until the other side goes
   from <address>  in active mode, connects from there from now on
+  tls <name>   goes on over TLS with that certificate of the folder "certificates"; clear ends that.
+               After PROT P data connections do so with the same one, and must resume its session
+  unprotected  sends data in clear all the same
+  chop         closes the data connection without TLS's closing message
 """
 import contextlib
 import json
@@ -31,15 +35,17 @@ import re
 import select
 import socket
 import socketserver
+import ssl
 import struct
 import threading
 import time
 
 BEHAVIOUR = """greeting: 220 ready;USER: 331 password;PASS: 230 in;CWD: 250 there;REST: 350 go on;
-PASV: 227 Entering Passive Mode ({pasv});RNFR: 350 to what;SIZE: 213 {size};
+PASV: 227 Entering Passive Mode ({pasv});EPSV: 229 Extended ({epsv});AUTH: 234 go|tls good;
+CCC: 200 go|clear;RNFR: 350 to what;SIZE: 213 {size};
 MDTM: 213 20240229120001;PWD: 257 in step;ABOR: 226 aborted;QUIT: 221 bye|close;
 RETR: 150 here|data|226 done;LIST: 150 here|data|226 done;NLST: 150 here|data|226 x;
-STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
+MLSD: 150 here|data|226 done;STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
 PATIENCE = 60  # seconds for a peer that does nothing
 GUARD = threading.Lock()
 
@@ -54,6 +60,7 @@ class Server(socketserver.StreamRequestHandler):
         self.script = entries(order["script"])
         self.content = order["content"].encode("latin-1")
         self.byte_by_byte = order["byte by byte"]
+        self.certificates = order["certificates"]
         self.commands, self.conversations = [], []
         self.listens = threading.Event()
         self.port, self.ends = 0, False
@@ -102,17 +109,19 @@ class Conversation:
         self.server, self.control = server, control
         self.offset, self.origin = 0, "127.0.0.1"
         self.passive = self.active = self.data = None
+        self.lines, self.tls, self.protects = None, None, False
 
     def hold(self):
         self.control.settimeout(PATIENCE)
         self.control.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        with self.control, self.control.makefile("rb") as self.lines:
+        self.lines = self.control.makefile("rb")
+        with contextlib.suppress(OSError):
             self.perform("greeting")
-            try:
-                while not self.lines.closed and self.obey_next():
-                    pass
-            except OSError:
+            while not self.lines.closed and self.obey_next():
                 pass
+        for open_still in (self.lines, self.control):
+            with contextlib.suppress(OSError):
+                open_still.close()
         self.drop_data()
 
     def break_off(self):
@@ -134,6 +143,10 @@ class Conversation:
         if verb == "PORT":
             high, low = argument.split(",")[4:]
             self.active = int(high) * 256 + int(low)
+        if verb == "EPRT":
+            self.active = int(argument.split("|")[3])
+        if verb == "PROT":
+            self.protects = argument == "P"
         self.perform(verb)
         return True
 
@@ -177,6 +190,19 @@ class Conversation:
             self.move(verb, int(number))
         elif word in ("end", "cut"):
             self.end_data(reset=word == "cut")
+        elif word == "unprotected":
+            self.protects = False
+        elif word == "chop":
+            self.drop_data()
+        elif word in ("tls", "clear"):
+            self.lines.close()
+            if word == "clear":
+                self.control = self.control.unwrap()
+            else:
+                self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+                self.tls.load_cert_chain(f"{self.server.certificates}/{rest}.pem")
+                self.control = self.tls.wrap_socket(self.control, server_side=True)
+            self.lines = self.control.makefile("rb")
         elif word == "flood":
             self.open_data()
             while True:
@@ -202,6 +228,7 @@ class Conversation:
             self.passive.settimeout(PATIENCE)
             port = "%d,%d" % divmod(self.passive.getsockname()[1], 256)
             text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
+                    .replace("{epsv}", "|||%d|" % self.passive.getsockname()[1])
                     .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
                     .replace("{size}", str(len(self.server.content))))
         return text.replace("\u2400", "\0").encode()
@@ -218,10 +245,17 @@ class Conversation:
         else:
             raise OSError("no way was agreed upon")
         self.data.settimeout(PATIENCE)
+        if self.protects:
+            self.data = self.tls.wrap_socket(self.data, server_side=True)
+            if not self.data.session_reused:
+                self.drop_data()
+                raise OSError("another session")
         self.data.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
 
     def end_data(self, reset):
         self.open_data()
+        if isinstance(self.data, ssl.SSLSocket) and not reset:
+            self.data = self.data.unwrap()
         linger = struct.pack("ii", reset, 0)
         self.data.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, linger)
         self.drop_data()
@@ -233,7 +267,7 @@ class Conversation:
 
     def move(self, verb, length):
         self.open_data()
-        if verb in ("RETR", "LIST", "NLST"):
+        if verb in ("RETR", "LIST", "NLST", "MLSD"):
             part = self.server.content[self.offset:][:length]
             self.send(self.data, part)
             self.offset += len(part)

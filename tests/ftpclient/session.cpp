@@ -38,6 +38,14 @@ long long transfer(Client &c, const QStringList &a)
     const std::string local = a.value(2).startsWith('/') ? a[2].toStdString() : c.local;
     if (a[0] == "list")
         return good(c.client.List(remote, c.lines, passive));
+    if (a[0] == "entries") {
+        std::vector<std::shared_ptr<CFTPFileStatus>> entries;
+        const bool listed = c.client.List(remote, entries, passive);
+        c.lines.clear();
+        for (const auto &entry : entries)
+            c.lines.push_back(entry->name + " in " + entry->path + ": " + entry->line);
+        return listed ? (long long)(entries.size()) : -1;
+    }
     if (a[0] == "names")
         return good(c.client.NameList(remote, c.lines, passive));
     if (a[0] == "get")
@@ -54,6 +62,10 @@ long long prepare(Client &c, const QStringList &a)
         return good(QFile::resize(QString::fromStdString(c.local), a[1].toLongLong()));
     else if (a[0] == "replace")
         c.client.SetResumeMode(false);
+    else if (a[0] == "extended")
+        c.client.SetExtendedAddresses(true);
+    else if (a[0] == "machine")
+        c.client.SetMachineListings(true);
     else if (a[0] == "onlypeer")
         c.client.SetAcceptOnlyControlPeer(true);
     else if (a[0] == "policy")
@@ -104,6 +116,10 @@ long long performOne(Client &c, const QStringList &a)
         return good(client.GetResponse(reply));
     if (a[0] == "noop")
         return client.Noop();
+    if (a[0] == "line")
+        return client.SendRaw(text(a.mid(1)), reply) ? CFTPClient::SimpleErrorCheck(reply) : -1;
+    if (a[0] == "touch")
+        return client.SetFileModificationTime("f", a[1].toLongLong());
     if (a[0] == "quit")
         return client.Logout();
     if (a[0] == "rename")
@@ -111,6 +127,16 @@ long long performOne(Client &c, const QStringList &a)
     if (a[0] == "type") {
         const auto format = valueOf<CTypeFormat::TTypeFormatEnum>("-NTC", a.value(2, "-").left(1));
         return client.RepresentationType({valueOf<CType::TTypeEnum>("AEIL", a[1]), format}, number);
+    }
+    if (a[0] == "nanoseconds") {
+        long long seconds = 0;
+        long nanoseconds = -7;
+        return client.FileModificationTime("f", seconds, nanoseconds) == 0 ? nanoseconds : -1;
+    }
+    if (a[0] == "status") {
+        CFTPFileStatus status;
+        const int result = client.MachineStatus("f", status);
+        return result == 0 ? status.size : result;
     }
     if (a[0] == "size" || a[0] == "mdtm") {
         // The result when nothing was given, as it has to be on failure.
@@ -136,7 +162,7 @@ long long performOne(Client &c, const QStringList &a)
         return good(client.ExecuteDatachannelCommand(commandOf(a[1]), "f", CType::Image, true,
                                                      a[2].toUInt(), stream));
     }
-    const bool moves = QStringList({"list", "names", "get", "put"}).contains(a[0]);
+    const bool moves = QStringList({"list", "entries", "names", "get", "put"}).contains(a[0]);
     return moves ? transfer(c, a) : prepare(c, a);
 }
 

@@ -60,6 +60,11 @@ public:
     {
         note("> " + QString::fromStdString(command.AsString(arguments)));
     }
+    void OnSendExtension(const std::string &command, const nsFTP::CArg &arguments) override
+    {
+        note("> " +
+             QString::fromStdString(command + (arguments[0].empty() ? "" : " ") + arguments[0]));
+    }
     void OnResponse(const nsFTP::CReply &reply) override
     {
         note("< " + QString::fromStdString(reply.Value()));
@@ -109,6 +114,13 @@ struct Session : Client
     explicit Session(const QString &script = {}, bool byteByByte = false, unsigned int seconds = 10,
                      unsigned int bufferSize = 4, const QByteArray &content = "0123456789")
         : Client(seconds, bufferSize), server(script, byteByByte, content)
+    {
+        port = server.port();
+    }
+    /// With another socket, and certificates for the server.
+    Session(const QString &script, unsigned int seconds, const Socket &socket,
+            const QString &certificates)
+        : Client(seconds, 4096, socket), server(script, false, "0123456789", certificates)
     {
         port = server.port();
     }

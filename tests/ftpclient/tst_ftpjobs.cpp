@@ -249,7 +249,7 @@ QString played(const QStringList &row)
     QStringList sent = player.server().commands();
     sent.removeAll("QUIT");
     QString commands = sent.join(',');
-    commands.replace("USER joe,PASS secret,CWD .", "USER,PASS,CWD");
+    commands.replace(QRegularExpression("USER joe,PASS secret(,FEAT)?,CWD ."), "USER,PASS,CWD");
     commands.replace("USER joe,PASS secret", "USER,PASS");
     const auto matches = [](const QString &pattern, const QString &text) {
         return QRegularExpression(pattern, QRegularExpression::MultilineOption)

@@ -4,6 +4,8 @@
 #include "support/datafile.h"
 #include "support/stricttest.h"
 
+#include <formkit/FtpTls/TlsSocket.h>
+
 #include <QRandomGenerator>
 
 using namespace nsFTP;
@@ -17,11 +19,25 @@ QByteArray bytes(int size)
     return result;
 }
 
+// How the servers are reached, and by which sockets.
+struct Way : Access
+{
+    Client::Socket socket() const
+    {
+        return name == "plain" ? nsSocket::CreateDefaultBlockingSocketInstance()
+                               : nsSocket::CreateTlsSocketInstance(security);
+    }
+
+    QString name;
+    CFTPSecurity security;
+};
+
 // The client of a real server that is killed in the end.
 struct RealSession : Client
 {
-    explicit RealSession(const QString &kind, const QByteArray &content, int seconds = 60)
-        : Client(unsigned(seconds), 65536), server(kind)
+    explicit RealSession(const QString &kind, const QByteArray &content, const Way &way = {},
+                         int seconds = 60)
+        : Client(unsigned(seconds), 65536, way.socket()), server(kind, way)
     {
         server.put("f", content);
     }
@@ -34,8 +50,10 @@ struct RealSession : Client
 
 } // namespace
 
-// FORMKIT_FTP_SERVER names the server; FORMKIT_FTP_MEGABYTES sets the size of the files that are
-// moved (4 unless set).
+// FORMKIT_FTP_SERVER names the server; FORMKIT_FTP_WAY how it is reached: "plain", "tls" (with the
+// session resumed on data connections where a server can demand it), "implicit" (TLS before the
+// greeting, over IPv6), "ipv6" (in clear). FORMKIT_FTP_MEGABYTES sets the size of the files that
+// are moved (4 unless set).
 class FtpRealServersTest : public StrictTest
 {
     Q_OBJECT
@@ -49,7 +67,8 @@ private Q_SLOTS:
         if (unpack.exitCode() == 77)
             QSKIP("NOT TRIED: " + unpack.readAll());
         QVERIFY2(unpack.exitCode() == 0, unpack.readAllStandardError());
-        const RealServer server(m_kind);
+        chooseWay();
+        const RealServer server(m_kind, m_way);
         if (server.failure().contains("NOT TRIED"))
             QSKIP(qPrintable(server.failure()));
         QVERIFY2(server.failure().isEmpty(), qPrintable(server.failure()));
@@ -57,7 +76,7 @@ private Q_SLOTS:
 
     void commands()
     {
-        RealSession session(m_kind, "12345");
+        RealSession session(m_kind, "12345", m_way);
         WORKS(session, session.login());
         QVERIFY(qAbs(QDateTime::currentSecsSinceEpoch() - session.perform("mdtm")) < 600);
         std::vector<std::shared_ptr<CFTPFileStatus>> entries;
@@ -67,6 +86,17 @@ private Q_SLOTS:
         for (const DataRow &row : rowsOf("realcommands.txt")) {
             const long long result = session.perform(row[0]);
             WORKS(session, row[1] == "--" ? result >= 0 : result == row[1].toLongLong());
+        }
+        session.client.SetMachineListings(true);
+        session.client.SetExtendedAddresses(true);
+        for (const bool passive : {true, false}) {
+            CFTPFileStatus status;
+            QVERIFY(session.client.List("", entries, passive) && entries.size() == 1);
+            CFTPFeatures features;
+            const bool knows = session.client.Features(features) == 0 && features.Has("MLST");
+            QCOMPARE(entries[0]->mtimeType == CFTPFileStatus::timeExact, knows);
+            QCOMPARE(session.client.MachineStatus("f", status) == 0, knows);
+            QVERIFY(!knows || (status.size == 5 && status.mtime == entries[0]->mtime));
         }
         QVERIFY(std::count(session.lines.begin(), session.lines.end(), "f") == 1);
         QCOMPARE(session.client.Logout(), 0);
@@ -81,10 +111,10 @@ private Q_SLOTS:
         const QByteArray content = bytes(megabytes * 1024 * 1024);
         const std::vector<std::pair<unsigned int, int>> steps = {
             {65535, 0}, {65536, 1}, {65536, content.size() / 2}, {1048576, content.size()}};
-        const RealServer server(m_kind);
+        const RealServer server(m_kind, m_way);
         server.put("f", content);
         for (const auto &[bufferSize, there] : steps) {
-            Client client(60, bufferSize);
+            Client client(60, bufferSize, m_way.socket());
             WORKS(client, client.client.Login(server.logon()));
             for (const QString mode : {"passive", "active"}) {
                 QFile::remove(client.local.c_str());
@@ -106,7 +136,7 @@ private Q_SLOTS:
         // The proxy answers no plain ABOR: the session then says that it is closed.
         const bool answersAbort = m_kind != "ftp-proxy";
         const QByteArray content = bytes(20000000);
-        RealSession session(m_kind, content, answersAbort ? 60 : 2);
+        RealSession session(m_kind, content, m_way, answersAbort ? 60 : 2);
         WORKS(session, session.login());
         for (const QString mode : {"passive", "active"}) {
             int blocks = 0;
@@ -129,9 +159,18 @@ private Q_SLOTS:
         QVERIFY(session.client.Noop() == -1 && !session.client.IsConnected());
     }
 
-    // To pyftpdlib and back. A proxy stands in the way of such transfers.
+    // To pyftpdlib and back. A proxy stands in the way of such transfers, and so do TLS and IPv6.
     void betweenServers()
     {
+        if (m_way.name != "plain") {
+            RealSession one(m_kind, "", m_way);
+            RealSession other(m_kind, "", m_way);
+            QVERIFY(one.login() && other.login());
+            QVERIFY(
+                !CFTPClient::TransferFile(one.client, "f", other.client, "g", CType::Image, true));
+            QVERIFY(one.recorder.last().contains("Server to server is for IPv4 without protected"));
+            return;
+        }
         const QByteArray content = bytes(3000000);
         RealSession here(m_kind == "ftp-proxy" ? "pyftpdlib" : m_kind, content);
         RealSession there("pyftpdlib", content);
@@ -149,6 +188,24 @@ private Q_SLOTS:
     }
 
 private:
+    void chooseWay()
+    {
+        m_way.name = qEnvironmentVariable("FORMKIT_FTP_WAY", "plain");
+        const bool inClear = m_way.name == "plain" || m_way.name == "ipv6";
+        m_way.address = m_way.name == "plain" || m_way.name == "tls" ? "127.0.0.1" : "::1";
+        m_way.security.mode = inClear ? CFTPSecurity::None : CFTPSecurity::Explicit;
+        if (inClear)
+            return;
+        QCOMPARE(QProcess::execute("sh", {DATA_FOLDER "/certificates", m_folder.path()}), 0);
+        m_way.certificate = m_folder.filePath("good.pem");
+        m_way.security.caFile = m_folder.filePath("ca.pem").toStdString();
+        m_way.tls = m_way.name == "tls" ? "explicit" : "implicit";
+        if (m_way.name == "implicit")
+            m_way.security.mode = CFTPSecurity::Implicit;
+    }
+
+    const QTemporaryDir m_folder;
+    Way m_way;
     const QString m_kind = qEnvironmentVariable("FORMKIT_FTP_SERVER", "vsftpd");
 };
 

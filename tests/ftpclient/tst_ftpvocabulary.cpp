@@ -3,7 +3,8 @@
 #include "support/stricttest.h"
 
 #include <formkit/FtpClient/FTPDataTypes.h>
-#include <formkit/FtpClient/FTPListParse.h>
+#include <formkit/FtpClient/FTPFactParse.h>
+#include <formkit/FtpClient/FTPFeatures.h>
 
 using namespace nsFTP;
 
@@ -73,7 +74,10 @@ private Q_SLOTS:
             CFTPListParser parser(
                 [&] { return QDateTime::fromString(now, Qt::ISODate).toSecsSinceEpoch(); });
             s.path = "left over";
-            const bool isEntry = parser.Parse(s, row[0].toStdString());
+            CFTPFactParser facts;
+            IFileListParser &chosen =
+                row.value(2) == "facts" ? static_cast<IFileListParser &>(facts) : parser;
+            const bool isEntry = chosen.Parse(s, row[0].toStdString());
             const QString time =
                 QDateTime::fromSecsSinceEpoch(s.mtime, Qt::UTC).toString("yyyy-MM-ddTHH:mm:ss ");
             const std::string rest =
@@ -91,6 +95,19 @@ private Q_SLOTS:
         s.Reset();
         QVERIFY(CFTPListParser().ParseMultiNetListing(s, std::string_view("NAME;1", 4)));
         QVERIFY(s == CFTPFileStatus());
+    }
+
+    void features()
+    {
+        CReply reply;
+        QVERIFY(reply.Set("211-I know\r\n MDTM\r\n mlst type*;size*;\r\n211-UTF8\r\n \r\n"
+                          " AUTH TLS;SSL \r\n211 End of it"));
+        const CFTPFeatures features(reply);
+        QCOMPARE(features.Names(), std::vector<std::string>({"AUTH", "MDTM", "MLST", "UTF8"}));
+        QVERIFY(features.Has("Utf8") && !features.Has("End") && !features.Has(""));
+        QCOMPARE(features.Parameters("MLST"), std::string("type*;size*;"));
+        QCOMPARE(features.Parameters("auth") + features.Parameters("X"), std::string("TLS;SSL"));
+        QVERIFY(reply.Set("211 none") && CFTPFeatures(reply).Names().empty());
     }
 
     void calendar()

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "formkit/FtpClient/FTPControl_p.h"
+
+namespace nsFTP {
+
+/// Asks a server for what the socket's CFTPSecurity says, step by step; nothing when the socket has
+/// none. A step gives false, reports why, and closes the session when the server does not agree.
+class Protection
+{
+public:
+    Protection(ControlConnection &control, const Observers &observers);
+
+    bool beforeGreeting();
+    /// good: whether the server lets anybody in. A session that is to be protected and does not get
+    /// so far is closed, too.
+    bool afterGreeting(bool good);
+    bool afterLogon();
+    /// When no more secrets are sent.
+    bool atTheEnd();
+
+private:
+    bool ask(const char *command, const std::string &argument, const char *refusal);
+
+    ControlConnection &m_control;
+    const Observers &m_observers;
+    const CFTPSecurity m_wanted;
+};
+
+} // namespace nsFTP

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "formkit/FtpClient/BlockingSocket.h"
+
+namespace nsSocket {
+
+/// Why a connection is not protected: a sentence for people, which is all that the exception says.
+class TlsRefusal : public CBlockingSocketException
+{
+public:
+    explicit TlsRefusal(const std::string &sentence);
+    bool GetErrorMessage(char *buffer, unsigned int size, unsigned int *helpContext) const override;
+    std::string GetErrorMessage(unsigned int *helpContext) const override;
+
+private:
+    std::string m_sentence;
+};
+
+/// The sentence for a result of X509_verify_cert() that is not X509_V_OK.
+std::string certificateFault(long verifyResult, const std::string &host);
+/// OpenSSL's reason for the last failure, which is then forgotten; "unknown" when there is none.
+std::string opensslReason();
+
+} // namespace nsSocket
