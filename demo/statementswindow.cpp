@@ -191,6 +191,8 @@ void StatementsWindow::leave(const QString &text)
 {
     m_ui->server->setEnabled(true);
     m_ui->download->setEnabled(m_ui->files->topLevelItemCount() > 0);
+    if (m_ui->cancel->hasFocus())
+        m_ui->files->setFocus();
     m_ui->cancel->setEnabled(false);
     m_ui->progress->hide();
     m_ui->status->setText(text);

@@ -98,6 +98,7 @@ void Conversation::OnSendExtension(const std::string &command, const nsFTP::CArg
     QByteArray text = QByteArray::fromStdString(command);
     for (const std::string &argument : arguments)
         text += ' ' + QByteArray::fromStdString(argument);
+    text = text.trimmed();
     std::fprintf(stderr, "> %s\n", harmless(text).constData());
 }
 
