@@ -156,6 +156,15 @@ FtpError FtpSession::download(Job &job)
     return reason.isEmpty() ? FtpError() : localError(job.local, reason);
 }
 
+// Whether the part has the beginning of the remote file, as far as can be known.
+bool FtpSession::mayGoOn(const Job &job, const PartFile &part, bool same)
+{
+    const bool worth = job.sourceSize >= WorthResuming || job.has(FtpJobs::Resume);
+    const bool known =
+        job.hasPart ? same : job.has(FtpJobs::Resume) && job.sourceTime <= part.time();
+    return worth && known && job.mayResume && part.size() > 0 && part.size() <= job.sourceSize;
+}
+
 FtpError FtpSession::fetchInto(Job &job, const PartFile &part)
 {
     // The type first: many servers tell no size in ASCII.
@@ -164,17 +173,16 @@ FtpError FtpSession::fetchInto(Job &job, const PartFile &part)
     const bool same = learnSource(job);
     if (ofConnection() || !isOpen())
         return failure(job);
-    const bool worth = job.sourceSize >= WorthResuming || job.has(FtpJobs::Resume);
-    const bool known =
-        job.hasPart ? same : job.has(FtpJobs::Resume) && job.sourceTime <= part.time();
-    const bool resumes =
-        worth && known && job.mayResume && part.size() > 0 && part.size() <= job.sourceSize;
+    const bool resumes = mayGoOn(job, part, same);
+    if (job.hasPart && !resumes)
+        part.discard(); // bytes of another file, perhaps
+    job.hasPart = resumes;
     CFile file(_tstring(part.name()));
     if (!file.Open(CFile::receive))
         return localError(part.name(), file);
     job.done = resumes ? part.size() : 0;
     const bool good = receive(job, file, resumes);
-    job.hasPart = job.hasPart || resumes || job.done > 0;
+    job.hasPart = job.done > 0;
     if (!file.Close(good))
         return localError(part.name(), file);
     if (good)
@@ -209,6 +217,8 @@ bool FtpSession::receive(Job &job, CFile &file, bool resumes)
 FtpError FtpSession::upload(Job &job)
 {
     const bool same = learnSource(job);
+    if (job.hasPart && !same)
+        job.mayResume = false; // the server has bytes of another file
     const bool mayResume = job.mayResume && !job.has(FtpJobs::Text);
     if (!mayResume || !job.hasPart)
         return send(job, mayResume && job.has(FtpJobs::Resume));
@@ -218,7 +228,7 @@ FtpError FtpSession::upload(Job &job)
     const long there = remoteSize(job);
     if (ofConnection() || !isOpen())
         return failure(job);
-    return send(job, same && there > 0 && there <= job.done);
+    return send(job, there > 0 && there <= job.done);
 }
 
 FtpError FtpSession::send(Job &job, bool resumes)

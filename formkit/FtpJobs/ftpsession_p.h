@@ -23,6 +23,7 @@ private:
 
     FtpError download(Job &job);
     FtpError fetchInto(Job &job, const class PartFile &part);
+    static bool mayGoOn(const Job &job, const class PartFile &part, bool same);
     bool receive(Job &job, nsFTP::CFile &file, bool resumes);
     FtpError upload(Job &job);
     FtpError send(Job &job, bool resumes);
