@@ -122,8 +122,9 @@ long FtpSession::remoteSize(const Job &job) const
     return m_client->FileSize(job.remote, size) == 0 ? size : -1;
 }
 
-// Learns of what the job moves; whether it is still what the last attempt moved.
-bool FtpSession::learnSource(Job &job)
+// Learns of what the job moves, and whether it is still what the last attempt moved. False when
+// that cannot be told now.
+bool FtpSession::learnSource(Job &job, bool *same)
 {
     const QFileInfo local(job.local);
     const bool isUpload = job.kind == Job::Upload;
@@ -134,11 +135,14 @@ bool FtpSession::learnSource(Job &job)
         if (!ofConnection() && (size >= WorthResuming || job.has(FtpJobs::Resume)))
             m_client->FileModificationTime(job.remote, time);
     }
-    const bool same = size == job.sourceSize && time == job.sourceTime;
+    const bool wasTold = job.sourceSize >= 0;
+    if (ofConnection() || !isOpen() || (wasTold && size < 0))
+        return false;
+    *same = size == job.sourceSize && time == job.sourceTime;
     job.sourceSize = size;
     job.sourceTime = time;
     job.total = size;
-    return same;
+    return true;
 }
 
 FtpError FtpSession::download(Job &job)
@@ -170,8 +174,8 @@ FtpError FtpSession::fetchInto(Job &job, const PartFile &part)
     // The type first: many servers tell no size in ASCII.
     if (m_client->RepresentationType(representationOf(job)) != 0)
         return failure(job);
-    const bool same = learnSource(job);
-    if (ofConnection() || !isOpen())
+    bool same = false;
+    if (!learnSource(job, &same))
         return failure(job);
     const bool resumes = mayGoOn(job, part, same);
     if (job.hasPart && !resumes)
@@ -216,7 +220,9 @@ bool FtpSession::receive(Job &job, CFile &file, bool resumes)
 
 FtpError FtpSession::upload(Job &job)
 {
-    const bool same = learnSource(job);
+    bool same = false;
+    if (!learnSource(job, &same))
+        return failure(job);
     if (job.hasPart && !same)
         job.mayResume = false; // the server has bytes of another file
     const bool mayResume = job.mayResume && !job.has(FtpJobs::Text);

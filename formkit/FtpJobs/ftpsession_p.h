@@ -27,7 +27,7 @@ private:
     bool receive(Job &job, nsFTP::CFile &file, bool resumes);
     FtpError upload(Job &job);
     FtpError send(Job &job, bool resumes);
-    bool learnSource(Job &job);
+    bool learnSource(Job &job, bool *same);
     FtpError list(const Job &job, QVector<FtpEntry> *entries);
     bool listHere(const std::string &folder, const Job &job,
                   std::vector<std::shared_ptr<nsFTP::CFTPFileStatus>> *entries);
