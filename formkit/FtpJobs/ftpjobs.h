@@ -63,6 +63,7 @@ public:
     /// Deletes a remote file.
     int remove(const QByteArray &remote);
 
+    /// Where the job stands now, which its signals may not have told yet.
     State state(int id) const;
     /// The jobs that are not finished.
     int count() const;
