@@ -49,6 +49,7 @@ public:
                                  unsigned int *helpContext = nullptr) const;
     /// The same text as a string; empty when it is longer than 511 bytes.
     virtual std::string GetErrorMessage(unsigned int *helpContext = nullptr) const;
+    int GetErrorNumber() const { return m_nError; }
 
 private:
     int m_nError;

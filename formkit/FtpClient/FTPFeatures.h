@@ -15,6 +15,7 @@ public:
     /// A reply that is no list gives no extensions. Lines that are no names are left out.
     explicit CFTPFeatures(const CReply &reply);
 
+    /// Whether the server has it.
     bool Has(const std::string &name) const;
     /// What stands after a name; empty when the server has no such extension.
     std::string Parameters(const std::string &name) const;

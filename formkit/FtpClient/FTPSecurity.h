@@ -20,6 +20,7 @@ struct CFTPSecurity
         Implicit  ///< before the greeting; for old servers, mostly on port 990
     };
 
+    /// All that follows has no meaning with None.
     TMode mode = Explicit;
     /// A PEM file with the certificates of the authorities to trust instead of the system's.
     std::string caFile;

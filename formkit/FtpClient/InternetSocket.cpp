@@ -50,10 +50,9 @@ void CInternetSocket::ConnectToHost(const char *host, unsigned short port)
             CreateFor(address->ai_family);
             Connect(address->ai_addr);
             return;
-        } catch (const CBlockingSocketException &) {
-            const bool canceled = errno == ECANCELED;
+        } catch (const CBlockingSocketException &exception) {
             Cleanup();
-            if (canceled || !address->ai_next)
+            if (exception.GetErrorNumber() == ECANCELED || !address->ai_next)
                 throw;
         }
     }

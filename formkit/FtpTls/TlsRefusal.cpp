@@ -10,7 +10,7 @@
 namespace nsSocket {
 
 TlsRefusal::TlsRefusal(const std::string &sentence)
-    : CBlockingSocketException("TLS"), m_sentence(sentence)
+    : CBlockingSocketException((errno = 0, "TLS")), m_sentence(sentence)
 {
 }
 
@@ -53,7 +53,7 @@ std::string certificateFault(long verifyResult, const std::string &host)
 
 std::string opensslReason()
 {
-    const unsigned long error = ::ERR_peek_last_error();
+    const unsigned long error = ::ERR_peek_error(); // the root of those after it
     const char *const reason = ::ERR_reason_error_string(error);
     // Without a text of its own the system's, as for a file that cannot be opened.
     const std::string text = reason                    ? reason

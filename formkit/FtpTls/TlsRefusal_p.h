@@ -19,7 +19,8 @@ private:
 
 /// The sentence for a result of X509_verify_cert() that is not X509_V_OK.
 std::string certificateFault(long verifyResult, const std::string &host);
-/// OpenSSL's reason for the last failure, which is then forgotten; "unknown" when there is none.
+/// OpenSSL's reason for the failure just now, which is then forgotten; "unknown" when there is
+/// none.
 std::string opensslReason();
 
 } // namespace nsSocket

@@ -169,7 +169,16 @@ void CTlsSocket::StartTls(const std::string &host, int seconds)
     ::BIO_set_data(bio, this);
     ::BIO_set_init(bio, 1);
     ::SSL_set_bio(m_tls.get(), bio, bio);
-    if (run(seconds, ::SSL_connect) != 1)
+    int connected = 0;
+    try {
+        connected = run(seconds, ::SSL_connect);
+    } catch (const CBlockingSocketException &exception) {
+        const int error = exception.GetErrorNumber();
+        if (error != EPIPE && error != ECONNRESET)
+            throw;
+        m_ended = true;
+    }
+    if (connected != 1)
         refuse(host);
     m_context->checkKey(m_tls.get(), host);
 }
@@ -182,7 +191,7 @@ void CTlsSocket::refuse(const std::string &host) const
         throw TlsRefusal(certificateFault(verified, host));
     if (m_ended)
         throw TlsRefusal(host + " closed the connection instead of beginning TLS.");
-    const unsigned long error = ::ERR_peek_last_error();
+    const unsigned long error = ::ERR_peek_error();
     if (ERR_GET_LIB(error) == ERR_LIB_SSL && ERR_GET_REASON(error) == SSL_R_WRONG_VERSION_NUMBER)
         throw TlsRefusal(host + " does not answer in TLS.");
     throw TlsRefusal(host + " and this client agree on no TLS: " + opensslReason() + ".");

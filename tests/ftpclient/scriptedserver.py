@@ -24,7 +24,8 @@ die <ms>     breaks all connections off, and refuses others for so long
   end, cut     closes the data connection, cleanly or with a reset
   flood        sends data until the other side goes
   from <address>  in active mode, connects from there from now on
-  tls <name>   goes on over TLS with that certificate of the folder "certificates"; clear ends that.
+  tls <name>   goes on over TLS with that certificate of the folder "certificates", tls1.2 at most
+               with that version; clear ends that.
                After PROT P data connections do so with the same one, and must resume its session
   unprotected  sends data in clear all the same
   chop         closes the data connection without TLS's closing message
@@ -194,12 +195,14 @@ class Conversation:
             self.protects = False
         elif word == "chop":
             self.drop_data()
-        elif word in ("tls", "clear"):
+        elif word in ("tls", "tls1.2", "clear"):
             self.lines.close()
             if word == "clear":
                 self.control = self.control.unwrap()
             else:
                 self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+                if word == "tls1.2":
+                    self.tls.maximum_version = ssl.TLSVersion.TLSv1_2
                 self.tls.load_cert_chain(f"{self.server.certificates}/{rest}.pem")
                 self.control = self.tls.wrap_socket(self.control, server_side=True)
             self.lines = self.control.makefile("rb")
@@ -228,7 +231,7 @@ class Conversation:
             self.passive.settimeout(PATIENCE)
             port = "%d,%d" % divmod(self.passive.getsockname()[1], 256)
             text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
-                    .replace("{epsv}", "|||%d|" % self.passive.getsockname()[1])
+                    .replace("{epsv}", "!!!%d!" % self.passive.getsockname()[1])
                     .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
                     .replace("{size}", str(len(self.server.content))))
         return text.replace("\u2400", "\0").encode()

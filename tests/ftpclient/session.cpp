@@ -64,6 +64,8 @@ long long prepare(Client &c, const QStringList &a)
         c.client.SetResumeMode(false);
     else if (a[0] == "extended")
         c.client.SetExtendedAddresses(true);
+    else if (a[0] == "utf8")
+        c.client.SetUtf8(true);
     else if (a[0] == "machine")
         c.client.SetMachineListings(true);
     else if (a[0] == "onlypeer")

@@ -62,8 +62,8 @@ public:
     }
     void OnSendExtension(const std::string &command, const nsFTP::CArg &arguments) override
     {
-        note("> " +
-             QString::fromStdString(command + (arguments[0].empty() ? "" : " ") + arguments[0]));
+        note(
+            QString("> %1 %2").arg(command.c_str(), arguments.empty() ? "" : arguments[0].c_str()));
     }
     void OnResponse(const nsFTP::CReply &reply) override
     {

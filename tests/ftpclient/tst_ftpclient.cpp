@@ -89,14 +89,6 @@ struct AskingStream : COutputStream
     int result = 0;
 };
 
-// A stream of which five billion bytes are there already.
-struct FarStream : COutputStream
-{
-    using COutputStream::COutputStream;
-    long long GetLocalStreamSize() const override { return 5000000000; }
-    bool SetLocalStreamOffset(long long offset) override { return offset == 5000000000; }
-};
-
 // A socket that can make only so many others and does not know its peer. Its first Accept() is
 // interrupted.
 class Troubled : public nsSocket::CBlockingSocket
@@ -272,15 +264,6 @@ private Q_SLOTS:
         QVERIFY(lines.SetLocalStreamOffset(1));
         lines.OnBytesReceived(lineFeeds, COutputStream::MostLines);
         QVERIFY(!lines.IsGood());
-    }
-
-    void resumedFarAway()
-    {
-        Session session("SIZE: 213 5000000007;RETR: 150 here|forget|part 7|end|226 done");
-        FarStream stream("");
-        QVERIFY(session.login() && session.client.DownloadFile("f", stream, CType::Image, true));
-        QVERIFY(session.server.commands().contains("REST 5000000000"));
-        QCOMPARE(stream.GetText(), std::string("0123456"));
     }
 
     // Other names would mean the same file.

@@ -87,6 +87,7 @@ private Q_SLOTS:
             const long long result = session.perform(row[0]);
             WORKS(session, row[1] == "--" ? result >= 0 : result == row[1].toLongLong());
         }
+        session.server.put("f", "12345");
         session.client.SetMachineListings(true);
         session.client.SetExtendedAddresses(true);
         for (const bool passive : {true, false}) {

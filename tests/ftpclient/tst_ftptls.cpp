@@ -39,7 +39,8 @@ private:
         else if (!onlyPin && !words.contains("system"))
             security.caFile = m_folder.filePath("ca.pem").toStdString();
         if (words.contains("pin"))
-            security.pinnedKey = "sha256//" + readFile(m_folder.filePath("pin")).trimmed();
+            security.pinnedKey =
+                "sha256//" + readFile(m_folder.filePath("pin")).trimmed().toStdString();
         if (words.contains("otherpin"))
             security.pinnedKey = "sha256//0000";
         security.clearData = words.contains("data");
@@ -52,8 +53,10 @@ private:
         Session session(row[3], row[0].contains("slow") ? 2 : 20,
                         nsSocket::CreateTlsSocketInstance(securityOf(row[1].split(' '))),
                         m_folder.path());
-        long long result = session.login() ? 0 : -1;
-        const QString operations = row[2].section(',', 1);
+        // "login,<operations>", or operations that log on themselves.
+        const bool logsOn = row[2].startsWith("logon");
+        long long result = logsOn || session.login() ? 0 : -1;
+        const QString operations = logsOn ? row[2] : row[2].section(',', 1);
         if (!operations.isEmpty())
             result = session.perform(operations);
         const QString sent = session.server.commands().join(',');
