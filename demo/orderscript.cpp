@@ -178,12 +178,10 @@ void OrderScript::fillIn(const char *control, const QString &text)
 
 bool OrderScript::fetchStatement(const QUrl &url)
 {
-    StatementsServer server;
-    server.host = url.host();
-    server.port = quint16(url.port(server.port));
-    server.user = url.userName().isEmpty() ? QStringLiteral("anonymous") : url.userName();
-    server.password = url.password();
-    server.folder = url.path();
+    FtpServer server;
+    const QString user = url.userName().isEmpty() ? QStringLiteral("anonymous") : url.userName();
+    server.logon = {url.host().toStdString(), static_cast<unsigned short>(url.port(21)),
+                    user.toStdString(), url.password().toStdString()};
 
     StatementsWindow window;
     window.show();
@@ -192,7 +190,7 @@ bool OrderScript::fetchStatement(const QUrl &url)
         QObject::connect(&window, &StatementsWindow::finished, &loop, &QEventLoop::quit);
         loop.exec();
     };
-    window.open(server);
+    window.open(server, url.path());
     wait();
     if (!takePicture(QStringLiteral("statements"), &window))
         return false;

@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QLocale>
 
 namespace {
@@ -13,16 +12,17 @@ namespace {
 enum Column { NameColumn, SizeColumn, DateColumn };
 
 constexpr int ProgressSteps = 1000;
+constexpr unsigned int TimeOutSeconds = 15;
 
-// A row that sorts by size and time, not by their texts.
+// A row that sorts by what it means rather than by its text.
 class StatementItem : public QTreeWidgetItem
 {
 public:
-    StatementItem(int position, const Statement &statement)
+    StatementItem(int position, const FtpEntry &statement)
     {
         const QLocale locale;
         setData(NameColumn, Qt::UserRole, position);
-        setText(NameColumn, QString::fromUtf8(statement.name));
+        setText(NameColumn, statement.text());
         setData(SizeColumn, Qt::UserRole, statement.size);
         setText(SizeColumn,
                 statement.size < 0 ? QString() : locale.formattedDataSize(statement.size));
@@ -56,131 +56,132 @@ QString duration(qint64 seconds)
 } // namespace
 
 StatementsWindow::StatementsWindow(QWidget *parent)
-    : QWidget(parent, Qt::Window)
-    , m_ui(std::make_unique<Ui::StatementsWindow>())
-    , m_worker(new StatementsWorker)
+    : QWidget(parent, Qt::Window), m_ui(std::make_unique<Ui::StatementsWindow>())
 {
-    qRegisterMetaType<StatementsServer>();
-    qRegisterMetaType<Statement>("Statement");
-    qRegisterMetaType<QVector<Statement>>();
     m_ui->setupUi(this);
     m_ui->files->sortByColumn(NameColumn, Qt::AscendingOrder);
     m_ui->progress->setRange(0, ProgressSteps);
 
-    m_worker->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
-    connect(this, &StatementsWindow::openRequested, m_worker, &StatementsWorker::open);
-    connect(this, &StatementsWindow::downloadRequested, m_worker, &StatementsWorker::download);
-    connect(m_worker, &StatementsWorker::opened, this, &StatementsWindow::showStatements);
-    connect(m_worker, &StatementsWorker::progress, this, &StatementsWindow::showProgress);
-    connect(m_worker, &StatementsWorker::downloaded, this,
-            [this](const QString &file) { leave(tr("Saved as %1").arg(file)); });
-    connect(m_worker, &StatementsWorker::failed, this, &StatementsWindow::leave);
+    connect(&m_jobs, &FtpJobs::listed, this,
+            [this](int, const QVector<FtpEntry> &entries) { showStatements(entries); });
+    connect(&m_jobs, &FtpJobs::progress, this,
+            [this](int, const FtpProgress &progress) { showProgress(progress); });
+    connect(&m_jobs, &FtpJobs::retrying, this, [this](int, const FtpError &error) {
+        m_ui->status->setText(tr("%1 Trying again…").arg(error.text));
+    });
+    connect(&m_jobs, &FtpJobs::finished, this,
+            [this](int, const FtpError &error) { leave(error ? error.text : m_success); });
 
-    connect(m_ui->connectButton, &QPushButton::clicked, this, [this] { open(enteredServer()); });
+    connect(m_ui->connectButton, &QPushButton::clicked, this, &StatementsWindow::connectToServer);
     connect(m_ui->download, &QPushButton::clicked, this, &StatementsWindow::askAndDownload);
     connect(m_ui->files, &QTreeWidget::itemActivated, this, &StatementsWindow::askAndDownload);
-    connect(m_ui->cancel, &QPushButton::clicked, this, [this] { m_worker->cancel(); });
+    connect(m_ui->cancel, &QPushButton::clicked, this, [this] { m_jobs.cancel(m_job); });
     leave(QString());
-    m_thread.start();
 }
 
-StatementsWindow::~StatementsWindow()
-{
-    m_worker->cancel();
-    m_thread.quit();
-    m_thread.wait();
-}
+StatementsWindow::~StatementsWindow() = default;
 
-StatementsServer StatementsWindow::enteredServer() const
+FtpServer StatementsWindow::enteredServer() const
 {
-    StatementsServer server;
-    server.host = m_ui->host->text().trimmed();
-    server.port = quint16(m_ui->port->value());
-    server.user = m_ui->user->text();
-    server.password = m_ui->password->text();
-    server.folder = m_ui->folder->text();
+    FtpServer server;
+    server.logon = {m_ui->host->text().trimmed().toStdString(),
+                    static_cast<unsigned short>(m_ui->port->value()),
+                    m_ui->user->text().toStdString(), m_ui->password->text().toStdString()};
     server.passive = m_ui->passive->isChecked();
-    server.resume = m_ui->resume->isChecked();
+    server.timeout = TimeOutSeconds;
     return server;
 }
 
-void StatementsWindow::open(const StatementsServer &server)
+void StatementsWindow::open(const FtpServer &server, const QString &folder)
 {
-    m_ui->host->setText(server.host);
-    m_ui->port->setValue(server.port);
-    m_ui->user->setText(server.user);
-    m_ui->password->setText(server.password);
-    m_ui->folder->setText(server.folder);
+    m_ui->host->setText(QString::fromStdString(server.logon.HostName()));
+    m_ui->port->setValue(server.logon.HostPort());
+    m_ui->user->setText(QString::fromStdString(server.logon.UserName()));
+    m_ui->password->setText(QString::fromStdString(server.logon.Password()));
+    m_ui->folder->setText(folder);
     m_ui->passive->setChecked(server.passive);
-    m_ui->resume->setChecked(server.resume);
-    enter(Connecting, tr("Connecting to %1…").arg(server.host));
-    Q_EMIT openRequested(server);
+    connectToServer();
 }
 
-void StatementsWindow::showStatements(const QVector<Statement> &statements)
+void StatementsWindow::connectToServer()
 {
-    m_statements = statements;
+    m_jobs.setServer(enteredServer());
+    enter(m_jobs.list(m_ui->folder->text().toUtf8()),
+          tr("Connecting to %1…").arg(m_ui->host->text()));
+}
+
+void StatementsWindow::showStatements(const QVector<FtpEntry> &entries)
+{
+    m_statements.clear();
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(m_statements),
+                 [](const FtpEntry &entry) { return entry.isFile; });
     m_ui->files->clear();
     m_ui->files->setSortingEnabled(false);
-    for (int i = 0; i < statements.size(); ++i)
-        m_ui->files->addTopLevelItem(new StatementItem(i, statements.at(i)));
+    for (int i = 0; i < m_statements.size(); ++i)
+        m_ui->files->addTopLevelItem(new StatementItem(i, m_statements.at(i)));
     m_ui->files->setSortingEnabled(true);
     for (const Column column : {NameColumn, SizeColumn, DateColumn})
         m_ui->files->resizeColumnToContents(column);
-    if (!statements.isEmpty())
+    if (!m_statements.isEmpty())
         m_ui->files->setCurrentItem(m_ui->files->topLevelItem(0));
-    leave(tr("%n statement(s)", nullptr, statements.size()));
+    m_success = tr("%n statement(s)", nullptr, m_statements.size());
+}
+
+const FtpEntry *StatementsWindow::currentStatement() const
+{
+    const QTreeWidgetItem *item = m_ui->files->currentItem();
+    return item ? &m_statements.at(item->data(NameColumn, Qt::UserRole).toInt()) : nullptr;
 }
 
 void StatementsWindow::askAndDownload()
 {
-    const QTreeWidgetItem *item = m_ui->files->currentItem();
-    if (!item || !m_ui->download->isEnabled())
+    const FtpEntry *const statement = currentStatement();
+    if (!statement || !m_ui->download->isEnabled())
         return;
-    // The server's name of the file may be a path, which is not to be followed here.
-    const QString name = QFileInfo(item->text(NameColumn)).fileName();
-    const QString file =
-        QFileDialog::getSaveFileName(this, tr("Save statement"), QDir::home().filePath(name));
+    const QString file = QFileDialog::getSaveFileName(
+        this, tr("Save statement"), QDir::home().filePath(statement->localName()));
     if (!file.isEmpty())
         downloadTo(file);
 }
 
 void StatementsWindow::downloadTo(const QString &localFile)
 {
-    const QTreeWidgetItem *item = m_ui->files->currentItem();
-    if (!item) {
+    const FtpEntry *const statement = currentStatement();
+    if (!statement) {
         leave(tr("There is no statement to fetch"));
         return;
     }
-    const Statement &statement = m_statements.at(item->data(NameColumn, Qt::UserRole).toInt());
-    enter(Downloading, tr("Fetching %1…").arg(item->text(NameColumn)));
-    Q_EMIT downloadRequested(statement, localFile);
+    m_success = tr("Saved as %1").arg(localFile);
+    const FtpJobs::Options options =
+        m_ui->resume->isChecked() ? FtpJobs::Resume : FtpJobs::NoOption;
+    enter(m_jobs.download(statement->path, localFile, options),
+          tr("Fetching %1…").arg(statement->text()));
 }
 
-void StatementsWindow::showProgress(qint64 received, qint64 total, qint64 elapsed)
+void StatementsWindow::showProgress(const FtpProgress &progress)
 {
-    if (!m_ui->cancel->isEnabled())
-        return;
     const QLocale locale;
-    const qint64 speed = elapsed > 0 ? received * 1000 / elapsed : 0;
-    QString text =
-        tr("%1 at %2/s").arg(locale.formattedDataSize(received), locale.formattedDataSize(speed));
-    if (total > 0) {
+    QString text = tr("%1 at %2/s")
+                       .arg(locale.formattedDataSize(progress.done),
+                            locale.formattedDataSize(progress.bytesPerSecond));
+    if (progress.total > 0) {
         m_ui->progress->setRange(0, ProgressSteps);
-        m_ui->progress->setValue(int(double(received) / double(total) * ProgressSteps));
-        if (speed > 0)
-            text += tr(", %1 left").arg(duration(qMax<qint64>(0, total - received) / speed));
+        m_ui->progress->setValue(
+            int(double(progress.done) / double(progress.total) * ProgressSteps));
     }
-    m_ui->status->setText(text);
+    if (progress.secondsLeft >= 0)
+        text += tr(", %1 left").arg(duration(progress.secondsLeft));
+    if (progress.done > 0)
+        m_ui->status->setText(text);
 }
 
-void StatementsWindow::enter(Phase phase, const QString &text)
+void StatementsWindow::enter(int job, const QString &text)
 {
+    m_job = job;
     m_ui->server->setEnabled(false);
     m_ui->download->setEnabled(false);
-    m_ui->cancel->setEnabled(phase == Downloading);
-    // Shows activity until the size is known.
+    m_ui->cancel->setEnabled(true);
+    // Busy until a size is known.
     m_ui->progress->setRange(0, 0);
     m_ui->progress->show();
     m_ui->status->setText(text);
@@ -190,6 +191,8 @@ void StatementsWindow::leave(const QString &text)
 {
     m_ui->server->setEnabled(true);
     m_ui->download->setEnabled(m_ui->files->topLevelItemCount() > 0);
+    if (m_ui->cancel->hasFocus())
+        m_ui->files->setFocus();
     m_ui->cancel->setEnabled(false);
     m_ui->progress->hide();
     m_ui->status->setText(text);

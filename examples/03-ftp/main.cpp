@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A small FTP client for the command line, to show how FormKit::Ftp is used.
+// A small FTP client for the command line: shows what FormKit::FtpJobs asks of its user.
 //
 //     FTP_PASSWORD=… formkit-ftp --user joe list ftp.example.org pub
-//     formkit-ftp --resume get ftp.example.org pub/statement.pdf
+//     formkit-ftp --tls --ca our-ca.pem --resume get ftp.example.org pub/statement.pdf
 //     formkit-ftp --active --firewall USER_WITH_NO_LOGON --firewall-host proxy:2121 put …
-//
-// Exit codes: 0 done, 1 wrong usage, 2 not logged on, 3 failed, 4 interrupted.
 
 #include "progress.h"
 
+#include <formkit/FtpTls/TlsSocket.h>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
+#include <csignal>
 #include <cstdio>
 
 using namespace nsFTP;
@@ -22,18 +24,24 @@ namespace {
 
 enum ExitCode { Done = 0, WrongUsage = 1, NotLoggedOn = 2, Failed = 3, Interrupted = 4 };
 
+volatile std::sig_atomic_t interruptAsked = 0;
+
 struct Host
 {
     std::string name;
     unsigned short port = 21;
 };
 
+// "host", "host:port", "[address]:port".
 bool readHost(const QString &text, Host &host)
 {
-    bool good = true;
-    host.name = text.section(':', 0, 0).toStdString();
-    if (text.contains(':'))
-        host.port = text.section(':', 1).toUShort(&good);
+    const bool bracketed = text.startsWith('[');
+    const QString name = bracketed ? text.mid(1).section(']', 0, 0) : text.section(':', 0, 0);
+    const QString rest = bracketed ? text.section(']', 1) : text.mid(name.size());
+    bool good = rest.isEmpty() || rest.startsWith(':');
+    if (!rest.isEmpty() && good)
+        host.port = rest.mid(1).toUShort(&good);
+    host.name = name.toStdString();
     return good && host.port != 0 && !host.name.empty();
 }
 
@@ -58,10 +66,16 @@ bool readFirewall(const QCommandLineParser &options, CLogonInfo &logon)
 
 void addOptions(QCommandLineParser &options)
 {
-    options.setApplicationDescription("Lists, gets and puts files over FTP.\n\nThe password is "
-                                      "read from FTP_PASSWORD, the firewall's from "
-                                      "FTP_FIREWALL_PASSWORD.\nExit codes: 0 done, 1 wrong usage, "
-                                      "2 not logged on, 3 failed, 4 interrupted.");
+    options.setApplicationDescription(
+        "Lists, gets, puts and deletes files over FTP.\n\n"
+        "The password is read from FTP_PASSWORD, the firewall's from FTP_FIREWALL_PASSWORD.\n"
+        "A file that is fetched gets its name when it is whole; before that \".part\" is added.\n\n"
+        "Exit codes:\n"
+        "  0  done\n"
+        "  1  wrong usage\n"
+        "  2  not logged on: unknown host, no connection, not secure, or logon refused\n"
+        "  3  failed after the logon\n"
+        "  4  interrupted (Ctrl-C)");
     options.addHelpOption();
     options.addOptions({
         {{"u", "user"}, "User name.", "name", ANONYMOUS_USER},
@@ -69,113 +83,162 @@ void addOptions(QCommandLineParser &options)
         {{"r", "resume"}, "Go on where an earlier transfer ended."},
         {{"A", "ascii"}, "Transfer as text."},
         {{"v", "verbose"}, "Show commands and replies."},
+        {"tls", "Protect all by TLS (AUTH TLS)."},
+        {"implicit-tls", "The same for servers that begin with TLS, mostly on port 990."},
+        {"ca", "Trust the authorities in this PEM file, not the system's.", "file"},
+        {"6", "Connect by IPv6 only."},
         {"timeout", "Seconds for each wait.", "seconds", "30"},
+        {"retries", "How often to try again after what may pass.", "number", "4"},
         {"firewall", "How the firewall logs on, for example PROXY_OPEN.", "type"},
         {"firewall-host", "The firewall.", "host[:port]"},
         {"firewall-user", "User name at the firewall.", "name"},
     });
-    options.addPositionalArgument("command", "list, names, get or put.");
+    options.addPositionalArgument("command", "list, names, get, put or delete.");
     options.addPositionalArgument("host", "The server, as host or host:port.");
-    options.addPositionalArgument("file", "A remote path (list, names, get) or a local one (put).",
-                                  "[file");
+    options.addPositionalArgument(
+        "file", "A remote path (list, names, get, delete) or a local one (put).", "[file");
     options.addPositionalArgument("target", "The name at the other side; the same unless given.",
                                   "[target]]");
 }
 
-bool list(const CFTPClient &client, const std::string &path, bool passive)
+bool readServer(const QCommandLineParser &options, FtpServer &server)
 {
-    std::vector<std::shared_ptr<CFTPFileStatus>> entries;
-    if (!client.List(path, entries, passive))
+    Host host;
+    host.port = options.isSet("implicit-tls") ? 990 : 21;
+    bool goodTimeout = false;
+    bool goodRetries = false;
+    server.timeout = options.value("timeout").toUInt(&goodTimeout);
+    server.retries = options.value("retries").toInt(&goodRetries);
+    server.passive = !options.isSet("active");
+    if (!readHost(options.positionalArguments().value(1), host) || !goodTimeout || !goodRetries)
         return false;
-    for (const auto &entry : entries) {
-        const QDateTime time = QDateTime::fromSecsSinceEpoch(entry->mtime, Qt::UTC);
-        const bool dated = entry->mtimeType != CFTPFileStatus::timeUnknown;
-        std::printf("%c %15lld  %16s  %s\n", entry->tryCwd ? 'd' : '-', entry->size,
-                    dated ? qPrintable(time.toString("yyyy-MM-dd HH:mm")) : "",
-                    entry->name.c_str());
+    server.logon = {host.name, host.port, options.value("user").toStdString(),
+                    qgetenv("FTP_PASSWORD").toStdString()};
+    return server.timeout > 0 && server.retries >= 0 && readFirewall(options, server.logon);
+}
+
+CFTPSecurity securityOf(const QCommandLineParser &options)
+{
+    CFTPSecurity security;
+    if (options.isSet("implicit-tls"))
+        security.mode = CFTPSecurity::Implicit;
+    else if (!options.isSet("tls"))
+        security.mode = CFTPSecurity::None;
+    security.caFile = QFile::encodeName(options.value("ca")).toStdString();
+    return security;
+}
+
+// A client for the jobs, watched when asked to.
+std::unique_ptr<CFTPClient> makeClient(const QCommandLineParser &options,
+                                       Conversation *conversation)
+{
+    using nsSocket::TAddressFamily;
+    const TAddressFamily family = options.isSet("6") ? TAddressFamily::IPv6 : TAddressFamily::Any;
+    auto client =
+        std::make_unique<CFTPClient>(nsSocket::CreateTlsSocketInstance(securityOf(options), family),
+                                     options.value("timeout").toUInt(), 256 * 1024);
+    client->SetMachineListings(true);
+    client->SetUtf8(true);
+    if (options.isSet("verbose"))
+        client->AttachObserver(conversation);
+    return client;
+}
+
+QString targetOf(const QCommandLineParser &options)
+{
+    const QStringList words = options.positionalArguments();
+    return words.value(3, QFileInfo(words.value(2)).fileName());
+}
+
+// False when the command or its arguments are none.
+bool queueUp(FtpJobs &jobs, const QCommandLineParser &options)
+{
+    const QStringList words = options.positionalArguments();
+    const QString command = words.value(0);
+    const QString file = words.value(2);
+    const QString target = targetOf(options);
+    FtpJobs::Options flags = FtpJobs::KeepPart;
+    flags.setFlag(FtpJobs::Resume, options.isSet("resume"));
+    flags.setFlag(FtpJobs::Text, options.isSet("ascii"));
+    if (command == "list")
+        jobs.list(file.toUtf8());
+    else if (command == "names")
+        jobs.list(file.toUtf8(), FtpJobs::NamesOnly);
+    else if (file.isEmpty() || target.isEmpty())
+        return false;
+    else if (command == "get")
+        jobs.download(file.toUtf8(), target, flags);
+    else if (command == "put")
+        jobs.upload(file, target.toUtf8(), flags);
+    else if (command == "delete")
+        jobs.remove(file.toUtf8());
+    return jobs.count() > 0;
+}
+
+void print(const QVector<FtpEntry> &entries, bool withDetails)
+{
+    for (const FtpEntry &entry : entries) {
+        const QByteArray name = harmless(entry.name);
+        if (withDetails)
+            std::printf("%c %15lld  %16s  %s\n", entry.isFolder ? 'd' : '-',
+                        static_cast<long long>(entry.size),
+                        qPrintable(entry.modified.toString("yyyy-MM-dd HH:mm")), name.constData());
+        else
+            std::puts(name.constData());
     }
-    return true;
 }
 
-bool names(const CFTPClient &client, const std::string &path, bool passive)
+ExitCode exitCodeOf(const FtpError &error)
 {
-    std::vector<std::string> lines;
-    if (!client.NameList(path, lines, passive))
-        return false;
-    for (const std::string &line : lines)
-        std::puts(line.c_str());
-    return true;
-}
-
-bool get(const CFTPClient &client, Progress &progress, const QStringList &words,
-         const CRepresentation &type, bool passive)
-{
-    const std::string remote = words.value(2).toStdString();
-    const QString local = words.value(3, QFileInfo(words.value(2)).fileName());
-    long size = -1;
-    // The type first, since many servers refuse to tell a size in ASCII.
-    client.RepresentationType(type);
-    client.FileSize(remote, size);
-    progress.expect(size, client.IsResumeModeEnabled() ? QFileInfo(local).size() : 0);
-    return client.DownloadFile(remote, _tstring(local), type, passive);
-}
-
-bool put(const CFTPClient &client, const QStringList &words, const CRepresentation &type,
-         bool passive)
-{
-    const QString local = words.value(2);
-    const QString remote = words.value(3, QFileInfo(local).fileName());
-    return client.UploadFile(_tstring(local), remote.toStdString(), false, type, passive);
-}
-
-bool run(const CFTPClient &client, Progress &progress, const QStringList &words,
-         const QCommandLineParser &options)
-{
-    const bool passive = !options.isSet("active");
-    const CRepresentation type = options.isSet("ascii") ? CType::ASCII : CType::Image;
-    if (words.at(0) == "list")
-        return list(client, words.value(2).toStdString(), passive);
-    if (words.at(0) == "names")
-        return names(client, words.value(2).toStdString(), passive);
-    if (words.at(0) == "get")
-        return get(client, progress, words, type, passive);
-    return put(client, words, type, passive);
+    switch (error.code) {
+    case FtpError::None:
+        return Done;
+    case FtpError::Cancelled:
+        return Interrupted;
+    case FtpError::UnknownHost:
+    case FtpError::NoConnection:
+    case FtpError::NotLoggedOn:
+    case FtpError::Insecure:
+        return NotLoggedOn;
+    default:
+        return Failed;
+    }
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
+    QCoreApplication application(argc, argv);
     QCommandLineParser options;
     addOptions(options);
     options.process(application);
-    const QStringList words = options.positionalArguments();
-    const QString command = words.value(0);
-    const bool moves = command == "get" || command == "put";
-    Host host;
-    const unsigned int timeout = options.value("timeout").toUInt();
-    if (!(moves || command == "list" || command == "names") || !readHost(words.value(1), host) ||
-        (moves && words.size() < 3) || timeout == 0)
-        options.showHelp(WrongUsage);
-    CLogonInfo logon(host.name, host.port, options.value("user").toStdString(),
-                     qgetenv("FTP_PASSWORD").toStdString());
-    if (!readFirewall(options, logon))
+    FtpServer server;
+    if (!readServer(options, server))
         options.showHelp(WrongUsage);
 
-    CFTPClient client(nsSocket::CreateDefaultBlockingSocketInstance(), timeout, 256 * 1024);
-    // No data connections to third hosts, and no resuming unless asked for.
-    client.SetPassiveAddressPolicy(CFTPClient::TPassiveAddress::UseControlHost);
-    client.SetAcceptOnlyControlPeer(true);
-    client.SetResumeMode(options.isSet("resume"));
-    Progress progress(client, options.isSet("verbose"));
-    if (!client.Login(logon))
-        return NotLoggedOn;
-    const bool good = run(client, progress, words, options);
-    progress.finish();
-    if (client.IsConnected())
-        client.Logout();
-    if (progress.interrupted())
-        return Interrupted;
-    return good ? Done : Failed;
+    Conversation conversation;
+    server.makeClient = [&] { return makeClient(options, &conversation); };
+    FtpJobs jobs;
+    jobs.setServer(server);
+    Progress progress(jobs);
+    QObject::connect(&jobs, &FtpJobs::listed, [&](int, const QVector<FtpEntry> &entries) {
+        print(entries, options.positionalArguments().first() == "list");
+    });
+    QObject::connect(&jobs, &FtpJobs::finished, [&](int, const FtpError &error) {
+        const QString part = targetOf(options) + ".part";
+        if (error && QFileInfo::exists(part) && options.positionalArguments().first() == "get")
+            progress.say(part + " has what arrived: --resume goes on with it.");
+        application.exit(exitCodeOf(error));
+    });
+    std::signal(SIGINT, [](int) { interruptAsked = 1; });
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+        if (interruptAsked != 0)
+            jobs.cancelAll();
+    });
+    look.start(50);
+    if (!queueUp(jobs, options))
+        options.showHelp(WrongUsage);
+    return application.exec();
 }

@@ -3,107 +3,115 @@
 
 #include <QLocale>
 
-#include <csignal>
 #include <cstdio>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
 
-volatile std::sig_atomic_t interruptAsked = 0;
+constexpr int LongestBar = 40;
 
-QString bytes(long long count)
+QString bytes(qint64 count)
 {
     return QLocale().formattedDataSize(count, 1);
 }
 
+int widthOfTerminal()
+{
+    winsize size = {};
+    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+QString barOf(double part, int width)
+{
+    const int full = int(part * width);
+    return "[" + QString(full, '#') + QString(width - full, '.') + "] ";
+}
+
+QString textOf(const FtpProgress &progress)
+{
+    QString text = bytes(progress.done);
+    if (progress.total > 0)
+        text = QString("%1 % of %2")
+                   .arg(progress.done * 100 / progress.total)
+                   .arg(bytes(progress.total));
+    text += QString(", %1/s").arg(bytes(progress.bytesPerSecond));
+    if (progress.secondsLeft > 0)
+        text += QString(", %1:%2 left")
+                    .arg(progress.secondsLeft / 60)
+                    .arg(progress.secondsLeft % 60, 2, 10, QChar('0'));
+    return text;
+}
+
 } // namespace
 
-Progress::Progress(nsFTP::CFTPClient &client, bool verbose)
-    : m_client(client), m_verbose(verbose), m_terminal(::isatty(STDERR_FILENO) == 1)
+Progress::Progress(FtpJobs &jobs) : m_terminal(::isatty(STDERR_FILENO) == 1)
 {
-    std::signal(SIGINT, [](int) { interruptAsked = 1; });
-    client.AttachObserver(this);
+    connect(&jobs, &FtpJobs::progress, this, [this](int, const FtpProgress &p) { show(p); });
+    connect(&jobs, &FtpJobs::retrying, this, [this](int, const FtpError &error, int delay) {
+        say(QString("%1 Trying again in %2 s.").arg(error.text).arg(delay / 1000.0, 0, 'f', 1));
+    });
+    connect(&jobs, &FtpJobs::finished, this, [this](int, const FtpError &error) {
+        if (m_shown)
+            std::fputc('\n', stderr);
+        m_shown = false;
+        if (error)
+            say(error.text);
+    });
 }
 
-void Progress::expect(long long total, long long done)
+void Progress::say(const QString &text)
 {
-    m_total = total;
-    m_done = done;
-    m_moved = 0;
-    m_lastShown = 0;
-    m_timer.start();
+    clear();
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
-void Progress::finish()
+void Progress::show(const FtpProgress &progress)
 {
-    if (!m_shown)
+    if (!m_terminal)
         return;
-    show();
-    std::fputc('\n', stderr);
+    const QString text = textOf(progress);
+    const int room = qMin(LongestBar, widthOfTerminal() - text.size() - 4);
+    QString line = text;
+    if (progress.total > 0 && room > 5)
+        line = barOf(qMin(1.0, double(progress.done) / double(progress.total)), room) + text;
+    std::fprintf(stderr, "\r%s\033[K", line.toLocal8Bit().constData());
+    m_shown = true;
+}
+
+void Progress::clear()
+{
+    if (m_shown)
+        std::fputs("\r\033[K", stderr);
     m_shown = false;
 }
 
-bool Progress::interrupted() const
+void Conversation::OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments)
 {
-    return interruptAsked != 0;
+    const std::string text = command.AsMaskedString(arguments);
+    std::fprintf(stderr, "> %s\n", harmless(QByteArray::fromStdString(text)).constData());
 }
 
-void Progress::OnInternalError(const std::string &message, const std::string &source, int line)
+void Conversation::OnSendExtension(const std::string &command, const nsFTP::CArg &arguments)
 {
-    std::fprintf(stderr, "%s%s (%s:%d)\n", m_shown ? "\n" : "", message.c_str(), source.c_str(),
-                 line);
+    QByteArray text = QByteArray::fromStdString(command);
+    for (const std::string &argument : arguments)
+        text += ' ' + QByteArray::fromStdString(argument);
+    text = text.trimmed();
+    std::fprintf(stderr, "> %s\n", harmless(text).constData());
 }
 
-void Progress::OnBytesReceived(const std::vector<char> & /*buffer*/, long count)
+void Conversation::OnResponse(const nsFTP::CReply &reply)
 {
-    moved(count);
+    std::fprintf(stderr, "< %s\n", harmless(QByteArray::fromStdString(reply.Value())).constData());
 }
 
-void Progress::OnBytesSent(const std::vector<char> & /*buffer*/, long count)
+QByteArray harmless(QByteArray text)
 {
-    moved(count);
-}
-
-void Progress::OnBeginSendingData(const std::string & /*localName*/,
-                                  const std::string & /*remoteFile*/, long long localSize,
-                                  long long offset)
-{
-    expect(localSize, offset);
-}
-
-void Progress::OnSendCommand(const nsFTP::CCommand &command, const nsFTP::CArg &arguments)
-{
-    if (m_verbose)
-        std::fprintf(stderr, "> %s\n", command.AsMaskedString(arguments).c_str());
-}
-
-void Progress::OnResponse(const nsFTP::CReply &reply)
-{
-    if (m_verbose || reply.Code().IsNegativeReply())
-        std::fprintf(stderr, "< %s\n", reply.Value().c_str());
-}
-
-void Progress::moved(long count)
-{
-    m_moved += count;
-    if (interrupted())
-        m_client.Abort();
-    if (m_terminal && m_timer.isValid() && m_timer.elapsed() - m_lastShown >= 200)
-        show();
-}
-
-void Progress::show()
-{
-    m_lastShown = m_timer.elapsed();
-    m_shown = true;
-    const long long here = m_done + m_moved;
-    const long long perSecond = m_moved * 1000 / std::max<qint64>(m_lastShown, 1);
-    QString line = bytes(here);
-    if (m_total > 0)
-        line += QString(" of %1, %2 %").arg(bytes(m_total)).arg(here * 100 / m_total);
-    line += QString(", %1/s").arg(bytes(perSecond));
-    if (m_total > here && perSecond > 0)
-        line += QString(", %1 s left").arg((m_total - here) / perSecond);
-    std::fprintf(stderr, "\r%s\033[K", qPrintable(line));
+    for (char &c : text) {
+        const bool commands = (c >= 0 && c < ' ' && c != '\n') || c == 0x7f;
+        c = commands ? ' ' : c;
+    }
+    return text;
 }

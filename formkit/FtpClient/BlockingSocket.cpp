@@ -2,6 +2,7 @@
 #include "formkit/FtpClient/BlockingSocket.h"
 
 #include "formkit/FtpClient/FTPAssert_p.h"
+#include "formkit/FtpClient/HostLookup_p.h"
 #include "formkit/FtpClient/SocketWait_p.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@
 #include <cstring>
 
 #include <fcntl.h>
-#include <netdb.h>
+#include <netinet/tcp.h>
 #include <unistd.h>
 
 namespace nsSocket {
@@ -70,6 +71,16 @@ void prepare(int descriptor)
 #ifdef SO_NOSIGPIPE
     const int on = 1;
     ::setsockopt(descriptor, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+#endif
+    // Routers forget connections that are silent for some minutes, as a control connection is
+    // during a long transfer.
+    const int seconds = 45;
+    ::setsockopt(descriptor, SOL_SOCKET, SO_KEEPALIVE, &seconds, sizeof seconds);
+#ifdef TCP_KEEPIDLE
+    ::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPIDLE, &seconds, sizeof seconds);
+    ::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPINTVL, &seconds, sizeof seconds);
+#else
+    ::setsockopt(descriptor, IPPROTO_TCP, TCP_KEEPALIVE, &seconds, sizeof seconds);
 #endif
 }
 
@@ -306,18 +317,19 @@ bool CBlockingSocket::CheckReadability() const
     return outcome == SocketWait::Ready;
 }
 
+std::shared_ptr<const addrinfo> CBlockingSocket::LookUp(const char *name, unsigned short port,
+                                                        int family) const
+{
+    addrinfo wanted = {};
+    wanted.ai_family = family;
+    wanted.ai_socktype = SOCK_STREAM;
+    return lookUpHost(name, port, wanted, m_pInterruption, m_nWaitLimit);
+}
+
 sockaddr_in CBlockingSocket::GetHostByName(const char *name, unsigned short port)
 {
     FTP_ASSERT(name, "pchName != NULL");
-    addrinfo wanted = {};
-    wanted.ai_family = AF_INET;
-    wanted.ai_socktype = SOCK_STREAM;
-    addrinfo *found = nullptr;
-    errno = 0;
-    const int error = ::getaddrinfo(name, nullptr, &wanted, &found);
-    if (error != 0 || !found)
-        fail("GetHostByName", error == EAI_SYSTEM ? errno : 0);
-    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, ::freeaddrinfo);
+    const auto found = LookUp(name, port, AF_INET);
     sockaddr_in first = {};
     std::memcpy(&first, found->ai_addr, sizeof first);
     sockaddr_in address = {};

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 
@@ -80,9 +81,9 @@ public:
     virtual bool CheckReadability() const = 0;
     virtual sockaddr_in GetHostByName(const char *name, unsigned short port = 0) = 0;
     virtual const char *GetHostByAddr(const sockaddr *psa) = 0;
-    /// Limits each later Connect() and Accept(), of this socket and of those that it creates, to so
-    /// many seconds. A negative value, as in a new socket, leaves the limit to the system. A class
-    /// that does not override this has no limit.
+    /// Limits each later Connect(), Accept() and GetHostByName(), of this socket and of those that
+    /// it creates, to so many seconds. A negative value, as in a new socket, leaves the limit to
+    /// the system. A class that does not override this has no limit.
     virtual void SetWaitLimit(int seconds);
     /// Lets another thread end the waits of this socket and of those that it creates from now on.
     /// The waits of a class that does not override this cannot be ended.
@@ -92,7 +93,7 @@ public:
 /// A socket of the system. Addresses are sockaddr_in of 16 bytes. A time-out of 0 or less does not
 /// wait. Once its CInterruption is raised, an operation that would have to wait throws its name
 /// with ECANCELED. The handle itself is non-blocking, and programs that are started do not inherit
-/// it.
+/// it. The system keeps a silent connection open with packets of its own.
 class FORMKITFTP_EXPORT CBlockingSocket : public IBlockingSocket
 {
 public:
@@ -136,8 +137,8 @@ public:
     /// "Socket Error".
     bool CheckReadability() const override;
     /// The first IPv4 address of a name or dotted text, and the port in network byte order. May be
-    /// called in several threads. Takes as long as the system's resolver does. Throws
-    /// "GetHostByName".
+    /// called in several threads. Takes as long as the system's resolver does, but no longer than
+    /// SetWaitLimit()'s time. Throws "GetHostByName", with ETIMEDOUT when that is over.
     sockaddr_in GetHostByName(const char *name, unsigned short port = 0) override;
     /// The name of an address; valid until the thread's next call. Throws "GetHostByAddr".
     const char *GetHostByAddr(const sockaddr *psa) override;
@@ -157,6 +158,9 @@ protected:
     /// Gives a new instance the wait limit and the interruption of this one.
     IBlockingSocket *Equipped(CBlockingSocket *instance) const;
     int WaitLimit() const { return m_nWaitLimit; }
+    /// The addresses of a name or dotted text, as getaddrinfo() gives them, for streams; never
+    /// null. Waits and throws as GetHostByName() does.
+    std::shared_ptr<const addrinfo> LookUp(const char *name, unsigned short port, int family) const;
 
 private:
     int descriptor() const;

@@ -26,7 +26,8 @@ class Verb;
 ///     client.Logout();
 ///
 /// - Threads: an operation runs on the thread that calls it and returns when it is finished. One
-///   client serves one thread; only Abort() and IsTransferringData() may be called from another.
+///   client serves one thread; only Abort(), GiveUp() and IsTransferringData() may be called from
+///   another.
 /// - Results: true for success. An int is 0 after a 2xx reply, 1 after a 4xx or 5xx reply, and -1
 ///   after any other reply or none.
 /// - Replies: one that is still to come after a time-out, an abort, a broken-off transfer or a 1xx
@@ -289,6 +290,13 @@ public:
     ///
     /// Else, also when the transfer has just ended: sends ABOR like any command, on this thread.
     int Abort() const;
+
+    /// From any thread, also while another operation runs: ends every wait of this client at once,
+    /// from now on, and every transfer after the block in hand. What runs fails, and so does nearly
+    /// all that is called later; Logout() still sends QUIT, without waiting for the reply. For a
+    /// program that is done with the client. A socket class that does not override
+    /// IBlockingSocket::SetInterruption() goes on waiting.
+    void GiveUp() const;
 
     // The steps of a transfer, for callers that compose one themselves.
 

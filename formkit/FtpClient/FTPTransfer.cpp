@@ -382,4 +382,9 @@ int CFTPClient::Abort() const
     return d->simple(CCommand::ABOR);
 }
 
+void CFTPClient::GiveUp() const
+{
+    d->transfers.giveUp();
+}
+
 } // namespace nsFTP

@@ -17,7 +17,8 @@ TransferState::Scope::~Scope()
     if (!m_entered || --m_state.m_depth > 0)
         return;
     m_state.m_abortRequested = false;
-    m_state.m_interruption->Clear();
+    if (!m_state.m_givenUp)
+        m_state.m_interruption->Clear();
 }
 
 bool TransferState::isRunning() const
@@ -35,6 +36,13 @@ bool TransferState::requestAbort()
     if (m_thread != std::this_thread::get_id())
         m_interruption->Raise();
     return true;
+}
+
+void TransferState::giveUp()
+{
+    const std::lock_guard<std::mutex> guard(m_guard);
+    m_givenUp = true;
+    m_interruption->Raise();
 }
 
 } // namespace nsFTP

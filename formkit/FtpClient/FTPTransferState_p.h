@@ -51,10 +51,12 @@ public:
     bool isMoving() const { return m_moving; }
     /// From any thread. False when nothing runs.
     bool requestAbort();
+    /// From any thread, and for good: every wait ends, and so does every transfer.
+    void giveUp();
     /// From the transfer's own thread.
     void stop() { m_abortRequested = true; }
     void forgetAbort() { m_abortRequested = false; }
-    bool isAbortRequested() const { return m_abortRequested; }
+    bool isAbortRequested() const { return m_abortRequested || m_givenUp; }
     /// Whether another thread has ended the waits.
     bool isInterrupted() const { return m_interruption->IsRaised(); }
     const std::shared_ptr<nsSocket::CInterruption> &interruption() const { return m_interruption; }
@@ -64,6 +66,7 @@ private:
         std::make_shared<nsSocket::CInterruption>();
     std::atomic<bool> m_moving{false};
     std::atomic<bool> m_abortRequested{false};
+    std::atomic<bool> m_givenUp{false};
     /// Guards what follows, and keeps a request to abort from outlasting its transfer.
     mutable std::mutex m_guard;
     int m_depth = 0;

@@ -2,35 +2,22 @@
 #include "formkit/FtpClient/InternetSocket.h"
 
 #include "formkit/FtpClient/FTPAssert_p.h"
-#include "formkit/FtpClient/SocketWait_p.h"
 
 #include <QScopeGuard>
 
 #include <cerrno>
 #include <chrono>
 
-#include <netdb.h>
-
 namespace nsSocket {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using AddressList = std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)>;
-
-AddressList addressesOf(const char *host, unsigned short port, TAddressFamily family)
+int familyOf(TAddressFamily family)
 {
-    addrinfo wanted = {};
-    wanted.ai_family = family == TAddressFamily::IPv4   ? AF_INET
-                       : family == TAddressFamily::IPv6 ? AF_INET6
-                                                        : AF_UNSPEC;
-    wanted.ai_socktype = SOCK_STREAM;
-    addrinfo *found = nullptr;
-    errno = 0;
-    const int error = ::getaddrinfo(host, std::to_string(port).c_str(), &wanted, &found);
-    if (error != 0 || !found)
-        fail("GetHostByName", error == EAI_SYSTEM ? errno : 0);
-    return {found, ::freeaddrinfo};
+    if (family == TAddressFamily::Any)
+        return AF_UNSPEC;
+    return family == TAddressFamily::IPv4 ? AF_INET : AF_INET6;
 }
 
 int countOf(const addrinfo *address)
@@ -52,7 +39,7 @@ void CInternetSocket::ConnectToHost(const char *host, unsigned short port)
     FTP_ASSERT(host, "pchName != NULL");
     const int limit = WaitLimit();
     const auto restored = qScopeGuard([&] { SetWaitLimit(limit); });
-    const AddressList addresses = addressesOf(host, port, m_Family);
+    const auto addresses = LookUp(host, port, familyOf(m_Family));
     const Clock::time_point end = Clock::now() + std::chrono::seconds(std::max(limit, 0));
     for (const addrinfo *address = addresses.get(); address; address = address->ai_next) {
         // An address that does not answer leaves time for those after it.

@@ -6,7 +6,7 @@ package_packages=(dpkg-dev file pkgconf make)
 
 # The libraries, as <name> <folder of its headers>.
 package_libraries=("HostApi hostapi" "FormKit formkit" "Ftp formkit/FtpClient"
-    "FtpTls formkit/FtpTls" "EmbeddedHost embeddedhost")
+    "FtpTls formkit/FtpTls" "FtpJobs formkit/FtpJobs" "EmbeddedHost embeddedhost")
 
 version_of_tree() {
     sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt

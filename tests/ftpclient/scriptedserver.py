@@ -2,13 +2,14 @@
 """FTP servers that do what a test tells them to, on loopback.
 
 The program prints the port of its desk, and ends when its reader does. Each connection to the desk
-starts a server, which serves one control connection after the other until that connection ends. Over
-it, a line each:
+starts a server, which serves any number of control connections until that connection ends. Over it,
+a line each:
 - the test sends an object: "script", "content" (what downloads and listings send), "byte by byte";
 - the desk answers with the server's port;
 - for each empty line from the test the desk answers with all command lines so far, and after each
   upload "=" with its first bytes. It first waits, up to a fifth of a second, until the server has
   finished its script for the last command, so that what that sends has been sent.
+- The control connections share the script and the list of commands.
 
 Without a script a server behaves well. A script is a list of "VERB: action|action", separated by
 ";". Each entry is for one command of that verb ("greeting" is one too); the next one is answered as
@@ -17,6 +18,7 @@ usual. Actions:
   raw <text>   sent as it stands
   spam <n> <text>, drip <n> <text>  sent n times, at once or five times a second
   wait <ms>, close (the control connection), nothing
+die <ms>     breaks all connections off, and refuses others for so long
   data         moves the whole content after the offset of REST; forget drops that offset
   part <n>     moves the next n bytes and leaves the data connection open
   end, cut     closes the data connection, cleanly or with a reset
@@ -28,6 +30,7 @@ usual. Actions:
   unprotected  sends data in clear all the same
   chop         closes the data connection without TLS's closing message
 """
+import contextlib
 import json
 import re
 import select
@@ -45,6 +48,7 @@ MDTM: 213 20240229120001;PWD: 257 in step;ABOR: 226 aborted;QUIT: 221 bye|close;
 RETR: 150 here|data|226 done;LIST: 150 here|data|226 done;NLST: 150 here|data|226 x;
 MLSD: 150 here|data|226 done;STOR: 150 give|data|226 done;APPE: 150 give|data|226 done;STOU: 150 give|data|226 x"""
 PATIENCE = 60  # seconds for a peer that does nothing
+GUARD = threading.Lock()
 
 
 def entries(script):
@@ -58,47 +62,82 @@ class Server(socketserver.StreamRequestHandler):
         self.content = order["content"].encode("latin-1")
         self.byte_by_byte = order["byte by byte"]
         self.certificates = order["certificates"]
-        self.commands, self.offset, self.origin = [], 0, "127.0.0.1"
-        self.passive = self.active = self.data = None
+        self.commands, self.conversations = [], []
         self.listens = threading.Event()
-        with socket.create_server(("127.0.0.1", 0)) as listener:
-            threading.Thread(target=self.serve, args=[listener], daemon=True).start()
-            self.answer(listener.getsockname()[1])
-            while self.rfile.readline():
-                self.listens.wait(0.2)
-                self.answer(self.commands)
-            listener.shutdown(socket.SHUT_RDWR)
+        self.port, self.ends = 0, False
+        self.listen()
+        self.answer(self.port)
+        while self.rfile.readline():
+            self.listens.wait(0.2)
+            self.answer(self.commands)
+        self.ends = True
+        with contextlib.suppress(OSError):  # it may be dead
+            self.stop_listening()
 
     def answer(self, what):
         self.wfile.write(json.dumps(what).encode() + b"\n")
 
+    def listen(self):
+        self.listener = socket.create_server(("127.0.0.1", self.port))
+        self.port = self.listener.getsockname()[1]
+        threading.Thread(target=self.serve, args=[self.listener], daemon=True).start()
+
+    def stop_listening(self):
+        self.listener.shutdown(socket.SHUT_RDWR)
+        self.listener.close()
+
     def serve(self, listener):
         while True:
             try:
-                self.control = listener.accept()[0]
+                control = listener.accept()[0]
             except OSError:
                 return
-            self.control.settimeout(PATIENCE)
-            self.control.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-            self.lines, self.tls, self.protects = self.control.makefile("rb"), None, False
-            with self.control:
-                self.perform("greeting")
-                try:
-                    while not self.lines.closed and self.obey_next():
-                        pass
-                except OSError:
-                    pass
-            self.drop_data()
-            self.passive = self.active = None
+            self.conversations.append(Conversation(self, control))
+            threading.Thread(target=self.conversations[-1].hold, daemon=True).start()
+
+    def die(self, seconds):
+        self.stop_listening()
+        for conversation in self.conversations:
+            conversation.break_off()
+        self.conversations = []
+        time.sleep(seconds)
+        if not self.ends:
+            self.listen()
+
+
+class Conversation:
+    def __init__(self, server, control):
+        self.server, self.control = server, control
+        self.offset, self.origin = 0, "127.0.0.1"
+        self.passive = self.active = self.data = None
+        self.lines, self.tls, self.protects = None, None, False
+
+    def hold(self):
+        self.control.settimeout(PATIENCE)
+        self.control.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.lines = self.control.makefile("rb")
+        with contextlib.suppress(OSError):
+            self.perform("greeting")
+            while not self.lines.closed and self.obey_next():
+                pass
+        for open_still in (self.lines, self.control):
+            with contextlib.suppress(OSError):
+                open_still.close()
+        self.drop_data()
+
+    def break_off(self):
+        for side in (self.control, self.data, self.passive):
+            with contextlib.suppress(AttributeError, OSError):
+                side.shutdown(socket.SHUT_RDWR)
 
     def obey_next(self):
-        self.listens.set()
+        self.server.listens.set()
         line = self.lines.readline()
-        self.listens.clear()
+        self.server.listens.clear()
         if not line.endswith(b"\r\n"):
             return False
         text = line[:-2].decode(errors="replace")
-        self.commands.append(text)
+        self.server.commands.append(text)
         verb, _, argument = text.partition(" ")
         if verb == "REST":
             self.offset = int(argument)
@@ -113,10 +152,11 @@ class Server(socketserver.StreamRequestHandler):
         return True
 
     def perform(self, verb):
-        known = self.script + entries(BEHAVIOUR)
-        entry = next((e for e in known if e[0] == verb), (verb, "200 ok"))
-        if entry in self.script:
-            self.script.remove(entry)
+        with GUARD:
+            known = self.server.script + entries(BEHAVIOUR)
+            entry = next((e for e in known if e[0] == verb), (verb, "200 ok"))
+            if entry in self.server.script:
+                self.server.script.remove(entry)
         for action in entry[1].split("|"):
             try:
                 self.act(action, verb)
@@ -139,6 +179,8 @@ class Server(socketserver.StreamRequestHandler):
         elif word == "close":
             self.lines.close()
             self.control.close()
+        elif word == "die":
+            self.server.die(int(number) / 1000)
         elif word == "data":
             self.move(verb, None)
             self.offset = 0
@@ -161,7 +203,7 @@ class Server(socketserver.StreamRequestHandler):
                 self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
                 if word == "tls1.2":
                     self.tls.maximum_version = ssl.TLSVersion.TLSv1_2
-                self.tls.load_cert_chain(f"{self.certificates}/{rest}.pem")
+                self.tls.load_cert_chain(f"{self.server.certificates}/{rest}.pem")
                 self.control = self.tls.wrap_socket(self.control, server_side=True)
             self.lines = self.control.makefile("rb")
         elif word == "flood":
@@ -174,7 +216,7 @@ class Server(socketserver.StreamRequestHandler):
             self.send(self.control, self.filled_in(action + "\r\n"))
 
     def send(self, to, data):
-        step = 1 if self.byte_by_byte and len(data) <= 1000 else max(1, len(data))
+        step = 1 if self.server.byte_by_byte and len(data) <= 1000 else max(1, len(data))
         for at in range(0, len(data), step):
             to.sendall(data[at:at + step])
 
@@ -191,7 +233,7 @@ class Server(socketserver.StreamRequestHandler):
             text = (text.replace("{port}", port).replace("{pasv}", "127,0,0,1," + port)
                     .replace("{epsv}", "!!!%d!" % self.passive.getsockname()[1])
                     .replace("{spaced}", " 127 , 0, 0 ,1, " + port.replace(",", " , "))
-                    .replace("{size}", str(len(self.content))))
+                    .replace("{size}", str(len(self.server.content))))
         return text.replace("\u2400", "\0").encode()
 
     def open_data(self):
@@ -229,7 +271,7 @@ class Server(socketserver.StreamRequestHandler):
     def move(self, verb, length):
         self.open_data()
         if verb in ("RETR", "LIST", "NLST", "MLSD"):
-            part = self.content[self.offset:][:length]
+            part = self.server.content[self.offset:][:length]
             self.send(self.data, part)
             self.offset += len(part)
             return
@@ -239,7 +281,7 @@ class Server(socketserver.StreamRequestHandler):
             if not part:
                 break
             came += part
-        self.commands.append("=" + came[:99].decode("latin-1"))
+        self.server.commands.append("=" + came[:99].decode("latin-1"))
 
 
 class Desk(socketserver.ThreadingTCPServer):

@@ -58,6 +58,10 @@ private Q_SLOTS:
         pair.far.GetSockAddr(generic(own));
         QCOMPARE(pair.peer.sin_port, own.sin_port);
         QVERIFY(::fcntl(int(pair.near.operator SOCKET()), F_GETFD) & FD_CLOEXEC);
+        int kept = 0;
+        socklen_t size = sizeof kept;
+        ::getsockopt(int(pair.near.operator SOCKET()), SOL_SOCKET, SO_KEEPALIVE, &kept, &size);
+        QCOMPARE(kept, 1);
         QVERIFY(!pair.near.CheckReadability());
         const QByteArray all = QByteArray("0123456789abcdef!").repeated(20000000 / 17);
         std::thread sender([&] {

@@ -18,7 +18,7 @@ struct DataRow : QStringList
 };
 
 /// The rows of a file: columns parted by tabs, "-" for nothing, lines that begin with '#' left out;
-/// \t, \r and \n are read as such, <nbsp> and <nnbsp> as blanks that do not break, <lrm> as a
+/// \t, \r, \n and \e are read as such, <nbsp> and <nnbsp> as blanks that do not break, <lrm> as a
 /// direction mark, and %long as many characters. A line that begins with a tab goes on with the row
 /// before.
 inline QList<DataRow> rowsOf(const QString &name)
@@ -43,6 +43,7 @@ inline QList<DataRow> rowsOf(const QString &name)
             if (cell == "-")
                 cell.clear();
             cell.replace("\\t", "\t").replace("\\r", "\r").replace("\\n", "\n");
+            cell.replace("\\e", "\x1b");
             cell.replace("<nbsp>", QChar(0x00a0)).replace("<nnbsp>", QChar(0x202f));
             cell.replace("<lrm>", QChar(0x200e));
             rows.last() << cell.replace("%long", QString(20000, 'x'));

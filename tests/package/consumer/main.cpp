@@ -2,6 +2,7 @@
 // A program outside the tree that uses each library of an installation once.
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/FtpClient/FTPListParse.h>
+#include <formkit/FtpJobs/ftpjobs.h>
 #include <formkit/formkit_version.h>
 #include <formkit/numbereditor.h>
 #include <formkit/properties.h>
@@ -39,9 +40,12 @@ int main(int argc, char **argv)
     const QApplication app(argc, argv);
     nsFTP::CFTPFileStatus status;
     EmbeddedHost host;
+    FtpJobs jobs;
+    const int listing = jobs.list();
     bool works = formKitBinds() && ownClassesWork() && !host.loadNow("there is no such file") &&
                  nsFTP::CFTPListParser().Parse(status, "+i7.19,m1700000000,/,\tquotes") &&
-                 status.name == "quotes";
+                 status.name == "quotes" && jobs.count() == 1 &&
+                 jobs.state(listing) != FtpJobs::Unknown;
     try {
         works = decimal(u"a lot") == decimal() && works;
     } catch (const Exception &) {

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <memory>
+
+#include <netdb.h>
+
+namespace nsSocket {
+
+class CInterruption;
+
+/// What getaddrinfo() gave.
+using HostAddresses = std::shared_ptr<const addrinfo>;
+
+/// The addresses of a name or dotted text. A name is looked up on a thread of its own, so that the
+/// wait lasts no longer than so many seconds (for ever when they are negative) and can be
+/// interrupted; the system's resolver then ends by itself, and nobody waits for it. Throws
+/// "GetHostByName" with errno as it is documented for that operation.
+HostAddresses lookUpHost(const char *name, unsigned short port, const addrinfo &wanted,
+                         const std::shared_ptr<const CInterruption> &interruption, int seconds);
+
+} // namespace nsSocket

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <QtGlobal>
+
+#include <deque>
+#include <utility>
+
+/// The speed of a transfer in its last seconds.
+class TransferRate
+{
+public:
+    /// Milliseconds of any clock, and the bytes that were moved until then.
+    void add(qint64 time, qint64 moved);
+    qint64 bytesPerSecond() const;
+
+private:
+    std::deque<std::pair<qint64, qint64>> m_samples;
+};
