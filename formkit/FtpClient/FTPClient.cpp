@@ -151,7 +151,7 @@ bool CFTPClient::Login(const CLogonInfo &logon)
         !d->control.receive(reply))
         return false;
     bool goesOn = reply.Code().IsPositiveCompletionReply();
-    if (!protection.afterGreeting(goesOn))
+    if (goesOn && !protection.afterGreeting())
         return false;
     while (goesOn && !steps.isOver()) {
         const Logon::Command step = steps.command();

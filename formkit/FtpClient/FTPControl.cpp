@@ -123,6 +123,32 @@ bool ControlConnection::startTls()
     }
 }
 
+bool ControlConnection::keepsProtection(const Verb &command)
+{
+    const nsSocket::ISecureSocket *const socket = secure();
+    if (!socket || socket->Security().mode == CFTPSecurity::None || session.controlInClear)
+        return true;
+    if (!socket->IsTls() && command.name() != "AUTH") {
+        const auto reported = qScopeGuard([this] { drop(); });
+        m_observers.report("Without TLS nothing is sent.", ReportAt::Security);
+        return false;
+    }
+    if (command == CCommand::REIN)
+        m_observers.report("REIN would end the protection: log out instead.", ReportAt::Security);
+    return !(command == CCommand::REIN);
+}
+
+bool ControlConnection::mayMoveData() const
+{
+    const nsSocket::ISecureSocket *const socket = secure();
+    if (!socket || socket->Security().mode == CFTPSecurity::None || socket->Security().clearData ||
+        session.protectsData)
+        return true;
+    m_observers.report("The server was not asked to protect data: log in first.",
+                       ReportAt::Security);
+    return false;
+}
+
 bool ControlConnection::protect(nsSocket::IBlockingSocket &dataSocket)
 {
     auto *const target = dynamic_cast<nsSocket::ISecureSocket *>(&dataSocket);
@@ -144,6 +170,7 @@ bool ControlConnection::endTls()
 {
     try {
         secure()->EndTls(timeout());
+        session.controlInClear = true;
         return true;
     } catch (const CBlockingSocketException &exception) {
         breakOff(exception, ReportAt::Security);
@@ -375,12 +402,8 @@ bool ControlConnection::write(const Verb &command, const CArg &arguments)
 
 bool ControlConnection::send(const Verb &command, const CArg &arguments)
 {
-    if (!isOpen() || !accepts(command, arguments) || !settle())
+    if (!isOpen() || !accepts(command, arguments) || !keepsProtection(command) || !settle())
         return false;
-    if (command == CCommand::REIN && secure() && secure()->IsTls()) {
-        m_observers.report("REIN would end the protection: log out instead.", ReportAt::Security);
-        return false;
-    }
     if (command == CCommand::TYPE || command == CCommand::REIN)
         session.representation.reset();
     return write(command, arguments);

@@ -33,6 +33,8 @@ struct SessionState
     bool refusesEprt = false;
     /// Data connections go over TLS.
     bool protectsData = false;
+    /// The control connection has left TLS, as was asked for.
+    bool controlInClear = false;
 };
 
 /// A control connection: sends commands, reads replies, and keeps each reply with its command.
@@ -71,6 +73,8 @@ public:
     /// closed when the peer is not whom the host's name says.
     bool startTls();
     bool endTls();
+    /// False, and reported, when data would go in clear without having been asked to.
+    bool mayMoveData() const;
     /// Protects a connected data socket, when the session's are. False, and reported, when it
     /// cannot.
     bool protect(nsSocket::IBlockingSocket &dataSocket);
@@ -98,6 +102,7 @@ public:
 
 private:
     void drop();
+    bool keepsProtection(const Verb &command);
     void connect(const std::string &host, unsigned short port);
     void breakOff(const nsSocket::CBlockingSocketException &exception, ReportAt place);
     bool limitPassed(size_t lines, size_t bytes);

@@ -40,12 +40,10 @@ bool Protection::beforeGreeting()
     return m_wanted.mode != CFTPSecurity::Implicit || m_control.startTls();
 }
 
-bool Protection::afterGreeting(bool good)
+bool Protection::afterGreeting()
 {
-    if (m_wanted.mode == CFTPSecurity::Explicit && !good)
-        m_control.close();
     return m_wanted.mode != CFTPSecurity::Explicit ||
-           (good && ask("AUTH", "TLS", "The server has no TLS, and nothing is sent in clear: ") &&
+           (ask("AUTH", "TLS", "The server has no TLS, and nothing is sent in clear: ") &&
             m_control.startTls());
 }
 

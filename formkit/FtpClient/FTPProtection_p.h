@@ -13,9 +13,7 @@ public:
     Protection(ControlConnection &control, const Observers &observers);
 
     bool beforeGreeting();
-    /// good: whether the server lets anybody in. A session that is to be protected and does not get
-    /// so far is closed, too.
-    bool afterGreeting(bool good);
+    bool afterGreeting();
     bool afterLogon();
     /// When no more secrets are sent.
     bool atTheEnd();

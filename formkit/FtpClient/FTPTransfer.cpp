@@ -138,7 +138,7 @@ bool CFTPClient::begin(const Verb &command, const std::string &path, long long o
 {
     const bool restarts =
         command == CCommand::RETR || command == CCommand::STOR || command == CCommand::APPE;
-    if (d->transfers.isAbortRequested())
+    if (d->transfers.isAbortRequested() || !d->control.mayMoveData())
         return false;
     if (d->resume && offset != 0 && restarts && restart(offset) != 0) {
         // A REST that was not answered may still take effect, on a later transfer.

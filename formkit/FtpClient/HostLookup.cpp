@@ -67,13 +67,15 @@ HostAddresses lookUpHost(const char *name, unsigned short port, const addrinfo &
     lookup->run(AI_NUMERICHOST);
     if (lookup->found)
         return lookup->found;
-    if ((!interruption && seconds < 0) || !runElsewhere(lookup))
+    bool isOver = true;
+    if ((!interruption && seconds < 0) || !runElsewhere(lookup)) {
         lookup->run();
-    else
-        failUnlessReady(
-            SocketWait(lookup->over.Descriptor(), POLLIN, interruption.get()).last(seconds),
-            Operation);
-    if (!lookup->found)
+    } else {
+        const SocketWait wait(lookup->over.Descriptor(), POLLIN, interruption.get());
+        failUnlessReady(wait.last(seconds), Operation);
+        isOver = lookup->over.IsRaised(); // what the other thread wrote is visible from here on
+    }
+    if (!isOver || !lookup->found)
         fail(Operation, lookup->error == EAI_SYSTEM ? lookup->number : 0);
     return lookup->found;
 }
