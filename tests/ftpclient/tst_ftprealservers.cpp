@@ -28,7 +28,7 @@ struct Way : Access
                                : nsSocket::CreateTlsSocketInstance(security);
     }
 
-    QString name;
+    QString name = "plain";
     CFTPSecurity security;
 };
 
