@@ -29,7 +29,8 @@ void PartFile::setTime(qint64 seconds) const
 {
     QFile file(m_name);
     if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
-        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds), QFile::FileModificationTime);
+        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC),
+                         QFile::FileModificationTime);
 }
 
 QString PartFile::land() const
