@@ -194,6 +194,8 @@ FtpError FtpSession::fetchInto(Job &job, const PartFile &part)
     // The server resumes nothing, or says that it does and sends all the same.
     if (resumes && isOpen() && (isRefusal() || job.done > job.sourceSize)) {
         job.mayResume = false;
+        // Else a server that did agree could apply the offset to the next transfer.
+        m_client->Restart(0);
         return fetchInto(job, part);
     }
     FtpError error = failure(job);

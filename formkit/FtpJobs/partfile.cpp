@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include <sys/stat.h>
+
 PartFile::PartFile(const QString &local) : m_local(local), m_name(local)
 {
     const QFileInfo info(local);
@@ -22,14 +24,17 @@ qint64 PartFile::size() const
 
 qint64 PartFile::time() const
 {
-    return QFileInfo(m_name).lastModified().toSecsSinceEpoch();
+    struct stat data = {};
+    const bool exists = ::stat(QFile::encodeName(m_name).constData(), &data) == 0;
+    return exists ? qint64(data.st_mtime) : 0;
 }
 
 void PartFile::setTime(qint64 seconds) const
 {
     QFile file(m_name);
     if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
-        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds), QFile::FileModificationTime);
+        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC),
+                         QFile::FileModificationTime);
 }
 
 QString PartFile::land() const
