@@ -5,8 +5,8 @@
 
 #include <QString>
 
-/// The exchanges by id and code. Look-ups may come from any thread and inside a walk of any
-/// table: a host must answer them without waiting for a table's lock.
+/// The exchanges by id and code. Asked on the forms' thread, inside a walk of any table too and
+/// while another thread walks one: a host must answer without waiting for a table's lock.
 class HOSTAPI_EXPORT StockDirectory
 {
 public:
@@ -20,8 +20,8 @@ public:
     virtual int idByCode(const QString &stockCode) const = 0;
 };
 
-/// The trading boards by exchange and board, with what the host knows of each. The same rule
-/// for threads holds.
+/// The trading boards by exchange and board, with what the host knows of each. Asked as
+/// StockDirectory is.
 class HOSTAPI_EXPORT BoardDirectory
 {
 public:

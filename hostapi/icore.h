@@ -44,7 +44,8 @@ public:
     /// The installed core. Before any is installed, one that has no tables, boards, sessions
     /// or plug-ins, so that forms can be shown all the same (in a form designer, for example).
     static ICore *instance();
-    /// Null takes the core away again. Not thread-safe.
+    /// Null takes the core away again: a host does that before its tables go. Afterwards no walk of
+    /// a worker is in a table. On the forms' thread only.
     static void install(ICore *core);
 
     /// The table of a name, never null: one that the host lacks reads as empty. A warning names

@@ -8,6 +8,10 @@
 /// Everything that touches rows by way of the master index happens between lock() and
 /// unlock() (or in the life of a TableLock). The content may be replaced at any moment when
 /// nobody holds the lock. Rows held by Records stay valid throughout.
+///
+/// The forms' thread does so, and a worker of the library, which walks large tables (see
+/// WorkerWalk): it calls lock() and unlock(), and between them masterIndex(), what that offers, and
+/// dataPtr(). freeRow() may come from any thread, everything else from the forms' alone.
 class HOSTAPI_EXPORT Table
 {
 public:
@@ -37,7 +41,8 @@ public:
     virtual void freeRow(RowData *row) const = 0;
 };
 
-/// Holds a table's lock for a scope, whichever way the scope is left.
+/// Holds a table's lock for a scope, whichever way the scope is left. On the forms' thread it does
+/// not wait for a WorkerWalk, which gives way.
 class HOSTAPI_EXPORT TableLock
 {
 public:

@@ -73,8 +73,8 @@ public:
 
 private:
     Table *table(const QString &name) override;
-    /// The directories are asked inside the walk of a table, from any thread: they read what
-    /// never changes, and so need no lock.
+    /// The directories are asked while a table is walked, by this thread or another: they read
+    /// what never changes, and so wait for nothing.
     QString codeById(int stockId) const override { return m_codes.value(stockId); }
     int idByCode(const QString &stockCode) const override { return m_codes.key(stockCode); }
     QString codeById(int stockId, int boardId) const override
