@@ -42,6 +42,8 @@ protected:
     /// Reads the texts of a model's first column, once for each population: QComboBox would
     /// read them at every size hint. A box that has been shown keeps the width it had then.
     void measureTexts(const QAbstractItemModel *model);
+    /// The same of the model's longest texts, which somebody else has found.
+    void measureTexts(const QStringList &longest);
 
     /// The text of a row as the line edit shows it, which cuts what is too long; empty for -1.
     QString textOfRow(int row) const;

@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include <functional>
+#include <utility>
 
 /// The rows of a table in the order in which a list shows them: all of them or some, by their
 /// texts ignoring case (as QString::compare() does; equal texts by row), or as the table has
@@ -24,8 +25,13 @@ public:
     /// Sorts the rows 0 to `count` - 1. None is shown yet.
     RowOrder(int count, TextOf textOf);
 
+    /// Asks for the same texts elsewhere from now on.
+    void setTexts(TextOf textOf) { m_textOf = std::move(textOf); }
+
     /// Shows these rows, which must ascend.
     void show(const QVector<int> &rows, Direction direction);
+    /// Shows every row, in time that does not grow with them while the direction is ascending.
+    void showAll(Direction direction);
     /// Must be told when the text of one row has changed. The list does not change: see
     /// isInPlace().
     void move(int row);
@@ -52,6 +58,7 @@ public:
     int positionStartingWith(const QString &beginning, int from, bool wrap) const;
 
 private:
+    void setShown(const QVector<int> &rows, Direction direction);
     QVector<int> ascending(const QVector<int> &rows) const;
     void reverse();
     bool isBetweenNeighbours(const QVector<int> &order, int position, Direction direction) const;

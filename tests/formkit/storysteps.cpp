@@ -143,12 +143,24 @@ template <typename... Listed> void populateAny(QObject *object)
     (populate(as<Listed>(object)), ...);
 }
 
+bool populateLater(const StoryForm *p, QObject *object)
+{
+    auto *const model = as<SecuritySelectorModel>(object);
+    if (model && p->populatesLater) {
+        model->updateSessionsFilter();
+        model->populateLater();
+        [model] { QTRY_VERIFY(!model->isPopulating()); }();
+    }
+    return model && p->populatesLater;
+}
+
 void populate(StoryForm *p, Words name)
 {
     const QPointer<QWidget> before = p->current;
     p->current = name.isEmpty() ? before.data() : p->control(name);
     populateAny<StockSelectorBox_Code, PartnerSelectorBox>(p->current);
-    populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(p->source());
+    if (!populateLater(p, p->source()))
+        populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(p->source());
     p->current = before;
 }
 
@@ -352,7 +364,10 @@ StorySteps hostSteps(StoryPlayer *p)
              p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
          }},
         {"announce", "", "announces new sessions, which has securities read again", "announce",
-         [p](Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},
+         [p](Words) {
+             if (!populateLater(p, p->source()))
+                 Q_EMIT p->host->decoder()->aNewSessions();
+         }},
         {"lack", "table", "takes a table from the host", "lack stocks",
          [p](Words table) { p->host->removeTable(table); }},
         {"away", "", "takes the host away", "away",
