@@ -165,7 +165,7 @@ void OrderWindow::refresh()
     m_boards->populate();
     // A load that has opened other sessions has had them read anew already.
     if (!m_securitiesAreFresh)
-        m_securities->populate();
+        m_securities->aNewSessions();
     m_ui->partner->populate();
     registerBoards();
 }

@@ -6,4 +6,6 @@
 /// Checks what only the whole of the tables shows: keys and unique columns without duplicates,
 /// and a parent for each row that must have one. The tables stand in the order of
 /// ReferenceSchema::tables(), their rows in key order. Throws Exception for the first fault.
-void checkContent(const QString &file, const std::vector<TableContent> &tables);
+/// `pause` is called every now and then, and may throw too.
+void checkContent(const QString &file, const std::vector<TableContent> &tables,
+                  const std::function<void()> &pause);

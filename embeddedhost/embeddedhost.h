@@ -23,8 +23,9 @@
 /// that are held by Records outlive the change. The host destroys no form: it must outlive them,
 /// and all Records.
 ///
-/// A million securities is a normal size: some 200 bytes each with their texts, texts that
-/// return often (base codes) kept once. A reload needs room for the new rows beside the old.
+/// A million securities is a normal size, and ten millions work: some 200 bytes each with their
+/// texts, texts that return often (base codes) kept once. A reload needs room for the new rows
+/// beside the old, and gives it back to the system when it is done.
 class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 {
     Q_OBJECT

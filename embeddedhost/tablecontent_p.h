@@ -3,6 +3,8 @@
 
 #include "rowlayout_p.h"
 
+#include <functional>
+
 /// The rows of a table at one time: holds a reference to each.
 class TableContent
 {
@@ -19,8 +21,9 @@ public:
 
     /// Adds an empty row at the end.
     RowData *append();
-    /// Brings the rows into key order.
-    void sort();
+    /// Brings the rows into key order. `pause` is called every now and then, and may throw: all
+    /// rows are there then, in whatever order.
+    void sort(const std::function<void()> &pause);
     /// The row with the key of the given one, or null. The rows must be in key order.
     RowData *find(RowData *key) const;
 
