@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "selectorbench.h"
 
+#include "processmemory.h"
+
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
@@ -12,7 +14,6 @@
 #include <QApplication>
 #include <QCompleter>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
@@ -23,7 +24,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include <malloc.h>
 #include <time.h>
 
 namespace {
@@ -405,36 +405,19 @@ SelectorFigure measurePopulating(const QString &side)
             if (subject) {
                 subject->source()->populate();
             } else {
-                std::vector<Data> rows = readRows(Texts::SharedWithHost);
-                std::sort(rows.begin(), rows.end());
+                readAndSort();
             }
         });
     });
 }
 
-double processMegabytes(const char *entry)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        throw std::runtime_error("memory: needs /proc/self/status");
-    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
-        if (line.startsWith(entry))
-            return line.mid(int(qstrlen(entry))).simplified().split(' ').first().toDouble() / 1024;
-    }
-    throw std::runtime_error("memory: no such entry in /proc/self/status");
-}
-
 // The peak while the action runs, over what was held before it.
 SelectorFigure measureMemory(const std::function<void()> &action)
 {
-    malloc_trim(0);
-    QFile reset(QStringLiteral("/proc/self/clear_refs"));
-    if (!reset.open(QIODevice::WriteOnly) || reset.write("5") != 1)
-        throw std::runtime_error("memory: needs /proc/self/clear_refs");
-    reset.close();
-    const double before = processMegabytes("VmRSS:");
+    ProcessMemory::resetPeak();
+    const double before = ProcessMemory::now();
     action();
-    const double peak = processMegabytes("VmHWM:") - before;
+    const double peak = ProcessMemory::peak() - before;
     return {peak, peak};
 }
 
@@ -500,6 +483,12 @@ bool SelectorFigure::fromLine(const QByteArray &line, SelectorFigure *figure)
         return false;
     *figure = {words.at(1).toDouble(), words.at(2).toDouble()};
     return true;
+}
+
+void readAndSort()
+{
+    std::vector<Data> rows = readRows(Texts::SharedWithHost);
+    std::sort(rows.begin(), rows.end());
 }
 
 SelectorFigure measureSelector(const QString &side, const QString &operation,
