@@ -16,11 +16,11 @@ namespace {
 
 using Model = SecuritySelectorModel;
 
-const QVector<int> Boards{7, 8};
+const QVector<int> BoardIds{7, 8};
 
 int boardOf(int id)
 {
-    return Boards.at(id % 2);
+    return BoardIds.at(id % 2);
 }
 
 QVector<QVariantList> rowsOf(const QList<int> &ids)
@@ -67,6 +67,13 @@ public:
     std::atomic<bool> isSlow{true};
 };
 
+// QTRY_VERIFY sleeps in between.
+void waitFor(const Model &model)
+{
+    while (model.isPopulating())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 // What a list shows and finds.
 QStringList listed(const SelectorProxyModel &list)
 {
@@ -87,8 +94,8 @@ struct List
     {
         list.setKeyRoles({Model::SecurityIdRole});
         list.setSourceModel(model);
-        QObject::connect(model, &Model::populating, [this](bool is) { notes << is; });
-        QObject::connect(model, &Model::modelReset, [this] { ++resets; });
+        QObject::connect(model, &Model::populating, &list, [this](bool is) { notes << is; });
+        QObject::connect(model, &Model::modelReset, &list, [this] { ++resets; });
     }
     SecuritySelectorFilteredModel list;
     QVector<bool> notes;
@@ -174,7 +181,7 @@ void PopulateLaterTest::announcement()
     Q_EMIT host->decoder()->aNewSessions();
     QVERIFY(model.isPopulating());
     QCOMPARE(model.rowCount(), 50000);
-    QTRY_VERIFY(!model.isPopulating());
+    waitFor(model);
     QCOMPARE(later.resets, 2);
     QCOMPARE(later.notes, QVector<bool>({true, false}));
     atOnce.populate();
@@ -200,7 +207,7 @@ void PopulateLaterTest::failures()
     const auto fails = [&](const QString &why) {
         expectWarning("SecuritySelectorModel::populateLater: .*: " + why);
         model.populateLater();
-        QTRY_VERIFY(!model.isPopulating());
+        waitFor(model);
         QCOMPARE(listed(later.list), before);
     };
     host->table("securities").failAtCell(11);
@@ -211,11 +218,12 @@ void PopulateLaterTest::failures()
     }
     QCOMPARE(later.resets, 1);
     model.populateLater();
-    QTRY_COMPARE(later.list.rowCount(), 3);
+    waitFor(model);
+    QCOMPARE(later.list.rowCount(), 3);
     host->table("securities").setRows({});
     model.populateLater();
     ICore::install(nullptr);
-    QTRY_VERIFY(!model.isPopulating());
+    waitFor(model);
     QCOMPARE(later.list.rowCount(), 3);
 }
 
@@ -240,7 +248,7 @@ void PopulateLaterTest::walkGivesWay()
         QVERIFY(model.calls < 2000);
     }
     model.isSlow = false;
-    QTRY_VERIFY(!model.isPopulating());
+    waitFor(model);
     QCOMPARE(model.rowCount(), 2000);
     QCOMPARE(later.resets, 1);
     // It can be given up: by a promise that is taken back, and for rows that are read at once.
@@ -272,7 +280,7 @@ void PopulateLaterTest::startsOver()
     model.setDefaultDataRole(Model::SecurityIdRole);
     later.list.setStockBoard("S", "B8");
     later.list.setKeyRoles({Model::SecurityIdRole, Model::SecurityCodeRole});
-    QTRY_VERIFY(!model.isPopulating());
+    waitFor(model);
     QCOMPARE(later.resets, 1);
     QCOMPARE(later.notes, QVector<bool>({true, false}));
     QCOMPARE(later.list.rowCount(), 30);
@@ -314,7 +322,7 @@ void PopulateLaterTest::act(Form *form, QRandomGenerator *random)
         f.text = "xy";
         break;
     case 3:
-        f.setBoard(Boards.at(oneOf(2)));
+        f.setBoard(BoardIds.at(oneOf(2)));
         break;
     case 4:
         f.box->setSourceModel(new Model);
@@ -356,12 +364,12 @@ void PopulateLaterTest::storm()
             const bool isGone = form.id != 0 && (!form.content.contains(form.id));
             if (isGone) {
                 form.model()->populateLater();
-                QTRY_VERIFY(!form.model()->isPopulating());
+                waitFor(*form.model());
                 form.choose(0);
             }
         }
         form.model()->populateLater();
-        QTRY_VERIFY(!form.model()->isPopulating());
+        waitFor(*form.model());
         QCoreApplication::processEvents();
         const QString id = QString::number(form.id);
         QCOMPARE(form.box->currentText(), form.text);
