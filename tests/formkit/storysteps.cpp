@@ -143,15 +143,30 @@ template <typename... Listed> void populateAny(QObject *object)
     (populate(as<Listed>(object)), ...);
 }
 
-bool populateLater(const StoryForm *p, QObject *object)
+void waitForRows(const StoryForm *p)
 {
-    auto *const model = as<SecuritySelectorModel>(object);
-    if (model && p->populatesLater) {
+    for (const auto *model : p->window.findChildren<SecuritySelectorModel *>())
+        QTRY_VERIFY(!model->isPopulating());
+}
+
+bool populateLater(const StoryForm *p)
+{
+    auto *const model = as<SecuritySelectorModel>(p->source());
+    if (!model || !p->populatesLater)
+        return false;
+    model->populateLater();
+    waitForRows(p);
+    return true;
+}
+
+void announce(const StoryForm *p)
+{
+    auto *const model = as<SecuritySelectorModel>(p->source());
+    if (model && p->populatesLater)
         model->updateSessionsFilter();
-        model->populateLater();
-        [model] { QTRY_VERIFY(!model->isPopulating()); }();
-    }
-    return model && p->populatesLater;
+    if (!populateLater(p))
+        Q_EMIT p->host->decoder()->aNewSessions();
+    waitForRows(p);
 }
 
 void populate(StoryForm *p, Words name)
@@ -159,7 +174,7 @@ void populate(StoryForm *p, Words name)
     const QPointer<QWidget> before = p->current;
     p->current = name.isEmpty() ? before.data() : p->control(name);
     populateAny<StockSelectorBox_Code, PartnerSelectorBox>(p->current);
-    if (!populateLater(p, p->source()))
+    if (!populateLater(p))
         populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(p->source());
     p->current = before;
 }
@@ -364,10 +379,7 @@ StorySteps hostSteps(StoryPlayer *p)
              p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
          }},
         {"announce", "", "announces new sessions, which has securities read again", "announce",
-         [p](Words) {
-             if (!populateLater(p, p->source()))
-                 Q_EMIT p->host->decoder()->aNewSessions();
-         }},
+         [p](Words) { announce(p); }},
         {"lack", "table", "takes a table from the host", "lack stocks",
          [p](Words table) { p->host->removeTable(table); }},
         {"away", "", "takes the host away", "away",
