@@ -307,12 +307,18 @@ void PopulateLaterTest::act(Form *form, QRandomGenerator *random)
     const auto oneOf = [random](int end) { return int(random->bounded(end)); };
     switch (oneOf(12)) {
     case 0:
-    case 1:
         if (f.box->count() > 0) {
-            const int row = oneOf(f.box->count());
-            f.choose(f.box->itemData(row, Model::SecurityIdRole).toInt());
+            f.box->setCurrentIndex(oneOf(f.box->count()));
+            f.choose(f.box->currentData(Model::SecurityIdRole).toInt());
+        }
+        break;
+    case 1:
+        // An id whose row went in the turn in which it was set would go on waiting for it.
+        waitFor(*f.model());
+        if (f.box->count() > 0) {
+            f.choose(f.box->itemData(oneOf(f.box->count()), Model::SecurityIdRole).toInt());
             f.hub->setValue("SecurityId", QString::number(f.id));
-            QCoreApplication::processEvents(); // the turn to which the id belongs
+            QCoreApplication::processEvents();
         }
         break;
     case 2:
@@ -361,8 +367,7 @@ void PopulateLaterTest::storm()
         for (int acts = int(random.bounded(5)); acts >= 0; --acts) {
             act(&form, &random);
             // What a population may have taken from the list is not the choice any more.
-            const bool isGone = form.id != 0 && (!form.content.contains(form.id));
-            if (isGone) {
+            if (form.id != 0 && !form.content.contains(form.id)) {
                 form.model()->populateLater();
                 waitFor(*form.model());
                 form.choose(0);
