@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "selectorbench.h"
 
+#include "processmemory.h"
 #include "selectorsubject.h"
 
 #include <embeddedhost/embeddedhost.h>
@@ -13,7 +14,6 @@
 #include <QApplication>
 #include <QCompleter>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 
@@ -23,7 +23,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include <malloc.h>
 #include <time.h>
 
 namespace {
@@ -299,36 +298,19 @@ SelectorFigure measurePopulating(const QString &side)
             if (subject) {
                 subject->source()->populate();
             } else {
-                std::vector<Data> rows = readRows(Texts::SharedWithHost);
-                std::sort(rows.begin(), rows.end());
+                readAndSort();
             }
         });
     });
 }
 
-double processMegabytes(const char *entry)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        throw std::runtime_error("memory: needs /proc/self/status");
-    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
-        if (line.startsWith(entry))
-            return line.mid(int(qstrlen(entry))).simplified().split(' ').first().toDouble() / 1024;
-    }
-    throw std::runtime_error("memory: no such entry in /proc/self/status");
-}
-
 // The peak of memory during the action, minus what was held before it.
 SelectorFigure measureMemory(const std::function<void()> &action)
 {
-    malloc_trim(0);
-    QFile reset(QStringLiteral("/proc/self/clear_refs"));
-    if (!reset.open(QIODevice::WriteOnly) || reset.write("5") != 1)
-        throw std::runtime_error("memory: needs /proc/self/clear_refs");
-    reset.close();
-    const double before = processMegabytes("VmRSS:");
+    ProcessMemory::resetPeak();
+    const double before = ProcessMemory::now();
     action();
-    const double peak = processMegabytes("VmHWM:") - before;
+    const double peak = ProcessMemory::peak() - before;
     return {peak, peak};
 }
 
@@ -394,6 +376,12 @@ bool SelectorFigure::fromLine(const QByteArray &line, SelectorFigure *figure)
         return false;
     *figure = {words.at(1).toDouble(), words.at(2).toDouble()};
     return true;
+}
+
+void readAndSort()
+{
+    std::vector<Data> rows = readRows(Texts::SharedWithHost);
+    std::sort(rows.begin(), rows.end());
 }
 
 SelectorFigure measureSelector(const QString &side, const QString &operation,

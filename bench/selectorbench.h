@@ -23,3 +23,6 @@ struct SelectorFigure
 ///             "bare" only "populate" and those about memory.
 SelectorFigure measureSelector(const QString &side, const QString &operation,
                                const QString &database);
+
+/// Reads the securities of the core that is installed into a vector and sorts it.
+void readAndSort();

@@ -165,7 +165,7 @@ void OrderWindow::refresh()
     m_boards->populate();
     // If the load has opened other sessions, the securities have been read again already.
     if (!m_securitiesAreFresh)
-        m_securities->populate();
+        m_securities->aNewSessions();
     m_ui->partner->populate();
     registerBoards();
 }

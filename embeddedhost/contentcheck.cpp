@@ -40,7 +40,8 @@ void checkUnique(const QString &file, const TableContent &table)
     checkNoDuplicates(file, layout, rows, columns);
 }
 
-void checkParents(const QString &file, const TableContent &table, const TableContent &parents)
+void checkParents(const QString &file, const TableContent &table, const TableContent &parents,
+                  const std::function<void()> &pause)
 {
     const TableSchema &schema = table.layout().schema();
     const TableSchema &parentSchema = parents.layout().schema();
@@ -52,6 +53,8 @@ void checkParents(const QString &file, const TableContent &table, const TableCon
     RowData *key = keys.append();
     RowData *previous = nullptr;
     for (int i = 0; i < table.count(); ++i) {
+        if (i % 65536 == 0)
+            pause();
         RowData *row = table.at(i);
         // Rows with the same parent are next to each other, so most need no look-up.
         if (previous && table.layout().compare(previous, row, columns) == 0)
@@ -72,11 +75,14 @@ void checkParents(const QString &file, const TableContent &table, const TableCon
 
 } // namespace
 
-void checkContent(const QString &file, const std::vector<TableContent> &tables)
+void checkContent(const QString &file, const std::vector<TableContent> &tables,
+                  const std::function<void()> &pause)
 {
     for (const TableContent &table : tables) {
+        pause();
         checkUnique(file, table);
-        if (table.layout().schema().parent >= 0)
-            checkParents(file, table, tables[size_t(table.layout().schema().parent)]);
+        const int parent = table.layout().schema().parent;
+        if (parent >= 0)
+            checkParents(file, table, tables[size_t(parent)], pause);
     }
 }

@@ -147,12 +147,10 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::load()
 {
     try {
         std::unique_ptr<DatabaseContent> content = readUnchanged();
-        for (TableContent &table : content->tables) {
-            throwIfCancelled();
-            table.sort();
-        }
-        throwIfCancelled();
-        checkContent(m_file, content->tables);
+        const auto pause = [this] { throwIfCancelled(); };
+        for (TableContent &table : content->tables)
+            table.sort(pause);
+        checkContent(m_file, content->tables, pause);
         content->directories = std::make_shared<const DirectoryData>(
             content->tables[ReferenceSchema::Stocks], content->tables[ReferenceSchema::Boards]);
         content->sessions = sessionsOf(content->tables[ReferenceSchema::Sessions]);

@@ -2,7 +2,10 @@
 #include "embeddedhost.h"
 
 #include "databaseloader_p.h"
+#include "freememory_p.h"
 #include "loadjob_p.h"
+
+#include <hostapi/workerwalk.h>
 
 #include <QPointer>
 
@@ -28,6 +31,7 @@ EmbeddedHost::EmbeddedHost(QObject *parent) : QObject(parent), d(std::make_uniqu
 EmbeddedHost::~EmbeddedHost()
 {
     d->job.reset();
+    WorkerWalk::leaveAll();
     if (ICore::instance() == this)
         ICore::install(nullptr);
 }
@@ -118,6 +122,7 @@ bool EmbeddedHost::loadNow(const QString &file)
     } catch (const std::exception &exception) {
         error = QString::fromUtf8(exception.what());
     }
+    giveBackFreeMemory();
     d->finish(error.isEmpty(), otherSessions, error);
     return error.isEmpty();
 }

@@ -2,6 +2,7 @@
 #include "loadjob_p.h"
 
 #include "databaseloader_p.h"
+#include "freememory_p.h"
 
 #include <hostapi/exception.h>
 
@@ -44,6 +45,7 @@ void LoadJob::run()
         const Outcome outcome = content ? Loaded : Cancelled;
         const bool otherSessions = content && m_store->swap(*content);
         content.reset(); // frees the old rows before the load is reported as done
+        giveBackFreeMemory();
         change([=](News &news) {
             news.outcome = outcome;
             news.otherSessions = otherSessions;

@@ -43,7 +43,7 @@ qint64 ReferenceStore::liveRows() const
 
 bool ReferenceStore::swap(DatabaseContent &content)
 {
-    const std::lock_guard<std::recursive_mutex> guard(m_mutex);
+    const TableLock guard(m_tables.front().get()); // and so all
     for (size_t i = 0; i < m_tables.size(); ++i)
         m_tables[i]->swap(content.tables[i]);
     m_directories.swap(content.directories);

@@ -29,13 +29,29 @@ RowData *TableContent::append()
     return m_rows.back();
 }
 
-void TableContent::sort()
+// Blocks that are in order already, and pairs of them, which are most, cost one walk.
+void TableContent::sort(const std::function<void()> &pause)
 {
+    constexpr size_t Block = 65536;
     const auto before = [this](RowData *a, RowData *b) {
         return m_layout->compare(a, b, m_layout->schema().keyColumns) < 0;
     };
-    if (!std::is_sorted(m_rows.begin(), m_rows.end(), before))
-        std::sort(m_rows.begin(), m_rows.end(), before);
+    const size_t count = m_rows.size();
+    const auto at = [&](size_t row) {
+        return m_rows.begin() + std::ptrdiff_t(std::min(row, count));
+    };
+    for (size_t row = 0; row < count; row += Block) {
+        pause();
+        if (!std::is_sorted(at(row), at(row + Block), before))
+            std::sort(at(row), at(row + Block), before);
+    }
+    for (size_t width = Block; width < count; width *= 2) {
+        for (size_t row = 0; row + width < count; row += 2 * width) {
+            pause();
+            if (before(*at(row + width), *std::prev(at(row + width))))
+                std::inplace_merge(at(row), at(row + width), at(row + 2 * width), before);
+        }
+    }
 }
 
 RowData *TableContent::find(RowData *key) const

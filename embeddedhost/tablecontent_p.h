@@ -3,6 +3,8 @@
 
 #include "rowlayout_p.h"
 
+#include <functional>
+
 /// The rows that a table holds at one time, with a reference to each.
 class TableContent
 {
@@ -19,8 +21,9 @@ public:
 
     /// Adds an empty row at the end.
     RowData *append();
-    /// Brings the rows into key order.
-    void sort();
+    /// Brings the rows into key order. `pause` is called every now and then, and may throw: then all
+    /// rows are still there, in any order.
+    void sort(const std::function<void()> &pause);
     /// The row with the same key, or null. The rows must be in key order.
     RowData *find(RowData *key) const;
 

@@ -5,36 +5,47 @@
 
 #include <hostapi/directories.h>
 
-BoardSelectorFilteredModel::BoardSelectorFilteredModel(QObject *parent) : SelectorProxyModel(parent)
+struct BoardSelectorFilteredModel::Private
+{
+    QString stockCode;
+    QChar secType;
+    qlonglong flagsOn = 0;
+    qlonglong flagsOff = 0;
+};
+
+BoardSelectorFilteredModel::BoardSelectorFilteredModel(QObject *parent)
+    : SelectorProxyModel(parent), d(std::make_unique<Private>())
 {
 }
 
+BoardSelectorFilteredModel::~BoardSelectorFilteredModel() = default;
+
 void BoardSelectorFilteredModel::setStockCode(const QString &stockCode)
 {
-    setCondition(m_stockCode, stockCode);
+    setCondition(d->stockCode, stockCode);
 }
 
 void BoardSelectorFilteredModel::setStockId(int id)
 {
     const QString stockCode = StockDirectory::i()->codeById(id);
-    if (stockCode != m_stockCode)
+    if (stockCode != d->stockCode)
         setStockCode(stockCode);
 }
 
 void BoardSelectorFilteredModel::setSecTypeFilter(QChar secType)
 {
-    if (secType != m_secType)
-        setCondition(m_secType, secType);
+    if (secType != d->secType)
+        setCondition(d->secType, secType);
 }
 
 void BoardSelectorFilteredModel::setBoardFlagsOnFilter(qlonglong boardFlagsOn)
 {
-    setCondition(m_boardFlagsOn, boardFlagsOn);
+    setCondition(d->flagsOn, boardFlagsOn);
 }
 
 void BoardSelectorFilteredModel::setBoardFlagsOffFilter(qlonglong boardFlagsOff)
 {
-    setCondition(m_boardFlagsOff, boardFlagsOff);
+    setCondition(d->flagsOff, boardFlagsOff);
 }
 
 bool BoardSelectorFilteredModel::filterAcceptsRow(int sourceRow,
@@ -43,13 +54,13 @@ bool BoardSelectorFilteredModel::filterAcceptsRow(int sourceRow,
     if (sourceParent.isValid())
         return true;
     const QModelIndex row = sourceModel()->index(sourceRow, 0);
-    if (!m_stockCode.isEmpty() &&
-        row.data(BoardSelectorModel::StockCodeRole).toString() != m_stockCode)
+    if (!d->stockCode.isEmpty() &&
+        row.data(BoardSelectorModel::StockCodeRole).toString() != d->stockCode)
         return false;
     const int stockId = row.data(BoardSelectorModel::StockIdRole).toInt();
     const int boardId = row.data(BoardSelectorModel::BoardIdRole).toInt();
     const BoardDirectory *boards = BoardDirectory::i();
-    if (m_boardFlagsOff != 0 && boards->checkFlagsById(stockId, boardId, m_boardFlagsOff))
+    if (d->flagsOff != 0 && boards->checkFlagsById(stockId, boardId, d->flagsOff))
         return false;
-    return m_boardFlagsOn == 0 || boards->checkFlagsById(stockId, boardId, m_boardFlagsOn);
+    return d->flagsOn == 0 || boards->checkFlagsById(stockId, boardId, d->flagsOn);
 }

@@ -12,6 +12,7 @@ class FORMKIT_EXPORT BoardSelectorFilteredModel : public SelectorProxyModel
 
 public:
     explicit BoardSelectorFilteredModel(QObject *parent = nullptr);
+    ~BoardSelectorFilteredModel() override;
 
 public Q_SLOTS:
     /// The exact code of the exchange whose boards are shown; empty for all.
@@ -30,8 +31,6 @@ protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
 
 private:
-    QString m_stockCode;
-    QChar m_secType;
-    qlonglong m_boardFlagsOn = 0;
-    qlonglong m_boardFlagsOff = 0;
+    struct Private;
+    std::unique_ptr<Private> d;
 };

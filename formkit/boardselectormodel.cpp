@@ -6,21 +6,38 @@
 #include <hostapi/icore.h>
 
 #include <QScopeGuard>
+#include <QTimer>
+#include <QVector>
 
 #include <optional>
 
-BoardSelectorModel::BoardSelectorModel(QObject *parent)
-    : CheckListModel(parent)
-    , m_table(ICore::instance()->table(QStringLiteral("boards")))
-    , m_stockIdColumn(m_table->columnIndex(QStringLiteral("stock_id")))
-    , m_boardIdColumn(m_table->columnIndex(QStringLiteral("board_id")))
-    , m_nameColumn(m_table->columnIndex(QStringLiteral("name")))
-    , m_codeColumn(m_table->columnIndex(QStringLiteral("board_code")))
+struct BoardSelectorModel::Private
 {
-    m_timer.setSingleShot(true);
-    m_timer.setInterval(0);
-    connect(&m_timer, &QTimer::timeout, this, &BoardSelectorModel::sendBoardsChanged);
+    QVector<Data> readRows(const BoardSelectorModel *model) const;
+    Data readRow(const Record &record, const QString &stockCode) const;
+    boardid boardOf(const Record &record) const;
+
+    QTimer report;
+    QVector<Data> rows;
+    Table *const table = ICore::instance()->table(QStringLiteral("boards"));
+    const int stockIdColumn = table->columnIndex(QStringLiteral("stock_id"));
+    const int boardIdColumn = table->columnIndex(QStringLiteral("board_id"));
+    const int nameColumn = table->columnIndex(QStringLiteral("name"));
+    const int codeColumn = table->columnIndex(QStringLiteral("board_code"));
+    boardlist filterBoards;
+    bool forPositions = false;
+};
+
+BoardSelectorModel::BoardSelectorModel(QObject *parent)
+    : CheckListModel(parent), d(std::make_unique<Private>())
+{
+    d->report.setParent(this);
+    d->report.setSingleShot(true);
+    d->report.setInterval(0);
+    connect(&d->report, &QTimer::timeout, this, &BoardSelectorModel::sendBoardsChanged);
 }
+
+BoardSelectorModel::~BoardSelectorModel() = default;
 
 void BoardSelectorModel::populate()
 {
@@ -30,61 +47,62 @@ void BoardSelectorModel::populate()
     // Also when a receiver of the reset throws; while the table is still locked.
     const auto report = qScopeGuard([this, &isNew] {
         if (isNew)
-            m_timer.start();
+            d->report.start();
     });
     const auto read = [&] {
-        lock.emplace(m_table);
-        rows = readRows();
+        lock.emplace(d->table);
+        rows = d->readRows(this);
     };
     refresh(read, [&] {
-        m_rows.swap(rows);
+        d->rows.swap(rows);
         isNew = !isNew;
     });
 }
 
-QVector<BoardSelectorModel::Data> BoardSelectorModel::readRows() const
+QVector<BoardSelectorModel::Data>
+BoardSelectorModel::Private::readRows(const BoardSelectorModel *model) const
 {
     TableWalk::LastAnswer<int, QString> stockCode;
     const auto readOne = [this, &stockCode](const Record &record) {
-        const int stockId = record.field(m_stockIdColumn).toInteger();
+        const int stockId = record.field(stockIdColumn).toInteger();
         return readRow(record, stockCode.of(stockId, [stockId] {
             return StockDirectory::i()->codeById(stockId);
         }));
     };
-    QVector<Data> rows = TableWalk::read<Data>(
-        m_table, [this](const Record &record) { return filter(record); }, readOne);
-    TableWalk::sortLaterFirst(rows.begin(), rows.end(), [](const Data &a, const Data &b) {
+    QVector<Data> sorted = TableWalk::read<Data>(
+        table, [model](const Record &record) { return model->filter(record); }, readOne);
+    TableWalk::sortLaterFirst(sorted.begin(), sorted.end(), [](const Data &a, const Data &b) {
         return a.board.stock_id != b.board.stock_id ? a.board.stock_id < b.board.stock_id
                                                     : a.boardCode < b.boardCode;
     });
-    return rows;
+    return sorted;
 }
 
-boardid BoardSelectorModel::boardOf(const Record &record) const
+boardid BoardSelectorModel::Private::boardOf(const Record &record) const
 {
-    return {record.field(m_stockIdColumn).toInteger(), record.field(m_boardIdColumn).toInteger()};
+    return {record.field(stockIdColumn).toInteger(), record.field(boardIdColumn).toInteger()};
 }
 
 bool BoardSelectorModel::filter(const Record &record) const
 {
-    const boardid board = boardOf(record);
-    if (m_forPositions && !BoardDirectory::i()->isPositionById(board.stock_id, board.board_id))
+    const boardid board = d->boardOf(record);
+    if (d->forPositions && !BoardDirectory::i()->isPositionById(board.stock_id, board.board_id))
         return false;
-    return m_filterBoards.isEmpty() || m_filterBoards.contains(board);
+    return d->filterBoards.isEmpty() || d->filterBoards.contains(board);
 }
 
 BoardSelectorModel::Data BoardSelectorModel::read(const Record &record) const
 {
-    const int stockId = record.field(m_stockIdColumn).toInteger();
-    return readRow(record, StockDirectory::i()->codeById(stockId));
+    const int stockId = record.field(d->stockIdColumn).toInteger();
+    return d->readRow(record, StockDirectory::i()->codeById(stockId));
 }
 
-BoardSelectorModel::Data BoardSelectorModel::readRow(const Record &record,
-                                                     const QString &stockCode) const
+BoardSelectorModel::Data BoardSelectorModel::Private::readRow(const Record &record,
+                                                              const QString &stockCode) const
 {
     Data data;
-    data.name = record.field(m_nameColumn).toString();
-    data.boardCode = record.field(m_codeColumn).toString();
+    data.name = record.field(nameColumn).toString();
+    data.boardCode = record.field(codeColumn).toString();
     data.stockCode = stockCode;
     data.board = boardOf(record);
     return data;
@@ -92,30 +110,30 @@ BoardSelectorModel::Data BoardSelectorModel::readRow(const Record &record,
 
 Record BoardSelectorModel::at(int row) const
 {
-    if (row < 0 || row >= m_rows.size())
+    if (row < 0 || row >= d->rows.size())
         return Record();
-    const Record key(m_table);
-    key.field(m_stockIdColumn) = m_rows.at(row).board.stock_id;
-    key.field(m_boardIdColumn) = m_rows.at(row).board.board_id;
-    const TableLock lock(m_table);
-    return m_table->masterIndex()->find(key);
+    const Record key(d->table);
+    key.field(d->stockIdColumn) = d->rows.at(row).board.stock_id;
+    key.field(d->boardIdColumn) = d->rows.at(row).board.board_id;
+    const TableLock lock(d->table);
+    return d->table->masterIndex()->find(key);
 }
 
 void BoardSelectorModel::setFilterBoards(const boardlist &boards)
 {
-    m_filterBoards = boards;
+    d->filterBoards = boards;
 }
 
 void BoardSelectorModel::setForPositions(bool forPositions)
 {
-    m_forPositions = forPositions;
+    d->forPositions = forPositions;
 }
 
 QVariant BoardSelectorModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_rows.size() || index.column() != 0)
+    if (!index.isValid() || index.row() >= d->rows.size() || index.column() != 0)
         return {};
-    const Data &row = m_rows.at(index.row());
+    const Data &row = d->rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -137,12 +155,27 @@ QVariant BoardSelectorModel::data(const QModelIndex &index, int role) const
 
 void BoardSelectorModel::rowCheckChanged()
 {
-    m_timer.start();
+    d->report.start();
 }
 
 void BoardSelectorModel::sendBoardsChanged()
 {
     Boards keys;
-    const bool enable = TableWalk::addChecked(m_rows, &Data::board, &keys);
+    const bool enable = TableWalk::addChecked(d->rows, &Data::board, &keys);
     Q_EMIT boardsChanged(enable, keys);
+}
+
+int BoardSelectorModel::listSize() const
+{
+    return d->rows.size();
+}
+
+bool BoardSelectorModel::isChecked(int row) const
+{
+    return d->rows.at(row).checked;
+}
+
+void BoardSelectorModel::setChecked(int row, bool checked)
+{
+    d->rows[row].checked = checked;
 }

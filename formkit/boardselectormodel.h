@@ -4,10 +4,7 @@
 #include <formkit/checklistmodel.h>
 #include <hostapi/record.h>
 
-#include <QTimer>
-#include <QVector>
-
-class Table;
+#include <memory>
 
 /// The trading boards of all exchanges, from the host's table "boards": by exchange id, then
 /// by board code. As a check list it reports the chosen boards. It does not follow the table:
@@ -39,8 +36,9 @@ public:
 
     /// Finds the table; does not populate.
     explicit BoardSelectorModel(QObject *parent = nullptr);
+    ~BoardSelectorModel() override;
 
-    /// Reads the table anew, under its lock; of two boards of one exchange and code the later
+    /// Reads the table again, under its lock; of two boards of one exchange and code the later
     /// read stands first. Reports the check list once, from the event loop. What the host,
     /// filter() or the filter of a proxy throws passes through, with the lock given back and the
     /// rows left as they were, here and in the proxies.
@@ -73,23 +71,12 @@ Q_SIGNALS:
     void boardsChanged(bool enable, Boards keys);
 
 protected:
-    int listSize() const override { return m_rows.size(); }
-    bool isChecked(int row) const override { return m_rows.at(row).checked; }
-    void setChecked(int row, bool checked) override { m_rows[row].checked = checked; }
+    int listSize() const override;
+    bool isChecked(int row) const override;
+    void setChecked(int row, bool checked) override;
     void rowCheckChanged() override;
 
 private:
-    QVector<Data> readRows() const;
-    Data readRow(const Record &record, const QString &stockCode) const;
-    boardid boardOf(const Record &record) const;
-
-    QTimer m_timer{this};
-    QVector<Data> m_rows;
-    Table *m_table;
-    int m_stockIdColumn;
-    int m_boardIdColumn;
-    int m_nameColumn;
-    int m_codeColumn;
-    boardlist m_filterBoards;
-    bool m_forPositions = false;
+    struct Private;
+    std::unique_ptr<Private> d;
 };

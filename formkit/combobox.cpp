@@ -2,6 +2,7 @@
 #include "combobox.h"
 
 #include "comboboxusability_p.h"
+#include "rowlists_p.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
@@ -16,10 +17,8 @@
 
 namespace {
 
-constexpr int MeasuredTexts = 8;
 // The width that QComboBox gives an empty list.
 constexpr int FewestCharacters = 7;
-constexpr int MostCharacters = 30;
 
 // Whether Enter chooses a completion. QComboBox emits activated() for that itself.
 bool isCompletionLit(const QCompleter *completer)
@@ -174,22 +173,18 @@ void ComboBox::measureTexts(const QAbstractItemModel *model)
 {
     if (m_wasShown)
         return;
-    const auto byLength = [](const QString &a, const QString &b) { return a.size() > b.size(); };
+    LongestTexts longest;
     const int rows = model->rowCount();
-    int shortest = 0;
-    m_longest.clear();
-    for (int row = 0; row < rows; ++row) {
-        const QString whole = model->index(row, 0).data().toString();
-        if (qMin(whole.size(), MostCharacters) <= shortest)
-            continue;
-        const QString text = whole.left(MostCharacters);
-        m_longest.insert(std::upper_bound(m_longest.begin(), m_longest.end(), text, byLength),
-                         text);
-        if (m_longest.size() > MeasuredTexts) {
-            m_longest.removeLast();
-            shortest = m_longest.last().size();
-        }
-    }
+    for (int row = 0; row < rows; ++row)
+        longest.add(model->index(row, 0).data().toString());
+    measureTexts(longest.texts());
+}
+
+void ComboBox::measureTexts(const QStringList &longest)
+{
+    if (m_wasShown)
+        return;
+    m_longest = longest;
     m_measured = true;
     updateGeometry();
 }
@@ -209,7 +204,7 @@ QSize ComboBox::sizeFor(bool ofContents) const
         int widest = widthOf(QLatin1Char('x'), FewestCharacters);
         for (const QString &text : m_longest)
             widest = qMax(widest, metrics.horizontalAdvance(text));
-        width = qMax(width, qMin(widest, widthOf(QLatin1Char('x'), MostCharacters)));
+        width = qMax(width, qMin(widest, widthOf(QLatin1Char('x'), LongestTexts::MostCharacters)));
     }
     const QSize contents(width, qMax(metrics.height(), 14) + 2);
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this);

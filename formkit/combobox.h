@@ -43,6 +43,8 @@ protected:
     /// population: QComboBox would read them at each size hint. A box that has been shown keeps its
     /// width.
     void measureTexts(const QAbstractItemModel *model);
+    /// The same of the model's longest texts, which somebody else has found.
+    void measureTexts(const QStringList &longest);
 
     /// The text of a row, cut to the length that the line edit holds; empty for -1.
     QString textOfRow(int row) const;

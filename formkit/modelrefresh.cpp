@@ -2,8 +2,11 @@
 #include "modelrefresh_p.h"
 
 #include <QAbstractItemModel>
+#include <QPointer>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
+
+#include <algorithm>
 
 namespace {
 
@@ -24,8 +27,24 @@ ModelRefresh *ModelRefresh::of(const QAbstractItemModel *model)
                  : nullptr;
 }
 
-void ModelRefresh::run(const Step &read, const Step &exchange)
+QVector<int> ModelRefresh::keyRoles()
 {
+    QVector<int> roles;
+    Q_EMIT keysAsked(&roles);
+    std::sort(roles.begin(), roles.end());
+    roles.erase(std::unique(roles.begin(), roles.end()), roles.end());
+    return roles;
+}
+
+// A receiver may destroy the model as soon as the reset has ended.
+void ModelRefresh::run(const Step &read, const Step &exchange, const PreparedRows *prepared)
+{
+    const QPointer<ModelRefresh> self(this);
+    m_prepared = prepared;
+    const auto forget = qScopeGuard([&self] {
+        if (self)
+            self->m_prepared = nullptr;
+    });
     beginReset();
     try {
         read();
@@ -34,6 +53,7 @@ void ModelRefresh::run(const Step &read, const Step &exchange)
         Q_EMIT rowsRead();
         undo.dismiss();
     } catch (...) {
+        m_prepared = nullptr;
         const QScopedValueRollback<bool> undone(m_isUndone, true);
         endReset();
         throw;

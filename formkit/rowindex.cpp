@@ -4,7 +4,6 @@
 #include "foldedtext_p.h"
 
 #include <algorithm>
-#include <utility>
 
 RowIndex::RowIndex(int count, KeyOf keyOf) : m_keyOf(std::move(keyOf))
 {

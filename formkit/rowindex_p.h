@@ -5,6 +5,7 @@
 #include <QVector>
 
 #include <functional>
+#include <utility>
 
 /// Finds the rows of a table whose key equals a text ignoring case, in time that does not grow
 /// with the table. Two numbers for each row are all that it keeps; it asks for keys again to
@@ -18,6 +19,9 @@ public:
     RowIndex() = default;
     /// Asks for the keys of the rows 0 to `count` - 1.
     RowIndex(int count, KeyOf keyOf);
+
+    /// Asks for the same keys elsewhere from now on.
+    void setKeys(KeyOf keyOf) { m_keyOf = std::move(keyOf); }
 
     /// Ascending.
     QVector<int> rows(const QVariant &key) const;

@@ -4,6 +4,7 @@
 #include "foldedtext_p.h"
 
 #include <algorithm>
+#include <numeric>
 
 RowOrder::RowOrder(int count, TextOf textOf)
     : m_textOf(std::move(textOf))
@@ -16,7 +17,20 @@ RowOrder::RowOrder(int count, TextOf textOf)
 
 void RowOrder::show(const QVector<int> &rows, Direction direction)
 {
-    m_shown = direction == AsRead ? rows : ascending(rows);
+    setShown(direction == AsRead ? rows : ascending(rows), direction);
+}
+
+void RowOrder::showAll(Direction direction)
+{
+    QVector<int> rows = m_sorted;
+    if (direction == AsRead)
+        std::iota(rows.begin(), rows.end(), 0);
+    setShown(rows, direction);
+}
+
+void RowOrder::setShown(const QVector<int> &rows, Direction direction)
+{
+    m_shown = rows;
     m_direction = direction;
     if (direction == Descending)
         reverse();

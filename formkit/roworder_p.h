@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include <functional>
+#include <utility>
 
 /// The order in which a list shows the rows of a table, or some of them: sorted by their texts as
 /// QString::compare() does ignoring case, equal texts by row; or as in the table. A row is one of
@@ -24,8 +25,13 @@ public:
     /// Sorts the rows 0 to `count` - 1, and shows none yet.
     RowOrder(int count, TextOf textOf);
 
+    /// Asks for the texts in another way from now on; they must be the same.
+    void setTexts(TextOf textOf) { m_textOf = std::move(textOf); }
+
     /// Shows these rows, which must be in ascending order.
     void show(const QVector<int> &rows, Direction direction);
+    /// Shows every row; ascending, this takes a time that does not depend on their number.
+    void showAll(Direction direction);
     /// To be called when the text of a row has changed. The row keeps its position in the list
     /// until the next show(), even if that is wrong now: see isInPlace().
     void move(int row);
@@ -52,6 +58,7 @@ public:
     int positionStartingWith(const QString &beginning, int from, bool wrap) const;
 
 private:
+    void setShown(const QVector<int> &rows, Direction direction);
     QVector<int> ascending(const QVector<int> &rows) const;
     void reverse();
     bool isBetweenNeighbours(const QVector<int> &order, int position, Direction direction) const;

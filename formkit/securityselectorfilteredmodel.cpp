@@ -3,24 +3,36 @@
 
 #include "securityselectormodel.h"
 
+#include <typeinfo>
+
+struct SecuritySelectorFilteredModel::Private
+{
+    bool showsAll() const { return stockCode.isEmpty() || boardCode.isEmpty(); }
+
+    QString stockCode;
+    QString boardCode;
+};
+
 SecuritySelectorFilteredModel::SecuritySelectorFilteredModel(QObject *parent)
-    : SelectorProxyModel(parent)
+    : SelectorProxyModel(parent), d(std::make_unique<Private>())
 {
 }
+
+SecuritySelectorFilteredModel::~SecuritySelectorFilteredModel() = default;
 
 void SecuritySelectorFilteredModel::setStockBoard(const QString &stockCode,
                                                   const QString &boardCode)
 {
-    if (stockCode == m_stockCode && boardCode == m_boardCode)
+    if (stockCode == d->stockCode && boardCode == d->boardCode)
         return;
     QString otherStock = stockCode;
     QString otherBoard = boardCode;
     const auto exchange = [&] {
-        m_stockCode.swap(otherStock);
-        m_boardCode.swap(otherBoard);
+        d->stockCode.swap(otherStock);
+        d->boardCode.swap(otherBoard);
     };
     // Neither before nor after is there a condition.
-    if (showsAll() && (stockCode.isEmpty() || boardCode.isEmpty()))
+    if (d->showsAll() && (stockCode.isEmpty() || boardCode.isEmpty()))
         exchange();
     else
         changeFilter(exchange);
@@ -29,19 +41,25 @@ void SecuritySelectorFilteredModel::setStockBoard(const QString &stockCode,
 bool SecuritySelectorFilteredModel::filterAcceptsRow(int sourceRow,
                                                      const QModelIndex &sourceParent) const
 {
-    if (sourceParent.isValid() || showsAll())
+    if (sourceParent.isValid() || d->showsAll())
         return true;
     const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
     if (!securities)
         return false;
     const SecuritySelectorModel::Data &row = securities->row(sourceRow);
-    return row.stockCode == m_stockCode && row.boardCode == m_boardCode;
+    return row.stockCode == d->stockCode && row.boardCode == d->boardCode;
 }
 
 RowRange SecuritySelectorFilteredModel::candidateRows() const
 {
     const auto *securities = qobject_cast<SecuritySelectorModel *>(sourceModel());
-    if (!securities || showsAll())
+    if (!securities || d->showsAll())
         return SelectorProxyModel::candidateRows();
-    return securities->rowsOfBoard(m_stockCode, m_boardCode);
+    return securities->rowsOfBoard(d->stockCode, d->boardCode);
+}
+
+bool SecuritySelectorFilteredModel::acceptsCandidates() const
+{
+    return typeid(*this) == typeid(SecuritySelectorFilteredModel) &&
+           (d->showsAll() || qobject_cast<SecuritySelectorModel *>(sourceModel()));
 }

@@ -11,6 +11,7 @@ class FORMKIT_EXPORT SecuritySelectorFilteredModel : public SelectorProxyModel
 
 public:
     explicit SecuritySelectorFilteredModel(QObject *parent = nullptr);
+    ~SecuritySelectorFilteredModel() override;
 
 public Q_SLOTS:
     /// The exact codes; a change that narrows or widens the list rebuilds it. Codes and list stay
@@ -20,10 +21,9 @@ public Q_SLOTS:
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
     RowRange candidateRows() const override;
+    bool acceptsCandidates() const override;
 
 private:
-    bool showsAll() const { return m_stockCode.isEmpty() || m_boardCode.isEmpty(); }
-
-    QString m_stockCode;
-    QString m_boardCode;
+    struct Private;
+    std::unique_ptr<Private> d;
 };

@@ -2,54 +2,48 @@
 #include "securityselectormodel.h"
 
 #include "modelrefresh_p.h"
-#include "tablewalk_p.h"
+#include "populatelater_p.h"
+#include "securityrows_p.h"
+#include "worker_p.h"
 
 #include <hostapi/icore.h>
 #include <hostapi/idecoder.h>
 #include <hostapi/securitiessessionfilter.h>
 
-#include <QMap>
+#include <QDebug>
+#include <QPointer>
 
+#include <mutex>
+#include <optional>
 #include <tuple>
+#include <typeinfo>
 
 namespace {
 
-using BoardKey = std::pair<QString, QString>;
+constexpr int MostRowsAtOnce = 50000;
 
-BoardKey keyOf(const SecuritySelectorModel::Data &data)
-{
-    return {data.stockCode, data.boardCode};
-}
-
-// The names of rows, to be compared. Most differ in their first four characters, which are kept
-// together, so that the names need not be fetched from all over the memory.
-class Names
+// Lets a worker call filter() of a model that may be destroyed at any time.
+class FilterGate
 {
 public:
-    explicit Names(const QVector<SecuritySelectorModel::Data> &rows) : m_rows(rows)
+    explicit FilterGate(const SecuritySelectorModel *model) : m_model(model) {}
+
+    bool filter(const Record &record)
     {
-        m_starts.reserve(size_t(rows.size()));
-        for (const SecuritySelectorModel::Data &row : rows)
-            m_starts.push_back(startOf(row.secName));
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        return m_model && m_model->filter(record);
     }
-    bool isBefore(int a, int b) const
+    // Waits for a call that is under way.
+    void close()
     {
-        const quint64 startA = m_starts[size_t(a)];
-        const quint64 startB = m_starts[size_t(b)];
-        return startA != startB ? startA < startB : m_rows.at(a).secName < m_rows.at(b).secName;
+        const std::lock_guard<std::mutex> guard(m_mutex);
+        m_model = nullptr;
     }
+    std::mutex &mutex() { return m_mutex; }
 
 private:
-    static quint64 startOf(const QString &name)
-    {
-        quint64 start = 0;
-        for (int i = 0; i < 4; ++i)
-            start = start << 16 | (i < name.size() ? name.at(i).unicode() : 0);
-        return start;
-    }
-
-    const QVector<SecuritySelectorModel::Data> &m_rows;
-    std::vector<quint64> m_starts;
+    std::mutex m_mutex;
+    const SecuritySelectorModel *m_model;
 };
 
 } // namespace
@@ -60,22 +54,49 @@ bool SecuritySelectorModel::Data::operator<(const Data &other) const
            std::tie(other.stockCode, other.boardCode, other.secName);
 }
 
+struct SecuritySelectorModel::Private
+{
+    explicit Private(SecuritySelectorModel *model);
+
+    std::function<bool(const Record &)> filterForWorker();
+    SecurityRows readRows() const;
+    void takeOver(PopulateLater::Rows *rows);
+
+    SecuritySelectorModel *const q;
+    ModelRefresh *const refresh;
+    Table *const table;
+    const SecurityColumns columns;
+    SecurityRows rows;
+    std::unique_ptr<ValueFilter> sessions;
+    ItemDataRole defaultDataRole = SecurityNameRole;
+    std::optional<bool> populatesLater;
+    // That of a subclass, while a worker may call it.
+    std::shared_ptr<FilterGate> gate;
+    bool isPopulating = false;
+    PopulateLater later;
+};
+
+SecuritySelectorModel::Private::Private(SecuritySelectorModel *model)
+    : q(model)
+    , refresh(new ModelRefresh(model))
+    , table(ICore::instance()->table(QStringLiteral("securities")))
+    , columns(table)
+    , later([this](PopulateLater::Rows *read) { takeOver(read); })
+{
+}
+
 SecuritySelectorModel::SecuritySelectorModel(QObject *parent)
-    : QAbstractListModel(parent)
-    , m_refresh(new ModelRefresh(this))
-    , m_table(ICore::instance()->table(QStringLiteral("securities")))
-    , m_stockIdColumn(m_table->columnIndex(QStringLiteral("stock_id")))
-    , m_boardIdColumn(m_table->columnIndex(QStringLiteral("board_id")))
-    , m_secIdColumn(m_table->columnIndex(QStringLiteral("sec_id")))
-    , m_secNameColumn(m_table->columnIndex(QStringLiteral("sec_name")))
-    , m_secCodeColumn(m_table->columnIndex(QStringLiteral("sec_code")))
-    , m_baseCodeColumn(m_table->columnIndex(QStringLiteral("base_code")))
+    : QAbstractListModel(parent), d(std::make_unique<Private>(this))
 {
     updateSessionsFilter();
     connectDecoder();
 }
 
-SecuritySelectorModel::~SecuritySelectorModel() = default;
+SecuritySelectorModel::~SecuritySelectorModel()
+{
+    if (d->gate)
+        d->gate->close();
+}
 
 void SecuritySelectorModel::connectDecoder()
 {
@@ -90,138 +111,170 @@ void SecuritySelectorModel::connectDecoder()
 
 void SecuritySelectorModel::updateSessionsFilter()
 {
-    const int sessionColumn = m_table->columnIndex(QStringLiteral("sess_id"));
-    const QList<int> keyColumns{m_stockIdColumn, sessionColumn};
-    m_sessions = SecuritiesSessionFilter(m_table, sessionColumn, keyColumns, -1, nullptr).clone();
+    const QList<int> keyColumns{d->columns.stockId, d->columns.session};
+    auto sessions =
+        SecuritiesSessionFilter(d->table, d->columns.session, keyColumns, -1, nullptr).clone();
+    // A worker may be using the one before.
+    const auto guard =
+        d->gate ? std::unique_lock<std::mutex>(d->gate->mutex()) : std::unique_lock<std::mutex>();
+    d->sessions.swap(sessions);
 }
 
 void SecuritySelectorModel::aNewSessions()
 {
     updateSessionsFilter();
-    populate();
+    if (populatesLater() && isLarge())
+        populateLater();
+    else
+        populate();
 }
 
-void SecuritySelectorModel::populate()
+bool SecuritySelectorModel::isLarge() const
 {
-    QVector<Data> rows;
-    QVector<Group> groups;
-    const auto read = [&] {
-        rows = readRows();
-        groups = sortByBoard(&rows);
-    };
-    m_refresh->run(read, [&] {
-        m_rows.swap(rows);
-        m_groups.swap(groups);
-    });
-}
-
-QVector<SecuritySelectorModel::Data> SecuritySelectorModel::readRows() const
-{
-    TableWalk::LastAnswer<boardid, Codes> codes;
-    const auto readOne = [this, &codes](const Record &record) {
-        const boardid board = boardOf(record);
-        return readRow(record, board, codes.of(board, [board] { return codesOf(board); }));
-    };
-    const TableLock lock(m_table);
-    return TableWalk::read<Data>(
-        m_table, [this](const Record &record) { return filter(record); }, readOne);
+    const TableLock lock(d->table);
+    return d->table->masterIndex()->count() > MostRowsAtOnce;
 }
 
 bool SecuritySelectorModel::filter(const Record &record) const
 {
-    return m_sessions->filter(record);
-}
-
-boardid SecuritySelectorModel::boardOf(const Record &record) const
-{
-    return {record.field(m_stockIdColumn).toInteger(), record.field(m_boardIdColumn).toInteger()};
-}
-
-SecuritySelectorModel::Codes SecuritySelectorModel::codesOf(boardid board)
-{
-    return {StockDirectory::i()->codeById(board.stock_id),
-            BoardDirectory::i()->codeById(board.stock_id, board.board_id)};
+    return d->sessions->filter(record);
 }
 
 SecuritySelectorModel::Data SecuritySelectorModel::read(const Record &record) const
 {
-    const boardid board = boardOf(record);
-    return readRow(record, board, codesOf(board));
-}
-
-SecuritySelectorModel::Data SecuritySelectorModel::readRow(const Record &record, boardid board,
-                                                           const Codes &codes) const
-{
-    Data data;
-    data.boardId = board.board_id;
+    const SecurityReading::Codes codes = SecurityReading::codesOf(d->columns.boardOf(record));
+    Data data = d->columns.read(record);
     data.stockCode = codes.stock;
     data.boardCode = codes.board;
-    data.secId = record.field(m_secIdColumn).toInteger64();
-    data.secName = record.field(m_secNameColumn).toString();
-    data.secCode = record.field(m_secCodeColumn).toString();
-    data.baseCode = record.field(m_baseCodeColumn).toString();
     return data;
 }
 
-// The order of operator<, the later read first among equals: boards are few and their
-// securities mostly read one after the other, so to sort each board by name costs a fraction
-// of a sort of them all.
-QVector<SecuritySelectorModel::Group> SecuritySelectorModel::sortByBoard(QVector<Data> *rows)
-{
-    QMap<BoardKey, QVector<RowRange>> runs;
-    for (int first = 0; first < rows->size();) {
-        const Data &start = rows->at(first);
-        int last = first + 1;
-        while (last < rows->size() && rows->at(last).boardCode == start.boardCode &&
-               rows->at(last).stockCode == start.stockCode)
-            ++last;
-        runs[keyOf(start)].append({first, last});
-        first = last;
-    }
+// Now
 
-    const Names names(*rows);
-    const auto byName = [&names](int a, int b) { return names.isBefore(a, b); };
-    std::vector<int> order;
-    order.reserve(size_t(rows->size()));
-    QVector<Group> groups;
-    for (auto board = runs.cbegin(); board != runs.cend(); ++board) {
-        const int first = int(order.size());
-        for (const RowRange &run : *board) {
-            for (int row = run.first; row < run.last; ++row)
-                order.push_back(row);
-        }
-        TableWalk::sortLaterFirst(order.begin() + first, order.end(), byName);
-        groups.append({board.key().first, board.key().second, {first, int(order.size())}});
-    }
-    TableWalk::arrange(rows, std::move(order));
-    return groups;
+void SecuritySelectorModel::populate()
+{
+    endPopulating();
+    SecurityRows rows;
+    d->refresh->run([&] { rows = d->readRows(); }, [&] { std::swap(d->rows, rows); });
 }
+
+SecurityRows SecuritySelectorModel::Private::readRows() const
+{
+    SecurityReading reading(columns);
+    {
+        const TableLock lock(table);
+        const MasterIndex *const index = table->masterIndex();
+        reading.begin(index->count());
+        for (const Record &record : *index) {
+            if (q->filter(record))
+                reading.add(record);
+        }
+        reading.end();
+    }
+    std::vector<SecurityReading::Codes> codes;
+    for (const boardid board : reading.boards())
+        codes.push_back(SecurityReading::codesOf(board));
+    return reading.takeOrdered(codes);
+}
+
+// Later
+
+bool SecuritySelectorModel::populatesLater() const
+{
+    return d->populatesLater.value_or(typeid(*this) == typeid(SecuritySelectorModel));
+}
+
+void SecuritySelectorModel::setPopulatesLater(bool is)
+{
+    d->populatesLater = is;
+    if (is)
+        return;
+    if (d->gate)
+        d->gate->close();
+    d->gate.reset();
+    endPopulating();
+}
+
+bool SecuritySelectorModel::isPopulating() const
+{
+    return d->isPopulating;
+}
+
+void SecuritySelectorModel::populateLater()
+{
+    if (!populatesLater())
+        return populate();
+    d->later.start(
+        {d->table, d->columns, d->filterForWorker(), d->defaultDataRole, d->refresh->keyRoles()});
+    if (!std::exchange(d->isPopulating, true))
+        Q_EMIT populating(true);
+}
+
+std::function<bool(const Record &)> SecuritySelectorModel::Private::filterForWorker()
+{
+    if (typeid(*q) == typeid(SecuritySelectorModel)) {
+        const std::shared_ptr<const ValueFilter> own = sessions->clone();
+        return [own](const Record &record) { return own->filter(record); };
+    }
+    if (!gate)
+        gate = std::make_shared<FilterGate>(q);
+    return [shared = gate](const Record &record) { return shared->filter(record); };
+}
+
+void SecuritySelectorModel::endPopulating()
+{
+    d->later.cancel();
+    if (std::exchange(d->isPopulating, false))
+        Q_EMIT populating(false);
+}
+
+// The event loop lets no exception through. What hears of the rows may destroy the model.
+void SecuritySelectorModel::Private::takeOver(PopulateLater::Rows *read)
+{
+    const QPointer<SecuritySelectorModel> model(q);
+    try {
+        if (read)
+            refresh->run([] {}, [&] { std::swap(rows, read->rows); }, &read->prepared);
+    } catch (...) {
+        PopulateLater::logFailure();
+    }
+    if (model && !later.isUnderWay() && std::exchange(isPopulating, false))
+        Q_EMIT q->populating(false);
+}
+
+// Rows
 
 SecuritySelectorModel::RowRange SecuritySelectorModel::rowsOfBoard(const QString &stockCode,
                                                                    const QString &boardCode) const
 {
-    const auto isBefore = [](const Group &group, const BoardKey &key) {
-        return std::tie(group.stockCode, group.boardCode) < std::tie(key.first, key.second);
-    };
-    const auto group = std::lower_bound(m_groups.begin(), m_groups.end(),
-                                        BoardKey(stockCode, boardCode), isBefore);
-    if (group == m_groups.end() || group->stockCode != stockCode || group->boardCode != boardCode)
-        return {0, 0};
-    return group->rows;
+    return d->rows.rowsOfBoard(stockCode, boardCode);
+}
+
+const SecuritySelectorModel::Data &SecuritySelectorModel::row(int row) const
+{
+    return d->rows.at(row);
+}
+
+SecuritySelectorModel::ItemDataRole SecuritySelectorModel::defaultDataRole() const
+{
+    return d->defaultDataRole;
 }
 
 void SecuritySelectorModel::setDefaultDataRole(ItemDataRole role)
 {
-    if (role == m_defaultDataRole)
+    if (role == d->defaultDataRole)
         return;
-    m_defaultDataRole = role;
-    if (!m_rows.isEmpty())
-        Q_EMIT dataChanged(index(0), index(m_rows.size() - 1));
+    d->defaultDataRole = role;
+    // What is being prepared is ordered by the old role.
+    if (d->isPopulating)
+        populateLater();
+    if (d->rows.count() > 0)
+        Q_EMIT dataChanged(index(0), index(d->rows.count() - 1));
 }
 
 int SecuritySelectorModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_rows.size();
+    return parent.isValid() ? 0 : d->rows.count();
 }
 
 Qt::ItemFlags SecuritySelectorModel::flags(const QModelIndex &index) const
@@ -231,25 +284,8 @@ Qt::ItemFlags SecuritySelectorModel::flags(const QModelIndex &index) const
 
 QVariant SecuritySelectorModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_rows.size())
+    if (!index.isValid() || index.row() >= d->rows.count())
         return {};
-    const Data &row = m_rows.at(index.row());
-    switch (role == Qt::DisplayRole || role == Qt::EditRole ? int(m_defaultDataRole) : role) {
-    case StockCodeRole:
-        return row.stockCode;
-    case BoardIdRole:
-        return row.boardId;
-    case BoardCodeRole:
-        return row.boardCode;
-    case SecurityIdRole:
-        return qlonglong(row.secId);
-    case SecurityNameRole:
-        return row.secName;
-    case SecurityCodeRole:
-        return row.secCode;
-    case BaseCodeRole:
-        return row.baseCode;
-    default:
-        return {};
-    }
+    const bool isText = role == Qt::DisplayRole || role == Qt::EditRole;
+    return d->rows.data(index.row(), isText ? int(d->defaultDataRole) : role);
 }

@@ -3,21 +3,17 @@
 
 #include <formkit/formkit_export.h>
 #include <formkit/rowrange.h>
-#include <hostapi/boardid.h>
 
 #include <QAbstractListModel>
-#include <QVector>
 
 #include <memory>
 
-class ModelRefresh;
 class Record;
-class Table;
-class ValueFilter;
 
 /// The securities of the trading sessions that are open, from the host's table "securities":
 /// by exchange code, board code and name (each case-sensitive). When the first loaded plug-in
-/// that offers IDecoder announces new sessions, the list is read anew.
+/// that offers IDecoder announces new sessions, the list is read again: at once, or later when
+/// the table has more than 50,000 rows and populatesLater() is true.
 class FORMKIT_EXPORT SecuritySelectorModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -58,10 +54,29 @@ public:
     explicit SecuritySelectorModel(QObject *parent = nullptr);
     ~SecuritySelectorModel() override;
 
-    /// Reads the table anew, under its lock; of two securities of one board and name the later
+    /// Reads the table again, under its lock; of two securities of one board and name the later
     /// read stands first. What the host, filter() or the filter of a proxy throws passes
     /// through, with the lock given back and the rows left as they were, here and in the proxies.
+    /// Gives up what populateLater() has begun.
     virtual void populate();
+    /// Reads the table again without anybody waiting for it: returns at once, and replaces the
+    /// rows later, in one reset from the event loop. Another thread walks the table under its lock
+    /// and orders the rows; the directories are asked on this one. Called again, it starts
+    /// over. When something throws, or the host is taken away (ICore::install()), the rows stay as
+    /// they were; the text of the exception is logged. While populatesLater() is false this is
+    /// populate().
+    void populateLater();
+    /// The rows that populateLater() was called for are still to come.
+    bool isPopulating() const;
+    /// Whether another thread may do it. Unless set: true for this class, false for every subclass,
+    /// which may not be prepared for that.
+    bool populatesLater() const;
+    /// A subclass that sets true promises: its filter() may be called on another thread, with the
+    /// table locked; its data() gives the display role and the keys as this class does; its
+    /// destructor begins with setPopulatesLater(false), after which filter() is not called there
+    /// any more. False gives up what populateLater() has begun.
+    void setPopulatesLater(bool is);
+
     /// Whether a security is to be listed: one of an open session. Called under the lock.
     virtual bool filter(const Record &record) const;
     /// The row of a security.
@@ -70,56 +85,32 @@ public:
     void updateSessionsFilter();
 
     /// What the list shows: the name, unless set.
-    ItemDataRole defaultDataRole() const { return m_defaultDataRole; }
+    ItemDataRole defaultDataRole() const;
     void setDefaultDataRole(ItemDataRole role);
 
     /// The rows of one board.
     RowRange rowsOfBoard(const QString &stockCode, const QString &boardCode) const;
     /// A row of the list, 0 to rowCount() - 1.
-    const Data &row(int row) const { return m_rows.at(row); }
+    const Data &row(int row) const;
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
 public Q_SLOTS:
-    /// The open sessions have changed: takes them over and repopulates.
+    /// The open sessions have changed: takes them over and reads the table again.
     void aNewSessions();
 
-private:
-    /// The rows of one board in m_rows.
-    struct Group
-    {
-        QString stockCode;
-        QString boardCode;
-        RowRange rows;
-    };
+Q_SIGNALS:
+    /// True when populateLater() begins, false when it has ended, with new rows or without.
+    void populating(bool is);
 
-    /// What the directories call a board.
-    struct Codes
-    {
-        QString stock;
-        QString board;
-    };
+private:
+    struct Private;
 
     void connectDecoder();
-    QVector<Data> readRows() const;
-    Data readRow(const Record &record, boardid board, const Codes &codes) const;
-    boardid boardOf(const Record &record) const;
-    static Codes codesOf(boardid board);
-    static QVector<Group> sortByBoard(QVector<Data> *rows);
+    bool isLarge() const;
+    void endPopulating();
 
-    ModelRefresh *m_refresh;
-    QVector<Data> m_rows;
-    /// In the order of m_rows.
-    QVector<Group> m_groups;
-    Table *m_table;
-    int m_stockIdColumn;
-    int m_boardIdColumn;
-    int m_secIdColumn;
-    int m_secNameColumn;
-    int m_secCodeColumn;
-    int m_baseCodeColumn;
-    std::unique_ptr<ValueFilter> m_sessions;
-    ItemDataRole m_defaultDataRole = SecurityNameRole;
+    std::unique_ptr<Private> d;
 };

@@ -3,6 +3,7 @@
 
 #include "doing_p.h"
 #include "editstate_p.h"
+#include "modelrefresh_p.h"
 #include "rowlistview_p.h"
 #include "selectorcompleter_p.h"
 #include "selectorproxymodel.h"
@@ -181,7 +182,11 @@ void SelectorBox::setListSource(QAbstractItemModel *model)
         return;
     d->list->setSourceModel(model);
     connect(model, &QAbstractItemModel::modelReset, this, [this, model] {
-        measureTexts(model);
+        const ModelRefresh *const refresh = ModelRefresh::of(model);
+        if (const PreparedRows *const prepared = refresh ? refresh->prepared() : nullptr)
+            measureTexts(prepared->longestTexts);
+        else
+            measureTexts(model);
         tryPlace();
     });
     measureTexts(model);

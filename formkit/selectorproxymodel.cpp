@@ -3,36 +3,20 @@
 
 #include "foldedtext_p.h"
 #include "modelrefresh_p.h"
-#include "rowindex_p.h"
-#include "roworder_p.h"
+#include "rowlists_p.h"
+#include "worker_p.h"
 
-#include <QMap>
 #include <QScopeGuard>
 
 #include <algorithm>
 #include <exception>
+#include <typeinfo>
 
 namespace {
 
 bool isInteger(const QVariant &value)
 {
     return value.userType() == QMetaType::Int || value.userType() == QMetaType::LongLong;
-}
-
-RowOrder orderOf(const QAbstractItemModel *source)
-{
-    if (!source)
-        return {};
-    return RowOrder(source->rowCount(),
-                    [source](int row) { return source->index(row, 0).data().toString(); });
-}
-
-RowIndex indexOfRole(const QAbstractItemModel *source, int role)
-{
-    if (!source)
-        return {};
-    return RowIndex(source->rowCount(),
-                    [source, role](int row) { return source->index(row, 0).data(role); });
 }
 
 std::exception_ptr failureOf(const std::function<void()> &judge)
@@ -47,20 +31,14 @@ std::exception_ptr failureOf(const std::function<void()> &judge)
 
 } // namespace
 
-// What is known of a source. A copy is cheap.
-struct SelectorProxyModel::Lists
-{
-    RowOrder order;
-    QMap<int, RowIndex> keys;
-};
-
 struct SelectorProxyModel::Private
 {
-    Lists lists;
+    RowLists lists;
     // Those of the new rows of a source whose reset has not ended yet.
-    std::unique_ptr<Lists> prepared;
+    std::unique_ptr<RowLists> next;
     // The lists are empty because the filter has thrown.
     bool isUnknown = false;
+    // Ascending.
     QVector<int> keyRoles;
     RowOrder::Direction direction = RowOrder::Ascending;
 };
@@ -75,9 +53,7 @@ SelectorProxyModel::~SelectorProxyModel() = default;
 
 void SelectorProxyModel::setKeyRoles(const QVector<int> &roles)
 {
-    QMap<int, RowIndex> keys;
-    for (const int role : roles)
-        keys.insert(role, indexOfRole(sourceModel(), role));
+    const QMap<int, RowIndex> keys = RowLists::keysOf(sourceModel(), roles);
     d->keyRoles = QVector<int>(keys.keyBegin(), keys.keyEnd());
     d->lists.keys = keys;
 }
@@ -133,18 +109,23 @@ void SelectorProxyModel::follow(QAbstractItemModel *source)
     connect(source, &Model::headerDataChanged, this, &Model::headerDataChanged);
     connect(source, &QObject::destroyed, this, [this] { show({}); });
     if (auto *refresh = ModelRefresh::of(source)) {
-        connect(refresh, &ModelRefresh::rowsRead, this,
-                [this] { d->prepared = std::make_unique<Lists>(readLists()); });
+        connect(refresh, &ModelRefresh::rowsRead, this, [this, refresh] {
+            d->next = std::make_unique<RowLists>(readLists(refresh->prepared()));
+        });
+        connect(refresh, &ModelRefresh::keysAsked, this,
+                [this](QVector<int> *roles) { *roles += d->keyRoles; });
     }
 }
 
 void SelectorProxyModel::endRebuild()
 {
-    const std::unique_ptr<Lists> prepared = std::move(d->prepared);
+    std::unique_ptr<RowLists> lists = std::move(d->next);
     const ModelRefresh *const refresh = ModelRefresh::of(sourceModel());
     try {
         if (!refresh || !refresh->isUndone()) {
-            d->lists = prepared ? *prepared : readLists();
+            if (!lists)
+                lists = std::make_unique<RowLists>(readLists());
+            std::swap(d->lists, *lists);
             d->isUnknown = false;
         }
     } catch (...) {
@@ -153,10 +134,12 @@ void SelectorProxyModel::endRebuild()
         endResetModel();
         throw;
     }
+    if (refresh && refresh->prepared())
+        Worker::destroy(std::move(lists));
     endResetModel();
 }
 
-void SelectorProxyModel::show(const Lists &lists)
+void SelectorProxyModel::show(const RowLists &lists)
 {
     beginResetModel();
     d->lists = lists;
@@ -173,30 +156,37 @@ void SelectorProxyModel::changeFilter(const std::function<void()> &exchange)
 {
     exchange();
     auto undo = qScopeGuard(exchange);
-    const Lists lists = filteredLists();
+    const RowLists lists = filteredLists();
     undo.dismiss();
     show(lists);
 }
 
-// Those of the rows as they stand in the source.
-SelectorProxyModel::Lists SelectorProxyModel::readLists() const
+// Of the rows as they stand in the source.
+RowLists SelectorProxyModel::readLists(const PreparedRows *prepared) const
 {
-    Lists lists;
-    lists.order = orderOf(sourceModel());
-    lists.order.show(acceptedRows(), d->direction);
-    for (const int role : qAsConst(d->keyRoles))
-        lists.keys.insert(role, indexOfRole(sourceModel(), role));
+    RowLists lists(sourceModel(), d->keyRoles, prepared);
+    applyFilter(&lists.order);
     return lists;
 }
 
 // The same rows with another answer of the filter.
-SelectorProxyModel::Lists SelectorProxyModel::filteredLists() const
+RowLists SelectorProxyModel::filteredLists() const
 {
     if (d->isUnknown)
         return readLists();
-    Lists lists = d->lists;
-    lists.order.show(acceptedRows(), d->direction);
+    RowLists lists = d->lists;
+    applyFilter(&lists.order);
     return lists;
+}
+
+void SelectorProxyModel::applyFilter(RowOrder *order) const
+{
+    const RowRange range = candidateRows();
+    const bool isAll = sourceModel() && range.first == 0 && range.last == sourceModel()->rowCount();
+    if (isAll && acceptsCandidates())
+        order->showAll(d->direction);
+    else
+        order->show(acceptedRows(), d->direction);
 }
 
 bool SelectorProxyModel::filterAcceptsRow(int, const QModelIndex &) const
@@ -209,13 +199,19 @@ RowRange SelectorProxyModel::candidateRows() const
     return {0, sourceModel() ? sourceModel()->rowCount() : 0};
 }
 
+bool SelectorProxyModel::acceptsCandidates() const
+{
+    return typeid(*this) == typeid(SelectorProxyModel);
+}
+
 QVector<int> SelectorProxyModel::acceptedRows() const
 {
     const RowRange range = candidateRows();
+    const bool all = acceptsCandidates();
     QVector<int> rows;
     rows.reserve(qMax(0, range.last - range.first));
     for (int row = range.first; row < range.last; ++row) {
-        if (filterAcceptsRow(row, QModelIndex()))
+        if (all || filterAcceptsRow(row, QModelIndex()))
             rows.append(row);
     }
     return rows;
@@ -274,7 +270,7 @@ std::exception_ptr SelectorProxyModel::placeRows()
 {
     QVector<int> rows = d->lists.order.rows();
     const std::exception_ptr failure = failureOf([&] { rows = acceptedRows(); });
-    relayout(orderOf(sourceModel()), rows);
+    relayout(RowLists(sourceModel(), {}).order, rows);
     return failure;
 }
 

@@ -11,6 +11,8 @@
 #include <utility>
 
 class RowOrder;
+struct PreparedRows;
+struct RowLists;
 
 /// The list that a selector box shows: the rows of a flat source model that the filter
 /// accepts, in the order of their display texts, ignoring case (QString::compare(), no
@@ -18,18 +20,16 @@ class RowOrder;
 /// the filter is one model reset and costs by the rows that are shown, and rows are found by
 /// text or key without a walk.
 ///
-/// It keeps a mapping of its own beside that of QSortFilterProxyModel. What it shares with the
-/// base for a user: the mapping functions, data(), match(), sort() of column 0, the signals,
-/// and filterAcceptsRow(), which a subclass may override. What the base offers beyond is
-/// inert: filter patterns and roles, sort roles, sort case sensitivity, dynamicSortFilter.
-/// sortColumn() and sortOrder() always report column 0, ascending. Rows are neither inserted,
-/// removed nor dragged through it.
-///
-/// When the filter throws, the exception passes, and the list stays as it was: also when a model of
-/// this library is populated or changes its checks, which then keeps its old rows too. Data of the
-/// source that change are shown whatever the filter throws. Another source that is reset, or whose
-/// rows come, go or move, has its old rows no longer: its list is empty until the filter next gives
-/// an answer.
+/// - It does what QSortFilterProxyModel does by mapping functions, data(), match(), sort() of
+///   column 0, signals, and filterAcceptsRow(), which a subclass may override.
+/// - The rest of QSortFilterProxyModel has no effect: filter patterns and roles, sort roles, case
+///   sensitivity of the sort, dynamicSortFilter. sortColumn() and sortOrder() always report
+///   column 0, ascending. Rows cannot be inserted, removed or dragged.
+/// - A filter that throws leaves the list as it was, and the exception passes. A model of this
+///   library that is being populated, or whose checks change, then keeps its old rows too.
+/// - A change of data is shown even when the filter throws. Any other source that is reset, or
+///   whose rows come, go or move, has lost its old rows: the list is empty until the filter
+///   next gives an answer.
 class FORMKIT_EXPORT SelectorProxyModel : public FlatProxyModel
 {
     Q_OBJECT
@@ -84,6 +84,10 @@ protected:
     /// subclass knows better. It is what makes a narrow filter cheap. Asked again at each rebuild
     /// of the list.
     virtual RowRange candidateRows() const;
+    /// Whether filterAcceptsRow() accepts every candidate row, so that it need not be asked: the
+    /// list then costs by what it shows. False unless a class knows that it is true of itself
+    /// and not of a subclass that filters on.
+    virtual bool acceptsCandidates() const;
 
     /// Changes what filterAcceptsRow() asks for, and applies the filter in one model reset.
     /// `exchange` exchanges the old condition for the new one and, called again, back: that
@@ -96,14 +100,14 @@ protected:
     }
 
 private:
-    struct Lists;
     struct Private;
 
     void follow(QAbstractItemModel *source);
     void endRebuild();
-    void show(const Lists &lists);
-    Lists readLists() const;
-    Lists filteredLists() const;
+    void show(const RowLists &lists);
+    RowLists readLists(const PreparedRows *prepared = nullptr) const;
+    RowLists filteredLists() const;
+    void applyFilter(RowOrder *order) const;
     QVector<int> acceptedRows() const;
     bool accepts(int sourceRow) const;
     void sourceDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,

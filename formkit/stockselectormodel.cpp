@@ -5,30 +5,37 @@
 
 #include <hostapi/icore.h>
 
+struct StockSelectorModel::Private
+{
+    Table *const table = ICore::instance()->table(QStringLiteral("stocks"));
+    const int idColumn = table->columnIndex(QStringLiteral("stock_id"));
+    const int nameColumn = table->columnIndex(QStringLiteral("name"));
+    const int codeColumn = table->columnIndex(QStringLiteral("stock_code"));
+    QVector<Data> rows;
+};
+
 StockSelectorModel::StockSelectorModel(QObject *parent)
-    : CheckListModel(parent)
-    , m_table(ICore::instance()->table(QStringLiteral("stocks")))
-    , m_idColumn(m_table->columnIndex(QStringLiteral("stock_id")))
-    , m_nameColumn(m_table->columnIndex(QStringLiteral("name")))
-    , m_codeColumn(m_table->columnIndex(QStringLiteral("stock_code")))
+    : CheckListModel(parent), d(std::make_unique<Private>())
 {
     connect(&m_timer, &QTimer::timeout, this, &StockSelectorModel::sendStocksChanged);
 }
+
+StockSelectorModel::~StockSelectorModel() = default;
 
 void StockSelectorModel::populate()
 {
     QVector<Data> rows;
     const auto readRows = [this, &rows] {
         {
-            const TableLock lock(m_table);
+            const TableLock lock(d->table);
             rows = TableWalk::read<Data>(
-                m_table, [this](const Record &record) { return filter(record); },
+                d->table, [this](const Record &record) { return filter(record); },
                 [this](const Record &record) { return read(record); });
         }
         TableWalk::sortLaterFirst(rows.begin(), rows.end(),
                                   [](const Data &a, const Data &b) { return a.code < b.code; });
     };
-    refresh(readRows, [this, &rows] { m_rows.swap(rows); });
+    refresh(readRows, [this, &rows] { d->rows.swap(rows); });
 }
 
 bool StockSelectorModel::filter(const Record &) const
@@ -39,17 +46,17 @@ bool StockSelectorModel::filter(const Record &) const
 StockSelectorModel::Data StockSelectorModel::read(const Record &record) const
 {
     Data data;
-    data.id = record.field(m_idColumn).toInteger();
-    data.name = record.field(m_nameColumn).toString();
-    data.code = record.field(m_codeColumn).toString();
+    data.id = record.field(d->idColumn).toInteger();
+    data.name = record.field(d->nameColumn).toString();
+    data.code = record.field(d->codeColumn).toString();
     return data;
 }
 
 QVariant StockSelectorModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_rows.size())
+    if (!index.isValid() || index.row() >= d->rows.size())
         return {};
-    const Data &row = m_rows.at(index.row());
+    const Data &row = d->rows.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -66,6 +73,21 @@ QVariant StockSelectorModel::data(const QModelIndex &index, int role) const
 void StockSelectorModel::sendStocksChanged()
 {
     Stocks keys;
-    const bool enable = TableWalk::addChecked(m_rows, &Data::id, &keys);
+    const bool enable = TableWalk::addChecked(d->rows, &Data::id, &keys);
     Q_EMIT stocksChanged(enable, keys);
+}
+
+int StockSelectorModel::listSize() const
+{
+    return d->rows.size();
+}
+
+bool StockSelectorModel::isChecked(int row) const
+{
+    return d->rows.at(row).checked;
+}
+
+void StockSelectorModel::setChecked(int row, bool checked)
+{
+    d->rows[row].checked = checked;
 }

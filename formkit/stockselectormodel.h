@@ -5,10 +5,10 @@
 #include <hostapi/boardid.h>
 
 #include <QTimer>
-#include <QVector>
+
+#include <memory>
 
 class Record;
-class Table;
 
 /// The exchanges of the host's table "stocks", by exchange code. As a check list it reports
 /// the chosen exchanges. It does not follow the table: a refresh is a call of populate().
@@ -35,11 +35,12 @@ public:
 
     /// Finds the table; does not populate.
     explicit StockSelectorModel(QObject *parent = nullptr);
+    ~StockSelectorModel() override;
 
-    /// Reads the table anew, under its lock. Rows are sorted by code (case-sensitive); of two
-    /// with one code the later read stands first. What the host,
-    /// filter() or the filter of a proxy throws passes through, with the lock given back and the
-    /// rows left as they were, here and in the proxies.
+    /// Reads the table again, under its lock. Rows are sorted by code (case-sensitive); of two
+    /// with one code the later read stands first. What the host, filter() or the filter of a proxy
+    /// throws passes through, with the lock given back and the rows left as they were, here and in
+    /// the proxies.
     virtual void populate();
     /// Whether an exchange is to be listed; every one, unless a subclass drops some. Called
     /// under the table's lock.
@@ -59,18 +60,15 @@ Q_SIGNALS:
     void stocksChanged(bool enable, Stocks keys);
 
 protected:
-    int listSize() const override { return m_rows.size(); }
-    bool isChecked(int row) const override { return m_rows.at(row).checked; }
-    void setChecked(int row, bool checked) override { m_rows[row].checked = checked; }
+    int listSize() const override;
+    bool isChecked(int row) const override;
+    void setChecked(int row, bool checked) override;
 
     /// A child object. Calls sendStocksChanged() when it times out. The model never starts it: its
     /// owner does, or calls the slot.
     QTimer m_timer{this};
 
 private:
-    QVector<Data> m_rows;
-    Table *m_table;
-    int m_idColumn;
-    int m_nameColumn;
-    int m_codeColumn;
+    struct Private;
+    std::unique_ptr<Private> d;
 };

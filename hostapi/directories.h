@@ -5,8 +5,8 @@
 
 #include <QString>
 
-/// Looks up exchanges by id and code. Calls come from any thread, also while a table is locked: a
-/// host must answer without waiting for a table's lock.
+/// Looks up exchanges by id and code. Called on the forms' thread, also while a table is locked, by
+/// this thread or by a worker: a host must answer without waiting for a table's lock.
 class HOSTAPI_EXPORT StockDirectory
 {
 public:
@@ -20,7 +20,7 @@ public:
     virtual int idByCode(const QString &stockCode) const = 0;
 };
 
-/// Looks up trading boards by exchange and board. Calls come as those of StockDirectory do.
+/// Looks up trading boards by exchange and board. Called as StockDirectory is.
 class HOSTAPI_EXPORT BoardDirectory
 {
 public:

@@ -3,6 +3,7 @@
 
 #include "emptylists_p.h"
 #include "emptytable_p.h"
+#include "workerwalk.h"
 
 #include <map>
 #include <memory>
@@ -76,6 +77,7 @@ ICore *ICore::instance()
 
 void ICore::install(ICore *core)
 {
+    WorkerWalk::leaveAll();
     installedCore = core;
     EmptyLists::forget();
 }

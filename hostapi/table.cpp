@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "table.h"
 
+#include "workerwalk.h"
+
 Table::~Table() = default;
 
 TableLock::TableLock(Table *table) : m_table(table)
 {
-    m_table->lock();
+    WorkerWalk::lockFirst(m_table);
 }
 
 TableLock::~TableLock()
 {
-    m_table->unlock();
+    WorkerWalk::unlock(m_table);
 }

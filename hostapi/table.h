@@ -8,6 +8,10 @@
 /// The master index and the rows that it gives are used between lock() and unlock() only (or while
 /// a TableLock lives). While nobody holds the lock the content may be replaced at any moment. Rows
 /// that Records hold always stay valid.
+///
+/// The forms' thread reads the table, and so does a worker that walks large tables (see WorkerWalk).
+/// The worker calls lock() and unlock(), and between them masterIndex(), what that offers, and
+/// dataPtr(). freeRow() may come from any thread, everything else from the forms' thread only.
 class HOSTAPI_EXPORT Table
 {
 public:
@@ -36,7 +40,8 @@ public:
     virtual void freeRow(RowData *row) const = 0;
 };
 
-/// Holds a table's lock for a scope.
+/// Holds a table's lock for a scope. On the forms' thread it does not wait for a WorkerWalk, which
+/// gives way.
 class HOSTAPI_EXPORT TableLock
 {
 public:

@@ -73,8 +73,8 @@ public:
 
 private:
     Table *table(const QString &name) override;
-    /// Any thread may ask the directories, also while a table is locked. They read what never
-    /// changes, so they need no lock.
+    /// The directories are asked on the forms' thread, also while a worker has locked a table. They
+    /// read what never changes, so they wait for nothing.
     QString codeById(int stockId) const override { return m_codes.value(stockId); }
     int idByCode(const QString &stockCode) const override { return m_codes.key(stockCode); }
     QString codeById(int stockId, int boardId) const override

@@ -13,6 +13,7 @@
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
+#include <QScopedValueRollback>
 #include <QTimer>
 #include <QtTest>
 
@@ -40,6 +41,41 @@ double heapInMegabytes()
     const struct mallinfo2 heap = mallinfo2();
     return double(heap.uordblks + heap.hblkhd) / 1e6;
 }
+
+// Knows how long the longest event has taken, and whose it was.
+class Application : public QApplication
+{
+public:
+    using QApplication::QApplication;
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        if (m_isInside)
+            return QApplication::notify(receiver, event);
+        const QScopedValueRollback<bool> inside(m_isInside, true);
+        const QByteArray name = receiver->metaObject()->className();
+        const int type = event->type();
+        QElapsedTimer timer;
+        timer.start();
+        const bool is = QApplication::notify(receiver, event);
+        const double milliseconds = double(timer.nsecsElapsed()) / 1e6;
+        if (m_isWatching && milliseconds > m_longest) {
+            m_longest = milliseconds;
+            m_whose = name + QByteArray(" event ") + QByteArray::number(type);
+        }
+        return is;
+    }
+    void watch() { m_isWatching = true; }
+    QString told() const
+    {
+        return QString("longest event %1 ms (%2)").arg(m_longest, 0, 'f', 1).arg(m_whose);
+    }
+
+private:
+    bool m_isInside = false;
+    bool m_isWatching = false;
+    double m_longest = 0;
+    QString m_whose;
+};
 
 // Somebody who types, clicks and pastes at random in an order window, while the program sets values
 // at random.
@@ -119,11 +155,16 @@ public:
         m_act.setTimerType(Qt::PreciseTimer);
         connect(&m_act, &QTimer::timeout, this, &Endurance::act);
         connect(&m_change, &QTimer::timeout, this, &Endurance::change);
+        connect(&m_announce, &QTimer::timeout, this, [this] {
+            ++m_announcements;
+            m_host->setSessions(m_host->currentSessions());
+        });
         connect(host, &EmbeddedHost::failed, this, [this] { ++m_failures; });
     }
 
-    // Whether all went well. Changes the database up to so many times.
-    bool run(int seconds, int changes)
+    // Whether all went well. Changes the database up to so many times, and announces sessions
+    // every so many seconds.
+    bool run(int seconds, int changes, int announce)
     {
         m_total = seconds * PerSecond;
         warmUp();
@@ -131,7 +172,11 @@ public:
         m_sessions = m_host->currentSessions();
         m_clock.start();
         m_act.start(1000 / PerSecond);
-        m_change.start(seconds * 1000 / changes);
+        if (changes > 0)
+            m_change.start(seconds * 1000 / changes);
+        if (announce > 0)
+            m_announce.start(announce * 1000);
+        static_cast<Application *>(qApp)->watch();
         QApplication::exec();
         return verdict(double(m_clock.elapsed()) / 1000);
     }
@@ -201,6 +246,8 @@ private:
 
     bool verdict(double seconds) const
     {
+        std::printf("%d announcements, %s\n", m_announcements,
+                    qPrintable(static_cast<Application *>(qApp)->told()));
         if (m_heap.size() < 8) {
             std::printf("Too short: the heap was read %d times.\n", int(m_heap.size()));
             return false;
@@ -224,6 +271,8 @@ private:
     QStringList m_databases;
     QTimer m_act;
     QTimer m_change;
+    QTimer m_announce;
+    int m_announcements = 0;
     QElapsedTimer m_clock;
     QVector<double> m_heap; // MB
     qint64 m_rows = 0;
@@ -237,7 +286,7 @@ private:
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
+    Application app(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription("Random input to the order window, a hundred events a second, "
                                      "while the reference data changes. Ends with 1 if the heap "
@@ -247,6 +296,7 @@ int main(int argc, char **argv)
     parser.addOptions({
         {"seconds", "How long.", "number", "3600"},
         {"changes", "How often the database changes, at most.", "number", "100"},
+        {"announce", "Every so many seconds sessions are announced; 0 for never.", "seconds", "10"},
         {"securities", "Of the larger database.", "number", "1000000"},
         {"seed", "Of the random input.", "number", "1"},
     });
@@ -270,5 +320,5 @@ int main(int argc, char **argv)
     std::printf("seed %d\n", number("seed"));
     std::fflush(stdout);
     Endurance endurance(&host, &window, databases, quint32(number("seed")));
-    return endurance.run(number("seconds"), number("changes")) ? 0 : 1;
+    return endurance.run(number("seconds"), number("changes"), number("announce")) ? 0 : 1;
 }

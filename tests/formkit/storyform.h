@@ -78,10 +78,11 @@ public:
     TestHost *const host;
     FormValidation validation;
     QWidget window;
-    QPointer<QWidget> current; ///< the control in use
-    QString log;               ///< what was reported, each with a blank in front
-    int turns = 0;             ///< turns of the event loop in which the hub reported changes
-    QString wheel;             ///< what became of its last turn
+    QPointer<QWidget> current;   ///< the control in use
+    QString log;                 ///< what was reported, each with a blank in front
+    bool populatesLater = false; ///< lists of securities, each waited for
+    int turns = 0;               ///< turns of the event loop in which the hub reported changes
+    QString wheel;               ///< what became of its last turn
 
 private Q_SLOTS:
     void note(const QString &text);

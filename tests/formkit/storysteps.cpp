@@ -161,12 +161,39 @@ template <typename... Listed> void populateAny(QObject *object)
     (populate(as<Listed>(object)), ...);
 }
 
+void waitForRows(Player p)
+{
+    for (const auto *model : p->window.findChildren<SecuritySelectorModel *>())
+        QTRY_VERIFY(!model->isPopulating());
+}
+
+bool populateLater(Player p)
+{
+    auto *const model = as<SecuritySelectorModel>(p->source());
+    if (!model || !p->populatesLater)
+        return false;
+    model->populateLater();
+    waitForRows(p);
+    return true;
+}
+
+void announce(Player p)
+{
+    auto *const model = as<SecuritySelectorModel>(p->source());
+    if (model && p->populatesLater)
+        model->updateSessionsFilter();
+    if (!populateLater(p))
+        Q_EMIT p->host->decoder()->aNewSessions();
+    waitForRows(p);
+}
+
 void populate(Player p, Words name)
 {
     const QPointer<QWidget> before = p->current;
     p->current = name.isEmpty() ? before.data() : p->control(name);
     populateAny<StockSelectorBox_Code, PartnerSelectorBox>(p->current);
-    populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(p->source());
+    if (!populateLater(p))
+        populateAny<StockSelectorModel, BoardSelectorModel, SecuritySelectorModel>(p->source());
     p->current = before;
 }
 
@@ -313,7 +340,7 @@ const StorySteps HostSteps = {
      [](Player p, Words words) {
          p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
      }},
-    {"announce", [](Player p, Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},
+    {"announce", [](Player p, Words) { announce(p); }},
     {"lack", [](Player p, Words table) { p->host->removeTable(table); }},
     {"away",
      [](Player, Words) {

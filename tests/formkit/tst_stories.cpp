@@ -27,6 +27,8 @@ private Q_SLOTS:
 
     void stories_data();
     void stories();
+    void later_data();
+    void later();
     void quietOpening();
     void sizes();
     void failingHost();
@@ -68,6 +70,25 @@ void StoriesTest::stories()
     QFETCH(QString, file);
     QFETCH(DataRow, story);
     StoryPlayer player(m_host.get(), file);
+    player.play(story);
+}
+
+// The same refreshes by a worker: what is kept, chosen and reported is as it was.
+void StoriesTest::later_data()
+{
+    QTest::addColumn<DataRow>("story");
+    const auto refreshes = QRegularExpression("\\b(populate|announce)\\b");
+    for (const DataRow &story : StoryFile("security").stories + StoryFile("boxes").stories) {
+        if (story.mid(1).filter(refreshes).size() > 0)
+            QTest::addRow("%s", qPrintable(story.first())) << story;
+    }
+}
+
+void StoriesTest::later()
+{
+    QFETCH(DataRow, story);
+    StoryPlayer player(m_host.get(), "security");
+    player.populatesLater = true;
     player.play(story);
 }
 

@@ -89,7 +89,7 @@ bool TestTable::isBefore(const Record &a, const Record &b) const
 
 const std::vector<Record> &TestTable::lockedRows() const
 {
-    if (m_holder.load() != std::this_thread::get_id())
+    if (!isHeldHere())
         addFault("the index was used without the lock");
     return m_rows;
 }
@@ -129,7 +129,7 @@ void TestTable::lock()
 
 void TestTable::unlock()
 {
-    if (m_holder.load() != std::this_thread::get_id())
+    if (!isHeldHere())
         return addFault("unlocked by a thread that does not hold the lock");
     // The two counts differ by the depth, as only the holder changes them.
     if (m_unlocks + 1 == m_locks)
@@ -140,6 +140,8 @@ void TestTable::unlock()
 
 Field TestTable::dataPtr(RowData *row, int column) const
 {
+    if (!isFormsThread() && !isHeldHere())
+        addFault("a cell was read on another thread without the lock");
     ++m_cellReads;
     if (m_failAt > 0 && --m_failAt == 0)
         throw Exception("cell read failed");
@@ -223,8 +225,16 @@ void TestHost::setSessions(const QVector<SessionId> &sessions)
     m_sessions = sessions;
 }
 
+void TestHost::checkThread() const
+{
+    const TestTable &any = *m_database.tables.begin()->second;
+    if (!any.isFormsThread())
+        any.addFault("the core or a directory was asked on another thread");
+}
+
 void TestHost::countCall() const
 {
+    checkThread();
     if (m_failAt > 0 && --m_failAt == 0)
         throw Exception("directory call failed");
 }

@@ -21,7 +21,8 @@
 //
 // A test that destroys the host while a lock is held or a row reference is out, or that has used
 // an index without the lock, asked for a cell of no column or unlocked what it had not locked,
-// fails: the host's destructor logs a warning for each.
+// fails: the host's destructor logs a warning for each. So does one that, on another thread than
+// that which made the host, asked a directory or the core, or for a cell without the lock.
 //
 // Columns, in order:
 //     stocks      stock_id, name, stock_code
@@ -76,12 +77,15 @@ private:
     bool isBefore(const Record &a, const Record &b) const;
     void insert(const QVariantList &cells);
     void addFault(const QString &text) const;
+    bool isHeldHere() const { return m_holder.load() == std::this_thread::get_id(); }
+    bool isFormsThread() const { return m_formsThread == std::this_thread::get_id(); }
 
     const QString m_name;
     const QStringList m_columns;
     const QVector<int> m_keyColumns;
     QVector<FieldType> m_types;
     std::function<void()> m_changed; ///< called with the table locked
+    const std::thread::id m_formsThread = std::this_thread::get_id();
 
     std::recursive_mutex m_lock;
     std::atomic<std::thread::id> m_holder{};
@@ -124,11 +128,19 @@ public:
     /// The first decoder of the plug-ins; in front of it are none and one that is no decoder.
     TestDecoder *decoder() { return &m_decoder; }
 
-    IDatabase *database() override { return &m_database; }
+    IDatabase *database() override
+    {
+        checkThread();
+        return &m_database;
+    }
     const StockDirectory *stockDirectory() const override { return this; }
     const BoardDirectory *boardDirectory() const override { return this; }
     QVector<SessionId> currentSessions() const override { return copy(m_sessions); }
-    QList<QObject *> plugins() const override { return m_plugins; }
+    QList<QObject *> plugins() const override
+    {
+        checkThread();
+        return m_plugins;
+    }
 
 private:
     struct Database : IDatabase
@@ -146,6 +158,7 @@ private:
 
     void addTable(const QString &name, const QString &columns, const QVector<int> &keyColumns);
     void countCall() const;
+    void checkThread() const;
     QString codeById(int stockId) const override;
     int idByCode(const QString &stockCode) const override;
     QString codeById(int stockId, int boardId) const override;
