@@ -74,11 +74,11 @@ void waitFor(const Model &model)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-// What a list shows and finds.
+// What a list shows and finds, of some hundred rows of a long one.
 QStringList listed(const SelectorProxyModel &list)
 {
     QStringList all;
-    for (int row = 0; row < list.rowCount(); ++row) {
+    for (int row = 0; row < list.rowCount(); row += 1 + list.rowCount() / 500) {
         for (int role = Model::StockCodeRole; role <= Model::BaseCodeRole; ++role)
             all << list.index(row, 0).data(role).toString();
         const QVariant id = list.index(row, 0).data(Model::SecurityIdRole);
