@@ -73,6 +73,12 @@ QString NumberText::written() const
     return out;
 }
 
+bool isDash(QChar c)
+{
+    constexpr ushort Hyphen = 0x2010, LongDash = 0x2014, Minus = 0x2212;
+    return c == QChar(Minus) || (c >= QChar(Hyphen) && c <= QChar(LongDash));
+}
+
 int countUngrouped(QStringView text, const LocaleSymbols &symbols)
 {
     return int(std::count_if(text.begin(), text.end(), [&symbols](QChar c) {

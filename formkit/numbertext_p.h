@@ -44,6 +44,8 @@ private:
     bool m_negative = false;
 };
 
+/// Whether a character is the typographic minus, or a dash, which stand for the minus.
+bool isDash(QChar c);
 /// How many characters of the text are no group separators.
 int countUngrouped(QStringView text, const LocaleSymbols &symbols);
 /// The place after as many characters as `count` says, separators not counted.

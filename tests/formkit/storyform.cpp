@@ -79,6 +79,8 @@ void StoryForm::make(const QStringList &words)
     for (const QByteArray &name : file.reports.keys()) {
         if (made->metaObject()->indexOfSignal(name + "(QString)") >= 0)
             connect(made, '2' + name + "(QString)", this, SLOT(note(QString)));
+        else if (made->metaObject()->indexOfSignal(name + "()") >= 0)
+            connect(made, '2' + name + "()", this, SLOT(note()));
     }
     auto *const widget = qobject_cast<QWidget *>(made);
     if (words[0] == "QWidget") {

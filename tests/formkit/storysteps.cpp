@@ -19,6 +19,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCompleter>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMetaProperty>
 #include <QProxyStyle>
 #include <QStandardItemModel>
@@ -81,6 +83,20 @@ void pressKeypadPoint(QWidget *edit)
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 1, MacKeypadDecimal, 0,
                     ".");
     QApplication::sendEvent(edit, &press);
+}
+
+// As a user opens the menu and chooses, by the beginning of the entry.
+void chooseInMenu(QWidget *edit, Words entry)
+{
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {4, 4}, edit->mapToGlobal({4, 4}));
+    QApplication::sendEvent(edit, &event);
+    auto *const menu = as<QMenu>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    for (QAction *const action : menu->actions()) {
+        if (action->text().remove('&').startsWith(entry) && action->isEnabled())
+            action->trigger();
+    }
+    menu->close();
 }
 
 QPoint placeOf(const QAbstractItemView *list, Words row)
@@ -236,6 +252,14 @@ StorySteps handSteps(StoryPlayer *p)
          [p](Words row) {
              QTest::mouseClick(p->list()->viewport(), Qt::LeftButton, {}, placeOf(p->list(), row));
          }},
+        {"tap", "", "clicks into the control in use with the left button", "tap",
+         [p](Words) {
+             p->current->setFocus(p->current->hasFocus() ? Qt::OtherFocusReason
+                                                         : Qt::MouseFocusReason);
+             QTest::mouseClick(p->current, Qt::LeftButton);
+         }},
+        {"menu", "entry", "chooses from the context menu of the line edit in use", "menu Undo",
+         [p](Words entry) { chooseInMenu(p->edit(), entry); }},
         {"wait", "", "waits until a click is none of a double click (after F4)", "wait",
          [](Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); }},
         {"leave", "", "moves the focus to a line edit that the form ends with", "leave",
