@@ -190,9 +190,8 @@ EditGuard::Verdict EditGuard::takeForeign(const Edit &edit, int maxLength)
 EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
 {
     const int place = edit.caret - 1;
-    if (isDash(edit.after.at(place)))
-        edit.after[place] = QLatin1Char('-');
-    const QChar key = edit.after.at(place);
+    const QChar key = withoutDash(edit.after.at(place), symbols());
+    edit.after[place] = key;
     if (symbols().digitValue(key) >= 0)
         return takeEdit(edit, maxLength);
     if (m_rules.signToggle && !edit.hadSelection && symbols().kindOf(key) == LocaleSymbols::Minus)

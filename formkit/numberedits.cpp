@@ -207,8 +207,12 @@ bool NumberEdits::step(int count)
 
 void NumberEdits::finish()
 {
-    if (isGuarded() && !guard.isMarked())
-        noteReason(guard.doubt());
+    noteReason(guard.doubt());
+    settle();
+}
+
+void NumberEdits::settle()
+{
     guard.leave();
     m_history.endRun();
     markDoubt();
@@ -216,7 +220,9 @@ void NumberEdits::finish()
 
 void NumberEdits::leave()
 {
-    finish();
+    if (!guard.isMarked())
+        noteReason(guard.doubt());
+    settle();
     if (!guard.isBare() || q->text().isEmpty())
         return;
     if (!isGuarded()) {

@@ -30,7 +30,7 @@ public:
     bool undoMultiplication();
     /// Changes the number by steps, if there is a step.
     bool step(int count);
-    /// Ends the edits: what could still become a number is judged as it is.
+    /// Ends the edits: what could still become a number is judged as it is, and the user told.
     void finish();
     /// The same when the hand leaves, which also empties a field without a digit.
     void leave();
@@ -61,6 +61,7 @@ private:
     using Way = std::optional<EditHistory::State> (EditHistory::*)(const EditHistory::State &);
     void travel(Way way);
     void put(const EditState &view);
+    void settle();
     void makeRoom(const QString &text);
     void noteReason(const QString &reason);
 

@@ -73,10 +73,11 @@ QString NumberText::written() const
     return out;
 }
 
-bool isDash(QChar c)
+QChar withoutDash(QChar c, const LocaleSymbols &symbols)
 {
     constexpr ushort Hyphen = 0x2010, LongDash = 0x2014, Minus = 0x2212;
-    return c == QChar(Minus) || (c >= QChar(Hyphen) && c <= QChar(LongDash));
+    const bool isDash = c == QChar(Minus) || (c >= QChar(Hyphen) && c <= QChar(LongDash));
+    return isDash && !symbols.minus().isEmpty() ? symbols.minus().back() : c;
 }
 
 int countUngrouped(QStringView text, const LocaleSymbols &symbols)

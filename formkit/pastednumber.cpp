@@ -131,7 +131,7 @@ bool PastedNumber::readSign(QStringView *text)
 {
     if (text->isEmpty())
         return false;
-    const QChar sign = isDash(text->front()) ? QLatin1Char('-') : text->front();
+    const QChar sign = withoutDash(text->front(), m_symbols);
     const LocaleSymbols::Kind kind = m_symbols.kindOf(sign);
     if (kind != LocaleSymbols::Minus && kind != LocaleSymbols::Plus)
         return false;

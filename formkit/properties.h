@@ -23,8 +23,9 @@
 /// - The dynamic property "field" of an object names the hub name for its user property (for
 ///   its `Value`, where it has no readable user property).
 /// - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-///   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
-///   skipped with a warning.
+///   and a property ("A=StockId B=BoardId"). It gives the property that name, and binds one that
+///   another class of the object declares ("PriceStep=Step") beside the class's own. Any other
+///   part is skipped with a warning.
 ///
 /// The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
 /// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be

@@ -8,6 +8,7 @@
 #include <formkit/partnerselectorbox.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
+#include <formkit/securitysteps.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
 #include <formkit/stockselectormodel.h>
@@ -374,6 +375,21 @@ StorySteps hostSteps(StoryPlayer *p)
         {"sessions", "exchange session", "what session is open; see `announce`", "sessions 1 20",
          [p](Words words) {
              p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
+         }},
+        {"ticks", "security price lot", "the steps of a security of exchange 1 and board 7",
+         "ticks 10 0.05 100",
+         [p](Words words) {
+             const QStringList parts = words.split(' ');
+             p->host->setSteps(parts[0].toLongLong(),
+                               {decimal(QStringView(parts[1])), parts[2].toInt()});
+         }},
+        {"steps", "price quantity", "gives the controls the steps of the security that is chosen",
+         "steps price quantity",
+         [p](Words words) {
+             auto *const steps = new SecuritySteps(&p->window);
+             steps->addPrice(as<NumberEditor>(p->control(first(words))));
+             steps->addQuantity(as<NumberEditor>(p->control(rest(words))));
+             p->hub()->connectAll(steps);
          }},
         {"announce", "", "announces new sessions, which has securities read again", "announce",
          [p](Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},
