@@ -62,12 +62,16 @@ std::optional<decimal> stepped(const std::optional<decimal> &from, int count,
     try {
         const Grid grid(step, qMax(start.scale(), step.scale()));
         decimal to = grid.at((isUp ? grid.below(start) : grid.above(start)) + count);
-        if (minimum && to < *minimum && (!isUp || !from))
-            to = grid.at(grid.above(*minimum));
-        if (maximum && to > *maximum && (isUp || !from))
+        if (isUp && maximum && to > *maximum)
             to = grid.at(grid.below(*maximum));
-        if (from && (isUp ? to <= start : to >= start))
+        if (!isUp && minimum && to < *minimum)
+            to = grid.at(grid.above(*minimum));
+        if (isUp ? to <= start : to >= start)
             return {};
+        if (!from && isUp && minimum && to < *minimum)
+            to = grid.at(grid.above(*minimum));
+        if (!from && !isUp && maximum && to > *maximum)
+            to = grid.at(grid.below(*maximum));
         to.setScale(qMax(step.scale(), qMin(start.scale(), short(qMax(digits, 0)))));
         return to;
     } catch (const Exception &) {
