@@ -20,36 +20,47 @@ BindingInfo BindingInfo::followingSuper(const QObject *object)
     return info;
 }
 
-QList<QByteArray> BindingInfo::properties() const
+// Pairs of a hub name and a property; an empty part is none.
+QList<QStringList> BindingInfo::fieldsOf(const QObject *object)
+{
+    QList<QStringList> fields;
+    const QString pairs = object->property("fields").toString();
+    for (const QString &pair : pairs.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        fields << pair.split(QLatin1Char('='));
+    return fields;
+}
+
+QList<QByteArray> BindingInfo::propertiesOf(const QObject *object) const
 {
     QList<QByteArray> names;
-    const int end = bindsProperties() ? m_meta->propertyCount() : 0;
-    for (int i = m_meta->propertyOffset(); i < end; ++i)
+    if (!bindsProperties())
+        return names;
+    for (int i = m_meta->propertyOffset(); i < m_meta->propertyCount(); ++i)
         names << m_meta->property(i).name();
+    for (const QStringList &field : fieldsOf(object)) {
+        const QByteArray property = field.value(1).toLatin1();
+        if (object->metaObject()->indexOfProperty(property) >= 0 && !names.contains(property))
+            names << property;
+    }
     return names;
 }
 
 BindingInfo::Aliases BindingInfo::aliasesOf(const QObject *object) const
 {
     Aliases aliases;
-    const QList<QByteArray> dynamic = object->dynamicPropertyNames();
-    if (dynamic.contains("field")) {
+    if (object->dynamicPropertyNames().contains("field")) {
         const QMetaProperty user = object->metaObject()->userProperty();
         const QByteArray property = user.isReadable() ? QByteArray(user.name()) : "Value";
         aliases.insert(property, object->property("field").toString());
     }
-    if (!dynamic.contains("fields"))
-        return aliases;
-    const QList<QByteArray> bound = properties();
-    const QStringList pairs = object->property("fields").toString().split(QLatin1Char(' '));
-    for (const QString &pair : pairs) {
-        const QStringList pieces = pair.split(QLatin1Char('='));
-        const QByteArray property = pieces.value(1).toLatin1();
+    const QList<QByteArray> bound = propertiesOf(object);
+    for (const QStringList &field : fieldsOf(object)) {
+        const QByteArray property = field.value(1).toLatin1();
         if (bound.contains(property))
-            aliases.insert(property, pieces.first());
-        else if (!pair.isEmpty())
-            qWarning() << "Properties::connectAll: no property for" << pair << "in the fields of"
-                       << object;
+            aliases.insert(property, field.first());
+        else
+            qWarning() << "Properties::connectAll: no property for" << field.join(QLatin1Char('='))
+                       << "in the fields of" << object;
     }
     return aliases;
 }

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
-#include <QString>
+#include <QStringList>
 
 /// What a class says about binding its objects, in its Q_CLASSINFO("Properties", …); see
 /// Properties.
@@ -20,9 +20,10 @@ public:
     bool bindsProperties() const { return m_info == "this" || endsWalk(); }
     /// The children are not bound.
     bool endsWalk() const { return m_info == "thisOnly"; }
-    /// The properties that the class itself declares, not those of its bases; none when it binds
+    /// The properties of an object of the class that are bound: those that the class itself
+    /// declares, and after them those of its other classes that "fields" names; none when it binds
     /// none.
-    QList<QByteArray> properties() const;
+    QList<QByteArray> propertiesOf(const QObject *object) const;
 
     /// The hub names that the dynamic properties "field" and "fields" of an object of the class
     /// give to its properties.
@@ -31,6 +32,7 @@ public:
 
 private:
     explicit BindingInfo(const QMetaObject *meta);
+    static QList<QStringList> fieldsOf(const QObject *object);
 
     const QMetaObject *m_meta;
     QByteArray m_info;

@@ -148,7 +148,7 @@ bool Properties::Private::bindOwn(QObject *object, const BindingInfo &info)
     const QPointer<Properties> hub(q);
     const QPointer<QObject> alive(object);
     const BindingInfo::Aliases aliases = info.aliasesOf(object);
-    const QList<QByteArray> properties = info.properties();
+    const QList<QByteArray> properties = info.propertiesOf(object);
     for (const QByteArray &property : properties) {
         if (!hub || !alive)
             break;
@@ -188,7 +188,7 @@ bool Properties::disconnectAll(QObject *object)
         return false;
     bool anyUnbound = false;
     const BindingInfo info(object);
-    const QList<QByteArray> properties = info.properties();
+    const QList<QByteArray> properties = info.propertiesOf(object);
     for (const QByteArray &property : properties)
         anyUnbound |= disconnectOne(object, property);
     if (!info.endsWalk()) {

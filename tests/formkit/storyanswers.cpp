@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCalendarWidget>
+#include <QClipboard>
 
 namespace {
 
@@ -137,6 +138,7 @@ StoryAnswers storyLabels()
          [](Player p, Words) {
              return QAccessible::queryAccessibleInterface(p->edit())->text(QAccessible::Name);
          }},
+        {"clipboard", [](Player, Words) { return QApplication::clipboard()->text(); }},
         {"wheel", [](Player p, Words) { return p->wheel; }},
         {"lists", [](Player p, Words) { return column(p, p->box()->model(), Qt::DisplayRole); }},
         {"ids",

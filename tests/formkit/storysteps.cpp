@@ -8,6 +8,7 @@
 #include <formkit/partnerselectorbox.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
+#include <formkit/securitysteps.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
 #include <formkit/stockselectormodel.h>
@@ -19,6 +20,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCompleter>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMetaProperty>
 #include <QProxyStyle>
 #include <QStandardItemModel>
@@ -89,6 +92,21 @@ void pressKeypadPoint(Player p, Words)
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 1, MacKeypadDecimal, 0,
                     ".");
     QApplication::sendEvent(p->current, &press);
+}
+
+// As a user opens the menu and chooses, by the beginning of the entry.
+void chooseInMenu(Player p, Words entry)
+{
+    QWidget *const edit = p->edit();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {4, 4}, edit->mapToGlobal({4, 4}));
+    QApplication::sendEvent(edit, &event);
+    auto *const menu = as<QMenu>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    for (QAction *const action : menu->actions()) {
+        if (action->text().remove('&').startsWith(entry) && action->isEnabled())
+            action->trigger();
+    }
+    menu->close();
 }
 
 QPoint placeOf(const QAbstractItemView *list, Words row)
@@ -273,6 +291,13 @@ const StorySteps HandSteps = {
      [](Player p, Words row) {
          QTest::mouseClick(p->list()->viewport(), Qt::LeftButton, {}, placeOf(p->list(), row));
      }},
+    {"tap",
+     [](Player p, Words) {
+         const bool hasFocus = p->current->hasFocus();
+         p->current->setFocus(hasFocus ? Qt::OtherFocusReason : Qt::MouseFocusReason);
+         QTest::mouseClick(p->current, Qt::LeftButton);
+     }},
+    {"menu", chooseInMenu},
     {"wait", [](Player, Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); }},
     {"leave", [](Player p, Words) { p->leave(); }},
     {"back", [](Player p, Words) { p->current->setFocus(); }},
@@ -339,6 +364,19 @@ const StorySteps HostSteps = {
     {"sessions",
      [](Player p, Words words) {
          p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
+     }},
+    {"ticks",
+     [](Player p, Words words) {
+         const QStringList parts = words.split(' ');
+         p->host->setSteps(parts[0].toLongLong(),
+                           {decimal(QStringView(parts[1])), parts[2].toInt()});
+     }},
+    {"steps",
+     [](Player p, Words words) {
+         auto *const steps = new SecuritySteps(&p->window);
+         steps->addPrice(as<NumberEditor>(p->control(first(words))));
+         steps->addQuantity(as<NumberEditor>(p->control(rest(words))));
+         p->hub()->connectAll(steps);
      }},
     {"announce", [](Player p, Words) { announce(p); }},
     {"lack", [](Player p, Words table) { p->host->removeTable(table); }},

@@ -12,6 +12,8 @@
 #include <QMetaProperty>
 #include <QRandomGenerator>
 
+#include <cmath>
+
 namespace {
 
 // What stands on pages, and is bound while its page shows.
@@ -22,6 +24,33 @@ bool agree(const QString &name, const QString &a, const QString &b)
 {
     const auto isNone = [](const QString &id) { return id.isEmpty() || id == "0"; };
     return a == b || (name.endsWith("Id") && isNone(a) && isNone(b));
+}
+
+QString digitsOf(const QString &text)
+{
+    QString digits;
+    for (const QChar c : text) {
+        if (c.isDigit() && (c.digitValue() != 0 || !digits.isEmpty()))
+            digits += QChar('0' + c.digitValue());
+    }
+    return digits;
+}
+
+// Whether a number ends in more zeros than another one.
+bool isMultiplied(const QString &longer, const QString &shorter)
+{
+    const QString zeros = longer.mid(shorter.size());
+    return longer.startsWith(shorter) && zeros.size() <= 6 && zeros.count('0') == zeros.size();
+}
+
+// Whether one text is the other with one character more.
+bool isOneMore(const QString &longer, const QString &shorter)
+{
+    for (int i = 0; longer.size() == shorter.size() + 1 && i < longer.size(); ++i) {
+        if (QString(longer).remove(i, 1) == shorter)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -49,6 +78,7 @@ private:
         NumberEditor *editor;
         QString value;
         QString text;
+        bool isSelected;
     };
 
     QVector<Bound> bound(StoryPlayer *player) const;
@@ -56,7 +86,9 @@ private:
     void checkHub();
     void checkScreen();
     void checkBox(ComboBox *box);
-    void checkAmounts(const QVector<Amount> &before);
+    void checkAmounts(const QString &who, const QString &steps, const QVector<Amount> &before);
+    void checkUndo(const QString &step, const Amount &before, const Amount &after);
+    void checkStep(const QString &step, const Amount &before, const Amount &after);
     void checkHost();
     void failSoon(int n);
     QVector<Amount> amounts() const;
@@ -65,7 +97,8 @@ private:
     TestHost m_host;
     std::unique_ptr<StoryPlayer> m_player;
     QMap<QString, QStringList> m_picks;
-    QMap<QString, QString> m_programmed; // what the program last set, by name
+    QMap<NumberEditor *, QSet<QString>> m_shown; // every text that each has shown
+    QMap<QString, QString> m_programmed;         // what the program last set, by name
     QRandomGenerator m_random{1};
     QStringList m_deeds;
 };
@@ -197,22 +230,64 @@ void PlayTest::checkBox(ComboBox *box)
     QVERIFY2(!waits || !isShown || isCode || !agree(key.name(), held, id), qPrintable(told));
 }
 
-// No deed of the host changes an amount, but for those of pages, which come and go.
-void PlayTest::checkAmounts(const QVector<Amount> &before)
+// No deed makes an amount that nobody entered; those of pages come and go.
+void PlayTest::checkAmounts(const QString &who, const QString &steps, const QVector<Amount> &before)
 {
+    const QString about = steps.section("; ", 0, 0).section(' ', 1);
+    const QString step = steps.section("; ", 1, 1);
     const QVector<Amount> after = amounts();
     for (int i = 0; i < before.size(); ++i) {
-        const QString name = before[i].editor->objectName();
-        QVERIFY2(Pages.contains(name) || before[i].text == after[i].text,
-                 qPrintable(name + ": " + before[i].text + " to " + after[i].text));
+        const NumberEditor *const editor = before[i].editor;
+        const QString said = editor->objectName() + ": " + before[i].text + " to " + after[i].text;
+        const bool isKey = step.startsWith("type ") || step.startsWith("press Backspace") ||
+                           step.startsWith("press Delete");
+        const bool isSuffix = QString("kmК").contains(step.right(1));
+        if (who == "host" && !Pages.contains(editor->objectName()))
+            QVERIFY2(before[i].text == after[i].text, qPrintable(said));
+        if (who == "hand" && about == editor->objectName()) {
+            checkUndo(step, before[i], after[i]);
+            checkStep(step, before[i], after[i]);
+        }
+        m_shown[after[i].editor] << before[i].text << after[i].text;
+        if (who != "hand" || about != editor->objectName() || !isKey || before[i].isSelected)
+            continue;
+        const QString was = digitsOf(before[i].text);
+        const QString is = digitsOf(after[i].text);
+        const bool isNear = was == is || isOneMore(is, was) || isOneMore(was, is) ||
+                            (isSuffix && isMultiplied(is, was)) ||
+                            step.startsWith("press"); // leading zeros may go with a digit
+        QVERIFY2(isNear, qPrintable(said));
     }
+}
+
+// Undo and redo show nothing that was not there.
+void PlayTest::checkUndo(const QString &step, const Amount &before, const Amount &after)
+{
+    if (step.endsWith("+Z"))
+        QVERIFY2(after.text == before.text || m_shown[after.editor].contains(after.text),
+                 qPrintable(before.text + " undone to " + after.text));
+}
+
+// A step leads to a multiple of the step, the right way and not too far, or nowhere.
+void PlayTest::checkStep(const QString &step, const Amount &before, const Amount &after)
+{
+    const bool isUp = step.endsWith("Up") || step.startsWith("wheel 1") || step == "wheel 60";
+    const bool isStep = isUp || step.endsWith("Down") || step.startsWith("wheel");
+    if (!isStep || before.text == after.text)
+        return;
+    const double size = after.editor->getStep().toDouble();
+    const double was = before.value.toDouble();
+    const double is = after.value.toDouble();
+    const double way = isUp ? is - was : was - is;
+    QVERIFY2(size > 0 && std::fmod(is, size) == 0 && way > 0 && way <= 100 * size,
+             qPrintable(step + ": " + before.text + " stepped to " + after.text));
 }
 
 QVector<PlayTest::Amount> PlayTest::amounts() const
 {
     QVector<Amount> all;
     for (auto *const editor : m_player->control("stock")->window()->findChildren<NumberEditor *>())
-        all.append({editor, editor->getValue(), editor->text()});
+        all.append({editor, editor->getValue(), editor->text(), editor->hasSelectedText()});
     return all;
 }
 
@@ -257,8 +332,7 @@ void PlayTest::play()
         QCoreApplication::processEvents();
         checkHub();
         checkScreen();
-        if (deed[0] == "host")
-            checkAmounts(before);
+        checkAmounts(deed[0], steps, before);
         checkHost();
     }
     if (QTest::currentTestFailed())
