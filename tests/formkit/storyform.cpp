@@ -89,6 +89,15 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
     log.clear();
 }
 
+QObject *StoryForm::create(const QString &className, QWidget *form)
+{
+    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
+                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
+                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
+                       FormSelector, GroupBox, SecuritySteps, CountingControl, QWidget>(className,
+                                                                                        form);
+}
+
 void StoryForm::make(const QStringList &words)
 {
     QObject *const made =

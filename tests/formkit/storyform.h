@@ -37,6 +37,8 @@ class StoryForm : public QObject
 public:
     StoryForm(TestHost *host, const QString &fileName);
 
+    /// A control, or an object, of a class that a story may name; null for any other class.
+    static QObject *create(const QString &className, QWidget *form);
     /// Makes a control from its class, its name and properties, "field=Price". A QWidget is a page
     /// of the form's FormSelector, and what follows stands on that page.
     void make(const QStringList &words);
