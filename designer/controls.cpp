@@ -186,7 +186,8 @@ QString Control::domXml() const
         if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
-    // Values of the hub are texts in system form, which must not be translated. A unit is for people.
+    // Values of the hub are texts in system form, which must not be translated. A unit is for
+    // people.
     const QList<QByteArray> units = {"Prefix", "Suffix"};
     for (int i = qtClass(meta)->propertyCount(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);

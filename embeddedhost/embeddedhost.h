@@ -22,9 +22,10 @@
 /// - Replace the file by renaming another one, or in a transaction of SQLite: a load then sees the
 ///   one content or the other. If a load notices that the file was overwritten while it was read,
 ///   it reads again, up to twice, and then fails.
-/// - A million securities are a normal size, and ten million work, at some 230 bytes each with their
-///   texts; texts that occur often (base codes) are stored once. A reload needs room for the new rows
-///   beside the old ones, and gives the memory of the old ones back to the system.
+/// - A million securities are a normal size, and ten million work, at some 230 bytes each with
+/// their
+///   texts; texts that occur often (base codes) are stored once. A reload needs room for the new
+///   rows beside the old ones, and gives the memory of the old ones back to the system.
 class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 {
     Q_OBJECT

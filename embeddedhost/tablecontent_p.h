@@ -21,8 +21,8 @@ public:
 
     /// Adds an empty row at the end.
     RowData *append();
-    /// Brings the rows into key order. `pause` is called every now and then, and may throw: then all
-    /// rows are still there, in any order.
+    /// Brings the rows into key order. `pause` is called every now and then, and may throw: then
+    /// all rows are still there, in any order.
     void sort(const std::function<void()> &pause);
     /// The row with the same key, or null. The rows must be in key order.
     RowData *find(RowData *key) const;

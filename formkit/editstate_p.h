@@ -3,8 +3,8 @@
 
 #include <QLineEdit>
 
-/// The text, caret and selection of a line edit, to be restored later, for example after a refresh of a
-/// box's list has changed them. A box that cannot be edited has none.
+/// The text, caret and selection of a line edit, to be restored later, for example after a refresh
+/// of a box's list has changed them. A box that cannot be edited has none.
 class EditState
 {
 public:

@@ -45,8 +45,8 @@ public:
     /// The installed core. While none is installed, a core without tables, boards, sessions and
     /// plug-ins, so that forms can be shown all the same (in a form designer, for example).
     static ICore *instance();
-    /// Null uninstalls the core: a host does that before its tables go. After this call no worker is
-    /// in a table. On the forms' thread only.
+    /// Null uninstalls the core: a host does that before its tables go. After this call no worker
+    /// is in a table. On the forms' thread only.
     static void install(ICore *core);
 
     /// The table of a name, never null: a table that the host does not have reads as empty. A

@@ -9,9 +9,10 @@
 /// a TableLock lives). While nobody holds the lock the content may be replaced at any moment. Rows
 /// that Records hold always stay valid.
 ///
-/// The forms' thread reads the table, and so does a worker that walks large tables (see WorkerWalk).
-/// The worker calls lock() and unlock(), and between them masterIndex(), what that offers, and
-/// dataPtr(). freeRow() may come from any thread, everything else from the forms' thread only.
+/// The forms' thread reads the table, and so does a worker that walks large tables (see
+/// WorkerWalk). The worker calls lock() and unlock(), and between them masterIndex(), what that
+/// offers, and dataPtr(). freeRow() may come from any thread, everything else from the forms'
+/// thread only.
 class HOSTAPI_EXPORT Table
 {
 public:
