@@ -40,8 +40,8 @@ public:
     {
         QString after;
         int caret = 0;    ///< in `after`, next to what the edit inserted
-        int inserted = 0; ///< how many characters it put in front of the caret; the rest of
-                          ///< what `after` lacks was removed there
+        int inserted = 0; ///< how many characters it put in front of the caret; what else differs
+                          ///< from the shown text was removed at the caret
         By by = Key;
         bool isCut = false; ///< not all that was to be inserted fitted
     };
@@ -56,10 +56,11 @@ public:
 
     explicit EditGuard(const DecimalValidator &limits) : m_limits(limits) {}
 
-    /// What an edit does to the shown text, which is that of the last one that was taken. A text
+    /// What an edit does to the shown text, which is the result of the last accepted edit. A text
     /// that is longer than `maxLength` when it is grouped is refused.
     Verdict judge(const Edit &edit, int maxLength);
-    /// Shows a text that is no amount as it is. A doubt may say more than that.
+    /// Shows, unchanged, a text that is no amount. `doubt` is the reason told to the user; if it is
+    /// empty, a general one.
     void showForeign(const QString &text, const QString &doubt = {});
 
     /// What is shown.
@@ -80,7 +81,7 @@ public:
     bool isGroup(int place) const;
     /// Undo leads back to the shown text and no further.
     void endHistory();
-    /// The hand has gone: forgets typed separators and points that nothing was typed after, and
+    /// The focus has left: forgets typed separators and points that nothing was typed after, and
     /// expects no further digits.
     void leave();
     static QString wordOfLength();
