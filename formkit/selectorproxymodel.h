@@ -15,8 +15,8 @@ class RowOrder;
 /// The list that a selector box shows: the rows of a flat source model that the filter
 /// accepts, in the order of their display texts, ignoring case (QString::compare(), no
 /// collation; equal texts in the order of the source). Made for a million rows: a change of
-/// the filter is one model reset and costs by the rows that are shown, and rows are found by
-/// text or key without a walk.
+/// the filter is one model reset and takes time in proportion to the rows shown, and rows are found
+/// by text or key without a walk.
 ///
 /// It keeps a mapping of its own beside that of QSortFilterProxyModel. What it shares with the
 /// base for a user: the mapping functions, data(), match(), sort() of column 0, the signals,
@@ -26,10 +26,10 @@ class RowOrder;
 /// removed nor dragged through it.
 ///
 /// When the filter throws, the exception passes, and the list stays as it was: also when a model of
-/// this library is populated or changes its checks, which then keeps its old rows too. Data of the
-/// source that change are shown whatever the filter throws. Another source that is reset, or whose
-/// rows come, go or move, has its old rows no longer: its list is empty until the filter next gives
-/// an answer.
+/// this library is populated or changes its checks, which then keeps its old rows too. Changed
+/// cells are shown even if the filter throws. A source of another library that is reset, or whose
+/// rows come, go or move, cannot give its old rows back: the list is then empty until the filter
+/// next succeeds.
 class FORMKIT_EXPORT SelectorProxyModel : public FlatProxyModel
 {
     Q_OBJECT
