@@ -53,7 +53,7 @@ private:
     void registerBoards();
     void showValues();
     QMap<QString, QString> rejections() const;
-    /// Marks what the terminal rejects. True if that is nothing.
+    /// Marks what the terminal rejects. True if nothing was rejected.
     bool check();
     void send();
     /// Says above the buttons what has become of the order, until the order is changed.
@@ -80,6 +80,7 @@ private:
     /// The open sessions from before the button "New sessions" closed some; empty while all are
     /// open.
     QVector<SessionId> m_allSessions;
-    /// New sessions were announced since the load last reported.
+    /// New sessions were announced after the last progress of a load: the securities have been read
+    /// again already.
     bool m_securitiesAreFresh = false;
 };

@@ -26,7 +26,7 @@ public:
     void downloadTo(const QString &localFile);
 
 Q_SIGNALS:
-    /// The list is there, or the download, or neither.
+    /// A listing or a download has ended, with or without success.
     void finished();
 
 private:

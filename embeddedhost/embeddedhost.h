@@ -33,13 +33,13 @@ class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 public:
     explicit EmbeddedHost(QObject *parent = nullptr);
     /// Uninstalls itself if it is the installed core. Cancels a load and waits for its thread: some
-    /// milliseconds, or up to a second when a writer locks the file, or when a large file is nearly
-    /// read.
+    /// milliseconds, or up to a second while a writer locks the file, or while the rows of a large
+    /// table are sorted, which cannot be interrupted.
     ~EmbeddedHost() override;
 
     /// Starts a load. It ends with one of the signals loaded(), failed() and cancelled(), always
-    /// after this call has returned. A load that is under way is cancelled first; several calls
-    /// before it has ended start one load, of the last file.
+    /// after this call has returned. A load that is under way is cancelled first; if load() is
+    /// called several times meanwhile, only the file of the last call is loaded.
     void load(const QString &file);
     /// Loads file() again.
     void reload();
@@ -76,7 +76,8 @@ public:
 
 Q_SIGNALS:
     /// How many rows of a table are read. Each table is reported when it is complete, and before
-    /// that as often as the event loop allows. For a file that is read again this begins again.
+    /// that as often as the event loop allows. If the file changed meanwhile and is read again, the
+    /// counts start over.
     void progress(const QString &table, int rows, int total);
     /// The new content is in place: repopulate the forms. When other sessions are open now, the
     /// decoder has announced them just before.

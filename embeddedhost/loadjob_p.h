@@ -31,7 +31,7 @@ public:
         std::vector<TableProgress> tables;
     };
 
-    /// Calls `wake`, on the job's thread, for the first news after each takeNews().
+    /// Calls `wake` on the job's thread: once when news arrive, and not again before takeNews().
     LoadJob(const QString &file, ReferenceStore *store, const std::function<void()> &wake);
     /// Cancels and waits for the thread.
     ~LoadJob();

@@ -4,8 +4,8 @@
 #include <memory>
 #include <mutex>
 
-/// A value that is never changed, only replaced as a whole: who has got one may keep it. The mutex
-/// is held only to copy a pointer, and nothing else is locked meanwhile.
+/// A value that is never changed, only replaced as a whole: a pointer from get() stays valid. The
+/// mutex is held only to copy a pointer, and nothing else is locked meanwhile.
 template <typename T> class Snapshot
 {
 public:

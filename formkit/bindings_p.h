@@ -12,8 +12,9 @@
 #include <QVarLengthArray>
 
 /// Which properties of which objects a hub has bound, under which names, and to which of them it
-/// listens. It calls no object. An address whose object has died without a word may be that of
-/// another object later: isAlive() tells, and forgetDead() makes room for the new one.
+/// listens. It calls no object. If an object was destroyed without destroyed() reaching the hub (a
+/// program may call disconnect() for all of its signals), another one may have its address later:
+/// isAlive() tells, and forgetDead() makes room for the new one.
 class Bindings
 {
 public:

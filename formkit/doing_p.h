@@ -5,10 +5,10 @@
 
 #include <utility>
 
-/// While an object of this class lives, it says who causes the changes that controls report: the
-/// user or the program. A report that comes while there is none is the user's. Of nested objects
-/// the outermost counts, unless the program takes over: when the user's choice empties another box,
-/// that is the user's doing too.
+/// Who causes the changes that controls report, while an object of this class lives. The hub makes
+/// one for the user when a report reaches it and none lives: so such a report is the user's. Of
+/// nested objects the outermost counts: what follows from the user's choice is the user's too. Only
+/// programTakesOver() overrides it (setValue(), showAgain()).
 class Doing
 {
 public:

@@ -6,8 +6,9 @@
 #include <QSortFilterProxyModel>
 
 /// A QSortFilterProxyModel over a flat source whose mapping is a subclass's own: everything that
-/// the base does by its mapping is done by sourceRow() and rowOfSource(). The base's mapping never
-/// comes to life, as long as a subclass hands its source to QAbstractProxyModel::setSourceModel().
+/// the base does by its mapping is done by sourceRow() and rowOfSource(). The base's own
+/// mapping is not built, provided that a subclass hands its source to
+/// QAbstractProxyModel::setSourceModel().
 /// Rows are neither inserted, removed nor dragged through it.
 class FORMKIT_EXPORT FlatProxyModel : public QSortFilterProxyModel
 {

@@ -41,8 +41,8 @@ public:
 
     /// Registers a sub-form for a board, in place of the one that the board had, and takes
     /// ownership. One sub-form may serve several boards. It stands at the top of its page; if it
-    /// has a layout, that layout's margins become 3 above and 2 below. On purpose the sub-form of
-    /// the current board is shown and bound at once. A null sub-form is ignored.
+    /// has a layout, that layout's margins become 3 above and 2 below. The sub-form of the current
+    /// board is shown and bound at once. A null sub-form is ignored.
     void addWidget(boardid board, QWidget *form);
     /// Adds a page of a form file as the sub-form of the boards that its dynamic property "boards"
     /// lists, written as boardListToString() does ("1,7;2,3"). The property may change later. A
@@ -60,9 +60,9 @@ public:
     void setStockId(const QString &text);
     void setBoardId(const QString &text);
 
-    /// Shows the sub-form of a board and moves the bindings to it, whatever the ids say. On purpose
-    /// this unbinds every sub-form, not the last one alone, and the Summators of the new one report
-    /// each time.
+    /// Shows the sub-form of a board and moves the bindings to it, whatever the ids say. All other
+    /// sub-forms are unbound, since a connectAll() may have bound hidden ones, too. The Summators
+    /// of the new one report, since a sum may have changed while its page was hidden.
     ///
     /// A control that is bound may call this, setHub() or addWidget(); it takes effect when the
     /// bindings have moved. When sub-forms send each other away in a ring, the empty page is shown,

@@ -18,6 +18,7 @@ class Properties;
 /// - The class owns the style sheet of every caption that it has painted: a caption that becomes
 ///   valid again has none, also if it had one before.
 /// - Red alone does not say what is wrong: let the caption's tool tip give the reason.
+/// - Label::setError() paints its caption by itself: a form uses that or this class, not both.
 /// - Captions may be destroyed at any time.
 class FORMKIT_EXPORT FormValidation
 {

@@ -5,7 +5,8 @@
 
 #include <QLabel>
 
-/// A caption that can show an error of its field: in red, with the reason as its tool tip.
+/// A caption that can show an error of its field: in red, with the reason as its tool tip. It
+/// paints by itself: a form uses setError() or FormValidation, not both.
 class FORMKIT_EXPORT Label : public QLabel
 {
     Q_OBJECT

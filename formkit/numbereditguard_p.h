@@ -46,8 +46,8 @@ public:
     {
         QString after;
         int caret = 0;    ///< in `after`, next to what the edit inserted
-        int inserted = 0; ///< how many characters it put in front of the caret; the rest of
-                          ///< what `after` lacks was removed there
+        int inserted = 0; ///< how many characters it put in front of the caret; what else differs
+                          ///< from the shown text was removed at the caret
         By by = Key;
         bool isCut = false;        ///< not all that was to be inserted fitted
         int caretBefore = 0;       ///< in the text before
@@ -89,10 +89,11 @@ public:
     {
     }
 
-    /// What an edit does to the shown text, which is that of the last one that was taken. A text
+    /// What an edit does to the shown text, which is the result of the last accepted edit. A text
     /// that is longer than `maxLength` when it is grouped is refused.
     Verdict judge(const Edit &edit, int maxLength);
-    /// Shows a text that is no amount as it is. A doubt may say more than that.
+    /// Shows, unchanged, a text that is no amount. `doubt` is the reason told to the user; if it is
+    /// empty, a general one.
     void showForeign(const QString &text, const QString &doubt = {});
     /// Shows what was shown before.
     void restore(const Shown &shown);

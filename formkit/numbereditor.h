@@ -15,8 +15,8 @@ class QMenu;
 /// - A typed group separator vanishes into the grouping. Where the digits after it make no group,
 ///   there is no value. '.' and ',' type the point where they cannot group.
 /// - A paste is taken or refused whole. Blanks, a currency and groups in their places are left out.
-/// - setValue() shows a number in full, beyond all limits, maxLength() included. A value in no
-///   system form is shown as it is.
+/// - setValue() shows a number in full, beyond all limits, maxLength() included. A text that is not
+///   a number in system form is shown as it is.
 /// - A text that is not the amount that it looks like is marked, and isValid() is false, until it
 ///   is replaced or edited so that it is one. The field's tool tip says why. A number outside
 ///   Minimum and Maximum is marked, too, and is the value all the same.
@@ -74,9 +74,8 @@ public:
     /// The value as a number; zero when there is none.
     decimal getDecimal() const;
     /// Whether the form may be sent: the value is a number within Minimum and Maximum and, unless
-    /// CanBeZero, not zero. A field
-    /// that may be left out is in order when its text is empty, too; its value is also empty while
-    /// the text is in doubt.
+    /// CanBeZero, not zero. For an optional field also accept an empty text(). Do not test for an
+    /// empty value: a text in doubt has none either.
     bool isValid() const;
 
     /// From the text of the locale to the system form and back. What is no number comes back
@@ -93,7 +92,7 @@ public:
 public Q_SLOTS:
     /// Shows a value given in system form. Silent: changedValue() is for what the user does, and
     /// textChanged() does not come either. An equal value leaves the text and the caret alone,
-    /// unless the text is none that has a value.
+    /// unless the shown text has no value.
     void setValue(const QString &newValue);
     void setValue(decimal newValue);
     /// QLineEdit's, for the keys, the context menu and callers; a refused paste says why. Undo and

@@ -50,5 +50,5 @@ private:
 /// Signs do not count, and no separator may follow the point.
 bool fitsInGroups(QStringView number, const LocaleSymbols &symbols);
 /// The same for the digits between the separators of an integer. With `mayGrow` it is enough that
-/// the last group comes to fit when more digits follow.
+/// the last group could still be completed by more digits.
 bool fitsInGroups(const QVector<int> &sizes, const LocaleSymbols &symbols, bool mayGrow);

@@ -13,8 +13,10 @@ public:
 
     void set(const QString &name, const QString &value) { m_values.insert(name, value); }
     void userChanged(const QString &name) { m_values.remove(name); }
-    /// The user has changed what decides the values that an object shows: a name that all its
-    /// properties show becomes the user's, even if its value is as before.
+    /// The user has changed what decides the values that an object shows. Names that it reports,
+    /// and whose values are not what the program set, become the user's if all properties show
+    /// them. For example, the user chose another board, and the security box is empty, as it was
+    /// before.
     void leaveToUser(QObject *object, const Values &held);
     /// A property has answered the write of its name with a content of its own, which counts as
     /// set if it is the same in another form.

@@ -35,8 +35,11 @@ protected:
     {
         SelectorProxyModel *model; ///< the box becomes its owner; its key roles must be set
         QVector<int> identity;     ///< the roles that identify a row, first of all a key role
-        QVector<int> reported;     ///< the roles that the box reports of a row, beside its text
-        Qt::CaseSensitivity typing = Qt::CaseSensitive; ///< how typed text is looked up
+        /// The roles that the box reports of a row, beside its text: the id first. A key of any
+        /// other role counts as a code, and gives way to an id that waits.
+        QVector<int> reported;
+        /// Whether letter case counts when typed text is looked up.
+        Qt::CaseSensitivity typing = Qt::CaseSensitive;
         /// The rows are in the order of the source instead of that of their texts. The display role
         /// must be a key role then.
         bool inSourceOrder = false;
@@ -83,9 +86,9 @@ protected:
     void chooseKey(int role, const QVariant &key);
     /// Whether a key of that role waits. It must not be reported as none meanwhile.
     bool isWaitingFor(int role) const;
-    /// Whether a name that is set must not be shown, because it may be that of the key that waits:
-    /// no row has the name and it is set in the same turn as the key, or another box sets it. The
-    /// name is shown when the row comes.
+    /// Whether to ignore a name that is being set while a key waits: if another box sets it, or if
+    /// no row has it and the key was set in this turn. It is probably the name of the awaited row,
+    /// and comes with it.
     bool isIgnored(const QString &name) const;
     /// Sets another exchange or board, by a function that filters the list. A key that was set in
     /// this turn of the event loop is looked for there; any other choice is gone.
@@ -94,9 +97,8 @@ protected:
     bool chooseWaiting();
 
     /// Whether a box of the form is reporting, so that what is set now comes from that box and not
-    /// from the program. The box reports id before code. So an empty code must not undo an exchange
-    /// or board that was set by id: a box without a choice has reported the id "0" before, and a
-    /// box that waits for the id reports no id. Any other code is that of the id.
+    /// from the program. The reporting box tells its id first, then its code. Ignore an empty code
+    /// from it if you were set by id: it repeats what the id said, or the box waits for that id.
     static bool isSetByBox();
 
     /// Looks up an exchange or board again whose id the directory did not know when it was set.
@@ -107,7 +109,8 @@ protected:
     /// Whether a row belongs to the exchange and board that are set, provided that these are known.
     virtual bool isInPlace(int row) const;
 
-    /// Reports that the text names no row. For an empty text, also clears the current index.
+    /// Reports that the text names no row. An override emits its signals for "none", except for a
+    /// role of isWaitingFor(), and calls setCurrentIndex(-1) if the text is empty.
     virtual void reportNone(const QString &text) = 0;
     /// Reports the text itself. Called after the row, or none, has been reported.
     virtual void reportText(const QString &text);

@@ -17,8 +17,8 @@ struct RowLists;
 /// The list that a selector box shows: the rows of a flat source model that the filter
 /// accepts, in the order of their display texts, ignoring case (QString::compare(), no
 /// collation; equal texts in the order of the source). Made for a million rows: a change of
-/// the filter is one model reset and costs by the rows that are shown, and rows are found by
-/// text or key without a walk.
+/// the filter is one model reset and takes time in proportion to the rows shown, and rows are found
+/// by text or key without a walk.
 ///
 /// - It does what QSortFilterProxyModel does by mapping functions, data(), match(), sort() of
 ///   column 0, signals, and filterAcceptsRow(), which a subclass may override.
@@ -27,9 +27,10 @@ struct RowLists;
 ///   column 0, ascending. Rows cannot be inserted, removed or dragged.
 /// - A filter that throws leaves the list as it was, and the exception passes. A model of this
 ///   library that is being populated, or whose checks change, then keeps its old rows too.
-/// - A change of data is shown even when the filter throws. Any other source that is reset, or
-///   whose rows come, go or move, has lost its old rows: the list is empty until the filter
-///   next gives an answer.
+/// - Changed cells are shown even if the filter throws. A source of another library that is reset,
+/// or
+///   whose rows come, go or move, cannot give its old rows back: the list is then empty until the
+///   filter next succeeds.
 class FORMKIT_EXPORT SelectorProxyModel : public FlatProxyModel
 {
     Q_OBJECT

@@ -15,9 +15,9 @@
 /// - When there is no sum, the value is the text of the summand, without any message: if either
 ///   text is no number in system form (an empty text, "-", "1,5"), or the sum does not fit a
 ///   decimal.
-/// - It only receives its summands, when a hub holds or is given their values. A text that was in a
-///   field before the hub knew the field arrives only if the field comes before the summator in the
-///   tree. The value cannot be written.
+/// - In a form it gets its summands from the hub alone: when it is bound, if the hub holds them,
+///   and whenever they change. A text that was in a field before the hub knew the field arrives
+///   only if the field comes before the summator in the tree. The value cannot be written.
 class FORMKIT_EXPORT Summator : public QObject
 {
     Q_OBJECT

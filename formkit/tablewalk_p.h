@@ -26,7 +26,7 @@ QVector<Row> read(const Table *table, const Accept &accepts, const Read &read)
     return rows;
 }
 
-/// Sorts rows; of equal ones the later comes first.
+/// Sorts rows. Those that compare equal are put in the reverse order of reading.
 template <typename Iterator, typename Less>
 void sortLaterFirst(Iterator begin, Iterator end, Less less)
 {

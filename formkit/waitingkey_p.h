@@ -4,9 +4,9 @@
 #include <QTimer>
 #include <QVariant>
 
-/// The id or code that a program has set for a box last. It is kept at least to the end of the turn
-/// of the event loop in which it was set, even if its row is chosen before: an exchange that is set
-/// in that turn belongs to it. After that the owner drops it, unless it waits for its row.
+/// The id or code that a program last set for a box. It is kept to the end of that turn of the
+/// event loop even if its row is found at once: an exchange set in the same turn still applies to
+/// it. After that the owner drops it, unless it waits for its row.
 class WaitingKey : public QObject
 {
     Q_OBJECT

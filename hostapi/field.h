@@ -50,8 +50,8 @@ public:
     Field &operator=(const Field &) = delete;
 
     /// The order of sorted indexes: -1, 0 or 1 (or the difference of the type codes). Null comes
-    /// first. Two doubles give -1 if this one is smaller, otherwise 0, also if it is larger: that
-    /// is enough to sort. Board lists are all equal.
+    /// first. Two doubles give -1 if this one is smaller, otherwise 0, also if it is larger: the
+    /// indexes only ask whether a cell comes before another one. Board lists are all equal.
     int compare(const Field &other) const;
 
     /// Throws the error that a value of the type cannot go into this cell.

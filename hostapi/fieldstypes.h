@@ -16,7 +16,7 @@ struct NamedFieldType
 class HOSTAPI_EXPORT FieldsTypes
 {
 public:
-    /// In the data layer's own order.
+    /// In a fixed order, that of the terminal's data layer; nothing depends on it.
     static const QVector<NamedFieldType> &all();
     /// The type of a name, or null.
     static const FieldType *find(const QString &name);
@@ -29,7 +29,7 @@ namespace Gexabus {
 class HOSTAPI_EXPORT GxFieldsTypes
 {
 public:
-    /// In the gateway's own order.
+    /// In a fixed order, that of the gateway; nothing depends on it.
     static const QVector<NamedFieldType> &all();
     /// The type of a name, or null.
     static const FieldType *find(const QString &name);

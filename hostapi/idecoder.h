@@ -3,9 +3,10 @@
 
 #include <QtPlugin>
 
-/// A plug-in that decodes the host's market data. The object that implements it declares a signal
-/// aNewSessions() and emits it when the sessions that are open to trading have changed. The
-/// security list connects to the signal by its name.
+/// Marks the plug-in that announces sessions (in a terminal, the decoder of its market data). It
+/// has no functions: the object that implements it declares a signal aNewSessions() and emits it
+/// when the sessions that are open to trading have changed. The security list connects to the
+/// signal by its name.
 class IDecoder
 {
 public:

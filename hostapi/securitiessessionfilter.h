@@ -34,6 +34,6 @@ private:
     /// Sorted.
     QVector<SessionId> m_sessions;
     std::unique_ptr<ValueFilter> m_parent;
-    /// This filter has warned. Spares all other rows the look-up whether that is due.
+    /// Set after the warning, so that the check is not made for each row.
     mutable std::atomic<bool> m_warned{false};
 };

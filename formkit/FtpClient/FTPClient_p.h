@@ -12,12 +12,13 @@ struct CFTPClient::Private
     Private(const std::shared_ptr<nsSocket::IBlockingSocket> &socket, const ControlTimes &times,
             unsigned int bufferSize, const std::string &directory);
 
-    /// Sends a command and reads one reply. When that announces another one, that is owed.
+    /// Sends a command and reads one reply. If it is a 1xx reply, the final reply is still owed.
     int simple(const Verb &command, const CArg &arguments = {}, CReply *reply = nullptr);
     /// True within calls of observers and streams during a transfer. A command would then take
     /// the replies of the transfer.
     bool isCalledByTransfer() const;
-    /// Of the control socket's kind; null, and reported, when there is none.
+    /// A socket of the control socket's kind. If it cannot be made, that is reported and the result
+    /// is null.
     std::unique_ptr<nsSocket::IBlockingSocket> newSocket(ReportAt place);
     bool choosePassiveAddress(Address &address);
     bool findPeer(Address &peer);

@@ -21,19 +21,19 @@ struct ControlTimes
     unsigned int responseDelay;  ///< to sleep after every receive
 };
 
-/// What is known of a session, and forgotten at its end.
+/// What is known of a session. Forgotten at its end.
 struct SessionState
 {
     /// What TYPE set; empty when that is not known.
     std::optional<CRepresentation> representation;
     /// The reply to FEAT; empty when it was not asked for.
     std::optional<CFTPFeatures> features;
-    /// The server has refused these, and is not asked again.
+    /// The server has refused the command, which is not sent again.
     bool refusesEpsv = false;
     bool refusesEprt = false;
     /// Data connections go over TLS.
     bool protectsData = false;
-    /// The control connection has left TLS, as was asked for.
+    /// The control connection has left TLS after CCC, because clearControl asks for that.
     bool controlInClear = false;
 };
 
@@ -67,16 +67,17 @@ public:
     /// The family of the peer's address.
     int family() const { return m_family; }
 
-    /// Null when the socket cannot be protected.
+    /// The socket, if it knows TLS; otherwise null.
     nsSocket::ISecureSocket *secure() const;
-    /// Protects this connection or ends that; the socket must be a secure one. False, reported and
-    /// closed when the peer is not whom the host's name says.
+    /// Begins or ends TLS on this connection, whose socket must know TLS. When that fails (the
+    /// certificate is not the host's, for example) the reason is reported, the session is closed,
+    /// and the result is false.
     bool startTls();
     bool endTls();
-    /// False, and reported, when data would go in clear without having been asked to.
+    /// False, and reported, if data would go in clear although CFTPSecurity does not allow that.
     bool mayMoveData() const;
-    /// Protects a connected data socket, when the session's are. False, and reported, when it
-    /// cannot.
+    /// Begins TLS on a connected data socket if the session protects data. If that fails, the
+    /// reason is reported and the result is false.
     bool protect(nsSocket::IBlockingSocket &dataSocket);
 
     /// False, and reported, when a text has a line break or NUL.

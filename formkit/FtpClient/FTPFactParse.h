@@ -23,7 +23,7 @@ public:
     /// False also for the listed directory itself and its parent ("cdir", "pdir").
     bool Parse(CFTPFileStatus &status, const std::string &line) override;
 
-    /// The same for these two as well, since MLST may be asked for them.
+    /// As Parse(), but also reads "cdir" and "pdir", since MLST may be asked for these.
     static bool ParseEntry(CFTPFileStatus &status, std::string_view line);
     /// All facts of a line, and the name; false when the line has none.
     static bool Split(std::string_view line, TFacts &facts, std::string &name);

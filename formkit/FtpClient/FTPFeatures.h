@@ -12,7 +12,8 @@ class FORMKITFTP_EXPORT CFTPFeatures
 public:
     /// No extensions.
     CFTPFeatures() = default;
-    /// A reply that is no list gives no extensions. Lines that are no names are left out.
+    /// Reads a reply to FEAT: one extension on each line but the first and the last. Blank lines
+    /// are left out.
     explicit CFTPFeatures(const CReply &reply);
 
     /// Whether the server has it.

@@ -7,7 +7,7 @@
 
 namespace nsFTP {
 
-/// The line numbers of internal-error reports; they never change.
+/// What observers get as the `line` of OnInternalError(). Fixed numbers, no lines of the source.
 enum class ReportAt {
     OpenControl = 410,
     CloseControl = 432,

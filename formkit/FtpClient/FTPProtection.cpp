@@ -55,7 +55,7 @@ bool Protection::afterLogon()
                                     ? "The server does not take data in clear: "
                                     : "The server does not protect data, and none are sent in "
                                       "clear: ";
-    // Every server of TLS knows PBSZ 0, which says nothing; PROT has the last word.
+    // Servers want PBSZ 0 before PROT. What they reply to it does not matter: PROT decides.
     CReply reply;
     if (!m_control.exchange("PBSZ", {"0"}, reply) ||
         !ask("PROT", m_wanted.clearData ? "C" : "P", refusal))

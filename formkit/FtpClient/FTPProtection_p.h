@@ -5,17 +5,22 @@
 
 namespace nsFTP {
 
-/// Asks a server for what the socket's CFTPSecurity says, step by step; nothing when the socket has
-/// none. A step gives false, reports why, and closes the session when the server does not agree.
+/// Asks the server for the protection that the socket's CFTPSecurity describes, in four steps of a
+/// logon. Without a CFTPSecurity the steps do nothing. When the server does not agree, a step
+/// reports why, closes the session and gives false.
 class Protection
 {
 public:
     Protection(ControlConnection &control, const Observers &observers);
 
+    /// Begins TLS in the mode Implicit.
     bool beforeGreeting();
+    /// Sends AUTH TLS and begins TLS, in the mode Explicit.
     bool afterGreeting();
+    /// Sends PBSZ and PROT.
     bool afterLogon();
-    /// When no more secrets are sent.
+    /// Sends CCC and ends TLS on the control connection, if clearControl is set. The last step:
+    /// from then on names cross the network in clear.
     bool atTheEnd();
 
 private:

@@ -6,7 +6,7 @@
 
 namespace nsFTP {
 
-/// Whether sizes and offsets count the bytes that are moved. For text each server counts otherwise.
+/// Whether sizes and offsets count the bytes that are moved. For text servers count differently.
 bool isBinary(const CRepresentation &representation);
 
 /// Passes a download on to its target and counts the bytes, to compare them with the remote size.

@@ -7,9 +7,9 @@ namespace nsFTP {
 
 /// How the sessions of a client are protected. FormKit::FtpTls makes the sockets that do it:
 /// CreateTlsSocketInstance().
-/// - A server that does not do what is asked for here is refused, in a sentence to the observers
-///   (CFTPClient::CNotification::OnInternalError()), and the connection is closed: nothing falls
-///   back to clear text by itself.
+/// - If a server does not do what is asked for here, the client closes the connection and tells the
+///   observers why (CFTPClient::CNotification::OnInternalError()). It never falls back to clear
+///   text by itself.
 /// - With a firewall the protection reaches as far as the firewall, whose certificate is checked.
 struct CFTPSecurity
 {
@@ -20,13 +20,13 @@ struct CFTPSecurity
         Implicit  ///< before the greeting; for old servers, mostly on port 990
     };
 
-    /// All that follows has no meaning with None.
+    /// With None the members below mean nothing.
     TMode mode = Explicit;
     /// A PEM file with the certificates of the authorities to trust instead of the system's.
     std::string caFile;
     /// The server's key: "sha256//" and the SHA-256 of its public key in base64, as curl takes it.
-    /// Alone it takes the place of all other checks of the certificate; together with caFile both
-    /// have to hold. When the key is another one, the report names that.
+    /// Without caFile it replaces all other checks of the certificate; with caFile both checks must
+    /// succeed. If the server has another key, the report names that key.
     std::string pinnedKey;
     /// Files and listings cross the network in clear (PROT C), names and passwords do not.
     bool clearData = false;

@@ -10,13 +10,13 @@
 
 namespace nsFTP {
 
-/// Whether a transfer runs, and whether it shall end. Its own thread can only make it end after the
-/// next block; another thread also ends its waits.
+/// Whether a transfer runs, and whether it shall end. A request from the transfer's own thread ends
+/// it after the next block; one from another thread also ends its waits.
 class TransferState
 {
 public:
-    /// The time of a data-channel command, or of a step of one that a caller runs alone. Requests
-    /// to abort are forgotten at the end of the outermost scope.
+    /// The time of a data-channel command, or of a single step that the caller invokes by itself.
+    /// Requests to abort are forgotten at the end of the outermost scope.
     class Scope
     {
     public:

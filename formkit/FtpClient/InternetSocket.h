@@ -8,15 +8,16 @@ namespace nsSocket {
 /// Which addresses of a host are tried.
 enum class TAddressFamily { Any, IPv4, IPv6 };
 
-/// What a socket offers that knows IPv6 too, beside IBlockingSocket. CFTPClient asks its socket for
-/// this interface with dynamic_cast.
+/// What a socket that knows IPv6, too, offers beside IBlockingSocket. CFTPClient asks its socket
+/// for this interface with dynamic_cast.
 class FORMKITFTP_EXPORT IInternetSocket
 {
 public:
     virtual ~IInternetSocket();
-    /// Makes a stream socket and connects it to the first of a host's addresses that answers. They
-    /// share the time of IBlockingSocket::SetWaitLimit(). The object must not hold a socket.
-    /// Throws as GetHostByName(), Create() and Connect() do, for the last address.
+    /// Makes a stream socket and connects it to the first of a host's addresses that answers. All
+    /// attempts together take no longer than IBlockingSocket::SetWaitLimit() says. The object must
+    /// not hold a socket. If no address answers, throws as GetHostByName(), Create() and Connect()
+    /// do, for the last address.
     virtual void ConnectToHost(const char *host, unsigned short port) = 0;
     /// As Create(), for AF_INET or AF_INET6. Connect() and Bind() then take addresses of that
     /// family.

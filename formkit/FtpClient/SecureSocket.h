@@ -6,25 +6,25 @@
 
 namespace nsSocket {
 
-/// What a socket offers that can be protected, beside IBlockingSocket. CFTPClient asks its socket
-/// for this interface with dynamic_cast. Sockets made with CreateInstance() belong to the session
-/// of the one that made them: a server can require that it is resumed on each data connection.
+/// What a socket that knows TLS offers beside IBlockingSocket. CFTPClient asks its socket for this
+/// interface with dynamic_cast. A socket made with CreateInstance() resumes the TLS session of the
+/// one that made it: a server can require that of each data connection.
 class FORMKITFTP_EXPORT ISecureSocket
 {
 public:
     virtual ~ISecureSocket();
-    /// What CFTPClient has to ask of the server.
+    /// How CFTPClient is to protect its sessions.
     virtual const nsFTP::CFTPSecurity &Security() const = 0;
-    /// From now on the connected socket sends and receives over TLS. Waits no longer than so many
-    /// seconds in all for the peer. The host is whom the certificate has to name. Throws the reason
-    /// for which the peer is not trusted; the connection is then of no use.
+    /// Begins TLS on the connected socket: from now on it sends and receives over TLS. Waits no
+    /// longer than so many seconds in all. The certificate has to be valid for `host`. Throws, with
+    /// the reason, if the peer is not trusted or does not begin TLS: then close the socket.
     ///
-    /// The end of the data is then only what the peer says to be the end: when the connection
-    /// ends without that, Receive() throws.
+    /// With TLS, Receive() gives 0 only if the peer has sent TLS's closing message. If the
+    /// connection ends without one, it throws.
     virtual void StartTls(const std::string &host, int seconds) = 0;
-    /// Tells the peer that no more data come, and waits up to so many seconds for it to do the
-    /// same. The socket stays connected, in clear. Without TLS it does nothing. Throws when the
-    /// peer cannot be told.
+    /// Ends TLS: sends TLS's closing message and waits up to so many seconds for that of the peer.
+    /// The socket stays connected, in clear. Does nothing without TLS. Throws if the message cannot
+    /// be sent.
     virtual void EndTls(int seconds) = 0;
     virtual bool IsTls() const = 0;
 };

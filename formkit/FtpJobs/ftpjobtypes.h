@@ -13,7 +13,7 @@
 #include <functional>
 #include <memory>
 
-/// How jobs reach a server, and how patient they are with it.
+/// How jobs reach a server, how many sessions they use, and how often they try again.
 ///
 ///     FtpServer server;
 ///     server.logon = {"ftp.example.org", 21, "joe", "secret"};
@@ -21,30 +21,32 @@ struct FtpServer
 {
     /// Where and as whom to log on, a firewall included.
     nsFTP::CLogonInfo logon;
-    /// Whether the jobs connect to the server for data; else it connects to this machine.
+    /// Whether data connections go from this machine to the server; otherwise the server connects
+    /// to this machine.
     bool passive = true;
     /// Seconds for each wait, at least 1.
     unsigned int timeout = 30;
-    /// How many sessions the server may see at a time, at least 1. With more than one, jobs run
-    /// side by side, and end in any order. A server that refuses another session gets no more of
-    /// them.
+    /// How many sessions may be open at a time, at least 1. With more than one, jobs run side by
+    /// side, and end in any order. If the server refuses a further session, the jobs make do with
+    /// those that are open.
     int sessions = 1;
-    /// How often a job is tried again after what may pass, such as a lost connection, without
-    /// getting any further.
+    /// How often a job is tried again after failures that may pass, such as a lost connection. An
+    /// attempt that gets further than all before begins the count anew.
     int retries = 4;
     /// Milliseconds before the first of these attempts. The time doubles with each further one, up
     /// to a minute.
     int retryDelay = 1000;
-    /// Seconds between two signs of life (NOOP) of a session that has nothing to do; 0 sends none.
+    /// Seconds between the NOOPs by which an idle session stays open; 0 sends none.
     int keepAlive = 30;
-    /// Seconds after which such a session logs out.
+    /// Seconds after which an idle session logs out.
     int idleTime = 300;
-    /// Makes the client of each session, for TLS with a socket of CreateTlsSocketInstance(). When
-    /// there is none: a client without TLS, for IPv4 and IPv6, which uses MLSD and UTF-8 where the
-    /// server has them. Called on the thread of the session. The jobs themselves set resume mode
-    /// and, before the logon, both address policies: no data come from a foreign host, or go to
-    /// one. Observers that are attached here are called on that thread, and have to outlive the
-    /// jobs.
+    /// Makes the client of each session; for TLS with a socket of CreateTlsSocketInstance(). If it
+    /// is not set, the client has no TLS, knows IPv4 and IPv6, and uses MLSD and UTF-8 where the
+    /// server has them.
+    /// - It is called on the thread of the session, and so are the observers that it attaches.
+    ///   These have to outlive the jobs.
+    /// - The jobs set resume mode themselves and, before the logon, both address policies: data
+    ///   neither come from a foreign host nor go to one.
     std::function<std::unique_ptr<nsFTP::CFTPClient>()> makeClient;
 };
 
@@ -54,14 +56,14 @@ struct FORMKITFTPJOBS_EXPORT FtpError
     Q_GADGET
 
 public:
-    /// What was wrong. What may pass is tried again.
+    /// What was wrong. After what "may pass" the job is tried again.
     enum Code {
         None,           ///< nothing
         Cancelled,      ///< by cancel()
         UnknownHost,    ///< the server's name has no address; may pass
         NoConnection,   ///< the server cannot be reached; may pass
         TimedOut,       ///< the server did not answer in time; may pass
-        ConnectionLost, ///< may pass
+        ConnectionLost, ///< the connection ended; may pass
         Busy,           ///< the server refused for now (a reply 4xx); may pass
         Incomplete,     ///< fewer bytes came than the server told; may pass
         NotLoggedOn,    ///< the server refused the logon
@@ -72,8 +74,8 @@ public:
     };
     Q_ENUM(Code)
 
-    /// The code, and a sentence in the application's language with the server's or the system's own
-    /// text in it, if they gave one; without control characters. Empty for None.
+    /// The code, and a sentence in the application's language. The sentence quotes what the server
+    /// or the system said, without control characters. It is empty for None.
     Code code = None;
     QString text;
 
@@ -102,13 +104,15 @@ struct FORMKITFTPJOBS_EXPORT FtpEntry
     bool isFile = false;   ///< may be fetched; a link may be both
     bool isFolder = false; ///< may be listed
     qint64 size = -1;      ///< bytes; -1 when not known
-    QDateTime modified;    ///< UTC, or the server's own time taken for it; invalid when not known
-    bool knowsTime = true; ///< of the day; else midnight stands for it
+    /// UTC, or the server's local time taken for UTC; invalid when not known.
+    QDateTime modified;
+    /// False if only the date is known: the time is midnight then.
+    bool knowsTime = true;
 
     /// The name as text for the user.
     QString text() const;
-    /// The name for a file in a folder of this machine. Empty when it could lead elsewhere or has
-    /// no text, so that several names could mean the same file.
+    /// The name for a file in a folder of this machine. Empty if it could lead out of the folder,
+    /// or is no UTF-8: several such names could mean the same file.
     QString localName() const;
 };
 Q_DECLARE_METATYPE(QVector<FtpEntry>)

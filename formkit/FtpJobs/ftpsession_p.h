@@ -4,8 +4,8 @@
 #include "formkit/FtpJobs/job_p.h"
 #include "formkit/FtpJobs/lastwords_p.h"
 
-/// A session with a server, which carries out jobs one after the other. It lives on one thread;
-/// only its client's GiveUp() is called from others.
+/// A session with a server, which carries out jobs one after the other. It is used on one thread;
+/// other threads only call GiveUp() of its client.
 class FtpSession : private LastWords
 {
 public:
@@ -44,6 +44,6 @@ private:
     const std::shared_ptr<nsFTP::CFTPClient> m_client;
     const FtpServer &m_settings;
     Job *m_job = nullptr;
-    /// Where the session began, once that was asked for.
+    /// The folder in which the session began; empty until PWD was sent.
     std::string m_home;
 };

@@ -10,22 +10,22 @@
 
 using JobClock = std::chrono::steady_clock;
 
-/// A server, and what the queue knows of it. All but the settings is guarded by the queue.
+/// A server, and what the queue knows of it. All but the settings is guarded by the queue's lock.
 struct JobServer
 {
     explicit JobServer(const FtpServer &given) : settings(given) {}
 
     const FtpServer settings;
-    /// The ids of the jobs that may begin, and of those that are tried again at a time.
+    /// The ids of the jobs that may begin, and of those that are tried again later, by that time.
     std::set<int> waiting;
     std::multimap<JobClock::time_point, int> delayed;
-    /// The workers that have a session here or open one, and how many may.
+    /// How many workers have a session here or open one, and how many may.
     int sessions = 0;
     int mostSessions = qMax(1, settings.sessions);
-    /// The logons that failed since one succeeded, and when the next may follow.
+    /// How many logons have failed since the last good one, and when the next may begin.
     int failures = 0;
     JobClock::time_point nextLogon = JobClock::time_point::min();
-    /// False once another server is set: sessions without jobs then end.
+    /// False after another server was set: idle sessions then log out.
     bool isCurrent = true;
 };
 
@@ -49,7 +49,7 @@ struct Job
     int id = 0;
     std::shared_ptr<JobServer> server;
 
-    /// Guarded by the queue.
+    /// Guarded by the queue's lock.
     FtpJobs::State state = FtpJobs::Waiting;
     Wish wish = GoOn;
     int failures = 0;    ///< attempts that got no further
@@ -57,14 +57,14 @@ struct Job
     JobClock::time_point startedAt;
     bool ownsTarget = false; ///< no other job writes the local file
 
-    /// Set by the session, read at any time: the bytes that are there, that are wanted, and that
-    /// went over the network.
+    /// Set by the session, read on any thread, in bytes: what the target has, what it is to have,
+    /// and what all attempts have moved.
     std::atomic<qint64> done{0};
     std::atomic<qint64> total{-1};
     std::atomic<qint64> moved{0};
 
-    /// The session's own: the size and time of the source when its last attempt began, and whether
-    /// the other side has bytes of that attempt and nothing else.
+    /// Used by the session alone: size and time of the source when the last attempt began, whether
+    /// the target has bytes of this job, and whether the next attempt may go on after these.
     qint64 sourceSize = -1;
     qint64 sourceTime = -1;
     bool hasPart = false;

@@ -9,38 +9,40 @@
 #include <thread>
 #include <vector>
 
-/// What the object of the jobs and its workers share: which job is where, which worker does what,
-/// and what is to be told. One lock guards all of it; nobody waits for a server or a disk under it.
+/// What FtpJobs and its workers share: the state of each job, what each worker does, and the
+/// signals to come. One lock guards all of it; nobody holds it while waiting for a server or a
+/// disk.
 class JobQueue
 {
 public:
     using Event = std::function<void(FtpJobs &)>;
     using JobPointer = std::shared_ptr<Job>;
 
-    /// A thread, and the session that it has. Guarded by the queue.
+    /// A thread and its session. Guarded by the queue's lock.
     struct Worker
     {
         std::thread thread;
-        /// Where the session is, or is to be; null without one.
+        /// The server of the session that is open or being opened; null without one.
         std::shared_ptr<JobServer> server;
         std::shared_ptr<nsFTP::CFTPClient> client;
         bool isLoggedOn = false;
         JobPointer job;
-        /// Without a job: since when, and when the server hears of the session next.
+        /// Without a job: since when it is idle, and when the next NOOP is due.
         JobClock::time_point idleSince;
         JobClock::time_point signOfLife;
     };
     /// What a worker does next.
     enum Order { Perform, GiveSignOfLife, LogOut, End };
 
-    /// run is what each thread does. wake is called on any thread when there is something to tell.
+    /// `run` is what each thread does. `wake` is called on any thread, under the lock, when there
+    /// is another event to take.
     JobQueue(std::function<void(JobQueue &, Worker &)> run, std::function<void()> wake);
     JobQueue(const JobQueue &) = delete;
     JobQueue &operator=(const JobQueue &) = delete;
-    /// Ends all threads, whatever they do.
+    /// Interrupts what the threads do, and waits until they have ended.
     ~JobQueue();
 
-    // For the object of the jobs.
+    // For FtpJobs.
     void setServer(const FtpServer &settings);
     int add(const JobPointer &job);
     void pause(int id);
@@ -50,15 +52,16 @@ public:
     std::vector<JobPointer> running() const;
     FtpJobs::State state(int id) const;
     int count() const;
-    /// The oldest that was not told yet, or nothing.
+    /// The oldest event that was not taken yet; empty if there is none.
     Event takeEvent();
 
     // For a worker, about itself.
     Order next(Worker &worker);
-    /// False when nobody wants the job any more.
+    /// Takes note of the worker's new client. False if the job is no longer wanted: it was paused
+    /// or cancelled, or the queue ends.
     bool adopt(Worker &worker, const std::shared_ptr<nsFTP::CFTPClient> &client);
     void loggedOn(Worker &worker);
-    /// The end of an attempt; false when the client was told to give up.
+    /// Ends an attempt. False if the client was told to give up and cannot be used again.
     bool settle(Worker &worker, const FtpError &error, const QVector<FtpEntry> &entries);
     void sessionEnded(Worker &worker);
 

@@ -4,8 +4,8 @@
 #include "formkit/FtpJobs/ftpsession_p.h"
 #include "formkit/FtpJobs/jobqueue_p.h"
 
-/// What a thread of the jobs does: it takes one job after the other, and keeps the session between
-/// them.
+/// What a worker's thread does: it takes one job after the other from the queue, and keeps its
+/// session between them.
 class JobWorker
 {
 public:

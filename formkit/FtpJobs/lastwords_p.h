@@ -3,33 +3,36 @@
 
 #include "formkit/FtpJobs/ftpjobtypes.h"
 
-/// What a client said last of why an operation failed, and what that means to a user.
+/// Observes a client, remembers its last report of a failure, and makes of it what the user is
+/// told.
 class LastWords : public nsFTP::CFTPClient::CNotification
 {
 public:
     explicit LastWords(const nsFTP::CLogonInfo &logon);
 
-    /// A new operation begins.
+    /// Forgets what was reported: a new operation begins.
     void forget();
-    /// Why it failed: a failure of the logon or, with a name, that of a command about it.
+    /// Why the operation failed: a logon, or a command about a remote name (empty for the session's
+    /// folder). `connected` says whether the session is still open.
     FtpError ofLogon() const;
     FtpError of(const std::string &name, bool connected) const;
-    /// Whether the server refused for good.
+    /// Whether the server refused with a 5xx reply.
     bool isRefusal() const { return m_reply.compare(0, 1, "5") == 0; }
 
     void OnInternalError(const std::string &message, const std::string &source, int line) override;
     void OnResponse(const nsFTP::CReply &reply) override;
 
-    /// Text of a server as part of a sentence.
+    /// A server's text as a part of a sentence: shortened, without control characters.
     static QString plain(const std::string &text);
 
 protected:
-    /// What a socket said; None when nothing.
+    /// A failure of the connection or its TLS; None if there was none.
     FtpError ofConnection() const;
 
 private:
     const QString m_host;
-    /// The last of these that came; the others are empty.
+    /// What came last: a negative reply, a socket's failure, or any other message. The others are
+    /// empty.
     std::string m_reply;
     std::string m_operation; ///< a socket's
     std::string m_message;

@@ -3,8 +3,9 @@
 
 #include <QString>
 
-/// The file in which a download is until it is whole: beside the local file, which it replaces
-/// then. A local file that is none, such as a device, is its own part.
+/// The file that collects a download until it is whole, and then replaces the local file. It is
+/// beside that, with ".part" added to the name. A device or pipe is written to directly: it is its
+/// own part file.
 class PartFile
 {
 public:
@@ -15,10 +16,11 @@ public:
     qint64 size() const;
     /// Seconds since 1970.
     qint64 time() const;
-    /// A later download compares the time with that of the remote file.
+    /// Sets the file's time to that of the remote file, for a later download to compare.
     void setTime(qint64 seconds) const;
-    /// Makes it the local file; else why not.
+    /// Replaces the local file. Returns why that failed, empty on success.
     QString land() const;
+    /// Removes the part file, but no device.
     void discard() const;
 
 private:

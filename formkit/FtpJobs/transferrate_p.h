@@ -10,7 +10,7 @@
 class TransferRate
 {
 public:
-    /// Milliseconds of any clock, and the bytes that were moved until then.
+    /// Adds a sample: a time in milliseconds, of any clock, and how many bytes were moved by then.
     void add(qint64 time, qint64 moved);
     qint64 bytesPerSecond() const;
 

@@ -17,7 +17,7 @@ template <auto Free> struct Freed
 using Ssl = std::unique_ptr<SSL, Freed<SSL_free>>;
 using SslSession = std::unique_ptr<SSL_SESSION, Freed<SSL_SESSION_free>>;
 
-/// What the sockets of one client share: whom they trust, and the session of the control
+/// What the sockets of one client share: whom they trust, and the TLS session of the control
 /// connection, which data connections resume.
 class TlsContext
 {
@@ -25,10 +25,11 @@ public:
     explicit TlsContext(const nsFTP::CFTPSecurity &security) : m_security(security) {}
 
     const nsFTP::CFTPSecurity &security() const { return m_security; }
-    /// A connection that is to be checked for a host. A data connection resumes the session, any
-    /// other one begins it. Throws TlsRefusal when the CA file cannot be read.
+    /// A new connection, which will check that the certificate is valid for the host. A data
+    /// connection resumes the session of the control connection. Throws TlsRefusal if the
+    /// authorities' certificates cannot be read.
     Ssl makeConnection(const std::string &host, bool isData);
-    /// Throws TlsRefusal when the key of a connected peer is not the pinned one.
+    /// Throws TlsRefusal if a key is pinned and the connected peer has another one.
     void checkKey(SSL *connection, const std::string &host) const;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace nsSocket {
 
-/// Why a connection is not protected: a sentence for people, which is all that the exception says.
+/// Why a connection has no TLS. Its message is a sentence for people, without an error number.
 class TlsRefusal : public CBlockingSocketException
 {
 public:
@@ -19,8 +19,8 @@ private:
 
 /// The sentence for a result of X509_verify_cert() that is not X509_V_OK.
 std::string certificateFault(long verifyResult, const std::string &host);
-/// OpenSSL's reason for the failure just now, which is then forgotten; "unknown" when there is
-/// none.
+/// OpenSSL's reason for the last failure; "unknown" if it gives none. Empties OpenSSL's list of
+/// errors.
 std::string opensslReason();
 
 } // namespace nsSocket

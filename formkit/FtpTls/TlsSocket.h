@@ -14,8 +14,8 @@ namespace nsSocket {
 ///     nsFTP::CFTPClient client(nsSocket::CreateTlsSocketInstance(security), 30);
 ///     client.Login({"ftp.example.org", 21, "user", "password"});
 ///
-/// TLS 1.2 and 1.3. With the mode None it is a plain CInternetSocket. A CA file is read at the
-/// logon; when it cannot be, that fails.
+/// It knows TLS 1.2 and 1.3, IPv4 and IPv6. With the mode None it is a plain CInternetSocket. A CA
+/// file is read at the logon, which fails if the file cannot be read.
 FORMKITFTPTLS_EXPORT std::shared_ptr<IBlockingSocket>
 CreateTlsSocketInstance(const nsFTP::CFTPSecurity &security,
                         TAddressFamily family = TAddressFamily::Any);

@@ -29,7 +29,7 @@ struct StoryFile
 };
 
 /// The form of a file of stories, shown, with the rows that its host has and one control in use.
-/// All controls are bound to one hub, but for one that is alone with its caption.
+/// All controls are bound to one hub, unless there is only one, with or without captions.
 class StoryForm : public QObject
 {
     Q_OBJECT

@@ -56,7 +56,7 @@ void StoriesTest::stories_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
     for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "entry", "hubs", "pages"}) {
+                                                       "entry", "hubs", "pages", "example"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
@@ -178,13 +178,17 @@ void StoriesTest::failingHost()
     }
 }
 
-// Its tables are those of the player. `tst_stories --fill` writes them.
+// Its example is the file that is played, and its tables are those of the player. `tst_stories
+// --fill` writes the tables.
 void StoriesTest::manual()
 {
     const bool isFilled = QCoreApplication::arguments().contains("--fill");
     QFile page(DATA_FOLDER "/README.md");
     QVERIFY(page.open(isFilled ? QIODevice::ReadWrite : QIODevice::ReadOnly));
     const QByteArray text = page.readAll();
+    QFile example(DATA_FOLDER "/stories/example.txt");
+    QVERIFY(example.open(QIODevice::ReadOnly));
+    QVERIFY2(text.contains("```\n" + example.readAll() + "```"), "not the example that is played");
     const int start = text.indexOf("\n### ");
     QVERIFY(start > 0);
     const QByteArray tables = StoryPlayer(m_host.get(), "stock").manual().toUtf8();
