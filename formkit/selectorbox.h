@@ -47,6 +47,8 @@ protected:
         int column = 0;
     };
 
+    /// Shows the rows of `list`. A subclass calls takeSource() and startReporting() in its own
+    /// constructor.
     SelectorBox(const List &list, QWidget *parent);
     ~SelectorBox() override;
 
