@@ -13,6 +13,7 @@
 #include <formkit/boardselectormodel.h>
 #include <formkit/numbereditor.h>
 #include <formkit/securityselectormodel.h>
+#include <formkit/securitysteps.h>
 #include <formkit/state.h>
 #include <formkit/stockselectormodel.h>
 #include <formkit/summator.h>
@@ -52,6 +53,9 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
     m_ui->security->setSourceModel(m_securities);
     makeSubForms();
     makeSum();
+    auto *const steps = new SecuritySteps(m_ui->form);
+    steps->addPrice(m_ui->price);
+    steps->addQuantity(m_ui->quantity);
 
     m_hub.connectAll(m_ui->form);
     m_validation.setupPropWidgets(m_hub, m_ui->form);

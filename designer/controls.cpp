@@ -112,8 +112,9 @@ QVector<Control> makeControls()
     add(control<LineEdit>(values, tr("A line of text")), lineSize, {field});
     add(control<NumberEditor>(values, tr("A decimal number in the user's locale, checked and "
                                          "regrouped while it is typed")),
-        lineSize, {field});
-    add(control<QuantityEditor>(values, tr("A whole number without a minus")), lineSize, {field});
+        lineSize, {field, fields});
+    add(control<QuantityEditor>(values, tr("A whole number without a minus")), lineSize,
+        {field, fields});
     add(control<DateEdit>(values, tr("A date, typed or picked from a calendar")), lineSize,
         {field});
     add(control<CheckBox>(values, tr("A check box with a text for each of its states")), {140, 28},
@@ -185,10 +186,11 @@ QString Control::domXml() const
         if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
-    // What the hub moves is system text, which no translator may touch.
+    // What the hub moves is system text, which no translator may touch. A unit is for people.
+    const QList<QByteArray> units = {"Prefix", "Suffix"};
     for (int i = qtClass(meta)->propertyCount(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
-        if (property.userType() == QMetaType::QString)
+        if (property.userType() == QMetaType::QString && !units.contains(property.name()))
             texts << QString::fromLatin1(property.name());
     }
     QString specifications;

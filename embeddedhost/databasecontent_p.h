@@ -2,6 +2,7 @@
 #pragma once
 
 #include "directorydata_p.h"
+#include "stepsdata_p.h"
 
 #include <hostapi/icore.h>
 
@@ -14,4 +15,5 @@ struct DatabaseContent
     std::vector<TableContent> tables;
     std::shared_ptr<const DirectoryData> directories;
     std::shared_ptr<const QVector<SessionId>> sessions;
+    std::shared_ptr<const StepsData> steps;
 };

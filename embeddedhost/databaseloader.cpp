@@ -6,7 +6,6 @@
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QThread>
@@ -99,6 +98,11 @@ QString storageName(const QVariant &value)
     }
 }
 
+bool isPositiveNumber(const QString &text)
+{
+    return decimal::canConvert(text, false) && decimal(text) > decimal::zero;
+}
+
 // Why the value cannot go into the column; empty when it can.
 QString refusal(const ColumnSchema &column, const QVariant &value)
 {
@@ -117,6 +121,8 @@ QString refusal(const ColumnSchema &column, const QVariant &value)
             .arg(value.toString().size())
             .arg(column.type.parameter());
     }
+    if (column.positiveNumber && !isPositiveNumber(value.toString()))
+        return QStringLiteral("\"%1\" is no positive number").arg(value.toString());
     using Limits = std::numeric_limits<qint32>;
     const qint64 number = value.toLongLong();
     if (column.type.type() == FieldType::Integer &&
@@ -156,6 +162,8 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::load()
         content->directories = std::make_shared<const DirectoryData>(
             content->tables[ReferenceSchema::Stocks], content->tables[ReferenceSchema::Boards]);
         content->sessions = sessionsOf(content->tables[ReferenceSchema::Sessions]);
+        content->steps =
+            std::make_shared<const StepsData>(content->tables[ReferenceSchema::Securities]);
         throwIfCancelled();
         return content;
     } catch (const Cancelled &) {
@@ -209,18 +217,26 @@ std::unique_ptr<DatabaseContent> DatabaseLoader::read(const QSqlDatabase &databa
 
 void DatabaseLoader::checkColumns(const QSqlDatabase &database, const TableSchema &schema) const
 {
+    const QSet<QString> names = columnsOf(database, schema);
+    if (names.isEmpty())
+        LoadError(m_file, schema).raise(QStringLiteral("is missing"));
+    for (int column = 0; column < schema.columns.size(); ++column) {
+        const ColumnSchema &wanted = schema.columns.at(column);
+        if (!wanted.optional && !names.contains(wanted.name))
+            LoadError(m_file, schema).columns({column}).raise(QStringLiteral("is missing"));
+    }
+}
+
+QSet<QString> DatabaseLoader::columnsOf(const QSqlDatabase &database,
+                                        const TableSchema &schema) const
+{
     QSqlQuery query(database);
     if (!query.exec(QStringLiteral("PRAGMA table_info(%1)").arg(quoted(schema.name))))
         throw Exception(QStringLiteral("%1: %2").arg(m_file, sqlReason(query.lastError())));
     QSet<QString> names;
     while (query.next())
         names.insert(query.value(1).toString().toLower());
-    if (names.isEmpty())
-        LoadError(m_file, schema).raise(QStringLiteral("is missing"));
-    for (int column = 0; column < schema.columns.size(); ++column) {
-        if (!names.contains(schema.columns.at(column).name))
-            LoadError(m_file, schema).columns({column}).raise(QStringLiteral("is missing"));
-    }
+    return names;
 }
 
 int DatabaseLoader::countRows(const QSqlDatabase &database, const TableSchema &schema) const
@@ -240,9 +256,10 @@ TableContent DatabaseLoader::readTable(const QSqlDatabase &database, int table) 
     const int total = countRows(database, schema);
     m_progress(table, 0, total);
 
+    const QSet<QString> held = columnsOf(database, schema);
     QStringList names;
     for (const ColumnSchema &column : schema.columns)
-        names << quoted(column.name);
+        names << (held.contains(column.name) ? quoted(column.name) : QStringLiteral("NULL"));
     QSqlQuery query(database);
     query.setForwardOnly(true);
     query.exec(

@@ -4,6 +4,7 @@
 #include "databasecontent_p.h"
 #include "stringpool_p.h"
 
+#include <QSet>
 #include <QSqlDatabase>
 #include <QVariant>
 
@@ -36,6 +37,7 @@ private:
     void open(QSqlDatabase &database) const;
     std::unique_ptr<DatabaseContent> read(const QSqlDatabase &database) const;
     void checkColumns(const QSqlDatabase &database, const TableSchema &schema) const;
+    QSet<QString> columnsOf(const QSqlDatabase &database, const TableSchema &schema) const;
     int countRows(const QSqlDatabase &database, const TableSchema &schema) const;
     TableContent readTable(const QSqlDatabase &database, int table) const;
     void readRow(const QVariantList &values, const RowLayout &layout, RowData *row,

@@ -182,6 +182,11 @@ const BoardDirectory *EmbeddedHost::boardDirectory() const
     return d->store.boardDirectory();
 }
 
+const StepSource *EmbeddedHost::stepSource() const
+{
+    return d->store.stepSource();
+}
+
 QVector<SessionId> EmbeddedHost::currentSessions() const
 {
     return d->store.sessions();

@@ -23,7 +23,7 @@
 /// that are held by Records outlive the change. The host destroys no form: it must outlive them,
 /// and all Records.
 ///
-/// A million securities is a normal size: some 200 bytes each with their texts, texts that
+/// A million securities is a normal size: some 230 bytes each with their texts, texts that
 /// return often (base codes) kept once. A reload needs room for the new rows beside the old.
 class EMBEDDEDHOST_EXPORT EmbeddedHost : public QObject, public ICore
 {
@@ -69,6 +69,7 @@ public:
     IDatabase *database() override;
     const StockDirectory *stockDirectory() const override;
     const BoardDirectory *boardDirectory() const override;
+    const StepSource *stepSource() const override;
     QVector<SessionId> currentSessions() const override;
     QList<QObject *> plugins() const override;
 

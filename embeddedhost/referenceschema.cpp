@@ -16,6 +16,8 @@ FieldType typeOf(const QString &table, const QString &column)
         {QStringLiteral("name"), {FieldType::String, 80}},
         {QStringLiteral("flags"), {FieldType::Integer64}},
         {QStringLiteral("position"), {FieldType::Integer}},
+        {QStringLiteral("price_step"), {FieldType::String, 20}},
+        {QStringLiteral("lot"), {FieldType::Integer64}},
     };
     if (table.startsWith(QLatin1String("gx."))) {
         if (const FieldType *gateway = Gexabus::GxFieldsTypes::find(column))
@@ -31,7 +33,7 @@ FieldType typeOf(const QString &table, const QString &column)
     return {};
 }
 
-// A column whose name ends in '!' is required.
+// A column whose name ends in '!' is required, one that ends in '?' optional.
 TableSchema makeTable(const char *name, const char *columns, const QVector<int> &keyColumns,
                       const QVector<int> &uniqueColumns, int parent)
 {
@@ -39,9 +41,11 @@ TableSchema makeTable(const char *name, const char *columns, const QVector<int> 
     const QStringList names = QString::fromLatin1(columns).split(QLatin1Char(' '));
     for (QString column : names) {
         const bool required = column.endsWith(QLatin1Char('!'));
-        if (required)
+        const bool optional = column.endsWith(QLatin1Char('?'));
+        if (required || optional)
             column.chop(1);
-        table.columns.append({column, typeOf(table.name, column), required});
+        table.columns.append({column, typeOf(table.name, column), required, optional,
+                              column == QLatin1String("price_step")});
     }
     return table;
 }
@@ -63,8 +67,10 @@ const QVector<TableSchema> &ReferenceSchema::tables()
         makeTable("stocks", "stock_id! stock_code! name", {0}, {1}, -1),
         makeTable("boards", "stock_id! board_id! board_code! name sectype flags position", {0, 1},
                   {0, 2}, Stocks),
-        makeTable("securities", "stock_id! board_id! sec_id! sec_code sec_name base_code sess_id",
-                  {0, 1, 2}, {}, Boards),
+        makeTable(
+            "securities",
+            "stock_id! board_id! sec_id! sec_code sec_name base_code sess_id price_step? lot?",
+            {0, 1, 2}, {}, Boards),
         makeTable("gx.diler", "mox_code! client_code name", {0}, {}, -1),
         makeTable("sessions", "stock_id! sess_id!", {0, 1}, {}, Stocks),
     };

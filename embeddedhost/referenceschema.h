@@ -14,6 +14,10 @@ struct ColumnSchema
     FieldType type;
     /// A row without a value here (NULL, or an empty text) is an error.
     bool required = false;
+    /// A table may lack it: every row is without a value then.
+    bool optional = false;
+    /// The text is a positive number in system form.
+    bool positiveNumber = false;
 };
 
 /// One reference table.
@@ -40,7 +44,7 @@ struct EMBEDDEDHOST_EXPORT TableSchema
 ///     stocks      exchanges     stock_id, stock_code, name
 ///     boards      boards        stock_id, board_id, board_code, name, sectype, flags, position
 ///     securities  securities    stock_id, board_id, sec_id, sec_code, sec_name, base_code,
-///                               sess_id
+///                               sess_id; optional: price_step, lot
 ///     gx.diler    partners      mox_code, client_code, name
 ///     sessions    the sessions that are open to trading: stock_id, sess_id
 ///
@@ -54,6 +58,10 @@ struct EMBEDDEDHOST_EXPORT TableSchema
 /// columns that these lack, base_code is as long as a security's code (25 characters),
 /// board_code as an exchange's (20), mox_code 25, name 80; flags has 64 bits, position 32.
 /// Integers must be stored as INTEGER and texts as TEXT, whatever type the table declares.
+///
+/// An optional column may be missing. price_step is the least change of a security's price, as a
+/// TEXT in system form ("0.05"), because a number with a fraction would not be exact; lot is the
+/// quantity of one lot, as an INTEGER.
 class EMBEDDEDHOST_EXPORT ReferenceSchema
 {
 public:

@@ -2,7 +2,7 @@
 #include "referencestore_p.h"
 
 ReferenceStore::ReferenceStore()
-    : m_stockDirectory(&m_directories), m_boardDirectory(&m_directories)
+    : m_stockDirectory(&m_directories), m_boardDirectory(&m_directories), m_stepSource(&m_steps)
 {
     for (const TableSchema &schema : ReferenceSchema::tables())
         m_tables.push_back(std::make_unique<EmbeddedTable>(schema, &m_mutex));
@@ -47,6 +47,7 @@ bool ReferenceStore::swap(DatabaseContent &content)
     for (size_t i = 0; i < m_tables.size(); ++i)
         m_tables[i]->swap(content.tables[i]);
     m_directories.swap(content.directories);
+    m_steps.swap(content.steps);
     const auto sessions = content.sessions;
     m_sessions.swap(content.sessions);
     return *sessions != *content.sessions;

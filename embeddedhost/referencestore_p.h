@@ -18,6 +18,7 @@ public:
     Table *table(const QString &name) override;
     const StockDirectory *stockDirectory() const { return &m_stockDirectory; }
     const BoardDirectory *boardDirectory() const { return &m_boardDirectory; }
+    const StepSource *stepSource() const { return &m_stepSource; }
     QVector<SessionId> sessions() const { return *m_sessions.get(); }
     void setSessions(const QVector<SessionId> &sessions);
 
@@ -34,6 +35,8 @@ private:
     std::vector<std::unique_ptr<EmbeddedTable>> m_tables;
     Snapshot<DirectoryData> m_directories;
     Snapshot<QVector<SessionId>> m_sessions;
+    Snapshot<StepsData> m_steps;
     EmbeddedStockDirectory m_stockDirectory;
     EmbeddedBoardDirectory m_boardDirectory;
+    EmbeddedStepSource m_stepSource;
 };

@@ -4,6 +4,8 @@
 #include "comboboxusability_p.h"
 #include "datevalidator.h"
 
+#include <hostapi/datetime.h>
+
 #include <QCalendarWidget>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -36,7 +38,20 @@ public:
 
 } // namespace
 
-DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
+struct Q_DECL_HIDDEN DateEdit::Private
+{
+    explicit Private(DateEdit *edit) : q(edit) {}
+
+    datetime readText() const;
+    QPoint calendarPosition() const;
+
+    DateEdit *const q;
+    QCalendarWidget calendar; // a window of its own
+    datetime value;
+    datetime given; // the date that the program set or the calendar gave; null before
+};
+
+DateEdit::DateEdit(QWidget *parent) : QComboBox(parent), d(std::make_unique<Private>(this))
 {
     setEditable(true);
     new ComboBoxUsability(this);
@@ -51,15 +66,19 @@ DateEdit::DateEdit(QWidget *parent) : QComboBox(parent)
     lineEdit()->setToolTip(tr("Дата в формате: %1").arg(pattern));
     connect(lineEdit(), &QLineEdit::textChanged, this, &DateEdit::onTextChanged);
 
-    m_calendar = std::make_unique<QCalendarWidget>();
-    m_calendar->setWindowFlags(Qt::Popup);
-    m_calendar->setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
-    connect(m_calendar.get(), &QCalendarWidget::activated, this, &DateEdit::calendarActivated);
-    connect(m_calendar.get(), &QCalendarWidget::clicked, this, &DateEdit::calendarActivated);
-    m_calendar->hide();
+    d->calendar.setWindowFlags(Qt::Popup);
+    d->calendar.setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
+    connect(&d->calendar, &QCalendarWidget::activated, this, &DateEdit::calendarActivated);
+    connect(&d->calendar, &QCalendarWidget::clicked, this, &DateEdit::calendarActivated);
+    d->calendar.hide();
 }
 
 DateEdit::~DateEdit() = default;
+
+QString DateEdit::getValue() const
+{
+    return d->value.toString();
+}
 
 void DateEdit::setValue(const QString &value)
 {
@@ -71,63 +90,61 @@ void DateEdit::setValue(const QString &value, bool updateText)
     const datetime date(value);
     const QString normal = date.toString();
     if (updateText)
-        m_given = datetime(date.date());
-    if (normal == value && date == m_value)
+        d->given = datetime(date.date());
+    if (normal == value && date == d->value)
         return;
-    m_value = date;
+    d->value = date;
     if (updateText)
         setEditText(shown(date));
     Q_EMIT changedValue(normal);
 }
 
-// The century of a two-digit year is in the date alone: a text that shows the given date means
-// that date.
-datetime DateEdit::readText() const
+// A text with a two-digit year does not tell the century. While it is the text of the given date
+// it stands for that date.
+datetime DateEdit::Private::readText() const
 {
-    const QString text = lineEdit()->text();
-    if (!m_given.isNull() && text == shown(m_given))
-        return m_given;
-    return typed(text);
+    const QString text = q->lineEdit()->text();
+    return !given.isNull() && text == shown(given) ? given : typed(text);
 }
 
 void DateEdit::onTextChanged()
 {
-    setValue(readText().toString(), false);
+    setValue(d->readText().toString(), false);
     const bool isDate = lineEdit()->hasAcceptableInput();
     lineEdit()->setStyleSheet(isDate ? QString() : QStringLiteral("color: red"));
 }
 
 void DateEdit::showPopup()
 {
-    const datetime date = m_value.isNull() ? datetime::now() : m_value;
-    m_calendar->setSelectedDate(date.date());
-    m_calendar->move(calendarPosition());
-    m_calendar->show();
-    m_calendar->setFocus(Qt::OtherFocusReason);
+    const datetime date = d->value.isNull() ? datetime::now() : d->value;
+    d->calendar.setSelectedDate(date.date());
+    d->calendar.move(d->calendarPosition());
+    d->calendar.show();
+    d->calendar.setFocus(Qt::OtherFocusReason);
 }
 
 // Below the field's left edge, moved as far as it takes to stay on the screen; above the
 // field where there is no room below.
-QPoint DateEdit::calendarPosition() const
+QPoint DateEdit::Private::calendarPosition() const
 {
-    const QPoint below = mapToGlobal(rect().bottomLeft());
-    const QRect area = screen()->availableGeometry();
-    const QSize size = m_calendar->sizeHint();
-    QPoint place = below;
-    if (below.y() + size.height() > area.bottom() + 1)
-        place.setY(mapToGlobal(rect().topLeft()).y() - size.height());
+    const QRect field = q->rect();
+    const QRect area = q->screen()->availableGeometry();
+    const QSize size = calendar.sizeHint();
+    QPoint place = q->mapToGlobal(field.bottomLeft());
+    if (place.y() + size.height() > area.bottom() + 1)
+        place.setY(q->mapToGlobal(field.topLeft()).y() - size.height());
     place.setX(qMin(place.x(), area.right() + 1 - size.width()));
     return {qMax(place.x(), area.left()), qMax(place.y(), area.top())};
 }
 
 void DateEdit::hidePopup()
 {
-    m_calendar->hide();
+    d->calendar.hide();
 }
 
 void DateEdit::calendarActivated(const QDate &date)
 {
-    if (date != m_value.date())
+    if (date != d->value.date())
         setValue(datetime(date).toString(), true);
     hidePopup();
 }

@@ -2,13 +2,10 @@
 #pragma once
 
 #include <formkit/formkit_export.h>
-#include <hostapi/datetime.h>
 
 #include <QComboBox>
 
 #include <memory>
-
-class QCalendarWidget;
 
 /// A date, typed in the short format of the system locale or picked from a calendar that
 /// drops down (Down, Alt+Down, F4 or a click on the arrow open it).
@@ -33,7 +30,7 @@ public:
     ~DateEdit() override;
 
     /// The date in system form, empty for none.
-    QString getValue() const { return m_value.toString(); }
+    QString getValue() const;
     /// Shows the date of a text in system form (see datetime). A text that is none empties the
     /// field. Unlike other controls it reports the change, in normal form, and also when only
     /// the form of the text was another. With a time of day, another date is reported twice:
@@ -61,10 +58,6 @@ protected Q_SLOTS:
     void onTextChanged();
 
 private:
-    datetime readText() const;
-    QPoint calendarPosition() const;
-
-    std::unique_ptr<QCalendarWidget> m_calendar;
-    datetime m_value;
-    datetime m_given; ///< what the text was set from
+    struct Private;
+    std::unique_ptr<Private> d;
 };

@@ -3,6 +3,10 @@
 
 #include "numbertext_p.h"
 
+#include <hostapi/localesymbols.h>
+
+#include <QLocale>
+
 namespace {
 
 // With a leading 1 in front, 15 digits always stay within 2^52 - 1 and 16 never do.
@@ -10,39 +14,86 @@ constexpr int MaxDigits = 15;
 
 } // namespace
 
-DecimalValidator::DecimalValidator(int digits, bool canNegative, bool canBeZero, QObject *parent)
-    : QValidator(parent)
-    , m_digits(digits)
-    , m_canNegative(canNegative)
-    , m_canBeZero(canBeZero)
-    , m_symbolsLocale(locale())
-    , m_symbols(m_symbolsLocale)
+struct DecimalValidator::Private
 {
+    int digits;
+    bool canNegative;
+    bool canBeZero;
+    QLocale locale; // of the symbols
+    LocaleSymbols symbols{locale};
+    int numDigits = 0;
+};
+
+DecimalValidator::DecimalValidator(int digits, bool canNegative, bool canBeZero, QObject *parent)
+    : QValidator(parent), d(new Private{digits, canNegative, canBeZero, locale()})
+{
+}
+
+DecimalValidator::~DecimalValidator() = default;
+
+void DecimalValidator::setDigits(int digits)
+{
+    d->digits = digits;
+}
+
+int DecimalValidator::getDigits() const
+{
+    return d->digits;
+}
+
+void DecimalValidator::setNumDigits(int numDigits)
+{
+    d->numDigits = numDigits;
+}
+
+int DecimalValidator::getNumDigits() const
+{
+    return d->numDigits;
+}
+
+void DecimalValidator::setCanNegative(bool canNegative)
+{
+    d->canNegative = canNegative;
+}
+
+bool DecimalValidator::getCanNegative() const
+{
+    return d->canNegative;
+}
+
+void DecimalValidator::setCanBeZero(bool canBeZero)
+{
+    d->canBeZero = canBeZero;
+}
+
+bool DecimalValidator::getCanBeZero() const
+{
+    return d->canBeZero;
 }
 
 const LocaleSymbols &DecimalValidator::symbols() const
 {
     const QLocale current = locale();
-    if (current != m_symbolsLocale) {
-        m_symbols = LocaleSymbols(current);
-        m_symbolsLocale = current;
+    if (current != d->locale) {
+        d->symbols = LocaleSymbols(current);
+        d->locale = current;
     }
-    return m_symbols;
+    return d->symbols;
 }
 
 DecimalValidator::Fault DecimalValidator::faultOf(const NumberText &number) const
 {
     if (number.shape() == NumberText::NoNumber || !number.isReadable())
         return Fault::NoNumber;
-    if (number.shape() == NumberText::Decimal && m_digits <= 0)
+    if (number.shape() == NumberText::Decimal && d->digits <= 0)
         return Fault::Point;
-    if (number.isNegative() && !m_canNegative)
+    if (number.isNegative() && !d->canNegative)
         return Fault::Minus;
     const int integerDigits = int(number.integer().size());
     const int fractionDigits = int(number.fraction().size());
-    if (m_numDigits > 0 && integerDigits > m_numDigits)
+    if (d->numDigits > 0 && integerDigits > d->numDigits)
         return Fault::IntegerDigits;
-    if (number.shape() == NumberText::Decimal && fractionDigits > m_digits)
+    if (number.shape() == NumberText::Decimal && fractionDigits > d->digits)
         return Fault::FractionDigits;
     // Without integer digits only decimal is the bound.
     const int most = integerDigits > 0 ? MaxDigits : decimal::MaxScale;
@@ -70,7 +121,7 @@ QValidator::State DecimalValidator::validate(QString &input, int &pos) const
 
 QValidator::State DecimalValidator::judge(const decimal &number) const
 {
-    return m_canBeZero || !isZero(number.toDouble()) ? Acceptable : Intermediate;
+    return d->canBeZero || !isZero(number.toDouble()) ? Acceptable : Intermediate;
 }
 
 QValidator::State DecimalValidator::validateParsedString(const QString &text) const

@@ -3,11 +3,12 @@
 
 #include <formkit/formkit_export.h>
 #include <hostapi/decimal.h>
-#include <hostapi/localesymbols.h>
 
-#include <QLocale>
 #include <QValidator>
 
+#include <memory>
+
+class LocaleSymbols;
 class NumberText;
 
 /// Checks and regroups, keystroke by keystroke, the text of a line edit that holds a decimal
@@ -38,22 +39,23 @@ public:
     /// digits: see setDigits(). canNegative: whether a minus may lead the text. canBeZero:
     /// whether a zero is Acceptable. The number of integer digits is not limited at first.
     DecimalValidator(int digits, bool canNegative, bool canBeZero, QObject *parent = nullptr);
+    ~DecimalValidator() override;
 
     /// The greatest number of fraction digits. At 0 and below no decimal point is accepted.
-    void setDigits(int digits) { m_digits = digits; }
-    int getDigits() const { return m_digits; }
+    void setDigits(int digits);
+    int getDigits() const;
 
     /// The greatest number of integer digits, leading zeros counted as typed; 0 and below: any.
-    void setNumDigits(int numDigits) { m_numDigits = numDigits; }
-    int getNumDigits() const { return m_numDigits; }
+    void setNumDigits(int numDigits);
+    int getNumDigits() const;
 
     /// Whether a minus may lead the text; without it a minus is Invalid.
-    void setCanNegative(bool canNegative) { m_canNegative = canNegative; }
-    bool getCanNegative() const { return m_canNegative; }
+    void setCanNegative(bool canNegative);
+    bool getCanNegative() const;
 
     /// Whether a zero is Acceptable; without it a zero is Intermediate.
-    void setCanBeZero(bool canBeZero) { m_canBeZero = canBeZero; }
-    bool getCanBeZero() const { return m_canBeZero; }
+    void setCanBeZero(bool canBeZero);
+    bool getCanBeZero() const;
 
     /// Judges the text and regroups it. An empty text and a lone sign are Intermediate and left
     /// as they are; so is a point without digits, in the locale's own characters. What happened
@@ -76,6 +78,7 @@ public:
 
 private:
     friend class EditGuard;
+    struct Private;
     /// What keeps a text from being accepted.
     enum class Fault { None, NoNumber, Point, Minus, IntegerDigits, FractionDigits, Digits };
 
@@ -83,10 +86,5 @@ private:
     Fault faultOf(const NumberText &number) const;
     State judge(const decimal &number) const;
 
-    int m_digits;
-    bool m_canNegative;
-    bool m_canBeZero;
-    int m_numDigits = 0;
-    mutable QLocale m_symbolsLocale;
-    mutable LocaleSymbols m_symbols;
+    std::unique_ptr<Private> d;
 };

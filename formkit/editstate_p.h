@@ -3,8 +3,8 @@
 
 #include <QLineEdit>
 
-/// The text, caret and selection of a box's line edit, to be restored after a refresh of the list
-/// has changed them. A box that cannot be edited has none.
+/// The text, caret and selection of a line edit, to be put back later: a refresh of a box's list
+/// disturbs them. A box that was made not editable has none.
 class EditState
 {
 public:
@@ -19,7 +19,19 @@ public:
         m_selectionLength = edit->selectionLength();
     }
 
+    /// A text with the caret at a place, or all of it selected.
+    EditState(const QString &text, int caret, bool isSelected)
+        : m_text(text)
+        , m_caret(caret)
+        , m_selectionStart(isSelected ? 0 : -1)
+        , m_selectionLength(isSelected ? text.size() : 0)
+    {
+    }
+
     QString text() const { return m_text; }
+    int caret() const { return m_caret; }
+    /// How many characters are selected.
+    int selected() const { return m_selectionLength; }
 
     /// Puts caret and selection back, if the edit shows the text.
     void restoreCaret(QLineEdit *edit) const

@@ -8,9 +8,12 @@
 #include <QDebug>
 #include <QDynamicPropertyChangeEvent>
 #include <QLabel>
+#include <QMap>
+#include <QPointer>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 #include <QVarLengthArray>
+#include <QVector>
 
 #include <algorithm>
 #include <functional>
@@ -30,13 +33,14 @@ boardlist boardsOf(const QWidget *page)
     return boards;
 }
 
-// Selectors of sub-forms inside a page, too: their own pages follow them.
+// A selector inside a page does not take the focus, but its own pages stand next to it in the tab
+// order.
 bool isPlaced(const QWidget *widget)
 {
     return widget->focusPolicy() != Qt::NoFocus || qobject_cast<const FormSelector *>(widget);
 }
 
-// Qt orders only what takes the focus.
+// Qt orders only widgets that take the focus: others take it for the moment.
 void orderTabs(QWidget *first, QWidget *second)
 {
     QVarLengthArray<QWidget *, 2> lent;
@@ -51,230 +55,9 @@ void orderTabs(QWidget *first, QWidget *second)
         widget->setFocusPolicy(Qt::NoFocus);
 }
 
-} // namespace
-
-FormSelector::FormSelector(QWidget *parent) : FormSelector(nullptr, parent) {}
-
-FormSelector::FormSelector(Properties *hub, QWidget *parent)
-    : QWidget(parent), m_stack(new QStackedLayout(this)), m_hub(hub), m_emptyPage(new QLabel)
-{
-    m_stack->addWidget(m_emptyPage);
-}
-
-void FormSelector::setHub(Properties *hub)
-{
-    // Bindings that move are undone where they are made.
-    if (!m_moving)
-        unbindPages(m_hub);
-    m_hub = hub;
-    setWidget(m_shown);
-}
-
-void FormSelector::addWidget(boardid board, QWidget *form)
-{
-    if (!form)
-        return;
-    dropDeadPages();
-    pageOf(form);
-    m_boardForms.insert(board, form);
-    if (board == m_shown)
-        setWidget(board);
-}
-
-void FormSelector::addPage(QWidget *page)
-{
-    if (!page)
-        return;
-    dropDeadPages();
-    pageOf(page);
-    page->installEventFilter(this);
-    readBoards(page);
-}
-
-bool FormSelector::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() != QEvent::DynamicPropertyChange ||
-        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != boardsProperty)
-        return false;
-    // Showing another page may destroy this one, or the selector with it: no one else is to see
-    // the event then.
-    const QPointer<QObject> alive(watched);
-    readBoards(static_cast<QWidget *>(watched));
-    return !alive;
-}
-
-// Registers the boards of the form's property in place of those that it named before.
-void FormSelector::readBoards(QWidget *form)
-{
-    const QPointer<QWidget> formBefore = m_boardForms.value(m_shown);
-    boardlist &boards = pageOf(form).boards;
-    for (const boardid &board : qAsConst(boards)) {
-        if (m_boardForms.value(board) == form)
-            m_boardForms.remove(board);
-    }
-    boards = boardsOf(form);
-    for (const boardid &board : qAsConst(boards))
-        m_boardForms.insert(board, form);
-    if (m_boardForms.value(m_shown) != formBefore)
-        setWidget(m_shown);
-}
-
-// The form's page, a new one if it has none yet.
-FormSelector::Page &FormSelector::pageOf(QWidget *form)
-{
-    const auto isItsPage = [form](const Page &page) { return page.form == form; };
-    const auto page = std::find_if(m_pages.begin(), m_pages.end(), isItsPage);
-    if (page != m_pages.end())
-        return *page;
-    m_pages.append(Page{form, newHolder(form), {}});
-    return m_pages.last();
-}
-
-QWidget *FormSelector::newHolder(QWidget *form)
-{
-    auto *holder = new QWidget(this);
-    auto *column = new QVBoxLayout(holder);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(form);
-    if (QLayout *inner = form->layout()) {
-        const QMargins margins = inner->contentsMargins();
-        inner->setContentsMargins(margins.left(), 3, margins.right(), 2);
-    }
-    column->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
-    m_stack->addWidget(holder);
-    placeInTabOrder(form);
-    return holder;
-}
-
-// Qt puts what joins a window at the end of its tab order.
-void FormSelector::placeInTabOrder(QWidget *form)
-{
-    QWidget *last = this;
-    for (QWidget *w = nextInFocusChain(); w != this && isAncestorOf(w); w = w->nextInFocusChain()) {
-        if (isPlaced(w) && !form->isAncestorOf(w))
-            last = w;
-    }
-    QVector<QWidget *> controls;
-    for (QWidget *w = nextInFocusChain(); w != this; w = w->nextInFocusChain()) {
-        if (isPlaced(w) && form->isAncestorOf(w))
-            controls << w;
-    }
-    for (QWidget *const control : qAsConst(controls)) {
-        orderTabs(last, control);
-        last = control;
-    }
-}
-
-QWidget *FormSelector::pageToShow() const
-{
-    const QPointer<QWidget> form = m_boardForms.value(m_shown);
-    for (const Page &page : m_pages) {
-        if (form && page.form == form)
-            return page.holder;
-    }
-    return nullptr;
-}
-
-void FormSelector::dropDeadPages()
-{
-    const auto isAlive = [](const Page &page) { return page.isAlive(); };
-    const auto firstDead = std::stable_partition(m_pages.begin(), m_pages.end(), isAlive);
-    const QVector<Page> dead(firstDead, m_pages.end());
-    m_pages.erase(firstDead, m_pages.end());
-    for (const Page &page : dead) {
-        if (page.form)
-            page.form->removeEventFilter(this);
-        // The stack would show a neighbour in place of a current page that goes.
-        if (page.holder && page.holder == m_stack->currentWidget())
-            m_stack->setCurrentWidget(m_emptyPage);
-        delete page.holder;
-    }
-}
-
-QList<QWidget *> FormSelector::getWidgetList() const
-{
-    QList<QWidget *> forms;
-    for (const Page &page : m_pages) {
-        if (page.isAlive())
-            forms << page.form;
-    }
-    std::sort(forms.begin(), forms.end(), std::less<QWidget *>());
-    return forms;
-}
-
-void FormSelector::setStockId(const QString &text)
-{
-    const qint32 id = text.toInt();
-    if (id == m_current.stock_id)
-        return;
-    m_current.stock_id = id;
-    setWidget(m_current);
-}
-
-void FormSelector::setBoardId(const QString &text)
-{
-    const qint32 id = text.toInt();
-    if (id == m_current.board_id)
-        return;
-    m_current.board_id = id;
-    setWidget(m_current);
-}
-
-void FormSelector::setWidget(boardid board)
-{
-    m_shown = board;
-    if (m_moving)
-        return;
-    const QPointer<FormSelector> alive(this);
-    const QPointer<QWidget> page = moveBindings();
-    if (alive)
-        m_stack->setCurrentWidget(page ? page.data() : m_emptyPage);
-}
-
-// Binds the page of m_shown alone and answers it. A control that is bound may ask for another
-// board, page or hub, throw, or destroy the page or the selector. Pages that send each other away
-// in a ring are left alone, unbound, once each could have had a turn.
-QPointer<QWidget> FormSelector::moveBindings()
-{
-    const QPointer<FormSelector> alive(this);
-    QPointer<Properties> hub;
-    QPointer<QWidget> page;
-    const auto isOutdated = [&] { return hub != m_hub || page != pageToShow(); };
-    int turns = m_pages.size() + 1;
-    const Doing program(Doing::Program);
-    m_moving = true;
-    do {
-        hub = m_hub;
-        page = pageToShow();
-        unbindPages(hub);
-        try {
-            if (hub && hub->connectAll(page) && page && !isOutdated())
-                reportSums(page);
-        } catch (...) {
-            if (alive) {
-                m_moving = false;
-                unbindPages(hub);
-                m_stack->setCurrentWidget(m_emptyPage);
-            }
-            throw;
-        }
-        if (!alive)
-            return nullptr;
-        if (hub != m_hub)
-            unbindPages(hub);
-    } while (isOutdated() && --turns > 0);
-    m_moving = false;
-    if (isOutdated()) {
-        qWarning() << "FormSelector::setWidget: the sub-forms send each other away";
-        unbindPages(m_hub);
-        return nullptr;
-    }
-    return page;
-}
-
-// A sum that changed while its page was hidden is not what the hub holds, and the hub cannot
-// write its own into it.
-void FormSelector::reportSums(QWidget *page)
+// A sum may have changed while its page was hidden. The hub cannot write what it holds into the
+// sum, so it has to take the new one.
+void reportSums(QWidget *page)
 {
     QVector<QPointer<Summator>> summators;
     const QList<Summator *> found = page->findChildren<Summator *>();
@@ -286,10 +69,280 @@ void FormSelector::reportSums(QWidget *page)
     }
 }
 
-void FormSelector::unbindPages(Properties *hub)
+} // namespace
+
+struct Q_DECL_HIDDEN FormSelector::Private
 {
-    if (!hub)
+    struct Page
+    {
+        QPointer<QWidget> form;
+        QPointer<QWidget> holder; // the form's parent
+        boardlist boards;         // those that the form's property asked for
+
+        // A form that has got another parent is no page any more.
+        bool isAlive() const { return form && holder && form->parentWidget() == holder; }
+    };
+
+    explicit Private(FormSelector *selector) : q(selector) {}
+
+    Page &pageOf(QWidget *form);
+    void readBoards(QWidget *form);
+    QWidget *newHolder(QWidget *form);
+    void placeInTabOrder(QWidget *form);
+    QWidget *pageToShow() const;
+    void dropDeadPages();
+    void unbindPages(Properties *properties);
+    QPointer<QWidget> moveBindings();
+
+    FormSelector *const q;
+    boardid current;
+    QMap<boardid, QPointer<QWidget>> boardForms;
+    QVector<Page> pages;
+    QStackedLayout *stack = new QStackedLayout(q);
+    QLabel *emptyPage = new QLabel;
+    QPointer<Properties> hub;
+    boardid shown;
+    bool moving = false;
+};
+
+FormSelector::FormSelector(QWidget *parent) : FormSelector(nullptr, parent) {}
+
+FormSelector::FormSelector(Properties *hub, QWidget *parent)
+    : QWidget(parent), d(std::make_unique<Private>(this))
+{
+    d->hub = hub;
+    d->stack->addWidget(d->emptyPage);
+}
+
+FormSelector::~FormSelector() = default;
+
+void FormSelector::setHub(Properties *hub)
+{
+    // While the bindings move, moveBindings() sees the change and unbinds.
+    if (!d->moving)
+        d->unbindPages(d->hub);
+    d->hub = hub;
+    setWidget(d->shown);
+}
+
+void FormSelector::addWidget(boardid board, QWidget *form)
+{
+    if (!form)
         return;
-    for (const Page &page : qAsConst(m_pages))
-        hub->disconnectAll(page.holder);
+    d->dropDeadPages();
+    d->pageOf(form);
+    d->boardForms.insert(board, form);
+    if (board == d->shown)
+        setWidget(board);
+}
+
+void FormSelector::addPage(QWidget *page)
+{
+    if (!page)
+        return;
+    d->dropDeadPages();
+    d->pageOf(page);
+    page->installEventFilter(this);
+    d->readBoards(page);
+}
+
+bool FormSelector::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::DynamicPropertyChange ||
+        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != boardsProperty)
+        return false;
+    // Showing another page may destroy this one, or the selector with it. Then nobody else may
+    // see the event.
+    const QPointer<QObject> alive(watched);
+    d->readBoards(static_cast<QWidget *>(watched));
+    return !alive;
+}
+
+// Registers the boards of the form's property in place of those that it named before.
+void FormSelector::Private::readBoards(QWidget *form)
+{
+    const QPointer<QWidget> formBefore = boardForms.value(shown);
+    boardlist &boards = pageOf(form).boards;
+    for (const boardid &board : qAsConst(boards)) {
+        if (boardForms.value(board) == form)
+            boardForms.remove(board);
+    }
+    boards = boardsOf(form);
+    for (const boardid &board : qAsConst(boards))
+        boardForms.insert(board, form);
+    if (boardForms.value(shown) != formBefore)
+        q->setWidget(shown);
+}
+
+// The form's page, a new one if it has none yet.
+FormSelector::Private::Page &FormSelector::Private::pageOf(QWidget *form)
+{
+    const auto isItsPage = [form](const Page &page) { return page.form == form; };
+    const auto page = std::find_if(pages.begin(), pages.end(), isItsPage);
+    if (page != pages.end())
+        return *page;
+    pages.append(Page{form, newHolder(form), {}});
+    return pages.last();
+}
+
+QWidget *FormSelector::Private::newHolder(QWidget *form)
+{
+    auto *holder = new QWidget(q);
+    auto *column = new QVBoxLayout(holder);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(form);
+    if (QLayout *inner = form->layout()) {
+        const QMargins margins = inner->contentsMargins();
+        inner->setContentsMargins(margins.left(), 3, margins.right(), 2);
+    }
+    column->addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding));
+    stack->addWidget(holder);
+    placeInTabOrder(form);
+    return holder;
+}
+
+// Moves the form's controls from the end of the window's tab order, where Qt puts whatever joins
+// the window, to the selector's place.
+void FormSelector::Private::placeInTabOrder(QWidget *form)
+{
+    QWidget *const first = q->nextInFocusChain();
+    QWidget *last = q;
+    for (QWidget *w = first; w != q && q->isAncestorOf(w); w = w->nextInFocusChain()) {
+        if (isPlaced(w) && !form->isAncestorOf(w))
+            last = w;
+    }
+    QVector<QWidget *> controls;
+    for (QWidget *w = first; w != q; w = w->nextInFocusChain()) {
+        if (isPlaced(w) && form->isAncestorOf(w))
+            controls << w;
+    }
+    for (QWidget *const control : qAsConst(controls)) {
+        orderTabs(last, control);
+        last = control;
+    }
+}
+
+QWidget *FormSelector::Private::pageToShow() const
+{
+    const QPointer<QWidget> form = boardForms.value(shown);
+    for (const Page &page : pages) {
+        if (form && page.form == form)
+            return page.holder;
+    }
+    return nullptr;
+}
+
+void FormSelector::Private::dropDeadPages()
+{
+    const auto isAlive = [](const Page &page) { return page.isAlive(); };
+    const auto firstDead = std::stable_partition(pages.begin(), pages.end(), isAlive);
+    const QVector<Page> dead(firstDead, pages.end());
+    pages.erase(firstDead, pages.end());
+    for (const Page &page : dead) {
+        if (page.form)
+            page.form->removeEventFilter(q);
+        // When its current page is deleted, a stack shows the neighbour.
+        if (page.holder && page.holder == stack->currentWidget())
+            stack->setCurrentWidget(emptyPage);
+        delete page.holder;
+    }
+}
+
+QList<QWidget *> FormSelector::getWidgetList() const
+{
+    QList<QWidget *> forms;
+    for (const Private::Page &page : qAsConst(d->pages)) {
+        if (page.isAlive())
+            forms << page.form;
+    }
+    std::sort(forms.begin(), forms.end(), std::less<QWidget *>());
+    return forms;
+}
+
+QString FormSelector::getStockId() const
+{
+    return QString::number(d->current.stock_id);
+}
+
+QString FormSelector::getBoardId() const
+{
+    return QString::number(d->current.board_id);
+}
+
+void FormSelector::setStockId(const QString &text)
+{
+    const qint32 id = text.toInt();
+    if (id == d->current.stock_id)
+        return;
+    d->current.stock_id = id;
+    setWidget(d->current);
+}
+
+void FormSelector::setBoardId(const QString &text)
+{
+    const qint32 id = text.toInt();
+    if (id == d->current.board_id)
+        return;
+    d->current.board_id = id;
+    setWidget(d->current);
+}
+
+void FormSelector::setWidget(boardid board)
+{
+    d->shown = board;
+    if (d->moving)
+        return;
+    const QPointer<FormSelector> alive(this);
+    const QPointer<QWidget> page = d->moveBindings();
+    if (alive)
+        d->stack->setCurrentWidget(page ? page.data() : d->emptyPage);
+}
+
+// Binds the page of the shown board and no other, and returns it. A control that is bound may ask
+// for another board, page or hub, throw, or destroy the page or the selector. Pages that send each
+// other away in a ring are given up, unbound, when each could have had a turn.
+QPointer<QWidget> FormSelector::Private::moveBindings()
+{
+    const QPointer<FormSelector> alive(q);
+    QPointer<Properties> turnsHub;
+    QPointer<QWidget> page;
+    const auto isOutdated = [&] { return turnsHub != hub || page != pageToShow(); };
+    int turns = pages.size() + 1;
+    const Doing program(Doing::Program);
+    moving = true;
+    do {
+        turnsHub = hub;
+        page = pageToShow();
+        unbindPages(turnsHub);
+        try {
+            if (turnsHub && turnsHub->connectAll(page) && page && !isOutdated())
+                reportSums(page);
+        } catch (...) {
+            if (alive) {
+                moving = false;
+                unbindPages(turnsHub);
+                stack->setCurrentWidget(emptyPage);
+            }
+            throw;
+        }
+        if (!alive)
+            return nullptr;
+        if (turnsHub != hub)
+            unbindPages(turnsHub);
+    } while (isOutdated() && --turns > 0);
+    moving = false;
+    if (isOutdated()) {
+        qWarning() << "FormSelector::setWidget: the sub-forms send each other away";
+        unbindPages(hub);
+        return nullptr;
+    }
+    return page;
+}
+
+void FormSelector::Private::unbindPages(Properties *properties)
+{
+    if (!properties)
+        return;
+    for (const Page &page : qAsConst(pages))
+        properties->disconnectAll(page.holder);
 }

@@ -5,14 +5,11 @@
 #include <hostapi/boardid.h>
 
 #include <QList>
-#include <QMap>
-#include <QPointer>
-#include <QVector>
 #include <QWidget>
 
+#include <memory>
+
 class Properties;
-class QLabel;
-class QStackedLayout;
 
 /// Shows the sub-form of the trading board that is being entered, out of several, and keeps
 /// the hub bound to that one alone. A connectAll() over the enclosing form binds `StockId` and
@@ -65,6 +62,7 @@ public:
     explicit FormSelector(QWidget *parent = nullptr);
     /// With a hub (not owned), as setHub() takes it.
     explicit FormSelector(Properties *hub, QWidget *parent = nullptr);
+    ~FormSelector() override;
 
     /// Hands the sub-forms over to another hub (not owned; may be null): all of them are
     /// unbound from the hub they had and from this one, then the shown one is bound.
@@ -82,8 +80,8 @@ public:
     QList<QWidget *> getWidgetList() const;
 
     /// The ids of the current board as decimal text, "0" at first.
-    QString getStockId() const { return QString::number(m_current.stock_id); }
-    QString getBoardId() const { return QString::number(m_current.board_id); }
+    QString getStockId() const;
+    QString getBoardId() const;
     /// Change one id of the current board and show its sub-form. A text that is no number
     /// counts as 0. Nothing happens when the id is the current one.
     void setStockId(const QString &text);
@@ -98,34 +96,6 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    struct Page
-    {
-        QPointer<QWidget> form;
-        QPointer<QWidget> holder;
-        /// Those that the form's property asked for.
-        boardlist boards;
-
-        /// A form that stands elsewhere by now is no page.
-        bool isAlive() const { return form && holder && form->parentWidget() == holder; }
-    };
-
-    Page &pageOf(QWidget *form);
-    void readBoards(QWidget *form);
-    QWidget *newHolder(QWidget *form);
-    void placeInTabOrder(QWidget *form);
-    QWidget *pageToShow() const;
-    void dropDeadPages();
-    void unbindPages(Properties *hub);
-    QPointer<QWidget> moveBindings();
-    static void reportSums(QWidget *page);
-
-    boardid m_current;
-    QMap<boardid, QPointer<QWidget>> m_boardForms;
-    QVector<Page> m_pages;
-    QStackedLayout *m_stack;
-    QPointer<Properties> m_hub;
-
-    QLabel *m_emptyPage;
-    boardid m_shown;
-    bool m_moving = false;
+    struct Private;
+    std::unique_ptr<Private> d;
 };

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "numbereditguard_p.h"
 
+#include "multiplier_p.h"
+#include "numberrules_p.h"
+#include "numbersteps_p.h"
 #include "numbertext_p.h"
 #include "pastednumber_p.h"
 
@@ -12,7 +15,24 @@ QValidator::State EditGuard::state() const
         return QValidator::Intermediate;
     if (m_judgedBy != limits())
         judgeBy(NumberText(text(), symbols()));
-    return m_fault == Fault::None ? m_limits.judge(*m_shown.number) : QValidator::Intermediate;
+    return m_fault == Fault::None && m_rules.sideOf(*m_shown.number) == 0
+               ? m_limits.judge(*m_shown.number)
+               : QValidator::Intermediate;
+}
+
+QString EditGuard::doubt() const
+{
+    const int side = m_shown.number ? m_rules.sideOf(*m_shown.number) : 0;
+    return side == 0 ? m_shown.doubt : wordOfLimit(side);
+}
+
+// Further digits lead away from zero.
+bool EditGuard::isMarked() const
+{
+    if (!m_shown.doubt.isEmpty())
+        return !m_shown.isOnItsWay;
+    const int side = m_shown.number ? m_rules.sideOf(*m_shown.number) : 0;
+    return side != 0 && !(m_shown.isTyped && m_shown.number->compare(decimal::zero) != side);
 }
 
 QString EditGuard::value() const
@@ -37,10 +57,14 @@ bool EditGuard::isGroup(int place) const
            symbols().kindOf(text().at(place)) == LocaleSymbols::Group;
 }
 
-void EditGuard::endHistory()
+QString EditGuard::ungrouped(const QString &part) const
 {
-    m_past.clear();
-    m_past.insert(text(), m_shown);
+    QString text;
+    for (const QChar c : part) {
+        if (m_shown.isForeign || symbols().kindOf(c) != LocaleSymbols::Group)
+            text += c;
+    }
+    return text;
 }
 
 void EditGuard::leave()
@@ -50,6 +74,7 @@ void EditGuard::leave()
     const auto isLast = [digits](const Stop &stop) { return stop.place >= digits; };
     stops.erase(std::remove_if(stops.begin(), stops.end(), isLast), stops.end());
     m_shown.isOnItsWay = false;
+    m_shown.isTyped = false;
 }
 
 bool EditGuard::isReadable(const NumberText &number) const
@@ -77,14 +102,6 @@ bool EditGuard::isBeyondLimits() const
 
 EditGuard::Verdict EditGuard::judge(const Edit &edit, int maxLength)
 {
-    if (edit.by == Program)
-        m_past.clear();
-    const auto past = m_past.constFind(edit.after);
-    if (edit.by == History && past != m_past.constEnd()) {
-        m_shown = *past;
-        m_judgedBy.reset();
-        return take(edit.after, edit.caret);
-    }
     if (edit.by == Program || edit.by == History)
         return takeAsGiven(edit, maxLength);
     if (edit.isCut)
@@ -100,10 +117,39 @@ EditGuard::Verdict EditGuard::judge(const Edit &edit, int maxLength)
 
 void EditGuard::showForeign(const QString &text, const QString &doubt)
 {
-    m_past.clear();
     settleForeign(text);
     if (!doubt.isEmpty())
         m_shown.doubt = doubt;
+}
+
+void EditGuard::restore(const Shown &shown)
+{
+    m_shown = shown;
+    m_judgedBy.reset();
+}
+
+EditGuard::Verdict EditGuard::step(int count, int maxLength)
+{
+    if (!m_shown.number && !isBare())
+        return refuse(doubt());
+    NumberRules rules = m_rules;
+    if (!m_limits.getCanNegative() && !(rules.minimum.number > decimal::zero))
+        rules.minimum.number = decimal::zero;
+    const std::optional<decimal> to = stepped(m_shown.number, count, rules, m_limits.getDigits());
+    if (!to && count < 0 && !m_rules.minimum.number && rules.minimum.number)
+        return refuse(wordOfMinus());
+    if (!to && (count < 0 ? m_rules.minimum : m_rules.maximum).number)
+        return refuse(wordOfLimit(count));
+    if (!to)
+        return refuse(wordOfDigits());
+    const QString text = to->toSystemString(symbols());
+    const Edit edit{text, text.size(), text.size(), Insertion};
+    const NumberText number(text, symbols());
+    const Fault fault = m_limits.faultOf(number);
+    Verdict verdict = fault == Fault::None ? settle(edit, number, {}, maxLength)
+                                           : refuse(wordOf(fault, edit, number));
+    m_shown.isTyped = m_shown.isTyped && !verdict.isTaken;
+    return verdict;
 }
 
 void EditGuard::settleForeign(const QString &text)
@@ -112,7 +158,6 @@ void EditGuard::settleForeign(const QString &text)
     m_shown.text = text;
     m_shown.isForeign = true;
     m_shown.doubt = tr("'%1' is no number").arg(text);
-    m_past.insert(text, m_shown);
 }
 
 // A text that was not typed has its groups where they belong, or is shown as it is.
@@ -145,9 +190,15 @@ EditGuard::Verdict EditGuard::takeForeign(const Edit &edit, int maxLength)
 EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
 {
     const int place = edit.caret - 1;
-    const QChar key = edit.after.at(place);
+    const QChar key = withoutDash(edit.after.at(place), symbols());
+    edit.after[place] = key;
     if (symbols().digitValue(key) >= 0)
         return takeEdit(edit, maxLength);
+    if (m_rules.signToggle && !edit.hadSelection && symbols().kindOf(key) == LocaleSymbols::Minus)
+        return toggleSign(edit, maxLength);
+    const bool isSuffix = m_rules.multipliers && !edit.hadSelection && place == text().size();
+    if (isSuffix && placesOfSuffix(key) > 0)
+        return multiply(edit, placesOfSuffix(key), maxLength);
     const NumberText before(QStringView(edit.after).left(place), symbols());
     const bool isZero =
         before.integer().size() == 1 && symbols().digitValue(before.integer().front()) == 0;
@@ -164,6 +215,41 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
         edit.after.midRef(place + 1).startsWith(symbols().point()))
         return take(text(), edit.caret);
     return takeEdit(edit, maxLength);
+}
+
+// The caret stays at its digit.
+EditGuard::Verdict EditGuard::toggleSign(const Edit &edit, int maxLength)
+{
+    const NumberText number(text(), symbols());
+    const int behind = text().size() - (edit.caret - 1);
+    Edit signEdit;
+    signEdit.after = text().mid(int(number.sign().size()));
+    signEdit.caret = signEdit.inserted = int(!number.isNegative());
+    if (!number.isNegative())
+        signEdit.after.prepend(QLatin1Char('-'));
+    Verdict verdict = takeEdit(signEdit, maxLength);
+    if (verdict.isTaken)
+        verdict.caret = qMax(0, verdict.text.size() - behind);
+    return verdict;
+}
+
+EditGuard::Verdict EditGuard::multiply(const Edit &edit, int places, int maxLength)
+{
+    const NumberText number(text(), symbols());
+    if (!m_shown.doubt.isEmpty() && !m_shown.awaitsSuffix)
+        return refuse(m_shown.doubt);
+    if (!number.hasDigits())
+        return refuse(PastedNumber::wordOf(edit.after.back(), symbols()));
+    Edit whole;
+    whole.after = multiplied(number, places, symbols());
+    whole.caret = whole.inserted = whole.after.size();
+    const NumberText product(whole.after, symbols());
+    const Fault fault = m_limits.faultOf(product);
+    if (fault != Fault::None)
+        return refuse(wordOf(fault, whole, product));
+    Verdict verdict = settle(whole, product, {}, maxLength);
+    verdict.isMultiplied = verdict.isTaken;
+    return verdict;
 }
 
 // It vanishes. Next to a shown one the caret only moves over that.
@@ -186,7 +272,7 @@ EditGuard::Verdict EditGuard::takeInsertion(Edit edit, int maxLength)
 {
     const int place = edit.caret - edit.inserted;
     const PastedNumber pasted(QStringView(edit.after).mid(place, edit.inserted), m_limits.locale(),
-                              symbols());
+                              symbols(), m_rules, edit.inserted == edit.after.size());
     if (!pasted.reason().isEmpty())
         return refuse(pasted.reason());
     edit.after.replace(place, edit.inserted, pasted.number());
@@ -197,22 +283,66 @@ EditGuard::Verdict EditGuard::takeInsertion(Edit edit, int maxLength)
 
 EditGuard::Verdict EditGuard::takeEdit(Edit edit, int maxLength, const Stop *typed)
 {
-    const int removed = text().size() - (edit.after.size() - edit.inserted);
+    int removed = text().size() - (edit.after.size() - edit.inserted);
+    if (deletesPoint(edit, removed))
+        return refuse(tr("Digits stand after the decimal point: delete them first"));
+    deleteNextToSeparator(&edit, removed);
+    removed = text().size() - (edit.after.size() - edit.inserted);
     Stops stops = movedStops(edit, removed);
     if (typed)
         stops << *typed;
     dropZeroAfter(&edit);
     const NumberText number(edit.after, symbols());
     const Fault fault = m_limits.faultOf(number);
-    if (fault != Fault::None && (edit.inserted > 0 || !isBeyondLimits())) {
+    const bool isRefused = fault != Fault::None && (edit.inserted > 0 || !isBeyondLimits());
+    const bool awaits = isRefused && awaitsSuffix(fault, edit, number);
+    if (isRefused && !awaits) {
         if (fault == Fault::Point && removed == 0)
             rememberPoint(edit);
         return refuse(wordOf(fault, edit, number));
     }
     Verdict verdict = settle(edit, number, stops, maxLength);
+    if (verdict.isTaken && awaits)
+        awaitSuffix(wordOf(fault, edit, number));
     if (verdict.isTaken && number.leadingZeros() > edit.inserted)
         verdict.reason = tr("Zeros in front were left out: %1").arg(verdict.text);
     return verdict;
+}
+
+bool EditGuard::awaitsSuffix(Fault fault, const Edit &edit, const NumberText &number) const
+{
+    const auto fits = [&](int places) {
+        const QString product = multiplied(number, places, symbols());
+        return m_limits.faultOf(NumberText(product, symbols())) == Fault::None;
+    };
+    return m_rules.multipliers && edit.by != Insertion &&
+           (fault == Fault::Point || fault == Fault::FractionDigits) && (fits(3) || fits(6));
+}
+
+void EditGuard::awaitSuffix(const QString &reason)
+{
+    if (!m_shown.doubt.isEmpty())
+        return;
+    m_shown.doubt = reason;
+    m_shown.number.reset();
+    m_shown.awaitsSuffix = m_shown.isOnItsWay = true;
+}
+
+bool EditGuard::deletesPoint(const Edit &edit, int removed) const
+{
+    return edit.inserted == 0 && !edit.hadSelection && removed == 1 &&
+           symbols().kindOf(text().at(edit.caret)) == LocaleSymbols::Point &&
+           !NumberText(text(), symbols()).fraction().isEmpty();
+}
+
+// A separator alone comes back at once: the key means the digit after it (Delete), or before it.
+void EditGuard::deleteNextToSeparator(Edit *edit, int removed) const
+{
+    if (edit->inserted > 0 || edit->hadSelection || removed != 1 || !isGroup(edit->caret))
+        return;
+    if (edit->caretBefore > edit->caret)
+        --edit->caret;
+    edit->after.remove(edit->caret, 1);
 }
 
 // What is typed in front of an integer part that is one zero takes its place.
@@ -280,14 +410,13 @@ EditGuard::Verdict EditGuard::settle(const Edit &edit, const NumberText &number,
     }
     m_shown = {};
     m_shown.text = text;
+    m_shown.isTyped = edit.by != Program;
     if (number.hasDigits() || !stops.isEmpty())
         settleStops(stops, number);
-    if (number.hasDigits() && doubt().isEmpty())
+    if (number.hasDigits() && m_shown.doubt.isEmpty())
         m_shown.number =
             decimal::fromLocaleString(number.text(), symbols(), int(number.fraction().size()));
     judgeBy(number);
-    if (!m_shown.stops.isEmpty())
-        m_past.insert(text, m_shown);
     if (text == edit.after)
         return take(text, edit.caret);
     const int behind = countUngrouped(QStringView(edit.after).mid(edit.caret), symbols());
@@ -334,13 +463,13 @@ QString EditGuard::wordOf(Fault fault, const Edit &edit, const NumberText &numbe
     case Fault::Point:
         return wordOfPoint();
     case Fault::Minus:
-        return tr("No negative numbers");
+        return wordOfMinus();
     case Fault::IntegerDigits:
         return tr("Digits in front of the point: %1 at most").arg(m_limits.getNumDigits());
     case Fault::FractionDigits:
         return tr("Digits after the point: %1 at most").arg(m_limits.getDigits());
     case Fault::Digits:
-        return tr("More digits than an amount can have");
+        return wordOfDigits();
     case Fault::NoNumber:
     case Fault::None:
         break;
@@ -354,6 +483,23 @@ QString EditGuard::wordOf(Fault fault, const Edit &edit, const NumberText &numbe
     const QStringView all = number.text();
     return std::count_if(all.begin(), all.end(), isPoint) > 1 ? tr("A number has one decimal point")
                                                               : tr("A sign stands in front");
+}
+
+QString EditGuard::wordOfLimit(int side) const
+{
+    if (side < 0)
+        return tr("At least %1").arg(m_rules.minimum.number->toSystemString(symbols()));
+    return tr("At most %1").arg(m_rules.maximum.number->toSystemString(symbols()));
+}
+
+QString EditGuard::wordOfMinus()
+{
+    return tr("No negative numbers");
+}
+
+QString EditGuard::wordOfDigits()
+{
+    return tr("More digits than an amount can have");
 }
 
 QString EditGuard::wordOfPoint()

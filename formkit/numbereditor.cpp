@@ -2,79 +2,49 @@
 #include "numbereditor.h"
 
 #include "decimalvalidator.h"
+#include "entryclick_p.h"
 #include "keymapper.h"
-#include "numbereditguard_p.h"
+#include "numberedits_p.h"
+#include "numberrules_p.h"
 #include "refusalnotice_p.h"
+#include "stepkeys_p.h"
+#include "unitlabels_p.h"
 
-#include <QFocusEvent>
-#include <QKeyEvent>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
 #include <QScopedValueRollback>
-#include <QTimer>
-
-#include <utility>
-
-// What QLineEdit asks about every text, whichever way it came. The text that is edited goes to
-// the guard.
-class Q_DECL_HIDDEN NumberEditor::Judge : public DecimalValidator
-{
-public:
-    Judge(NumberEditor *editor, int digits)
-        : DecimalValidator(digits, true, true, editor), m_editor(editor)
-    {
-    }
-
-    State validate(QString &input, int &pos) const override;
-
-private:
-    NumberEditor *m_editor;
-};
 
 struct Q_DECL_HIDDEN NumberEditor::Private
 {
-    Private(NumberEditor *editor, int digits)
-        : q(editor)
-        , validator(new Judge(editor, digits))
-        , guard(*validator)
-        , notice(new RefusalNotice(editor))
+    Private(NumberEditor *q, int digits, const NumberRules &rules)
+        : edits(q, digits, rules), units(q)
     {
     }
 
-    EditGuard::Edit editOf(const QString &text, int caret) const;
-    QValidator::State judge(QString &input, int &pos);
-    bool isGuarded() const { return q->validator() == validator; }
-    void show();
-    void read(const QString &text);
-    void hold(const QString &newValue);
-    void markDoubt();
-    void noteCut();
-    void noteReason(const QString &newReason);
-
-    NumberEditor *q;
-    Judge *validator;
-    EditGuard guard;
-    RefusalNotice *notice;
+    NumberEdits edits;
+    UnitLabels units;
+    EntryClick click;
+    WheelTurn wheel;
     QString value;
     std::optional<decimal> number; // the value's, none if it is no number
-    bool showsRefusals = true;
-
-    EditGuard::By by = EditGuard::Key; // more than one character is an insertion in any case
-    // Of what is composed QLineEdit tells in advance how much it inserts, not how much it removes.
-    int composed = -1;
-    int selected = 0;
-    bool isCut = false;
-    QString refused; // QLineEdit shows it until it has taken it back
-    QString reason;  // not said yet
 };
 
 NumberEditor::NumberEditor(QWidget *parent, int digits)
-    : QLineEdit(parent), d(new Private(this, digits))
+    : NumberEntry(parent), d(new Private(this, digits, *NumberEntry::d))
 {
+    NumberEdits *const edits = &d->edits;
     connect(this, &QLineEdit::textChanged, this, &NumberEditor::edit_changed);
-    connect(this, &QLineEdit::selectionChanged, this,
-            [this] { d->selected = selectedText().size(); });
-    connect(this, &QLineEdit::inputRejected, this, [this] { d->noteCut(); });
-    connect(d->validator, &QValidator::changed, this, [this] { d->show(); });
-    setValidator(d->validator);
+    connect(this, &QLineEdit::selectionChanged, this, [edits] { edits->noteView(); });
+    connect(this, &QLineEdit::cursorPositionChanged, this, [edits] { edits->noteView(); });
+    connect(this, &QLineEdit::inputRejected, this, [edits] { edits->noteRejected(); });
+    connect(edits->validator, &QValidator::changed, this, [this] { showValue(); });
+    NumberEntry::d->changed = [this] {
+        d->edits.markDoubt();
+        d->units.show(getPrefix(), getSuffix());
+    };
+    setValidator(edits->validator);
     setAlignment(Qt::AlignRight);
 }
 
@@ -87,58 +57,57 @@ NumberEditor::~NumberEditor()
 
 DecimalValidator *NumberEditor::decimalValidator() const
 {
-    return d->validator;
+    return d->edits.validator;
 }
 
 int NumberEditor::digits() const
 {
-    return d->validator->getDigits();
+    return d->edits.validator->getDigits();
 }
 
 void NumberEditor::setDigits(int digits)
 {
-    d->validator->setDigits(digits);
+    d->edits.validator->setDigits(digits);
 }
 
 int NumberEditor::numDigits() const
 {
-    return d->validator->getNumDigits();
+    return d->edits.validator->getNumDigits();
 }
 
 void NumberEditor::setNumDigits(int numDigits)
 {
-    d->validator->setNumDigits(numDigits);
+    d->edits.validator->setNumDigits(numDigits);
 }
 
 bool NumberEditor::getCanNegative() const
 {
-    return d->validator->getCanNegative();
+    return d->edits.validator->getCanNegative();
 }
 
 void NumberEditor::setCanNegative(bool canNegative)
 {
-    d->validator->setCanNegative(canNegative);
+    d->edits.validator->setCanNegative(canNegative);
 }
 
 bool NumberEditor::getCanBeZero() const
 {
-    return d->validator->getCanBeZero();
+    return d->edits.validator->getCanBeZero();
 }
 
 void NumberEditor::setCanBeZero(bool canBeZero)
 {
-    d->validator->setCanBeZero(canBeZero);
+    d->edits.validator->setCanBeZero(canBeZero);
 }
 
 bool NumberEditor::showsRefusals() const
 {
-    return d->showsRefusals;
+    return d->edits.showsRefusals();
 }
 
 void NumberEditor::setShowsRefusals(bool shows)
 {
-    d->showsRefusals = shows;
-    d->markDoubt();
+    d->edits.setShowsRefusals(shows);
 }
 
 QString NumberEditor::getValue() const
@@ -148,18 +117,20 @@ QString NumberEditor::getValue() const
 
 decimal NumberEditor::getDecimal() const
 {
-    return d->number && (getCanBeZero() || isValid()) ? *d->number : decimal::zero;
+    const bool isZero = !d->number || DecimalValidator::isZero(d->number->toDouble());
+    return d->number && (getCanBeZero() || !isZero) ? *d->number : decimal::zero;
 }
 
 bool NumberEditor::isValid() const
 {
-    return d->number && (getCanBeZero() || !DecimalValidator::isZero(d->number->toDouble()));
+    return d->number && NumberEntry::d->sideOf(*d->number) == 0 &&
+           (getCanBeZero() || !DecimalValidator::isZero(d->number->toDouble()));
 }
 
 QString NumberEditor::fromText(const QString &text) const
 {
     try {
-        return d->validator->textToDecimal(text).toString();
+        return d->edits.validator->textToDecimal(text).toString();
     } catch (...) {
         return text;
     }
@@ -170,7 +141,7 @@ QString NumberEditor::toText(const QString &value) const
     if (value.isEmpty())
         return QString();
     try {
-        return d->validator->decimalToText(decimal(value));
+        return d->edits.validator->decimalToText(decimal(value));
     } catch (...) {
         return value;
     }
@@ -184,9 +155,9 @@ void NumberEditor::setValue(const QString &newValue)
     const QString newText = toText(newValue);
     const bool looksNew = lacksValue || newText != toText(d->value);
     const bool wasNumber = d->number.has_value();
-    d->hold(newValue);
+    hold(newValue);
     if (wasNumber != d->number.has_value() || lacksValue || (looksNew && newText != text()))
-        d->show();
+        showValue();
 }
 
 void NumberEditor::setValue(decimal newValue)
@@ -194,211 +165,169 @@ void NumberEditor::setValue(decimal newValue)
     setValue(newValue.toString());
 }
 
+void NumberEditor::hold(const QString &newValue)
+{
+    d->value = newValue;
+    d->number.reset();
+    if (decimal::canConvert(newValue, false))
+        d->number = decimal(newValue);
+}
+
+void NumberEditor::showValue()
+{
+    const QString text = toText(d->value);
+    d->edits.show(text, d->number || text.isEmpty());
+}
+
 void NumberEditor::edit_changed(const QString &newText)
 {
+    const EditGuard &guard = d->edits.guard;
     // QLineEdit keeps what it cannot take back, and would refuse nothing from then on.
-    if (newText != d->guard.text() && d->isGuarded())
-        d->show();
-    else if (newText != d->guard.text())
-        d->read(newText);
-    const std::optional<decimal> &number = d->guard.number();
+    if (newText != guard.text() && d->edits.isGuarded())
+        showValue();
+    else if (newText != guard.text())
+        d->edits.read(newText);
+    const std::optional<decimal> &number = guard.number();
     if (number && d->number && number->word() == d->number->word() &&
         number->scale() == d->number->scale())
         return;
-    const QString newValue = d->guard.value();
+    const QString newValue = guard.value();
     if (newValue == d->value)
         return;
-    d->hold(newValue);
+    hold(newValue);
     Q_EMIT changedValue(newValue);
-}
-
-// What QLineEdit reports with the text before or after an edit; see Private::judge().
-EditGuard::Edit NumberEditor::Private::editOf(const QString &text, int caret) const
-{
-    EditGuard::Edit edit{text, caret, 0, by, isCut};
-    const QString &before = guard.text();
-    // A text that the program sets comes without a history; undoing leads back in it.
-    if (!q->isUndoAvailable() && !q->isRedoAvailable())
-        edit.by = EditGuard::Program;
-    else if (q->isRedoAvailable())
-        edit.by = EditGuard::History;
-    if (edit.by == EditGuard::Program || edit.by == EditGuard::History)
-        return edit;
-    edit.inserted = composed >= 0 ? composed : text.size() - (before.size() - selected);
-    edit.inserted = qBound(0, edit.inserted, caret);
-    const QStringView all(text);
-    if (!before.startsWith(all.left(caret - edit.inserted)) || !before.endsWith(all.mid(caret)))
-        edit.inserted = edit.caret = text.size();
-    return edit;
-}
-
-QValidator::State NumberEditor::Private::judge(QString &input, int &pos)
-{
-    if (input == guard.text())
-        return guard.state();
-    const EditGuard::Edit edit = editOf(input, pos);
-    const QString before = guard.text();
-    const QString doubt = guard.doubt();
-    const bool wasMarked = guard.isMarked();
-    // setMaxLength() cuts what is shown.
-    if (edit.by == EditGuard::Program && input.size() == q->maxLength() &&
-        before.startsWith(input)) {
-        guard.showForeign(input, EditGuard::wordOfLength());
-        markDoubt();
-        return guard.state();
-    }
-    const EditGuard::Verdict verdict = guard.judge(edit, q->maxLength());
-    isCut = false;
-    noteReason(verdict.reason);
-    // A key that changes nothing does not end QLineEdit's history.
-    const bool isVain = verdict.text == before && before.size() + edit.inserted == input.size() &&
-                        edit.inserted > 0 && verdict.caret == pos - edit.inserted &&
-                        guard.doubt() == doubt && guard.isMarked() == wasMarked;
-    if (!verdict.isTaken || isVain) {
-        refused = input;
-        return QValidator::Invalid;
-    }
-    if (verdict.text != input)
-        guard.endHistory();
-    input = verdict.text;
-    pos = verdict.caret;
-    if (guard.isMarked() && !wasMarked && edit.by != EditGuard::Program)
-        noteReason(guard.doubt());
-    markDoubt();
-    // Undo selects without selectionChanged().
-    selected = q->selectedText().size();
-    return guard.state();
-}
-
-// Silently, and whole.
-void NumberEditor::Private::show()
-{
-    const QString text = q->toText(value);
-    const bool wasBlocked = q->blockSignals(true);
-    if (text.size() > q->maxLength())
-        q->setMaxLength(text.size());
-    if (number || text.isEmpty())
-        guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
-    else
-        guard.showForeign(text);
-    q->setText(guard.text());
-    q->blockSignals(wasBlocked);
-    selected = 0;
-    markDoubt();
-}
-
-// Whatever another validator lets through.
-void NumberEditor::Private::read(const QString &text)
-{
-    guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
-    markDoubt();
-}
-
-void NumberEditor::Private::hold(const QString &newValue)
-{
-    value = newValue;
-    number.reset();
-    if (decimal::canConvert(value, false))
-        number = decimal(value);
-}
-
-void NumberEditor::Private::markDoubt()
-{
-    notice->setDoubt(guard.isMarked() && showsRefusals ? guard.doubt() : QString());
-}
-
-// QLineEdit says so before it asks about a text that it cut, and after it was told to refuse one.
-void NumberEditor::Private::noteCut()
-{
-    if (q->text() == refused)
-        refused.clear();
-    else if (q->text() != guard.text())
-        isCut = true;
-    else if (guard.text().size() >= q->maxLength())
-        noteReason(EditGuard::wordOfLength());
-}
-
-// The edit is not over yet.
-void NumberEditor::Private::noteReason(const QString &newReason)
-{
-    if (newReason.isEmpty())
-        return;
-    reason = newReason;
-    QTimer::singleShot(0, q, &NumberEditor::sayRefusal);
 }
 
 void NumberEditor::sayRefusal()
 {
-    const QString reason = std::exchange(d->reason, {});
+    const QString reason = d->edits.takeReason();
     if (reason.isEmpty())
         return;
-    if (d->showsRefusals)
-        d->notice->say(reason, cursorRect().bottomLeft());
+    if (showsRefusals())
+        d->edits.notice->say(reason, cursorRect().bottomLeft());
     Q_EMIT refused(reason);
 }
 
-QValidator::State NumberEditor::Judge::validate(QString &input, int &pos) const
+void NumberEditor::copy() const
 {
-    return input == m_editor->text() ? m_editor->d->judge(input, pos)
-                                     : DecimalValidator::validate(input, pos);
+    if (!d->edits.isGuarded() || echoMode() != Normal)
+        QLineEdit::copy();
+    else if (hasSelectedText())
+        QGuiApplication::clipboard()->setText(d->edits.guard.ungrouped(selectedText()));
+}
+
+void NumberEditor::cut()
+{
+    if (!hasSelectedText() || isReadOnly())
+        return;
+    copy();
+    del();
+    sayRefusal();
 }
 
 void NumberEditor::paste()
 {
-    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    const QScopedValueRollback<EditGuard::By> by(d->edits.by, EditGuard::Insertion);
     QLineEdit::paste();
     sayRefusal();
 }
 
 void NumberEditor::undo()
 {
-    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::History);
-    QLineEdit::undo();
+    if (!d->edits.isGuarded())
+        QLineEdit::undo();
+    else if (isUndoAvailable())
+        d->edits.undo();
 }
 
-// QLineEdit may put the caret behind the end. And behind the redone removal of a selection, as long
-// as it remembers that, it takes a refused key back by too many steps, and leaves digits and NULs
-// that were never typed. To set the caret mends both.
 void NumberEditor::redo()
 {
-    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::History);
-    QLineEdit::redo();
-    setCursorPosition(qMin(cursorPosition(), int(text().size())));
+    if (!d->edits.isGuarded())
+        QLineEdit::redo();
+    else if (isRedoAvailable())
+        d->edits.redo();
+}
+
+bool NumberEditor::isUndoAvailable() const
+{
+    return d->edits.isGuarded() ? !isReadOnly() && d->edits.history().canUndo()
+                                : QLineEdit::isUndoAvailable();
+}
+
+bool NumberEditor::isRedoAvailable() const
+{
+    return d->edits.isGuarded() ? !isReadOnly() && d->edits.history().canRedo()
+                                : QLineEdit::isRedoAvailable();
+}
+
+// Undo and Redo come first, and only where the text may be edited.
+QMenu *NumberEditor::createStandardContextMenu()
+{
+    QMenu *const menu = QLineEdit::createStandardContextMenu();
+    const QList<QAction *> actions = menu->actions();
+    if (!isReadOnly() && actions.size() > 1) {
+        actions.at(0)->setEnabled(isUndoAvailable());
+        actions.at(1)->setEnabled(isRedoAvailable());
+    }
+    return menu;
+}
+
+void NumberEditor::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu *const menu = createStandardContextMenu();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
 }
 
 void NumberEditor::keyPressEvent(QKeyEvent *event)
 {
     const bool isModifier = event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
     if (!isModifier)
-        d->notice->unsay();
-    if (isReadOnly())
+        d->edits.notice->unsay();
+    if (event->matches(QKeySequence::Copy))
+        copy();
+    else if (isReadOnly())
         QLineEdit::keyPressEvent(event);
-    else if (event->matches(QKeySequence::Undo))
-        undo();
-    else if (event->matches(QKeySequence::Redo))
-        redo();
-    else if (event->matches(QKeySequence::Paste))
-        paste();
-    else
+    else if (!doDeed(event))
         typeKey(event);
+}
+
+// What is done with the text as a whole.
+bool NumberEditor::doDeed(QKeyEvent *event)
+{
+    static const QPair<QKeySequence::StandardKey, void (NumberEditor::*)()> deeds[] = {
+        {QKeySequence::Undo, &NumberEditor::undo},
+        {QKeySequence::Redo, &NumberEditor::redo},
+        {QKeySequence::Cut, &NumberEditor::cut},
+        {QKeySequence::Paste, &NumberEditor::paste}};
+    for (const auto &deed : deeds) {
+        if (event->matches(deed.first)) {
+            (this->*deed.second)();
+            return true;
+        }
+    }
+    const bool isBackspace = event->key() == Qt::Key_Backspace && !event->modifiers();
+    if (isBackspace && d->edits.isGuarded() && d->edits.undoMultiplication())
+        return true;
+    const int steps = stepsOfKey(*event);
+    const bool isStep = steps != 0 && d->edits.step(steps);
+    if (isStep)
+        sayRefusal();
+    return isStep;
 }
 
 void NumberEditor::typeKey(QKeyEvent *event)
 {
     const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
-    const bool isDelete = event->matches(QKeySequence::Delete);
-    if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
-        d->isGuarded() && d->guard.isGroup(cursorPosition())) {
+    if (event->matches(QKeySequence::DeleteEndOfWord) && !hasSelectedText() &&
+        d->edits.isGuarded() && d->edits.guard.isGroup(cursorPosition()))
         cursorForward(false);
-        if (isDelete)
-            return;
-    }
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        d->noteReason(d->guard.doubt());
-    const QScopedValueRollback<EditGuard::By> by(d->by, isPoint ? EditGuard::KeypadPoint
-                                                        : event->text().isEmpty()
-                                                            ? EditGuard::Insertion
-                                                            : EditGuard::Key);
+        d->edits.finish();
+    const QScopedValueRollback<EditGuard::By> by(d->edits.by, isPoint ? EditGuard::KeypadPoint
+                                                              : event->text().isEmpty()
+                                                                  ? EditGuard::Insertion
+                                                                  : EditGuard::Key);
     if (isPoint)
         typeSystemPoint(event);
     else
@@ -415,13 +344,23 @@ void NumberEditor::typeSystemPoint(QKeyEvent *event)
     event->setAccepted(typed.isAccepted());
 }
 
+void NumberEditor::wheelEvent(QWheelEvent *event)
+{
+    const bool isStepping = hasFocus() && !isReadOnly() && wheelSteps();
+    const int notches = isStepping ? d->wheel.notchesOf(*event) : 0;
+    if (notches != 0)
+        d->edits.step(notches * (event->modifiers() & Qt::ControlModifier ? 100 : 1));
+    event->setAccepted(isStepping && NumberEntry::d->step.number);
+    sayRefusal();
+}
+
 // A character that comes from an input method alone is typed.
 void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
 {
     const int size = event->commitString().size();
-    const QScopedValueRollback<EditGuard::By> by(d->by,
+    const QScopedValueRollback<EditGuard::By> by(d->edits.by,
                                                  size == 1 ? EditGuard::Key : EditGuard::Insertion);
-    const QScopedValueRollback<int> composed(d->composed, size);
+    const QScopedValueRollback<int> composed(d->edits.composed, size);
     const QString before = text();
     const int caret = hasSelectedText() ? -1 : cursorPosition();
     QLineEdit::inputMethodEvent(event);
@@ -431,33 +370,41 @@ void NumberEditor::inputMethodEvent(QInputMethodEvent *event)
     sayRefusal();
 }
 
+void NumberEditor::mousePressEvent(QMouseEvent *event)
+{
+    d->click.press(*event);
+    QLineEdit::mousePressEvent(event);
+}
+
 // The middle button pastes.
 void NumberEditor::mouseReleaseEvent(QMouseEvent *event)
 {
-    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    const QScopedValueRollback<EditGuard::By> by(d->edits.by, EditGuard::Insertion);
     QLineEdit::mouseReleaseEvent(event);
+    if (d->click.release(*event) && !hasSelectedText())
+        selectAll();
     sayRefusal();
 }
 
 void NumberEditor::dropEvent(QDropEvent *event)
 {
-    const QScopedValueRollback<EditGuard::By> by(d->by, EditGuard::Insertion);
+    const QScopedValueRollback<EditGuard::By> by(d->edits.by, EditGuard::Insertion);
     QLineEdit::dropEvent(event);
     sayRefusal();
+}
+
+void NumberEditor::focusInEvent(QFocusEvent *event)
+{
+    d->click.enter(event->reason());
+    QLineEdit::focusInEvent(event);
 }
 
 void NumberEditor::focusOutEvent(QFocusEvent *event)
 {
     const bool leaves =
         event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason;
-    if (leaves && !isReadOnly()) {
-        if (!d->guard.isMarked())
-            d->noteReason(d->guard.doubt());
-        d->guard.leave();
-        d->markDoubt();
-        if (d->guard.isBare())
-            clear();
-    }
+    if (leaves && !isReadOnly())
+        d->edits.leave();
     QLineEdit::focusOutEvent(event);
     if (leaves)
         sayRefusal();

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <formkit/formkit_export.h>
+#include <formkit/numberentry.h>
 #include <hostapi/decimal.h>
 
-#include <QLineEdit>
-
-#include <memory>
-
 class DecimalValidator;
+class NumberEdits;
+class QMenu;
 
 /// A line edit for a decimal number. Value is the number in system form ("-1234.50"); the user
 /// sees and types it in the locale of the editor's validator, regrouped while typing. What is
@@ -20,9 +18,16 @@ class DecimalValidator;
 /// - setValue() shows a number in full, beyond all limits, maxLength() included. A value in no
 ///   system form is shown as it is.
 /// - A text that is not the amount that it looks like is marked, and isValid() is false, until it
-///   is replaced or edited so that it is one. The field's tool tip says why.
+///   is replaced or edited so that it is one. The field's tool tip says why. A number outside
+///   Minimum and Maximum is marked, too, and is the value all the same.
 /// - A field with only a sign, a point or blanks has no value. It is emptied on leaving.
-class FORMKIT_EXPORT NumberEditor : public QLineEdit
+///
+/// Unlike a QLineEdit: undo and redo know whole edits, and what the program sets begins a new
+/// history; what is copied and cut has no group separators; the first left click selects all;
+/// Backspace after a separator, and Delete in front of one, delete the digit next to it; the point
+/// cannot be deleted alone while digits stand after it. Where there is a Step, Up and Down change
+/// the number by one, Page Up and Page Down by ten, and each of them with Ctrl by a hundred.
+class FORMKIT_EXPORT NumberEditor : public NumberEntry
 {
     Q_OBJECT
     Q_CLASSINFO("Properties", "thisOnly")
@@ -68,7 +73,8 @@ public:
     QString getValue() const;
     /// The value as a number; zero when there is none.
     decimal getDecimal() const;
-    /// Whether the form may be sent: the value is a number and, unless CanBeZero, not zero. A field
+    /// Whether the form may be sent: the value is a number within Minimum and Maximum and, unless
+    /// CanBeZero, not zero. A field
     /// that may be left out is in order when its text is empty, too; its value is also empty while
     /// the text is in doubt.
     bool isValid() const;
@@ -78,16 +84,24 @@ public:
     QString fromText(const QString &text) const;
     QString toText(const QString &value) const;
 
+    /// QLineEdit's, of this editor's own history.
+    bool isUndoAvailable() const;
+    bool isRedoAvailable() const;
+    /// QLineEdit's, with this editor's undo and redo.
+    QMenu *createStandardContextMenu();
+
 public Q_SLOTS:
     /// Shows a value given in system form. Silent: changedValue() is for what the user does, and
     /// textChanged() does not come either. An equal value leaves the text and the caret alone,
     /// unless the text is none that has a value.
     void setValue(const QString &newValue);
     void setValue(decimal newValue);
-    /// QLineEdit's, for the keys, the context menu and callers; a refused paste says why.
+    /// QLineEdit's, for the keys, the context menu and callers; a refused paste says why. Undo and
+    /// redo put caret and selection back, too.
+    void copy() const;
+    void cut();
     void paste();
     void undo();
-    /// Leaves nothing selected.
     void redo();
 
 Q_SIGNALS:
@@ -102,18 +116,25 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private Q_SLOTS:
     void edit_changed(const QString &newText);
 
 private:
-    class Judge;
+    friend class NumberEdits;
     struct Private;
 
     void sayRefusal();
+    void hold(const QString &newValue);
+    void showValue();
+    bool doDeed(QKeyEvent *event);
     void typeKey(QKeyEvent *event);
     void typeSystemPoint(QKeyEvent *event);
 

@@ -73,6 +73,13 @@ QString NumberText::written() const
     return out;
 }
 
+QChar withoutDash(QChar c, const LocaleSymbols &symbols)
+{
+    constexpr ushort Hyphen = 0x2010, LongDash = 0x2014, Minus = 0x2212;
+    const bool isDash = c == QChar(Minus) || (c >= QChar(Hyphen) && c <= QChar(LongDash));
+    return isDash && !symbols.minus().isEmpty() ? symbols.minus().back() : c;
+}
+
 int countUngrouped(QStringView text, const LocaleSymbols &symbols)
 {
     return int(std::count_if(text.begin(), text.end(), [&symbols](QChar c) {

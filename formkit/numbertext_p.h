@@ -44,6 +44,8 @@ private:
     bool m_negative = false;
 };
 
+/// The locale's minus for the typographic minus and for a dash, any other character as it is.
+QChar withoutDash(QChar c, const LocaleSymbols &symbols);
 /// How many characters of the text are no group separators.
 int countUngrouped(QStringView text, const LocaleSymbols &symbols);
 /// The place after as many characters as `count` says, separators not counted.

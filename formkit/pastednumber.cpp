@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "pastednumber_p.h"
 
+#include "multiplier_p.h"
+#include "numberrules_p.h"
+
 #include <QSet>
 
 #include <algorithm>
@@ -48,16 +51,45 @@ int currencySize(QStringView text, bool inFront)
                                                                                           : 0;
 }
 
+QStringView withoutCurrency(QStringView text)
+{
+    const int before = currencySize(text, true);
+    if (before > 0)
+        return trimmed(text.mid(before));
+    return trimmed(text.left(text.size() - currencySize(text, false)));
+}
+
+// Digits of the unit and of the number must not meet: "lots of 105" is not 5 lots of 10.
+QStringView withoutUnit(QStringView text, const QString &unit)
+{
+    const int size = unit.size();
+    const int rest = int(text.size()) - size;
+    const auto meet = [](QChar a, QChar b) { return a.isDigit() && b.isDigit(); };
+    if (size == 0 || rest <= 0)
+        return text;
+    if (text.startsWith(unit, Qt::CaseInsensitive) && !meet(unit.back(), text.at(size)))
+        return trimmed(text.mid(size));
+    if (text.endsWith(unit, Qt::CaseInsensitive) && !meet(text.at(rest - 1), unit.front()))
+        return trimmed(text.left(rest));
+    return text;
+}
+
 } // namespace
 
-PastedNumber::PastedNumber(QStringView text, const QLocale &locale, const LocaleSymbols &symbols)
+PastedNumber::PastedNumber(QStringView text, const QLocale &locale, const LocaleSymbols &symbols,
+                           const NumberRules &rules, bool isWhole)
     : m_symbols(symbols)
 {
     QStringView number = trimmed(text);
     bool hasSign = readSign(&number);
-    number = withoutCurrency(number);
+    number = rules.hasUnit() ? withoutUnit(withoutUnit(number, rules.suffix), rules.prefix)
+                             : withoutCurrency(number);
     if (!hasSign)
         hasSign = readSign(&number);
+    const int places =
+        rules.multipliers && isWhole && !number.isEmpty() ? placesOfSuffix(number.back()) : 0;
+    if (places > 0)
+        number = trimmed(number.left(number.size() - 1));
     const bool hasDigit = std::any_of(number.begin(), number.end(),
                                       [&](QChar c) { return symbols.digitValue(c) >= 0; });
     const int foreign = foreignPoint(number, locale);
@@ -69,6 +101,8 @@ PastedNumber::PastedNumber(QStringView text, const QLocale &locale, const Locale
         readGroups(number);
     if (!m_reason.isEmpty())
         m_number.clear();
+    else if (places > 0)
+        m_number = multiplied(NumberText(m_number, symbols), places, symbols);
 }
 
 bool PastedNumber::isForeignPoint(QChar c, const QLocale &locale, const LocaleSymbols &symbols)
@@ -97,20 +131,13 @@ bool PastedNumber::readSign(QStringView *text)
 {
     if (text->isEmpty())
         return false;
-    const LocaleSymbols::Kind kind = m_symbols.kindOf(text->front());
+    const QChar sign = withoutDash(text->front(), m_symbols);
+    const LocaleSymbols::Kind kind = m_symbols.kindOf(sign);
     if (kind != LocaleSymbols::Minus && kind != LocaleSymbols::Plus)
         return false;
-    m_number += text->front();
+    m_number += sign;
     *text = trimmed(text->mid(1));
     return true;
-}
-
-QStringView PastedNumber::withoutCurrency(QStringView text)
-{
-    const int before = currencySize(text, true);
-    if (before > 0)
-        return trimmed(text.mid(before));
-    return trimmed(text.left(text.size() - currencySize(text, false)));
 }
 
 // Names the first character that no number has, a blank only if there is nothing else.

@@ -5,16 +5,20 @@
 
 #include <QCoreApplication>
 
+struct NumberRules;
+
 /// Reads a number that comes at one go, as a spreadsheet's cell or a message brings it: with
 /// blanks around it, one currency sign or ISO 4217 code in front or after, and groups. What could
-/// be two amounts is none, and the reason says so.
+/// be two amounts is none, and the reason says so. In a field with a unit, that one may stand where
+/// a currency may elsewhere; where suffixes multiply, a number that comes alone may end in one.
 class PastedNumber
 {
     Q_DECLARE_TR_FUNCTIONS(NumberEditor)
 
 public:
-    /// The locale is that of the symbols.
-    PastedNumber(QStringView text, const QLocale &locale, const LocaleSymbols &symbols);
+    /// The locale is that of the symbols. `isWhole` says that nothing else will stand in the field.
+    PastedNumber(QStringView text, const QLocale &locale, const LocaleSymbols &symbols,
+                 const NumberRules &rules, bool isWhole);
 
     /// The sign, digits and point that the text says, without groups; empty when there is a
     /// reason. It may lack what stands in front of a point, and may be far too long.
@@ -29,7 +33,6 @@ public:
 
 private:
     bool readSign(QStringView *text);
-    QStringView withoutCurrency(QStringView text);
     bool refuseOthers(QStringView number);
     int foreignPoint(QStringView number, const QLocale &locale) const;
     void readForeign(QStringView number, int place);

@@ -1,46 +1,22 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "properties.h"
 
+#include "bindinginfo_p.h"
+#include "bindings_p.h"
 #include "doing_p.h"
-
-#include <hostapi/decimal.h>
+#include "firstfailure_p.h"
+#include "programvalues_p.h"
 
 #include <QDebug>
-#include <QMetaProperty>
+#include <QSet>
 #include <QTimer>
 
 #include <algorithm>
-#include <exception>
-#include <limits>
 
 namespace {
 
-const char *const classInfoName = "Properties";
-
-QByteArray classInfo(const QMetaObject *meta)
-{
-    const int index = meta->indexOfClassInfo(classInfoName);
-    return index < 0 ? QByteArray() : QByteArray(meta->classInfo(index).value());
-}
-
-bool bindsOwnProperties(const QByteArray &info)
-{
-    return info == "this" || info == "thisOnly";
-}
-
-bool endsWalk(const QByteArray &info)
-{
-    return info == "thisOnly";
-}
-
-// The properties that the class itself declares, not those of its bases.
-QList<QByteArray> ownProperties(const QMetaObject *meta)
-{
-    QList<QByteArray> names;
-    for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i)
-        names << meta->property(i).name();
-    return names;
-}
+using Key = Properties::Key;
+using Keys = Bindings::Keys;
 
 // -1 when there is no such property, or no object.
 int indexOf(const QByteArray &property, const QObject *object)
@@ -53,116 +29,93 @@ QString propertyName(const QByteArray &property)
     return QString::fromLatin1(property.constData());
 }
 
-int notifySignal(const Properties::Key &key)
-{
-    return key.object->metaObject()->property(key.index).notifySignalIndex();
-}
-
-QMetaMethod changedSlot(const Properties *hub)
-{
-    const QMetaObject *meta = hub->metaObject();
-    return meta->method(meta->indexOfSlot("propertyChanged()"));
-}
-
-QMetaProperty propertyOf(const Properties::Key &key)
-{
-    return key.object->metaObject()->property(key.index);
-}
-
-bool isIdProperty(const Properties::Key &key)
-{
-    return QByteArray(propertyOf(key).name()).endsWith("Id");
-}
-
-// What is no number counts as the same.
-bool isSameNumber(const QString &given, const QString &answer)
-{
-    return !decimal::canConvert(given, false) || !decimal::canConvert(answer, false) ||
-           decimal(given) == decimal(answer);
-}
-
 // How often properties may answer one write of their name with yet another value.
 constexpr int MaxAnswers = 20;
 
-// Lets all steps be taken before the first exception among them goes on.
-class FirstFailure
-{
-public:
-    template <typename Step> void attempt(Step step)
-    {
-        try {
-            step();
-        } catch (...) {
-            if (!m_first)
-                m_first = std::current_exception();
-        }
-    }
-    void rethrow() const
-    {
-        if (m_first)
-            std::rethrow_exception(m_first);
-    }
-
-private:
-    std::exception_ptr m_first;
-};
-
 } // namespace
 
-// A write of one name to its properties.
-struct Properties::Write
+struct Q_DECL_HIDDEN Properties::Private
 {
-    Write(Properties *properties, const QString &written)
-        : hub(properties), name(written), outer(std::exchange(properties->m_write, this))
+    struct Write;
+
+    explicit Private(Properties *properties);
+
+    bool bindOwn(QObject *object, const BindingInfo &info);
+    void bind(const QString &name, const Key &key);
+    void listen(const QString &name, const Key &key);
+    QMetaMethod changedSlot() const;
+    void write(const QString &name, const QString &value, const Key &from);
+    bool supersede(const QString &name, const Key &from);
+    void reportLater();
+    template <typename... Deeds> void forEachName(Values all, Deeds... deeds);
+    bool isWritable(const QString &name) const;
+
+    Properties *const q;
+    QTimer *const changeTimer;
+    Bindings bindings;
+    Values values;
+    ProgramValues given{bindings};
+    Write *innermost = nullptr; // of the writes under way, null if there is none
+};
+
+// A write of one name to its properties. A property that answers with another value starts a
+// further write inside this one.
+struct Properties::Private::Write
+{
+    Write(Private *hub, const QString &written)
+        : properties(hub->q), name(written), outer(std::exchange(hub->innermost, this))
     {
     }
     ~Write()
     {
-        if (hub)
-            hub->m_write = outer;
+        if (properties)
+            properties->d->innermost = outer;
     }
     Q_DISABLE_COPY(Write)
 
-    // The name got another value since, which everybody has been handed but the object whose
-    // property answered with it; null when the program set it.
+    // The name has another value since then. An inner write has handed it to all objects but the
+    // one whose property answered with it (none when the program set it).
     void supersede(const Key &answer)
     {
-        superseded = true;
+        isSuperseded = true;
         answered = answer;
     }
     bool isLeftFor(const Key &key) const
     {
-        return !superseded || (key.object == answered.object && key.index != answered.index);
+        return !isSuperseded || (key.object == answered.object && key.index != answered.index);
     }
 
-    const QPointer<Properties> hub;
+    const QPointer<Properties> properties; // null when the hub has died during the write
     const QString name;
     Write *const outer;
-    bool superseded = false;
+    bool isSuperseded = false;
     Key answered;
     int answers = 0;
 };
 
-Properties::Properties(QObject *parent) : QObject(parent), m_changeTimer(new QTimer(this))
+Properties::Private::Private(Properties *properties)
+    : q(properties), changeTimer(new QTimer(properties))
 {
-    m_changeTimer->setSingleShot(true);
-    m_changeTimer->setInterval(0);
-    connect(m_changeTimer, &QTimer::timeout, this, &Properties::hasChanged);
+    changeTimer->setSingleShot(true);
+    changeTimer->setInterval(0);
+    connect(changeTimer, &QTimer::timeout, q, &Properties::hasChanged);
 }
+
+Properties::Properties(QObject *parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
 
 Properties::~Properties() = default;
 
 bool Properties::connectOne(const QString &name, QObject *object, const QByteArray &property)
 {
-    const int index = indexOf(property, object);
-    if (index < 0) {
+    const Key key{object, indexOf(property, object)};
+    if (key.index < 0) {
         qWarning() << "Properties::connect: property" << property << "not found for object"
                    << object;
         return false;
     }
-    forgetStranger(object);
-    bind(name, object, index);
-    listen(name, {object, index});
+    d->bindings.forgetDead(object);
+    d->bind(name, key);
+    d->listen(name, key);
     return true;
 }
 
@@ -171,116 +124,82 @@ bool Properties::connectOne(QObject *object, const QByteArray &property)
     return connectOne(propertyName(property), object, property);
 }
 
-void Properties::bind(const QString &name, QObject *object, int propertyIndex)
+void Properties::Private::bind(const QString &name, const Key &key)
 {
-    m_bindings.insert(name, {object, propertyIndex});
-    ++m_bindingChanges;
-    Bound &bound = m_bound[object];
-    bound.object = object;
-    bound.names.insert(name);
-    connect(object, &QObject::destroyed, this, &Properties::forget, Qt::UniqueConnection);
+    bindings.bind(name, key);
+    connect(key.object, &QObject::destroyed, q, &Properties::forget, Qt::UniqueConnection);
 }
 
-bool Properties::isAlive(QObject *object) const
+void Properties::forget(QObject *object)
 {
-    const auto bound = m_bound.constFind(object);
-    return bound != m_bound.constEnd() && bound->object;
+    d->bindings.forget(object);
 }
 
-// One that has cut its own connections dies unheard; another may stand at its address then.
-void Properties::forgetStranger(QObject *object)
+QMetaMethod Properties::Private::changedSlot() const
 {
-    if (m_bound.contains(object) && !isAlive(object))
-        forget(object);
+    const QMetaObject *meta = q->metaObject();
+    return meta->method(meta->indexOfSlot("propertyChanged()"));
 }
 
 // Connects the property's notify signal, if it has one, and brings hub and property to one
 // value.
-void Properties::listen(const QString &name, const Key &key)
+void Properties::Private::listen(const QString &name, const Key &key)
 {
-    const QMetaProperty property = key.object->metaObject()->property(key.index);
+    const QMetaProperty property = propertyOf(key);
     if (property.hasNotifySignal()) {
-        m_notifyKeys[{key.object, property.notifySignalIndex()}] = key;
-        m_keyNames[key] = name;
-        connect(key.object, property.notifySignal(), this, changedSlot(this),
+        bindings.listen(name, key);
+        connect(key.object, property.notifySignal(), q, changedSlot(),
                 Qt::ConnectionType(Qt::AutoConnection | Qt::UniqueConnection));
     }
-    if (m_values.contains(name)) {
+    if (values.contains(name)) {
         const Doing binding(Doing::Program);
         Write current(this, name);
-        property.write(key.object, m_values.value(name));
+        property.write(key.object, values.value(name));
     } else if (property.hasNotifySignal()) {
-        m_values.insert(name, property.read(key.object).toString());
+        values.insert(name, property.read(key.object).toString());
     }
-}
-
-// `bound` are the properties of the object that connectAll() binds.
-Properties::Aliases Properties::aliasesOf(QObject *object, const QList<QByteArray> &bound)
-{
-    Aliases aliases;
-    const QList<QByteArray> dynamic = object->dynamicPropertyNames();
-    if (dynamic.contains("field")) {
-        const QMetaProperty user = object->metaObject()->userProperty();
-        const QByteArray property = user.isReadable() ? QByteArray(user.name()) : "Value";
-        aliases.insert(property, object->property("field").toString());
-    }
-    if (dynamic.contains("fields")) {
-        const QStringList pairs = object->property("fields").toString().split(QLatin1Char(' '));
-        for (const QString &pair : pairs) {
-            const QStringList pieces = pair.split(QLatin1Char('='));
-            const QByteArray property = pieces.value(1).toLatin1();
-            if (bound.contains(property))
-                aliases.insert(property, pieces.first());
-            else if (!pair.isEmpty())
-                qWarning() << "Properties::connectAll: no property for" << pair
-                           << "in the fields of" << object;
-        }
-    }
-    return aliases;
 }
 
 bool Properties::connectAll(QObject *object)
 {
     if (!object)
         return false;
-    const QMetaObject *meta = object->metaObject();
-    QByteArray info = classInfo(meta);
-    while (info == "super" && meta->superClass()) {
-        meta = meta->superClass();
-        info = classInfo(meta);
-    }
-
-    forgetStranger(object);
-    bool anyBound = false;
+    d->bindings.forgetDead(object);
     const QPointer<Properties> hub(this);
     const QPointer<QObject> alive(object);
-    if (bindsOwnProperties(info)) {
-        const QList<QByteArray> properties = ownProperties(meta);
-        const Aliases aliases = aliasesOf(object, properties);
-        for (const QByteArray &property : properties) {
-            const QString name = aliases.value(property, propertyName(property));
-            if (!m_objectNames.contains(object, name))
-                m_objectNames.insert(object, name);
-            const Key key{object, object->metaObject()->indexOfProperty(property)};
-            if (!m_bindings.contains(name, key))
-                bind(name, object, key.index);
-            listen(name, key);
-            anyBound = true;
-            if (!hub || !alive)
-                return anyBound;
-        }
-    }
-    if (!endsWalk(info)) {
-        // The children at the start of the walk: writing into one may destroy another.
-        QVarLengthArray<QPointer<QObject>, 16> children;
-        for (QObject *child : object->children())
-            children.append(child);
-        for (const QPointer<QObject> &child : children) {
-            if (hub)
-                anyBound |= connectAll(child);
-        }
+    const BindingInfo info = BindingInfo::followingSuper(object);
+    bool anyBound = d->bindOwn(object, info);
+    if (!hub || !alive || info.endsWalk())
+        return anyBound;
+    // The children at the start of the walk: writing into one may destroy another.
+    QVarLengthArray<QPointer<QObject>, 16> children;
+    for (QObject *child : object->children())
+        children.append(child);
+    for (const QPointer<QObject> &child : children) {
+        if (hub)
+            anyBound |= connectAll(child);
     }
     return anyBound;
+}
+
+// True when there are properties to bind. Hub or object may be destroyed on the way.
+bool Properties::Private::bindOwn(QObject *object, const BindingInfo &info)
+{
+    const QPointer<Properties> hub(q);
+    const QPointer<QObject> alive(object);
+    const BindingInfo::Aliases aliases = info.aliasesOf(object);
+    const QList<QByteArray> properties = info.propertiesOf(object);
+    for (const QByteArray &property : properties) {
+        if (!hub || !alive)
+            break;
+        const QString name = aliases.value(property, propertyName(property));
+        bindings.addObjectName(object, name);
+        const Key key{object, indexOf(property, object)};
+        if (!bindings.isBound(name, key))
+            bind(name, key);
+        listen(name, key);
+    }
+    return !properties.isEmpty();
 }
 
 bool Properties::disconnectOne(const QString &name, QObject *object, const QByteArray &property)
@@ -291,18 +210,10 @@ bool Properties::disconnectOne(const QString &name, QObject *object, const QByte
                    << object;
         return false;
     }
-    m_bindings.remove(name, key);
-    ++m_bindingChanges;
-    const auto isOfObject = [object](const Key &bound) { return bound.object == object; };
-    const auto ofName = qAsConst(m_bindings).equal_range(name);
-    if (m_bound.contains(object) && std::none_of(ofName.first, ofName.second, isOfObject))
-        m_bound[object].names.remove(name);
-    const int notify = notifySignal(key);
-    if (notify >= 0) {
-        m_notifyKeys.remove({object, notify});
-        m_keyNames.remove(key);
-        disconnect(object, object->metaObject()->method(notify), this, changedSlot(this));
-    }
+    d->bindings.unbind(name, key);
+    d->bindings.stopListening(key);
+    if (propertyOf(key).hasNotifySignal())
+        disconnect(object, propertyOf(key).notifySignal(), this, d->changedSlot());
     return true;
 }
 
@@ -316,13 +227,11 @@ bool Properties::disconnectAll(QObject *object)
     if (!object)
         return false;
     bool anyUnbound = false;
-    const QByteArray info = classInfo(object->metaObject());
-    if (bindsOwnProperties(info)) {
-        const QList<QByteArray> properties = ownProperties(object->metaObject());
-        for (const QByteArray &property : properties)
-            anyUnbound |= disconnectOne(object, property);
-    }
-    if (!endsWalk(info)) {
+    const BindingInfo info(object);
+    const QList<QByteArray> properties = info.propertiesOf(object);
+    for (const QByteArray &property : properties)
+        anyUnbound |= disconnectOne(object, property);
+    if (!info.endsWalk()) {
         for (QObject *child : object->children())
             anyUnbound |= disconnectAll(child);
     }
@@ -331,31 +240,38 @@ bool Properties::disconnectAll(QObject *object)
 
 void Properties::setValue(const QString &name, const QString &value)
 {
-    // The hub may be gone behind the write, and the write may throw.
-    reportLater();
-    const auto held = m_values.constFind(name);
-    const QString old = held == m_values.constEnd() ? QString() : held->toString();
+    // First of all: the write may throw, or destroy the hub.
+    d->reportLater();
+    const auto held = d->values.constFind(name);
+    const bool isHeld = held != d->values.constEnd();
+    const QString old = isHeld ? held->toString() : QString();
     const Doing program = Doing::programTakesOver();
-    if (held != m_values.constEnd() || !value.isEmpty())
-        m_given.insert(name, value);
+    if (isHeld || !value.isEmpty())
+        d->given.set(name, value);
     if (old != value)
-        write(name, value, {});
+        d->write(name, value, {});
 }
 
-// A running timer is left alone: started anew by each turn of a busy feed, it would never end.
-void Properties::reportLater()
+Values Properties::values() const
 {
-    if (!m_changeTimer->isActive())
-        m_changeTimer->start();
+    return d->values;
 }
 
-// What hears of one value may change the caller's map, or destroy the hub.
-template <typename... Deeds> void Properties::forEachName(Values values, Deeds... deeds)
+// A timer that runs is not started again: when every turn of the event loop brings a change, it
+// would never end.
+void Properties::Private::reportLater()
 {
-    const QPointer<Properties> alive(this);
+    if (!changeTimer->isActive())
+        changeTimer->start();
+}
+
+// Takes the values by copy: who hears of one may change the caller's map, or destroy the hub.
+template <typename... Deeds> void Properties::Private::forEachName(Values all, Deeds... deeds)
+{
+    const QPointer<Properties> alive(q);
     FirstFailure failure;
     const auto toAll = [&](const auto &deed) {
-        for (auto entry = values.cbegin(); entry != values.cend() && alive; ++entry)
+        for (auto entry = all.cbegin(); entry != all.cend() && alive; ++entry)
             failure.attempt([&] { deed(entry.key(), entry.value().toString()); });
     };
     (toAll(deeds), ...);
@@ -364,10 +280,11 @@ template <typename... Deeds> void Properties::forEachName(Values values, Deeds..
 
 void Properties::setValues(const Values &values)
 {
-    // What the hub holds already is not written, and may go when a later name is set.
+    // The hub's values before each is set: what it holds already is not written then, and may
+    // change when a later name is set.
     QSet<QString> held;
     const auto set = [&](const QString &name, const QString &value) {
-        if (m_values[name] == value)
+        if (d->values[name] == value)
             held.insert(name);
         setValue(name, value);
     };
@@ -375,88 +292,67 @@ void Properties::setValues(const Values &values)
         if (held.contains(name))
             setValue(name, value);
     };
-    forEachName(values, set, setAgain);
+    d->forEachName(values, set, setAgain);
 }
 
 void Properties::showAgain()
 {
-    reportLater();
+    d->reportLater();
     const Doing program = Doing::programTakesOver();
-    forEachName(m_values, [this](const QString &name, const QString &value) {
-        const Keys keys = keysOf(name);
-        const auto isWritable = [this](const Key &key) {
-            return isAlive(key.object) && propertyOf(key).isWritable();
-        };
-        if (std::any_of(keys.begin(), keys.end(), isWritable))
-            m_given.insert(name, value);
-        write(name, value, {});
+    d->forEachName(d->values, [this](const QString &name, const QString &value) {
+        if (d->isWritable(name))
+            d->given.set(name, value);
+        d->write(name, value, {});
     });
 }
 
-Properties::Keys Properties::keysOf(const QString &name) const
+bool Properties::Private::isWritable(const QString &name) const
 {
-    Keys keys;
-    for (auto it = m_bindings.constFind(name); it != m_bindings.constEnd() && it.key() == name;
-         ++it)
-        keys.append(*it);
-    return keys;
+    const Keys keys = bindings.keysOf(name);
+    return std::any_of(keys.begin(), keys.end(), [this](const Key &key) {
+        return bindings.isAlive(key.object) && propertyOf(key).isWritable();
+    });
 }
 
-// Stores the value and hands it to the properties of its name, but for the object whose property
+// Stores the value and writes it into the properties of its name, except those of the object that
 // it is from. A property may answer at once, and then anything may happen before write() returns:
 // objects die, bindings come and go, the name gets another value.
-void Properties::write(const QString &name, const QString &value, const Key &from)
+void Properties::Private::write(const QString &name, const QString &value, const Key &from)
 {
-    m_values.insert(name, QVariant(value));
+    values.insert(name, QVariant(value));
     if (!supersede(name, from)) {
         qWarning() << "Properties::setValue: the properties bound to" << name << "disagree";
         return;
     }
     Write current(this, name);
-    const int bindingChange = m_bindingChanges;
+    const int version = bindings.version();
     FirstFailure failure;
-    const Keys keys = keysOf(name);
+    const Keys keys = bindings.keysOf(name);
     for (const Key &key : keys) {
         if (key.object == from.object || !current.isLeftFor(key))
             continue;
-        if (m_bindingChanges != bindingChange && !m_bindings.contains(current.name, key))
+        if (bindings.version() != version && !bindings.isBound(current.name, key))
             continue;
-        if (!isAlive(key.object)) {
-            forget(key.object);
+        if (!bindings.isAlive(key.object)) {
+            bindings.forget(key.object);
             continue;
         }
-        const QVariant held = m_values.value(current.name);
+        const QVariant held = values.value(current.name);
         failure.attempt([&] { propertyOf(key).write(key.object, held); });
-        if (!current.hub)
+        if (!current.properties)
             break;
-        if (Doing::isUsers() && !m_keyNames.contains(key))
-            leaveToUser(key.object);
+        if (Doing::isUsers() && !bindings.isListenedTo(key))
+            given.leaveToUser(key.object, values);
     }
     failure.rethrow();
 }
 
-// The user has changed a property without a notify signal, which decides what the object shows. So
-// what it shows now is the user's doing, even if it showed the same before.
-void Properties::leaveToUser(QObject *object)
-{
-    QStringList names;
-    const Key first{object, std::numeric_limits<int>::min()};
-    for (auto it = m_keyNames.lowerBound(first);
-         it != m_keyNames.end() && it.key().object == object; ++it)
-        names << *it;
-    for (const QString &name : qAsConst(names)) {
-        const QString held = m_values.value(name).toString();
-        if (m_given.value(name) != held && isShown(name, held))
-            m_given.remove(name);
-    }
-}
-
-// Tells the writes of the name that are under way. False when its properties have answered too
-// often, which ends these writes.
-bool Properties::supersede(const QString &name, const Key &from)
+// Tells the writes of the name that are under way that it has another value. False when its
+// properties have answered too often, which ends these writes.
+bool Properties::Private::supersede(const QString &name, const Key &from)
 {
     const auto forEachWrite = [&](auto deed) {
-        for (Write *write = m_write; write; write = write->outer) {
+        for (Write *write = innermost; write; write = write->outer) {
             if (write->name == name)
                 deed(write);
         }
@@ -475,104 +371,38 @@ bool Properties::supersede(const QString &name, const Key &from)
 void Properties::propertyChanged()
 {
     QObject *const from = sender();
-    const Key key = m_notifyKeys.value({from, senderSignalIndex()});
-    reportLater();
+    const Key key = d->bindings.reporter({from, senderSignalIndex()});
+    d->reportLater();
     if (!key.object)
         return;
     const Doing user(Doing::User);
-    const QString name = m_keyNames.value(key);
+    const QString name = d->bindings.nameOf(key);
     const QString content = propertyOf(key).read(from).toString();
-    if (content == m_values.value(name).toString())
+    if (content == d->values.value(name).toString())
         return;
     if (Doing::isUsers())
-        m_given.remove(name);
-    else if (m_write && m_write->name == name && isFormOf(name, content))
-        m_given.insert(name, content);
-    write(name, content, key);
-}
-
-// Whether an answer to what the program sets is the same in another form. None is not, nor is
-// another number, nor any id for none.
-bool Properties::isFormOf(const QString &name, const QString &content) const
-{
-    const auto given = m_given.constFind(name);
-    return given != m_given.constEnd() && !isNothing(name, content) &&
-           !(isId(name) && isNothing(name, *given)) && isSameNumber(*given, content);
+        d->given.userChanged(name);
+    else if (d->innermost && d->innermost->name == name)
+        d->given.answered(name, content);
+    d->write(name, content, key);
 }
 
 QStringList Properties::unshown() const
 {
-    QStringList names;
-    const QMap<QString, QString> given = m_given;
-    for (auto it = given.cbegin(); it != given.cend(); ++it) {
-        if (!isShown(it.key(), *it))
-            names << it.key();
-    }
-    return names;
-}
-
-bool Properties::isShown(const QString &name, const QString &given) const
-{
-    const QString held = m_values.value(name).toString();
-    const auto isHeld = [&](const QString &text) {
-        return text == held || (isNothing(name, text) && isNothing(name, held));
-    };
-    const auto isRead = [&](const Key &key) {
-        if (!m_keyNames.contains(key) || !isAlive(key.object))
-            return true;
-        try {
-            const QVariant read = propertyOf(key).read(key.object);
-            QVariant asRead(held);
-            return (asRead.convert(read.userType()) && asRead == read) || isHeld(read.toString());
-        } catch (...) {
-            return false;
-        }
-    };
-    const Keys keys = keysOf(name);
-    return isHeld(given) && std::all_of(keys.begin(), keys.end(), isRead);
-}
-
-bool Properties::isNothing(const QString &name, const QString &value) const
-{
-    return value.isEmpty() || (value == QLatin1String("0") && isId(name));
-}
-
-bool Properties::isId(const QString &name) const
-{
-    const Keys keys = keysOf(name);
-    return std::any_of(keys.begin(), keys.end(),
-                       [this](const Key &key) { return isAlive(key.object) && isIdProperty(key); });
+    return d->given.unshown(d->values);
 }
 
 QStringList Properties::objectProperty(QObject *object) const
 {
-    return isAlive(object) ? m_objectNames.values(object) : QStringList();
+    return d->bindings.objectNames(object);
 }
 
 void Properties::dumpObjProp()
 {
     qDebug() << "Properties::dumpObjProp" << this;
-    const QList<QObject *> objects = m_objectNames.keys();
+    const QList<QObject *> objects = d->bindings.namedObjects();
     for (QObject *object : objects) {
-        if (isAlive(object))
+        if (d->bindings.isAlive(object))
             qDebug() << "objProp4:" << object << objectProperty(object);
     }
-}
-
-void Properties::forget(QObject *object)
-{
-    const Bound bound = m_bound.take(object);
-    for (const QString &name : bound.names) {
-        for (auto it = m_bindings.find(name); it != m_bindings.end() && it.key() == name;)
-            it = it->object == object ? m_bindings.erase(it) : it + 1;
-    }
-    ++m_bindingChanges;
-    const Key first{object, std::numeric_limits<int>::min()};
-    for (auto it = m_notifyKeys.lowerBound(first);
-         it != m_notifyKeys.end() && it.key().object == object;)
-        it = m_notifyKeys.erase(it);
-    for (auto it = m_keyNames.lowerBound(first);
-         it != m_keyNames.end() && it.key().object == object;)
-        it = m_keyNames.erase(it);
-    m_objectNames.remove(object);
 }

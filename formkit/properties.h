@@ -3,16 +3,11 @@
 
 #include <formkit/values.h>
 
-#include <QHash>
-#include <QMap>
-#include <QMultiMap>
 #include <QObject>
-#include <QPointer>
-#include <QSet>
 #include <QStringList>
-#include <QVarLengthArray>
 
-class QTimer;
+#include <functional>
+#include <memory>
 
 /// The hub between a form and the terminal: one text per name, bound to any number of Qt
 /// properties of the form's objects. A value that the terminal sets is written into every
@@ -28,8 +23,9 @@ class QTimer;
 /// - The dynamic property "field" of an object names the hub name for its user property (for
 ///   its `Value`, where it has no readable user property).
 /// - The dynamic property "fields" holds a blank-separated list of pairs, each a hub name, "="
-///   and a property that the object's class offers ("A=StockId B=BoardId"). Any other part is
-///   skipped with a warning.
+///   and a property ("A=StockId B=BoardId"). It gives the property that name, and binds one that
+///   another class of the object declares ("PriceStep=Step") beside the class's own. Any other
+///   part is skipped with a warning.
 ///
 /// The hub owns no bound object. It forgets an object that is destroyed, at any moment: also
 /// while the hub writes or reports. Bindings may be made and undone, and the hub itself may be
@@ -99,7 +95,7 @@ public:
     /// and therefore not written: a later entry may have changed them (an exchange empties a
     /// board). An exception comes out when all are set.
     void setValues(const Values &values);
-    Values values() const { return m_values; }
+    Values values() const;
 
     /// The names, ascending, that the program has set to a value that the form does not show: the
     /// value has become another since, and not by the user; or a property that the hub listens to
@@ -140,47 +136,9 @@ protected Q_SLOTS:
     void propertyChanged();
 
 private:
-    struct Write;
-    struct Bound
-    {
-        QPointer<QObject> object;
-        /// The names in m_bindings under which it stands, so that it is forgotten in time that
-        /// does not grow with the form.
-        QSet<QString> names;
-    };
-    using Aliases = QMap<QByteArray, QString>;
+    struct Private;
 
-    static Aliases aliasesOf(QObject *object, const QList<QByteArray> &bound);
-    void bind(const QString &name, QObject *object, int propertyIndex);
-    void listen(const QString &name, const Key &key);
-    using Keys = QVarLengthArray<Key, 16>;
-    Keys keysOf(const QString &name) const;
-    template <typename... Deeds> void forEachName(Values values, Deeds... deeds);
-    bool isNothing(const QString &name, const QString &value) const;
-    bool isId(const QString &name) const;
-    bool isFormOf(const QString &name, const QString &content) const;
-    bool isShown(const QString &name, const QString &given) const;
-    void write(const QString &name, const QString &value, const Key &from);
-    bool supersede(const QString &name, const Key &from);
-    void leaveToUser(QObject *object);
-    void reportLater();
-    bool isAlive(QObject *object) const;
-    void forgetStranger(QObject *object);
     void forget(QObject *object);
 
-    QMap<Key, Key> m_notifyKeys;
-    QMultiMap<QString, Key> m_bindings;
-    QMap<Key, QString> m_keyNames;
-    Values m_values;
-    /// What the program has set and the user has not changed since.
-    QMap<QString, QString> m_given;
-    QTimer *m_changeTimer;
-    QMultiMap<QObject *, QString> m_objectNames;
-
-    /// The objects that are bound, or were, until they are destroyed.
-    QHash<QObject *, Bound> m_bound;
-    /// Counts the changes of m_bindings, so that a write under way notices.
-    int m_bindingChanges = 0;
-    /// The innermost write under way.
-    Write *m_write = nullptr;
+    std::unique_ptr<Private> d;
 };

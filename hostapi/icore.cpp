@@ -40,6 +40,12 @@ public:
     bool isPositionById(int, int) const override { return false; }
 };
 
+class EmptySteps : public StepSource
+{
+public:
+    TradingSteps stepsOf(int, int, qint64) const override { return {}; }
+};
+
 class EmptyCore : public ICore
 {
 public:
@@ -68,6 +74,12 @@ ICore *installedCore = nullptr;
 IDatabase::~IDatabase() = default;
 
 ICore::~ICore() = default;
+
+const StepSource *ICore::stepSource() const
+{
+    static const EmptySteps none;
+    return &none;
+}
 
 ICore *ICore::instance()
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <hostapi/directories.h>
+#include <hostapi/stepsource.h>
 #include <hostapi/table.h>
 
 #include <QObject>
@@ -55,6 +56,8 @@ public:
     virtual IDatabase *database() = 0;
     virtual const StockDirectory *stockDirectory() const = 0;
     virtual const BoardDirectory *boardDirectory() const = 0;
+    /// The same, too. This one knows no steps: a host that does overrides it.
+    virtual const StepSource *stepSource() const;
     /// The sessions that are open to trading now, in any order. May be called from any thread.
     virtual QVector<SessionId> currentSessions() const = 0;
     /// The loaded plug-ins, in the order of loading; entries may be null.

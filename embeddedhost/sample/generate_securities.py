@@ -19,6 +19,14 @@ Thistle Umber Vale Verdant Willow Wren Yarrow Zephyr""".split()
 SECOND = """Analytics Bank Biotech Brewing Cables Cement Chemicals Energy Foods Freight Gas Gold
 Holdings Insurance Logistics Media Metals Mining Motors Networks Paper Pharma Power Property
 Rail Retail Robotics Shipping Software Steel Sugar Telecom Textiles Timber Tyres Water""".split()
+PRICE_STEPS = {
+    "S": "0.01 0.05 0.001 0.5 5",
+    "F": "0.01 0.25 1 5",
+    "O": "0.01 0.05",
+    "B": "0.0001 0.01",
+    "I": "0.01",
+}
+LOTS = {"S": [1, 10, 100, 1000], "B": [1, 10]}
 MONTHS = "Mar Jun Sep Dec".split()
 
 
@@ -57,7 +65,12 @@ def security(source, kind, issuer, number):
     return base, spelled(source, name)
 
 
-def rows(boards, source):
+def steps(source, kind):
+    """By how much the price of a security of a board may change, and its lot."""
+    return [source.choice(PRICE_STEPS[kind].split()), source.choice(LOTS.get(kind, [1]))]
+
+
+def rows(boards, source, step_source):
     pool = list(issuers(source))
     weight = {"S": 3, "F": 2, "O": 4, "B": 1, "I": 1}
     shares = [weight[board["sectype"]] for board in boards]
@@ -72,7 +85,8 @@ def rows(boards, source):
             code, name = security(source, board["sectype"], issuer, number % series)
             sec_id += source.randint(1, 9)
             session = source.choices([1, 2, 3], [8, 2, 1])[0]
-            yield [board["stock_id"], board["board_id"], sec_id, code, name, issuer[0], session]
+            yield [board["stock_id"], board["board_id"], sec_id, code, name, issuer[0], session,
+                   *steps(step_source, board["sectype"])]
 
 
 def main():
@@ -80,8 +94,9 @@ def main():
         boards = list(csv.DictReader(file))
     with open(HERE / "securities.csv", "w", encoding="utf-8", newline="") as file:
         writer = csv.writer(file, lineterminator="\n")
-        writer.writerow("stock_id board_id sec_id sec_code sec_name base_code sess_id".split())
-        writer.writerows(rows(boards, random.Random(20)))
+        writer.writerow("stock_id board_id sec_id sec_code sec_name base_code sess_id price_step lot"
+                        .split())
+        writer.writerows(rows(boards, random.Random(20), random.Random(21)))
 
 
 main()

@@ -4,6 +4,7 @@
 #include "csvreader.h"
 #include "databasewriter.h"
 
+#include <hostapi/decimal.h>
 #include <hostapi/exception.h>
 
 namespace {
@@ -25,12 +26,17 @@ QVector<int> readHeader(CsvReader &reader, const TableSchema &schema)
         columns << column;
     }
     for (int column = 0; column < schema.columns.size(); ++column) {
-        if (!columns.contains(column))
+        if (!columns.contains(column) && !schema.columns.at(column).optional)
             reader.fail(
                 start,
                 QStringLiteral("column \"%1\" is missing").arg(schema.columns.at(column).name));
     }
     return columns;
+}
+
+bool isPositiveNumber(const QString &text)
+{
+    return decimal::canConvert(text, false) && decimal(text) > decimal::zero;
 }
 
 QVariant convert(const CsvReader &reader, const CsvReader::Cell &cell, const ColumnSchema &column)
@@ -42,6 +48,10 @@ QVariant convert(const CsvReader &reader, const CsvReader::Cell &cell, const Col
             reader.fail(cell, QStringLiteral("%1: longer than %2 characters")
                                   .arg(column.name)
                                   .arg(column.type.parameter()));
+        if (column.positiveNumber && !isPositiveNumber(cell.text))
+            reader.fail(
+                cell,
+                QStringLiteral("%1: \"%2\" is no positive number").arg(column.name, cell.text));
         return cell.text;
     }
     bool ok = false;
@@ -63,7 +73,7 @@ void importTable(const QString &folder, ReferenceSchema::TableId table, Database
             reader.fail(cells.first(),
                         QStringLiteral("%1 cells, not %2").arg(cells.size()).arg(columns.size()));
         QVariantList values;
-        for (int i = 0; i < columns.size(); ++i)
+        for (int i = 0; i < schema.columns.size(); ++i)
             values << QVariant();
         for (int i = 0; i < columns.size(); ++i)
             values[columns.at(i)] = convert(reader, cells.at(i), schema.columns.at(columns.at(i)));

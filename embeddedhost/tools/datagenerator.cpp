@@ -95,12 +95,15 @@ void DataGenerator::writeExchanges(DatabaseWriter &writer) const
 
 void DataGenerator::writeSecurities(DatabaseWriter &writer)
 {
+    static const char *const priceSteps[] = {"0.01", "0.05", "0.0001", "5"};
+    static const int lots[] = {1, 10, 1000};
     for (int number = 0; number < m_securities; ++number) {
         const int board = number / m_perBoard;
         writer.insert(ReferenceSchema::Securities,
                       {stockOf(board), board + 1, number + 1, letters(number),
                        securityName(number + 1), letters(number - number % PerBaseCode),
-                       1 + number % Sessions});
+                       1 + number % Sessions, QLatin1String(priceSteps[board % 4]),
+                       lots[board % 3]});
     }
 }
 

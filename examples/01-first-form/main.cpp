@@ -6,6 +6,7 @@
 #include <formkit/properties.h>
 #include <formkit/quantityeditor.h>
 #include <formkit/securityselectorbox.h>
+#include <formkit/securitysteps.h>
 #include <formkit/stockselectorbox.h>
 
 #include <QApplication>
@@ -45,11 +46,17 @@ int main(int argc, char **argv)
     layout->addRow("&Exchange", new StockSelectorBox);
     layout->addRow("&Board", new BoardSelectorBox);
     layout->addRow("&Security", new SecuritySelectorBox);
-    layout->addRow("&Price", named(new NumberEditor, "Price"));
-    layout->addRow("&Quantity", named(new QuantityEditor, "Quantity"));
+    auto *price = new NumberEditor(nullptr, 4);
+    auto *quantity = new QuantityEditor;
+    layout->addRow("&Price", named(price, "Price"));
+    layout->addRow("&Quantity", named(quantity, "Quantity"));
     layout->addRow("&Good till", named(new DateEdit, "GoodTill"));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     layout->addRow(buttons);
+
+    auto *steps = new SecuritySteps(&dialog);
+    steps->addPrice(price);
+    steps->addQuantity(quantity);
 
     Properties hub;
     hub.connectAll(&dialog);

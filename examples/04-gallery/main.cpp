@@ -67,8 +67,10 @@ std::vector<Exhibit> exhibits()
         {make<SecuritySelectorBox>({{"StockId", "1"}, {"BoardId", "1"}, {"SecurityId", "100012"}}),
          "A security of a board."},
         {make<PartnerSelectorBox>({{"Partner", "MB01037"}}), "A trading partner, by its code."},
-        {make<NumberEditor>({{"Value", "1234567.25"}}), "A price or any other decimal number."},
-        {make<QuantityEditor>({{"Value", "150000"}}), "A whole quantity."},
+        {make<NumberEditor>({{"Value", "1234567.25"}, {"Step", "0.05"}, {"Suffix", "USD"}}),
+         "A price or any other decimal number."},
+        {make<QuantityEditor>({{"Value", "150000"}, {"Step", "100"}, {"Multipliers", "true"}}),
+         "A whole quantity."},
         {make<DateEdit>({{"Value", "2035.12.31"}}), "A date, typed or picked from a calendar."},
         {make<LineEdit>({{"Value", "as agreed"}}), "A line of text."},
         {make<CheckBox>({{"value_checked", "Y"},
@@ -103,6 +105,8 @@ QString propertyTable(const QMetaObject *type)
             facts << "read only";
         if (property.isUser())
             facts << "the one that `field` names";
+        if (property.enclosingMetaObject() == &NumberEntry::staticMetaObject)
+            facts << "a setting: bound where `fields` names it";
         table += QString("| `%1` | %2 | %3 | %4 |\n")
                      .arg(property.name(), property.typeName(),
                           property.hasNotifySignal()

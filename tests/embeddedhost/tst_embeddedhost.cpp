@@ -16,6 +16,7 @@ class EmbeddedHostTest : public StrictTest
 
 private Q_SLOTS:
     void contentOfAFile();
+    void steps();
     void refusedFiles();
     void reloadUnderWalks();
     void endsOfALoad();
@@ -112,6 +113,27 @@ void EmbeddedHostTest::contentOfAFile()
     const QString distinct = "UPDATE securities SET base_code = 'B' || sec_id";
     QVERIFY2(host.loadNow(makeFile("x", distinct, "5000")), qPrintable(host.errorText()));
     QCOMPARE(column(host.table("securities"), "base_code").last(), QString("B5000"));
+}
+
+// The columns may be missing, as they are in the first file.
+void EmbeddedHostTest::steps()
+{
+    EmbeddedHost host;
+    const auto stepsOf = [&](int board, qint64 security) {
+        const TradingSteps steps = host.stepSource()->stepsOf(2, board, security);
+        return steps.price.toString() + ' ' + steps.lot.toString();
+    };
+    QVERIFY(host.loadNow(makeFile("x")));
+    QCOMPARE(stepsOf(7, 5), QString("0 0"));
+    const QString columns = "ALTER TABLE securities ADD COLUMN lot;"
+                            "ALTER TABLE securities ADD COLUMN price_step;"
+                            "UPDATE securities SET price_step = '0.0005', lot = sec_id * 10 "
+                            "WHERE sec_id % 2 = 1; UPDATE securities SET lot = 3 WHERE sec_id = 8";
+    QVERIFY2(host.loadNow(makeFile("x", columns)), qPrintable(host.errorText()));
+    QCOMPARE(stepsOf(7, 5), QString("0.0005 50"));
+    QCOMPARE(stepsOf(7, 1999), QString("0.0005 19990"));
+    QCOMPARE(stepsOf(7, 8), QString("0 3"));
+    QCOMPARE(stepsOf(7, 6) + stepsOf(9, 5) + stepsOf(7, 2001), QString("0 00 00 0"));
 }
 
 void EmbeddedHostTest::refusedFiles()

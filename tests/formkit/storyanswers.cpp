@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCalendarWidget>
+#include <QClipboard>
 
 namespace {
 
@@ -152,6 +153,8 @@ StoryAnswers storyLabels(StoryPlayer *p)
          [p](Words) {
              return QAccessible::queryAccessibleInterface(p->edit())->text(QAccessible::Name);
          }},
+        {"clipboard", "", "what was copied last", "clipboard=1234.5",
+         [](Words) { return QApplication::clipboard()->text(); }},
         {"wheel", "", "what became of the last `wheel`: taken or ignored", "wheel=ignored",
          [p](Words) { return p->wheel; }},
         {"lists", "", "the rows of the box as they read", "lists=Nasdaq Xetra",

@@ -5,6 +5,7 @@
 #include <formkit/checkbox.h>
 #include <formkit/dateedit.h>
 #include <formkit/formselector.h>
+#include <formkit/groupbox.h>
 #include <formkit/label.h>
 #include <formkit/lineedit.h>
 #include <formkit/partnerselectorbox.h>
@@ -13,6 +14,7 @@
 #include <formkit/radiobutton.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
+#include <formkit/securitysteps.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
 #include <formkit/summator.h>
@@ -66,7 +68,8 @@ QObject *StoryForm::create(const QString &className, QWidget *form)
     return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
                        QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
                        BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                       FormSelector, CountingControl, QWidget>(className, form);
+                       FormSelector, GroupBox, SecuritySteps, CountingControl, QWidget>(className,
+                                                                                        form);
 }
 
 void StoryForm::make(const QStringList &words)
@@ -79,6 +82,8 @@ void StoryForm::make(const QStringList &words)
     for (const QByteArray &name : file.reports.keys()) {
         if (made->metaObject()->indexOfSignal(name + "(QString)") >= 0)
             connect(made, '2' + name + "(QString)", this, SLOT(note(QString)));
+        else if (made->metaObject()->indexOfSignal(name + "()") >= 0)
+            connect(made, '2' + name + "()", this, SLOT(note()));
     }
     auto *const widget = qobject_cast<QWidget *>(made);
     if (words[0] == "QWidget") {

@@ -70,7 +70,7 @@ public:
     QString wheel;             ///< what became of its last turn
 
 private Q_SLOTS:
-    void note(const QString &text);
+    void note(const QString &text = {});
 
 private:
     QWidget *m_place = &window; ///< where controls are made

@@ -8,6 +8,7 @@
 #include <formkit/partnerselectorbox.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
+#include <formkit/securitysteps.h>
 #include <formkit/stockselectorbox.h>
 #include <formkit/stockselectorbox_code.h>
 #include <formkit/stockselectormodel.h>
@@ -19,6 +20,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCompleter>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMetaProperty>
 #include <QProxyStyle>
 #include <QStandardItemModel>
@@ -81,6 +84,20 @@ void pressKeypadPoint(QWidget *edit)
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Period, Qt::KeypadModifier, 1, MacKeypadDecimal, 0,
                     ".");
     QApplication::sendEvent(edit, &press);
+}
+
+// As a user opens the menu and chooses, by the beginning of the entry.
+void chooseInMenu(QWidget *edit, Words entry)
+{
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {4, 4}, edit->mapToGlobal({4, 4}));
+    QApplication::sendEvent(edit, &event);
+    auto *const menu = as<QMenu>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    for (QAction *const action : menu->actions()) {
+        if (action->text().remove('&').startsWith(entry) && action->isEnabled())
+            action->trigger();
+    }
+    menu->close();
 }
 
 QPoint placeOf(const QAbstractItemView *list, Words row)
@@ -236,6 +253,14 @@ StorySteps handSteps(StoryPlayer *p)
          [p](Words row) {
              QTest::mouseClick(p->list()->viewport(), Qt::LeftButton, {}, placeOf(p->list(), row));
          }},
+        {"tap", "", "clicks into the control in use with the left button", "tap",
+         [p](Words) {
+             p->current->setFocus(p->current->hasFocus() ? Qt::OtherFocusReason
+                                                         : Qt::MouseFocusReason);
+             QTest::mouseClick(p->current, Qt::LeftButton);
+         }},
+        {"menu", "entry", "chooses from the context menu of the line edit in use", "menu Undo",
+         [p](Words entry) { chooseInMenu(p->edit(), entry); }},
         {"wait", "", "waits until a click is none of a double click (after F4)", "wait",
          [](Words) { QTest::qWait(QApplication::doubleClickInterval() + 50); }},
         {"leave", "", "moves the focus to a line edit that the form ends with", "leave",
@@ -350,6 +375,21 @@ StorySteps hostSteps(StoryPlayer *p)
         {"sessions", "exchange session", "what session is open; see `announce`", "sessions 1 20",
          [p](Words words) {
              p->host->setSessions({{first(words).toInt(), rest(words).toInt()}});
+         }},
+        {"ticks", "security price lot", "the steps of a security of exchange 1 and board 7",
+         "ticks 10 0.05 100",
+         [p](Words words) {
+             const QStringList parts = words.split(' ');
+             p->host->setSteps(parts[0].toLongLong(),
+                               {decimal(QStringView(parts[1])), parts[2].toInt()});
+         }},
+        {"steps", "price quantity", "gives the controls the steps of the security that is chosen",
+         "steps price quantity",
+         [p](Words words) {
+             auto *const steps = new SecuritySteps(&p->window);
+             steps->addPrice(as<NumberEditor>(p->control(first(words))));
+             steps->addQuantity(as<NumberEditor>(p->control(rest(words))));
+             p->hub()->connectAll(steps);
          }},
         {"announce", "", "announces new sessions, which has securities read again", "announce",
          [p](Words) { Q_EMIT p->host->decoder()->aNewSessions(); }},

@@ -67,6 +67,7 @@ class FormsTest : public StrictTest
 private Q_SLOTS:
     void values();
     void walk();
+    void names();
     void mischief();
     void addressUsedAgain();
     void unboundMeanwhile();
@@ -104,6 +105,7 @@ void FormsTest::walk()
     const std::tuple<QWidget *(*)(), QVariant, QVariant, QString, QString> rows[] = {
         {make<CountingControl>, {}, {}, all, all},
         {make<Closed>, {}, {}, "Inner", ""},
+        {make<Closed>, {}, "A=Value", "A Inner", ""},
         {make<Super>, {}, {}, all, all},
         {make<SuperSuper>, {}, {}, all, all},
         {make<Heir>, {}, {}, "", ""},
@@ -144,6 +146,42 @@ void FormsTest::walk()
     const QRegularExpression dump("^Properties::dumpObjProp Properties\\(0x.*\\)\n"
                                   "objProp4: Closed\\(0x.*\\) \\(\"Inner\"\\)$");
     QVERIFY(dump.match(messages().mid(messages().size() - 2).join('\n')).hasMatch());
+}
+
+// What each control binds, and no more.
+void FormsTest::names()
+{
+    TestHost host;
+    const std::pair<QString, QString> rows[] = {
+        {"LineEdit", "Value"},
+        {"CheckBox", "Value"},
+        {"RadioButton", "Value"},
+        {"PushButtonSend", "Value"},
+        {"Label", ""},
+        {"GroupBox", ""},
+        {"ComboBox", ""},
+        {"DateEdit", "Value"},
+        {"NumberEditor", "Value CanBeZero CanNegative numDigits digits"},
+        {"QuantityEditor", "Value CanBeZero CanNegative numDigits digits"},
+        {"StockSelectorBox", "StockCode Stock StockId"},
+        {"StockSelectorBox_Code", ""},
+        {"BoardSelectorBox", "BoardCode Board BoardId StockCode StockId"},
+        {"SecuritySelectorBox",
+         "SecurityName Security SecurityId BoardCode BoardId StockCode StockId"},
+        {"PartnerSelectorBox", "PartnerName Partner"},
+        {"Summator", "Addendum Summand Value"},
+        {"FormSelector", "BoardId StockId"},
+    };
+    for (const auto &[className, names] : rows) {
+        QWidget form;
+        QObject *const control = StoryForm::create(className, &form);
+        QVERIFY2(control, qPrintable(className));
+        control->setParent(&form);
+        Properties hub;
+        hub.connectAll(&form);
+        QCOMPARE(className + ": " + hub.objectProperty(control).join(' '),
+                 className + ": " + names);
+    }
 }
 
 // Whatever a control does while it is written, whichever of them it is and from wherever the

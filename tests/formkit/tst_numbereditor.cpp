@@ -181,16 +181,17 @@ void NumberEditorTest::randomEdits()
 {
     TestHost host;
     StoryPlayer player(&host, "numbers");
-    player.act("set digits 4");
+    player.act("set digits 4; set Step 0.25; set Multipliers true; set SignToggle true");
     const auto *const editor = qobject_cast<NumberEditor *>(player.control("price"));
     QRandomGenerator random(20240229);
     const QStringList keys = QString("Left Right Home End Del Backspace Ctrl+Del Shift+Left Ctrl+A "
-                                     "Ctrl+Z Ctrl+Shift+Z Left Right Shift+Left Del Backspace")
+                                     "Ctrl+Z Ctrl+Shift+Z Left Right Shift+Left Del Backspace "
+                                     "Up PgDown Ctrl+X Ctrl+V")
                                  .split(' ');
     for (const QLocale &locale :
          QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
         editor->decimalValidator()->setLocale(locale);
-        const QString characters = "01234567890123456789-+. ,x" + QString(locale.groupSeparator()) +
+        const QString characters = "01234567890123456789-+. ,xkm" + QString(locale.groupSeparator()) +
                                    locale.decimalPoint() + locale.decimalPoint() +
                                    locale.negativeSign() + QChar(locale.zeroDigit().unicode() + 4);
         for (int edit = 0; edit < 66; ++edit) {

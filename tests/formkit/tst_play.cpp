@@ -12,6 +12,8 @@
 #include <QMetaProperty>
 #include <QRandomGenerator>
 
+#include <cmath>
+
 namespace {
 
 bool isId(const QString &name)
@@ -30,10 +32,17 @@ QString digitsOf(const QString &text)
 {
     QString digits;
     for (const QChar c : text) {
-        if (c.isDigit() && (c != '0' || !digits.isEmpty()))
-            digits += c;
+        if (c.isDigit() && (c.digitValue() != 0 || !digits.isEmpty()))
+            digits += QChar('0' + c.digitValue());
     }
     return digits;
+}
+
+// Whether a number ends in more zeros than another one.
+bool isMultiplied(const QString &longer, const QString &shorter)
+{
+    const QString zeros = longer.mid(shorter.size());
+    return longer.startsWith(shorter) && zeros.size() <= 6 && zeros.count('0') == zeros.size();
 }
 
 // Whether one text is the other with one character more.
@@ -79,6 +88,8 @@ private:
     void checkScreen();
     void checkBox(ComboBox *box);
     void checkAmounts(const QString &who, const QString &steps, const QVector<Amount> &before);
+    void checkUndo(const QString &step, const Amount &before, const Amount &after);
+    void checkStep(const QString &step, const Amount &before, const Amount &after);
     void checkHost();
     void failSoon(int n);
     QVector<Amount> amounts() const;
@@ -87,7 +98,8 @@ private:
     TestHost m_host;
     std::unique_ptr<StoryPlayer> m_player;
     QMap<QString, QStringList> m_picks;
-    QMap<QString, QString> m_programmed; // what the program last set, by name
+    QMap<NumberEditor *, QSet<QString>> m_shown; // every text that each has shown
+    QMap<QString, QString> m_programmed;         // what the program last set, by name
     QRandomGenerator m_random{1};
     QStringList m_deeds;
 };
@@ -231,18 +243,48 @@ void PlayTest::checkAmounts(const QString &who, const QString &steps, const QVec
         const QString said = editor->objectName() + ": " + before[i].text + " to " + after[i].text;
         const bool isKey = step.startsWith("type ") || step.startsWith("press Backspace") ||
                            step.startsWith("press Delete");
+        const bool isSuffix = QString("kmК").contains(step.right(1));
         const bool isOnPage =
             QStringList{"limit", "limit2", "strike"}.contains(editor->objectName());
         if (who == "host" && !isOnPage)
             QVERIFY2(before[i].text == after[i].text, qPrintable(said));
+        if (who == "hand" && about == editor->objectName()) {
+            checkUndo(step, before[i], after[i]);
+            checkStep(step, before[i], after[i]);
+        }
+        m_shown[after[i].editor] << before[i].text << after[i].text;
         if (who != "hand" || about != editor->objectName() || !isKey || before[i].isSelected)
             continue;
         const QString was = digitsOf(before[i].text);
         const QString is = digitsOf(after[i].text);
         const bool isNear = was == is || isOneMore(is, was) || isOneMore(was, is) ||
+                            (isSuffix && isMultiplied(is, was)) ||
                             step.startsWith("press"); // leading zeros may go with a digit
         QVERIFY2(isNear, qPrintable(said));
     }
+}
+
+// Undo and redo show nothing that was not there.
+void PlayTest::checkUndo(const QString &step, const Amount &before, const Amount &after)
+{
+    if (step.endsWith("+Z"))
+        QVERIFY2(after.text == before.text || m_shown[after.editor].contains(after.text),
+                 qPrintable(before.text + " undone to " + after.text));
+}
+
+// A step leads to a multiple of the step, the right way and not too far, or nowhere.
+void PlayTest::checkStep(const QString &step, const Amount &before, const Amount &after)
+{
+    const bool isUp = step.endsWith("Up") || step.startsWith("wheel 1") || step == "wheel 60";
+    const bool isStep = isUp || step.endsWith("Down") || step.startsWith("wheel");
+    if (!isStep || before.text == after.text)
+        return;
+    const double size = after.editor->getStep().toDouble();
+    const double was = before.value.toDouble();
+    const double is = after.value.toDouble();
+    const double way = isUp ? is - was : was - is;
+    QVERIFY2(size > 0 && std::fmod(is, size) == 0 && way > 0 && way <= 100 * size,
+             qPrintable(step + ": " + before.text + " stepped to " + after.text));
 }
 
 QVector<PlayTest::Amount> PlayTest::amounts() const

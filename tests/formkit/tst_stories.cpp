@@ -56,8 +56,8 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file :
-         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "hubs", "pages"}) {
+    for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
+                                                       "entry", "hubs", "pages"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;

@@ -116,7 +116,7 @@ Q_SIGNALS:
     void aNewSessions();
 };
 
-class TestHost : public ICore, private StockDirectory, private BoardDirectory
+class TestHost : public ICore, private StockDirectory, private BoardDirectory, private StepSource
 {
 public:
     TestHost();
@@ -129,6 +129,8 @@ public:
 
     /// Changes the open sessions, silently; emit decoder()->aNewSessions() to announce them.
     void setSessions(const QVector<SessionId> &sessions);
+    /// Sets the steps of a security of exchange 1 and board 7.
+    void setSteps(qint64 securityId, const TradingSteps &steps) { m_steps[securityId] = steps; }
     /// Makes the n-th call of a directory from now throw Exception("directory call failed"), once.
     void failAtDirectoryCall(int n) { m_failAt = n; }
     /// The first decoder of the plug-ins; in front of it are none and one that is no decoder.
@@ -137,6 +139,7 @@ public:
     IDatabase *database() override { return &m_database; }
     const StockDirectory *stockDirectory() const override { return this; }
     const BoardDirectory *boardDirectory() const override { return this; }
+    const StepSource *stepSource() const override { return this; }
     QVector<SessionId> currentSessions() const override { return copy(m_sessions); }
     QList<QObject *> plugins() const override { return m_plugins; }
 
@@ -162,6 +165,10 @@ private:
     int idByCode(const QString &stockCode, const QString &boardCode) const override;
     bool checkFlagsById(int stockId, int boardId, qint64 flags) const override;
     bool isPositionById(int stockId, int boardId) const override;
+    TradingSteps stepsOf(int stockId, int boardId, qint64 securityId) const override
+    {
+        return stockId == 1 && boardId == 7 ? m_steps.value(securityId) : TradingSteps();
+    }
 
     template <typename Shared> Shared copy(const Shared &shared) const
     {
@@ -176,6 +183,7 @@ private:
     mutable std::atomic<int> m_failAt{0};
     mutable std::mutex m_mutex; ///< guards the three below
     QVector<SessionId> m_sessions;
+    QMap<qint64, TradingSteps> m_steps;
     QMap<int, QString> m_stocks;
     QMap<boardid, Board> m_boards;
 };

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "bindings_p.h"
+
+/// What the program has set in a hub and the user has not changed since, and whether the form
+/// shows it; see Properties::unshown().
+class ProgramValues
+{
+public:
+    /// The hub's bindings outlive this.
+    explicit ProgramValues(const Bindings &bindings) : m_bindings(bindings) {}
+
+    void set(const QString &name, const QString &value) { m_values.insert(name, value); }
+    void userChanged(const QString &name) { m_values.remove(name); }
+    /// A property has answered the write of its name with a content of its own, which counts as
+    /// set if it is the same in another form.
+    void answered(const QString &name, const QString &content);
+    /// The user has changed a property without a notify signal, which decides what the object
+    /// shows: what it shows now is the user's doing, even if it showed the same before.
+    void leaveToUser(QObject *object, const Values &held);
+    /// The names whose value is not the one that the hub holds or a bound property reads.
+    QStringList unshown(const Values &held) const;
+
+private:
+    bool isNothing(const QString &name, const QString &value) const;
+    bool isSame(const QString &name, const QString &one, const QString &other) const;
+    bool isId(const QString &name) const;
+    bool isShown(const QString &name, const QString &held) const;
+    bool reads(const Bindings::Key &key, const QString &name, const QString &value) const;
+
+    const Bindings &m_bindings;
+    QMap<QString, QString> m_values;
+};
