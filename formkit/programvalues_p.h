@@ -22,9 +22,14 @@ public:
     /// The names whose value is not the one that the hub holds or a bound property reads.
     QStringList unshown(const Values &held) const;
 
-private:
+    /// An empty text, and "0" for an id.
     bool isNothing(const QString &name, const QString &value) const;
     bool isSame(const QString &name, const QString &one, const QString &other) const;
+    /// Whether what a property answers to a value that it was given is the same in another form.
+    /// An empty content is another value, and so is another number, or an id in answer to none.
+    bool isFormOf(const QString &name, const QString &given, const QString &content) const;
+
+private:
     bool isId(const QString &name) const;
     bool isShown(const QString &name, const QString &held) const;
     bool reads(const Bindings::Key &key, const QString &name, const QString &value) const;

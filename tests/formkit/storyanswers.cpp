@@ -167,6 +167,17 @@ StoryAnswers storyLabels(StoryPlayer *p)
          "drawn=ABAC", [p](Words) { return drawnLetters(p); }},
         {"unshown", "", "the hub's names whose values no control shows", "unshown=BoardId",
          [p](Words) { return p->hub()->unshown().join(' '); }},
+        {"changed", "", "the hub's names that are not as in the baseline", "changed=Price",
+         [p](Words) { return p->hub()->changedNames().join(' '); }},
+        {"states", "", "what the hub has told of its state since the last `states`", "states=1 0",
+         [p](Words) { return std::exchange(p->states, {}).trimmed(); }},
+        {"objects.*", "", "the controls of a name", "objects.Price=price sum",
+         [p](Words label) {
+             QStringList names;
+             for (const QObject *object : p->hub()->objects(label.section('.', 1)))
+                 names << object->objectName();
+             return names.join(' ');
+         }},
         {"turns", "", "turns of the event loop with changes in the hub, since the last `turns`",
          "turns=1",
          [p](Words) {

@@ -46,6 +46,8 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
     host->setSessions(file.sessions);
 
     connect(hub(), &Properties::hasChanged, this, [this] { ++turns; });
+    connect(hub(), &Properties::changedStateChanged, this,
+            [this](bool isChanged) { states += QString(" %1").arg(isChanged); });
     auto *const layout = new QVBoxLayout(&window);
     for (const QStringList &words : file.controls)
         make(words);

@@ -67,6 +67,7 @@ public:
     QPointer<QWidget> current; ///< the control in use
     QString log;               ///< what was reported, each with a blank in front
     int turns = 0;             ///< turns of the event loop in which the hub reported changes
+    QString states;            ///< what the hub's changedStateChanged() told
     QString wheel;             ///< what became of its last turn
 
 private Q_SLOTS:
