@@ -418,6 +418,11 @@ bool Properties::isChanged() const
     return !changedNames().isEmpty();
 }
 
+bool Properties::isChanged(const QString &name) const
+{
+    return d->baseline.isChanged(name, d->values);
+}
+
 QStringList Properties::changedNames() const
 {
     return d->baseline.changedNames(d->values);

@@ -129,6 +129,7 @@ public:
     /// was nothing because new data of the host have come. Nor does "0" where there was no id.
     void setBaseline();
     bool isChanged() const;
+    bool isChanged(const QString &name) const;
     /// The names that have changed, ascending.
     QStringList changedNames() const;
     /// Sets all values, or one, to those of the baseline, and shows them in place of what is typed;

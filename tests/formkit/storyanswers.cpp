@@ -92,6 +92,16 @@ QString drawnLetters(const StoryPlayer *player)
     return letters;
 }
 
+QString signsOn(const QWidget *control)
+{
+    QStringList tips;
+    for (const QWidget *child : control->findChildren<QWidget *>()) {
+        if (child->inherits("FieldSign") && child->isVisible())
+            tips << child->toolTip();
+    }
+    return tips.join("; ");
+}
+
 QString openCalendar()
 {
     auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
@@ -178,6 +188,20 @@ StoryAnswers storyLabels(StoryPlayer *p)
                  names << object->objectName();
              return names.join(' ');
          }},
+        {"check", "", "what the check of the rules answers", "check=false",
+         [p](Words) { return QVariant(p->rules->check()).toString(); }},
+        {"wrong", "", "the reasons of the rules", "wrong=Price: At most 500; Stop: Below Price",
+         [p](Words) {
+             const QMap<QString, QString> errors = p->rules->errors();
+             QStringList all;
+             for (auto it = errors.cbegin(); it != errors.cend(); ++it)
+                 all << it.key() + ": " + *it;
+             return all.join("; ");
+         }},
+        {"at", "", "the control that has the focus", "at=price",
+         [](Words) { return QApplication::focusWidget()->objectName(); }},
+        {"sign.*", "", "the tool tips of the signs on a control", "sign.price=At most 500",
+         [p](Words label) { return signsOn(p->control(label.section('.', 1))); }},
         {"turns", "", "turns of the event loop with changes in the hub, since the last `turns`",
          "turns=1",
          [p](Words) {

@@ -3,6 +3,7 @@
 
 #include <formkit/boardselectorbox.h>
 #include <formkit/checkbox.h>
+#include <formkit/choicebox.h>
 #include <formkit/dateedit.h>
 #include <formkit/formselector.h>
 #include <formkit/groupbox.h>
@@ -67,11 +68,11 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
 
 QObject *StoryForm::create(const QString &className, QWidget *form)
 {
-    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
-                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                       FormSelector, GroupBox, SecuritySteps, CountingControl, QWidget>(className,
-                                                                                        form);
+    return createOneOf<LineEdit, ChoiceBox, CheckBox, RadioButton, PushButtonSend, Label,
+                       NumberEditor, QuantityEditor, DateEdit, ComboBox, StockSelectorBox,
+                       StockSelectorBox_Code, BoardSelectorBox, SecuritySelectorBox,
+                       PartnerSelectorBox, Summator, FormSelector, GroupBox, SecuritySteps,
+                       CountingControl, QWidget>(className, form);
 }
 
 void StoryForm::make(const QStringList &words)

@@ -5,6 +5,7 @@
 #include "storyfile.h"
 
 #include <formkit/combobox.h>
+#include <formkit/formrules.h>
 #include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 
@@ -64,6 +65,7 @@ public:
     TestHost *const host;
     FormValidation validation;
     QWidget window;
+    QPointer<FormRules> rules; ///< null before they are made
     QPointer<QWidget> current; ///< the control in use
     QString log;               ///< what was reported, each with a blank in front
     int turns = 0;             ///< turns of the event loop in which the hub reported changes

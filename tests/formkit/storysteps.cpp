@@ -6,6 +6,7 @@
 #include <formkit/decimalvalidator.h>
 #include <formkit/numbereditor.h>
 #include <formkit/partnerselectorbox.h>
+#include <formkit/pushbuttonsend.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
 #include <formkit/securitysteps.h>
@@ -293,6 +294,28 @@ StorySteps programSteps(StoryPlayer *p)
          [p](Words) { p->hub()->setBaseline(); }},
         {"revert", "[name]", "sets the hub's values back to the baseline, or one", "revert Price",
          [p](Words name) { name.isEmpty() ? p->hub()->revert() : p->hub()->revert(name); }},
+        {"rules", "[lower name and name]",
+         "makes rules for the form; the first of two names must be below the second",
+         "rules Stop Price",
+         [p](Words names) {
+             p->rules = new FormRules(p->hub(), &p->window);
+             if (names.isEmpty())
+                 return;
+             const QString low = first(names);
+             const QString high = rest(names);
+             p->rules->add({low, high}, [low, high](const Values &values) {
+                 return values[low].toDouble() < values[high].toDouble() ? "" : "Below " + high;
+             });
+         }},
+        {"tie", "button policy", "ties a PushButtonSend to the rules", "tie send DisabledByErrors",
+         [p](Words words) {
+             as<PushButtonSend>(p->control(first(words)))
+                 ->setRules(p->rules, rest(words) == "DisabledByErrors"
+                                          ? PushButtonSend::DisabledByErrors
+                                          : PushButtonSend::ChecksOnClick);
+         }},
+        {"dots", "", "has the rules mark what has changed", "dots",
+         [p](Words) { p->rules->setMarksChanges(true); }},
         {"invalid", "[name ...]", "marks the captions of these names", "invalid Price",
          [p](Words names) { p->validation.set(names.split(' ', Qt::SkipEmptyParts)); }},
         {"make", "class name [property=value ...]", "makes a control, which is not bound",

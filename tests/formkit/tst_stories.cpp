@@ -9,6 +9,8 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
+#include <QLayout>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void stories_data();
     void stories();
     void quietOpening();
+    void reasonLine();
     void sizes();
     void keptIcon();
     void failingHost();
@@ -57,7 +60,7 @@ void StoriesTest::stories_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
     for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "entry", "hubs", "pages"}) {
+                                                       "entry", "hubs", "pages", "rules"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
@@ -72,6 +75,31 @@ void StoriesTest::stories()
     QFETCH(DataRow, story);
     StoryPlayer player(m_host.get(), file);
     player.play(story);
+}
+
+// The reason stands below a field where the form has room, and goes and comes with the form.
+void StoriesTest::reasonLine()
+{
+    StoryPlayer player(m_host.get(), "rules");
+    const auto line = [&] {
+        for (const QLabel *label : player.window.findChildren<QLabel *>()) {
+            if (label->text() == "At most 500" && label->isVisible())
+                return label->geometry().top() == player.control("price")->geometry().bottom() + 1;
+        }
+        return false;
+    };
+    player.act("rules; at price; type 600; leave; turn");
+    QVERIFY(!line());
+    player.window.layout()->setSpacing(2 * player.window.fontMetrics().height());
+    player.window.resize(player.window.sizeHint());
+    player.act("turn");
+    QVERIFY(line());
+    player.window.hide();
+    QVERIFY(!line());
+    player.window.show();
+    QVERIFY(line());
+    player.act("at price; press End BackSpace; turn");
+    QVERIFY(!line());
 }
 
 // Opening the list clears what was selected there, without a word of it.
