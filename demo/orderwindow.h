@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 #include <hostapi/icore.h>
 
@@ -13,6 +12,7 @@
 
 class BoardSelectorModel;
 class EmbeddedHost;
+class FormRules;
 class SecuritySelectorModel;
 class StatementsWindow;
 class StockSelectorModel;
@@ -52,8 +52,7 @@ private:
     /// Gives each board the sub-form of its security type.
     void registerBoards();
     void showValues();
-    QMap<QString, QString> rejections() const;
-    /// Marks what the terminal rejects; whether that is nothing.
+    /// Marks and tells what is wrong with the order; whether that is nothing.
     bool check();
     void send();
     /// Says above the buttons what has become of the order, until it is changed.
@@ -71,7 +70,8 @@ private:
     /// By the security type of the boards that they serve.
     QHash<QString, QWidget *> m_subForms;
     Properties m_hub;
-    FormValidation m_validation;
+    /// The form's file has them.
+    FormRules *m_rules = nullptr;
     /// What waits for a load to end.
     Values m_toFill;
     /// The values of which tell() has spoken.
