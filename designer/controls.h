@@ -14,6 +14,8 @@ struct DynamicProperty
 {
     enum Kind {
         Text,        ///< a text; an empty one is no property ("field" would be an empty name)
+        Words,       ///< the same, for the user's eyes: a translator may change it
+        Lines,       ///< a text of several lines
         PresetText,  ///< a text that every new control carries, empty
         PageText,    ///< a text of each page of the control, carried from the start, empty
         ParentSwitch ///< a switch that the control reads from its parent

@@ -3,6 +3,8 @@
 
 #include <formkit/formselector.h>
 
+#include <QPointer>
+
 class QStackedLayout;
 
 /// A FormSelector while it is designed, and in Designer's preview. Its pages fill it, so that they

@@ -62,11 +62,12 @@ void DesignerTest::controls()
     QStringList widgets;
     const QRegularExpression widget(
         "class FORMKIT_EXPORT (\\w+) : public "
-        "(?:Q\\w*(?:Edit|B[uo]\\w+|Label|Widget)|\\w+Box|\\w+Editor)\\b");
+        "(?:Q\\w*(?:Edit|B[uo]\\w+|Label|Widget)|\\w+Box|\\w+Editor|\\w+Entry)\\b");
     for (const QFileInfo &header : QDir(SOURCES "/formkit").entryInfoList({"*.h"})) {
         const auto match = widget.match(contentOf(header.filePath()));
-        if (match.hasMatch() && match.captured(1) != "SelectorBox")
-            widgets << match.captured(1);
+        const QString name = match.captured(1);
+        if (match.hasMatch() && name != "SelectorBox" && !name.endsWith("Entry"))
+            widgets << name;
     }
     QPluginLoader plugin(PLUGINS "/designer/formkitdesigner");
     const auto *collection =
@@ -98,7 +99,8 @@ void DesignerTest::forms()
     const auto held = [&](const char *name) { return hub.values().value(name).toString(); };
 
     keys::type(child("lineEdit"), "note");
-    keys::type(child("numberEditor"), "1.5");
+    keys::type(child("numberEditor"), "1");
+    keys::press(child("numberEditor"), "Up");
     keys::type(child("quantityEditor"), "20");
     for (const char *button : {"checkBox", "radioButton", "pushButtonSend"})
         qobject_cast<QAbstractButton *>(child(button))->click();
