@@ -67,8 +67,8 @@ bool isMissing(const QString &value, const QWidget *control)
 {
     if (const auto *box = qobject_cast<const CheckBox *>(control))
         return !box->isChecked();
-    const bool isId = control && BindingInfo::mainPropertyOf(control).endsWith("Id");
-    return value.trimmed().isEmpty() || (isId && value == QLatin1String("0"));
+    return value.trimmed().isEmpty() || (value == QLatin1String("0") && control &&
+                                         BindingInfo::mainPropertyOf(control).endsWith("Id"));
 }
 
 QString missingText(const QWidget *control)
@@ -134,6 +134,7 @@ struct Q_DECL_HIDDEN FormRules::Private
     QString valueReason(const QString &name, const Values &values, const Field *field);
     static QString answerOf(const Added &added, const Values &values);
 
+    void refreshLater();
     void refresh();
     void leave(const QString &name);
     void note(const Reasons &now);
@@ -160,7 +161,9 @@ struct Q_DECL_HIDDEN FormRules::Private
     // What the fields show: errors, the field that was gone to, changes.
     std::tuple<Reasons, QString, QStringList> painted;
     bool hasNewFields = true; // or new rules
+    int bindingVersion = -1;  // that the fields were collected from
     QTimer later;
+    bool isOutdated = false;
     bool marksChanges = false;
 };
 
@@ -171,9 +174,14 @@ FormRules::FormRules(Properties *hub, QWidget *form)
     d->judged = hub->values();
     d->later.setSingleShot(true);
     d->later.setInterval(0);
-    connect(&d->later, &QTimer::timeout, this, [this] { d->refresh(); });
+    // Queued, because the hub's report of the same change may make it unnecessary.
+    const auto refreshIfOutdated = [this] {
+        if (d->isOutdated)
+            d->refresh();
+    };
+    connect(&d->later, &QTimer::timeout, this, refreshIfOutdated, Qt::QueuedConnection);
     connect(hub, &Properties::hasChanged, this, [this] { d->refresh(); });
-    connect(hub, &Properties::changedStateChanged, &d->later, QOverload<>::of(&QTimer::start));
+    connect(hub, &Properties::changedStateChanged, this, [this] { d->refreshLater(); });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *old, QWidget *now) {
         if (!old || !now || !d->form || now->window() != d->form->window())
             return;
@@ -194,7 +202,7 @@ FormRules::~FormRules()
 // Sub-forms come and go: the fields are those that the hub has bound now.
 void FormRules::Private::collect()
 {
-    if (!hub)
+    if (!hub || std::exchange(bindingVersion, hub->bindingVersion()) == hub->bindingVersion())
         return;
     const QStringList names = hub->names();
     for (auto it = fields.begin(); it != fields.end();) {
@@ -236,9 +244,10 @@ void FormRules::Private::makeField(const QString &name, const QVector<QPointer<Q
     control->installEventFilter(q);
     const auto *const box = qobject_cast<QComboBox *>(control);
     const QLineEdit *const edit = box ? box->lineEdit() : qobject_cast<const QLineEdit *>(control);
-    if (edit)
-        connect(edit, &QLineEdit::textChanged, &later, QOverload<>::of(&QTimer::start),
-                Qt::UniqueConnection);
+    if (!edit)
+        return;
+    disconnect(edit, &QLineEdit::textChanged, q, nullptr);
+    connect(edit, &QLineEdit::textChanged, q, [this] { refreshLater(); });
 }
 
 // The name of the field that a widget is, or is a part of.
@@ -347,26 +356,26 @@ void FormRules::require(const QString &name, const QString &message)
     demands.isRequired = true;
     demands.missing = message;
     d->hasNewFields = true;
-    d->later.start();
+    d->refreshLater();
 }
 
 void FormRules::range(const QString &name, const QString &least, const QString &most,
                       const QString &message)
 {
     d->demands[name].rules << withMessage(Rules::range(least, most), message);
-    d->later.start();
+    d->refreshLater();
 }
 
 void FormRules::oneOf(const QString &name, const QStringList &values, const QString &message)
 {
     d->demands[name].rules << withMessage(Rules::oneOf(values), message);
-    d->later.start();
+    d->refreshLater();
 }
 
 void FormRules::matches(const QString &name, const QString &pattern, const QString &message)
 {
     d->demands[name].rules << withMessage(Rules::matches(pattern), message);
-    d->later.start();
+    d->refreshLater();
 }
 
 void FormRules::add(const QStringList &names, const Judge &judge)
@@ -374,13 +383,20 @@ void FormRules::add(const QStringList &names, const Judge &judge)
     if (names.isEmpty() || !judge)
         return;
     d->added << Private::Added{names, judge};
-    d->later.start();
+    d->refreshLater();
+}
+
+void FormRules::Private::refreshLater()
+{
+    isOutdated = true;
+    later.start();
 }
 
 // Something has changed: mends what is marked, and judges the rules over several names.
 void FormRules::Private::refresh()
 {
     later.stop();
+    isOutdated = false;
     const Reasons now = judge();
     for (auto it = shown.begin(); it != shown.end();)
         it = now.contains(it.key()) ? it + 1 : shown.erase(it);
@@ -555,7 +571,7 @@ bool FormRules::eventFilter(QObject *watched, QEvent *event)
         if (isRule && field != d->fields.end() && field->second.control == watched) {
             field->second.demands = demandsOf(field->second.control);
             d->hasNewFields = true;
-            d->later.start();
+            d->refreshLater();
         }
     }
     return QObject::eventFilter(watched, event);

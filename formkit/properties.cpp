@@ -464,6 +464,11 @@ QList<QObject *> Properties::objects(const QString &name) const
     return d->bindings.objectsOf(name);
 }
 
+int Properties::bindingVersion() const
+{
+    return d->bindings.version();
+}
+
 QString Properties::ownName(QObject *object) const
 {
     return d->bindings.mainName(object);

@@ -143,6 +143,8 @@ public:
     /// The objects that are bound under the name: first those whose own value it is, each group in
     /// the order of binding.
     QList<QObject *> objects(const QString &name) const;
+    /// Grows with every change of what is bound.
+    int bindingVersion() const;
     /// The name under which connectAll() bound the object's own value: its user property, or its
     /// `Value`. Empty for none.
     QString ownName(QObject *object) const;

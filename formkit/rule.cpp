@@ -23,6 +23,8 @@ bool isNumber(const QString &text)
 // "today" and "today+30" as dates; other texts as they are.
 QString limitOf(const QString &text)
 {
+    if (!text.startsWith(QLatin1String("today")))
+        return text;
     static const QRegularExpression Today(QStringLiteral("^today([+-]\\d+)?$"));
     const QRegularExpressionMatch match = Today.match(text);
     if (!match.hasMatch())
@@ -33,11 +35,13 @@ QString limitOf(const QString &text)
 // Less than, equal to or greater than 0; none for what cannot be compared.
 std::optional<int> compared(const QString &one, const QString &other)
 {
-    if (isNumber(one) && isNumber(other))
+    if (one.isEmpty() || other.isEmpty() || isNumber(one) != isNumber(other))
+        return {};
+    if (isNumber(one))
         return decimal(one).compare(decimal(other));
     const datetime a(one);
     const datetime b(other);
-    if (isNumber(one) || isNumber(other) || a.isNull() || b.isNull())
+    if (a.isNull() || b.isNull())
         return {};
     return a < b ? -1 : int(b < a);
 }
