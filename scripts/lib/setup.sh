@@ -3,7 +3,8 @@
 # shellcheck shell=bash disable=SC2034  # the scripts use the lists
 
 # What building needs, and what running needs beside it.
-build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev)
+build_packages=(g++ cmake ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools
+    libxkbcommon-dev libxkbcommon-x11-dev)
 run_packages=(libqt5sql5-sqlite fonts-dejavu-core)
 # What the plug-in for Qt Designer needs: headers, Designer itself, and its reader of icons.
 designer_packages=(qttools5-dev qttools5-dev-tools libqt5svg5)
