@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
+#include <formkit/lineedit.h>
 #include <formkit/pushbuttonsend.h>
 #include <formkit/stockselectorbox.h>
 #include <hostapi/exception.h>
@@ -11,6 +12,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLayout>
+#include <QTabWidget>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -32,6 +34,7 @@ private Q_SLOTS:
     void stories();
     void quietOpening();
     void reasonLine();
+    void errorPages();
     void sizes();
     void keptIcon();
     void failingHost();
@@ -100,6 +103,33 @@ void StoriesTest::reasonLine()
     QVERIFY(line());
     player.act("at price; press End BackSpace; turn");
     QVERIFY(!line());
+}
+
+// A wrong field on a hidden tab is gone to; one that is disabled is not judged. A rule that throws
+// makes its name wrong.
+void StoriesTest::errorPages()
+{
+    QTabWidget form;
+    for (const char *const name : {"first", "second"}) {
+        auto *const page = new QWidget;
+        auto *const edit = new LineEdit(page);
+        edit->setObjectName(name);
+        edit->setProperty("field", name);
+        form.addTab(page, name);
+    }
+    Properties hub;
+    hub.connectAll(&form);
+    FormRules rules(&hub, &form);
+    rules.require("second");
+    form.show();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    QVERIFY(!rules.check());
+    QCOMPARE(form.currentIndex(), 1);
+    QCOMPARE(QApplication::focusWidget()->objectName(), "second");
+    form.currentWidget()->setEnabled(false);
+    QVERIFY(rules.check());
+    rules.add({"first"}, [](const Values &) -> QString { throw Exception("no quotes"); });
+    QVERIFY(!rules.isValid() && rules.errors().contains("first"));
 }
 
 // Opening the list clears what was selected there, without a word of it.
