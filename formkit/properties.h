@@ -128,6 +128,7 @@ public:
     /// baseline's value in a form of its own (as unshown() says), or shows something where there
     /// was nothing because new data of the host have come. Nor does "0" where there was no id.
     void setBaseline();
+    /// Whether anything has changed, or one name.
     bool isChanged() const;
     bool isChanged(const QString &name) const;
     /// The names that have changed, ascending.
