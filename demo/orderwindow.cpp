@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "orderwindow.h"
 
-#include "orderrules.h"
 #include "statementswindow.h"
 #include "tracelog.h"
 #include "ui_equitypage.h"
@@ -11,6 +10,7 @@
 
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/boardselectormodel.h>
+#include <formkit/formrules.h>
 #include <formkit/numbereditor.h>
 #include <formkit/securityselectormodel.h>
 #include <formkit/securitysteps.h>
@@ -58,8 +58,8 @@ OrderWindow::OrderWindow(EmbeddedHost *host, QWidget *parent)
     steps->addQuantity(m_ui->quantity);
 
     m_hub.connectAll(m_ui->form);
-    m_validation.setupPropWidgets(m_hub, m_ui->form);
     m_ui->details->setHub(&m_hub);
+    m_rules = new FormRules(&m_hub, m_ui->form);
     connect(&m_hub, &Properties::hasChanged, this, &OrderWindow::showValues);
 
     makeStates();
@@ -209,48 +209,15 @@ void OrderWindow::showValues()
         tell(QString());
 }
 
-QMap<QString, QString> OrderWindow::rejections() const
-{
-    QMap<QString, QString> reasons = rejectedFields(m_hub.values());
-    // An amount in doubt has no value, but must not be taken for one that was left out.
-    const QList<NumberEditor *> editors = m_ui->form->findChildren<NumberEditor *>();
-    for (const NumberEditor *editor : editors) {
-        if (editor->isVisibleTo(this) && !editor->text().isEmpty() &&
-            !decimal::canConvert(editor->getValue(), false))
-            reasons.insert(editor->property("field").toString(),
-                           tr("'%1' is in doubt; enter it again").arg(editor->text()));
-    }
-    const QStringList unshown = m_hub.unshown();
-    for (const QString &name : unshown) {
-        if (!reasons.contains(name))
-            reasons.insert(name, tr("This is not what was set; enter it again"));
-    }
-    return reasons;
-}
-
 bool OrderWindow::check()
 {
-    const QMap<QString, QString> reasons = rejections();
-    m_validation.set(reasons.keys());
-    QStringList inOrderOfTheForm;
-    const QList<QLabel *> captions = m_ui->form->findChildren<QLabel *>();
-    for (QLabel *caption : captions) {
-        QStringList texts;
-        const QStringList names = m_hub.objectProperty(caption->buddy());
-        for (const QString &name : names) {
-            if (reasons.contains(name))
-                texts << reasons.value(name);
-        }
-        caption->setToolTip(texts.join(QLatin1Char('\n')));
-        inOrderOfTheForm << texts;
-    }
-    tell(reasons.isEmpty() ? tr("Valid, not placed")
-                           : tr("Not valid: %1").arg(inOrderOfTheForm.value(0)));
-    if (reasons.isEmpty())
+    const bool isValid = m_rules->check();
+    tell(isValid ? tr("Valid, not placed") : tr("Not valid: %1").arg(m_rules->firstError()));
+    if (isValid)
         Q_EMIT accepted();
     else
         Q_EMIT rejected();
-    return reasons.isEmpty();
+    return isValid;
 }
 
 void OrderWindow::send()

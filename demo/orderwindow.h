@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 #include <hostapi/icore.h>
 
@@ -13,6 +12,7 @@
 
 class BoardSelectorModel;
 class EmbeddedHost;
+class FormRules;
 class SecuritySelectorModel;
 class StatementsWindow;
 class StockSelectorModel;
@@ -52,8 +52,7 @@ private:
     /// Gives each board the sub-form of its security type.
     void registerBoards();
     void showValues();
-    QMap<QString, QString> rejections() const;
-    /// Marks what the terminal rejects. True if nothing was rejected.
+    /// Marks and tells what is wrong with the order. True if nothing is.
     bool check();
     void send();
     /// Says above the buttons what has become of the order, until the order is changed.
@@ -71,7 +70,8 @@ private:
     /// The sub-form of each security type.
     QHash<QString, QWidget *> m_subForms;
     Properties m_hub;
-    FormValidation m_validation;
+    /// Made by the form's file.
+    FormRules *m_rules = nullptr;
     /// What fill() is to set when the load ends.
     Values m_toFill;
     /// The values at the last tell().

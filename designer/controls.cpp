@@ -5,6 +5,7 @@
 
 #include <formkit/boardselectorbox.h>
 #include <formkit/checkbox.h>
+#include <formkit/choicebox.h>
 #include <formkit/dateedit.h>
 #include <formkit/groupbox.h>
 #include <formkit/label.h>
@@ -84,6 +85,19 @@ QVector<Control> makeControls()
                                  tr("Pairs of a name in the form's hub and a property of this "
                                     "control, such as \"Exchange=StockId Board=BoardId\""),
                                  DynamicProperty::Text};
+    const DynamicProperty required{"required", tr("Required..."),
+                                   tr("\"true\", or what is said when there is no value"),
+                                   DynamicProperty::Words};
+    const DynamicProperty rule{"rule", tr("Rules..."),
+                               tr("One a line: range 1..100, range today.., step 0.05, oneOf A|B, "
+                                  "matches [A-Z]{3}"),
+                               DynamicProperty::Lines};
+    const DynamicProperty message{"message", tr("Message of the Rules..."),
+                                  tr("What is said in place of the texts of rules and limits"),
+                                  DynamicProperty::Words};
+    const DynamicProperty choices{"choices", tr("Choices..."),
+                                  tr("Pairs of a value and its text: L=&Limit;M=&Market"),
+                                  DynamicProperty::Words};
     const DynamicProperty value{"value", tr("Text of the Button..."),
                                 tr("The text that the value is while this button is chosen"),
                                 DynamicProperty::PresetText};
@@ -99,9 +113,12 @@ QVector<Control> makeControls()
     const QSize lineSize(160, 28);
     const QSize boxSize(200, 28);
     QVector<Control> list;
-    const auto add = [&list](Control made, QSize size, const QVector<DynamicProperty> &dynamic) {
+    const auto add = [&](Control made, QSize size, const QVector<DynamicProperty> &dynamic) {
         made.firstSize = size;
         made.dynamicProperties = dynamic;
+        const QByteArray first = dynamic.value(0).name;
+        if (first == field.name)
+            made.dynamicProperties += {required, rule, message};
         list << made;
         return &list.last();
     };
@@ -117,6 +134,8 @@ QVector<Control> makeControls()
         {field, fields});
     add(control<DateEdit>(values, tr("A date, typed or picked from a calendar")), lineSize,
         {field});
+    add(control<ChoiceBox>(values, tr("A list of fixed choices with a value each")), lineSize,
+        {field, choices});
     add(control<CheckBox>(values, tr("A check box with a text for each of its states")), {140, 28},
         {field, checked, unchecked})
         ->firstContent = caption("text", tr("Check box"));
@@ -183,7 +202,8 @@ QString Control::domXml() const
     for (const DynamicProperty &property : dynamicProperties) {
         if (property.kind == DynamicProperty::PresetText)
             content += presetText(property.name);
-        if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
+        if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::Lines ||
+            property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
     // Values of the hub are texts in system form, which must not be translated. A unit is for

@@ -15,6 +15,8 @@ struct DynamicProperty
 {
     enum Kind {
         Text,        ///< a text; an empty one removes the property ("field" would be an empty name)
+        Words,       ///< the same, for the user's eyes: it may be translated
+        Lines,       ///< a text of several lines
         PresetText,  ///< a text that every new control has, empty at first
         PageText,    ///< a text that each page of the control has, empty at first
         ParentSwitch ///< a switch that the control reads from its parent

@@ -89,13 +89,24 @@ void TaskMenu::askForText(QWidget *owner, const DynamicProperty &property)
 {
     bool accepted = false;
     QString title = property.title;
-    const QString text = QInputDialog::getText(
-        owner->window(), title.remove(QStringLiteral("...")), property.help + QLatin1Char(':'),
-        QLineEdit::Normal, owner->property(property.name).toString(), &accepted);
+    title.remove(QStringLiteral("..."));
+    const QString question = property.help + QLatin1Char(':');
+    const QString old = owner->property(property.name).toString();
+    const QString text =
+        property.kind == DynamicProperty::Lines
+            ? QInputDialog::getMultiLineText(owner->window(), title, question, old, &accepted)
+            : QInputDialog::getText(owner->window(), title, question, QLineEdit::Normal, old,
+                                    &accepted);
     if (!accepted)
         return;
-    const bool isRemoved = text.isEmpty() && property.kind == DynamicProperty::Text;
-    change(owner, property.name, isRemoved ? QVariant() : QVariant(text.toUtf8()));
+    const bool staysEmpty =
+        property.kind == DynamicProperty::PresetText || property.kind == DynamicProperty::PageText;
+    if (text.isEmpty() && !staysEmpty)
+        change(owner, property.name, QVariant());
+    else if (property.kind == DynamicProperty::Words)
+        change(owner, property.name, text);
+    else
+        change(owner, property.name, text.toUtf8());
 }
 
 void TaskMenu::change(QWidget *owner, const QByteArray &name, const QVariant &value)

@@ -45,14 +45,17 @@ QList<QByteArray> BindingInfo::propertiesOf(const QObject *object) const
     return names;
 }
 
+QByteArray BindingInfo::mainPropertyOf(const QObject *object)
+{
+    const QMetaProperty user = object->metaObject()->userProperty();
+    return user.isReadable() ? QByteArray(user.name()) : "Value";
+}
+
 BindingInfo::Aliases BindingInfo::aliasesOf(const QObject *object) const
 {
     Aliases aliases;
-    if (object->dynamicPropertyNames().contains("field")) {
-        const QMetaProperty user = object->metaObject()->userProperty();
-        const QByteArray property = user.isReadable() ? QByteArray(user.name()) : "Value";
-        aliases.insert(property, object->property("field").toString());
-    }
+    if (object->dynamicPropertyNames().contains("field"))
+        aliases.insert(mainPropertyOf(object), object->property("field").toString());
     const QList<QByteArray> bound = propertiesOf(object);
     for (const QStringList &field : fieldsOf(object)) {
         const QByteArray property = field.value(1).toLatin1();

@@ -29,6 +29,9 @@ public:
     /// give to its properties.
     using Aliases = QMap<QByteArray, QString>;
     Aliases aliasesOf(const QObject *object) const;
+    /// The property that is the object's own value: the user property, or `Value` where there is no
+    /// readable one.
+    static QByteArray mainPropertyOf(const QObject *object);
 
 private:
     explicit BindingInfo(const QMetaObject *meta);

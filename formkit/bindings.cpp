@@ -78,6 +78,23 @@ QStringList Bindings::objectNames(QObject *object) const
     return isAlive(object) ? m_objectNames.values(object) : QStringList();
 }
 
+QString Bindings::mainName(QObject *object) const
+{
+    return isAlive(object) ? m_mainNames.value(object) : QString();
+}
+
+QList<QObject *> Bindings::objectsOf(const QString &name) const
+{
+    QList<QObject *> objects;
+    for (const Key &key : keysOf(name)) {
+        if (isAlive(key.object) && !objects.contains(key.object))
+            objects.prepend(key.object);
+    }
+    std::stable_partition(objects.begin(), objects.end(),
+                          [&](QObject *object) { return mainName(object) == name; });
+    return objects;
+}
+
 bool Bindings::isAlive(QObject *object) const
 {
     const auto bound = m_bound.constFind(object);
@@ -95,6 +112,7 @@ void Bindings::forget(QObject *object)
     removeKeysOf(object, &m_reporters);
     removeKeysOf(object, &m_names);
     m_objectNames.remove(object);
+    m_mainNames.remove(object);
 }
 
 void Bindings::forgetDead(QObject *object)

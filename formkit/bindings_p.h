@@ -49,6 +49,13 @@ public:
     QStringList objectNames(QObject *object) const;
     /// The objects that have such names, once for each name.
     QList<QObject *> namedObjects() const { return m_objectNames.keys(); }
+    /// The name of the object's own value.
+    void setMainName(QObject *object, const QString &name) { m_mainNames.insert(object, name); }
+    QString mainName(QObject *object) const;
+    /// The names that anything is bound under, ascending.
+    QStringList names() const { return m_keys.uniqueKeys(); }
+    /// The living objects bound under the name, those whose own value it is first.
+    QList<QObject *> objectsOf(const QString &name) const;
 
     /// Whether the object is bound, or was, and has not been destroyed since.
     bool isAlive(QObject *object) const;
@@ -68,6 +75,7 @@ private:
     QMap<Key, Key> m_reporters;
     QMap<Key, QString> m_names;
     QMultiMap<QObject *, QString> m_objectNames;
+    QHash<QObject *, QString> m_mainNames;
     QHash<QObject *, Bound> m_bound;
     int m_version = 0;
 };

@@ -2,6 +2,7 @@
 #include "combobox.h"
 
 #include "comboboxusability_p.h"
+#include "errorcolor_p.h"
 #include "rowlists_p.h"
 
 #include <QAbstractItemView>
@@ -123,7 +124,7 @@ void ComboBox::leave()
     if (m_opening || view()->isVisible())
         return;
     const QString text = currentText();
-    if (text.isEmpty() || (currentIndex() >= 0 && textOfRow(currentIndex()) == text))
+    if (isChoiceOrEmpty(text))
         return;
     const TextRows rows = rowsOfText(text);
     const bool completerTells = isCompletionLit(completer());
@@ -152,6 +153,17 @@ ComboBox::TextRows ComboBox::rowsOfText(const QString &text) const
     return exact.count > 0 ? exact : inAnyCase;
 }
 
+bool ComboBox::isChoiceOrEmpty(const QString &text) const
+{
+    return text.isEmpty() || (currentIndex() >= 0 && textOfRow(currentIndex()) == text);
+}
+
+QString ComboBox::fault() const
+{
+    const bool isNone = m_choosesWhenLeft && !isChoiceOrEmpty(currentText());
+    return m_mark.isEmpty() && isNone ? tr("Not in the list") : m_mark;
+}
+
 void ComboBox::mark(const QString &why)
 {
     QLineEdit *const edit = lineEdit();
@@ -163,7 +175,9 @@ void ComboBox::mark(const QString &why)
     if (!edit)
         return;
     const QStringList looks =
-        why.isEmpty() ? m_unmarked : QStringList{QStringLiteral("color: red"), why, why};
+        why.isEmpty()
+            ? m_unmarked
+            : QStringList{QStringLiteral("color: ") + errorColor(edit->palette()).name(), why, why};
     edit->setStyleSheet(looks.value(0));
     edit->setToolTip(looks.value(1));
     edit->setPlaceholderText(looks.value(2));

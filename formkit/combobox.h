@@ -28,6 +28,10 @@ public:
     /// gives that to the completer and to the validator too.
     ComboBoxValidator *comboBoxValidator() const { return m_validator; }
 
+    /// Why the text, or what was set, is no choice, in words for the user; empty if it is one. Text
+    /// that is just being typed counts, too, where the box chooses by its text when it is left.
+    QString fault() const;
+
     /// Opens the list with no row highlighted but the current one. The view emits no selection
     /// signals for the rows that were highlighted before.
     void showPopup() override;
@@ -80,6 +84,7 @@ protected:
 private:
     void furnishLineEdit();
     void leave();
+    bool isChoiceOrEmpty(const QString &text) const;
     QSize sizeFor(bool ofContents) const;
 
     QPointer<QLineEdit> m_furnished;

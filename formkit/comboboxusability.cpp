@@ -1,36 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "comboboxusability_p.h"
 
+#include "captions_p.h"
+
 #include <QComboBox>
 #include <QEvent>
-#include <QLabel>
 #include <QLineEdit>
-
-namespace {
-
-// The text of a caption without the '&' of its shortcut; "&&" stands for an ampersand.
-QString spoken(const QString &caption)
-{
-    QString text;
-    for (int i = 0; i < caption.size(); ++i) {
-        if (caption.at(i) == QLatin1Char('&') && ++i == caption.size())
-            break;
-        text += caption.at(i);
-    }
-    return text;
-}
-
-QString captionOf(const QWidget *control)
-{
-    const QList<QLabel *> labels = control->window()->findChildren<QLabel *>();
-    for (const QLabel *label : labels) {
-        if (label->buddy() == control)
-            return spoken(label->text());
-    }
-    return {};
-}
-
-} // namespace
 
 ComboBoxUsability::ComboBoxUsability(QComboBox *box) : QObject(box), m_box(box)
 {
@@ -61,5 +36,6 @@ void ComboBoxUsability::nameLineEdit()
 {
     const QString own = m_box->accessibleName();
     if (m_box->lineEdit())
-        m_box->lineEdit()->setAccessibleName(own.isEmpty() ? captionOf(m_box) : own);
+        m_box->lineEdit()->setAccessibleName(own.isEmpty() ? Captions(m_box->window()).textOf(m_box)
+                                                           : own);
 }

@@ -12,14 +12,17 @@
 class Doing
 {
 public:
-    enum Doer { Nobody, User, Program };
+    enum Doer { Nobody, User, Program, Setter };
 
     explicit Doing(Doer doer) : Doing(s_doer == Nobody ? doer : s_doer, TakeOver) {}
     ~Doing() { s_doer = m_before; }
     Q_DISABLE_COPY(Doing)
 
     static Doing programTakesOver() { return Doing(Program, TakeOver); }
+    /// The same, where the program gives the hub a value.
+    static Doing programSets() { return Doing(Setter, TakeOver); }
     static bool isUsers() { return s_doer == User; }
+    static bool isSetting() { return s_doer == Setter; }
 
 private:
     enum Force { TakeOver };

@@ -15,14 +15,27 @@ bool areDifferentNumbers(const QString &one, const QString &other)
 
 } // namespace
 
-// An empty content is another value, and so is another number, or an id in answer to none.
 void ProgramValues::answered(const QString &name, const QString &content)
 {
     const auto set = m_values.constFind(name);
-    if (set == m_values.constEnd() || isNothing(name, content) ||
-        (isId(name) && isNothing(name, *set)) || areDifferentNumbers(*set, content))
-        return;
-    m_values.insert(name, content);
+    if (set != m_values.constEnd() && isFormOf(name, *set, content))
+        m_values.insert(name, content);
+}
+
+bool ProgramValues::isFormOf(const QString &name, const QString &given,
+                             const QString &content) const
+{
+    return !isNothing(name, content) && !(isId(name) && isNothing(name, given)) &&
+           !areDifferentNumbers(given, content);
+}
+
+void ProgramValues::leaveToUser(QObject *object, const Values &held)
+{
+    const QStringList names = m_bindings.namesListenedTo(object);
+    for (const QString &name : names) {
+        if (m_values.value(name) != held[name] && isShown(name, held[name]))
+            m_values.remove(name);
+    }
 }
 
 void ProgramValues::leaveToUser(QObject *object, const Values &held)

@@ -21,12 +21,20 @@ public:
     /// A property has answered the write of its name with a content of its own, which counts as
     /// set if it is the same in another form.
     void answered(const QString &name, const QString &content);
+    /// The user has changed a property without a notify signal, which decides what the object
+    /// shows: what it shows now is the user's doing, even if it showed the same before.
+    void leaveToUser(QObject *object, const Values &held);
     /// The names whose value is not the one that the hub holds or a bound property reads.
     QStringList unshown(const Values &held) const;
 
-private:
+    /// An empty text, and "0" for an id.
     bool isNothing(const QString &name, const QString &value) const;
     bool isSame(const QString &name, const QString &one, const QString &other) const;
+    /// Whether what a property answers to a value that it was given is the same in another form.
+    /// An empty content is another value, and so is another number, or an id in answer to none.
+    bool isFormOf(const QString &name, const QString &given, const QString &content) const;
+
+private:
     bool isId(const QString &name) const;
     bool isShown(const QString &name, const QString &held) const;
     bool reads(const Bindings::Key &key, const QString &name, const QString &value) const;

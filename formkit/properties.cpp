@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "properties.h"
 
+#include "baseline_p.h"
 #include "bindinginfo_p.h"
 #include "bindings_p.h"
 #include "doing_p.h"
@@ -44,12 +45,15 @@ struct Q_DECL_HIDDEN Properties::Private
     void reportLater();
     template <typename... Deeds> void forEachName(Values all, Deeds... deeds);
     bool isWritable(const QString &name) const;
+    void reportState();
 
     Properties *const q;
     QTimer *const changeTimer;
     Bindings bindings;
     Values values;
     ProgramValues given{bindings};
+    Baseline baseline{given};
+    bool reportedState = false;
     NameWrite *innermost = nullptr; // of the writes under way, null if there is none
 };
 
@@ -59,6 +63,7 @@ Properties::Private::Private(Properties *properties)
     changeTimer->setSingleShot(true);
     changeTimer->setInterval(0);
     connect(changeTimer, &QTimer::timeout, q, &Properties::hasChanged);
+    connect(changeTimer, &QTimer::timeout, q, [this] { reportState(); });
 }
 
 Properties::Properties(QObject *parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
@@ -116,7 +121,9 @@ void Properties::Private::listen(const QString &name, const Key &key)
         const NameWrite current(q, &innermost, name);
         property.write(key.object, values.value(name));
     } else if (property.hasNotifySignal()) {
-        values.insert(name, property.read(key.object).toString());
+        const QString content = property.read(key.object).toString();
+        values.insert(name, content);
+        baseline.seed(name, content);
     }
 }
 
@@ -149,11 +156,14 @@ bool Properties::Private::bindOwn(QObject *object, const BindingInfo &info)
     const QPointer<QObject> alive(object);
     const BindingInfo::Aliases aliases = info.aliasesOf(object);
     const QList<QByteArray> properties = info.propertiesOf(object);
+    const QByteArray mainProperty = BindingInfo::mainPropertyOf(object);
     for (const QByteArray &property : properties) {
         if (!hub || !alive)
             break;
         const QString name = aliases.value(property, propertyName(property));
         bindings.addObjectName(object, name);
+        if (property == mainProperty)
+            bindings.setMainName(object, name);
         const Key key{object, indexOf(property, object)};
         if (!bindings.isBound(name, key))
             bind(name, key);
@@ -205,7 +215,7 @@ void Properties::setValue(const QString &name, const QString &value)
     const auto held = d->values.constFind(name);
     const bool isHeld = held != d->values.constEnd();
     const QString old = isHeld ? held->toString() : QString();
-    const Doing program = Doing::programTakesOver();
+    const Doing program = Doing::programSets();
     if (isHeld || !value.isEmpty())
         d->given.set(name, value);
     if (old != value)
@@ -318,18 +328,90 @@ void Properties::propertyChanged()
     const Doing user(Doing::User);
     const QString name = d->bindings.nameOf(key);
     const QString content = propertyOf(key).read(from).toString();
-    if (content == d->values.value(name).toString())
+    const QString before = d->values[name];
+    if (content == before)
         return;
-    if (Doing::isUsers())
+    const bool isAnswer = d->innermost && d->innermost->name() == name;
+    if (Doing::isUsers()) {
         d->given.userChanged(name);
-    else if (d->innermost && d->innermost->name() == name)
-        d->given.answered(name, content);
+    } else {
+        d->baseline.follow(name, before, content, isAnswer);
+        if (isAnswer)
+            d->given.answered(name, content);
+    }
     d->write(name, content, key);
 }
 
 QStringList Properties::unshown() const
 {
     return d->given.unshown(d->values);
+}
+
+void Properties::setBaseline()
+{
+    d->baseline.set(d->values);
+    d->reportState();
+}
+
+bool Properties::isChanged() const
+{
+    return !changedNames().isEmpty();
+}
+
+bool Properties::isChanged(const QString &name) const
+{
+    return d->baseline.isChanged(name, d->values);
+}
+
+QStringList Properties::changedNames() const
+{
+    return d->baseline.changedNames(d->values);
+}
+
+// Once more after all are set, because a field may show what is no value, such as half a number.
+void Properties::revert()
+{
+    const QPointer<Properties> alive(this);
+    setValues(d->baseline.valuesFor(d->values));
+    if (alive)
+        showAgain();
+}
+
+void Properties::revert(const QString &name)
+{
+    const QPointer<Properties> alive(this);
+    const QString value = d->baseline.value(name);
+    setValue(name, value);
+    const Doing program = Doing::programTakesOver();
+    if (alive && d->values[name] == value)
+        d->write(name, value, {});
+}
+
+void Properties::Private::reportState()
+{
+    const bool isChanged = q->isChanged();
+    if (std::exchange(reportedState, isChanged) != isChanged)
+        Q_EMIT q->changedStateChanged(isChanged);
+}
+
+QStringList Properties::names() const
+{
+    return d->bindings.names();
+}
+
+QList<QObject *> Properties::objects(const QString &name) const
+{
+    return d->bindings.objectsOf(name);
+}
+
+int Properties::bindingVersion() const
+{
+    return d->bindings.version();
+}
+
+QString Properties::ownName(QObject *object) const
+{
+    return d->bindings.mainName(object);
 }
 
 QStringList Properties::objectProperty(QObject *object) const

@@ -101,6 +101,35 @@ public:
     /// hasChanged() follows. An exception passes through when all are written.
     void showAgain();
 
+    /// Makes the present values the baseline: what the user, or the program, changes from now on
+    /// counts as changed, until it is as it was. Call it when the form is filled. Before the first
+    /// call the baseline is what the form's properties brought into the hub.
+    ///
+    /// It counts as no change when a property brings a new name into the hub, answers the
+    /// baseline's value in a form of its own (as unshown() says), or shows something where there
+    /// was nothing because new data of the host have come. Nor does "0" where there was no id.
+    void setBaseline();
+    /// Whether anything has changed, or one name.
+    bool isChanged() const;
+    bool isChanged(const QString &name) const;
+    /// The names that have changed, ascending.
+    QStringList changedNames() const;
+    /// Sets all values, or one, to those of the baseline, and shows them in place of what is typed;
+    /// a name that the baseline lacks becomes empty. As setValues() and setValue() do it: what goes
+    /// with an exchange or a board is best set back by revert(), not by its name alone.
+    void revert();
+    void revert(const QString &name);
+
+    /// The names that anything is bound under now, ascending.
+    QStringList names() const;
+    /// The objects that are bound under the name: first those whose own value it is, each group in
+    /// the order of binding.
+    QList<QObject *> objects(const QString &name) const;
+    /// Grows with every change of what is bound.
+    int bindingVersion() const;
+    /// The name under which connectAll() bound the object's own value: its user property, or its
+    /// `Value`. Empty for none.
+    QString ownName(QObject *object) const;
     /// The names under which connectAll() bound the object's properties, the latest first.
     QStringList objectProperty(QObject *object) const;
     /// Writes every object bound by connectAll(), with its names, to the debug output.
@@ -110,6 +139,9 @@ Q_SIGNALS:
     /// Some value may have changed: read values(). Comes from the event loop, once for any number
     /// of changes, also when a change left the value as it was.
     void hasChanged();
+    /// Whether anything has changed since setBaseline(). Emitted after hasChanged(), or by
+    /// setBaseline() itself, when it is another answer than the last.
+    void changedStateChanged(bool isChanged);
 
 protected Q_SLOTS:
     /// Reads the property whose notify signal calls it. For signals only: it asks for the sender.

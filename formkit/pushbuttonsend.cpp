@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "pushbuttonsend.h"
 
+#include "formrules.h"
+
 #include <QButtonGroup>
 #include <QEvent>
 #include <QStyle>
@@ -66,8 +68,34 @@ void PushButtonSend::changeEvent(QEvent *event)
     QPushButton::changeEvent(event);
 }
 
+void PushButtonSend::setRules(FormRules *rules, ErrorPolicy policy)
+{
+    if (m_rules)
+        disconnect(m_rules, nullptr, this, nullptr);
+    const bool wasDisabled = m_policy == DisabledByErrors;
+    m_rules = rules;
+    m_policy = rules ? policy : ChecksOnClick;
+    if (rules && m_policy == DisabledByErrors) {
+        connect(rules, &FormRules::changed, this, &PushButtonSend::showErrors);
+        connect(rules, &QObject::destroyed, this, [this] { setRules(nullptr); });
+    }
+    if (wasDisabled || m_policy == DisabledByErrors)
+        showErrors();
+}
+
+void PushButtonSend::showErrors()
+{
+    const QString error =
+        m_rules && m_policy == DisabledByErrors ? m_rules->firstError() : QString();
+    setEnabled(error.isEmpty());
+    setToolTip(error);
+    setAccessibleDescription(error);
+}
+
 void PushButtonSend::nextCheckState()
 {
+    if (m_rules && m_policy == ChecksOnClick && !m_rules->check())
+        return;
     const bool leavesToAnother =
         isChecked() && group() && group()->exclusive() && group()->checkedButton() != this;
     QPushButton::nextCheckState();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "refusalnotice_p.h"
 
+#include "errorcolor_p.h"
+
 #include <QAccessible>
 #include <QHelpEvent>
 #include <QPainter>
@@ -85,7 +87,7 @@ void RefusalNotice::endFlash()
 void RefusalNotice::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setPen(QPen(Qt::red, 2));
+    painter.setPen(QPen(errorColor(palette()), 2));
     painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
 }
 

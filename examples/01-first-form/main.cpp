@@ -2,7 +2,7 @@
 #include <embeddedhost/embeddedhost.h>
 #include <formkit/boardselectorbox.h>
 #include <formkit/dateedit.h>
-#include <formkit/formvalidation.h>
+#include <formkit/formrules.h>
 #include <formkit/properties.h>
 #include <formkit/quantityeditor.h>
 #include <formkit/securityselectorbox.h>
@@ -14,23 +14,12 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QPushButton>
 
 QWidget *named(QWidget *control, const char *name)
 {
     control->setProperty("field", name);
     return control;
-}
-
-QStringList wrongFields(const Values &order)
-{
-    QStringList wrong;
-    if (order["SecurityId"].toLongLong() == 0)
-        wrong << "SecurityId";
-    for (const char *name : {"Price", "Quantity", "GoodTill"}) {
-        if (order[name].isEmpty())
-            wrong << name;
-    }
-    return wrong;
 }
 
 int main(int argc, char **argv)
@@ -51,7 +40,8 @@ int main(int argc, char **argv)
     layout->addRow("&Price", named(price, "Price"));
     layout->addRow("&Quantity", named(quantity, "Quantity"));
     layout->addRow("&Good till", named(new DateEdit, "GoodTill"));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
+                                         QDialogButtonBox::Reset);
     layout->addRow(buttons);
 
     auto *steps = new SecuritySteps(&dialog);
@@ -60,14 +50,20 @@ int main(int argc, char **argv)
 
     Properties hub;
     hub.connectAll(&dialog);
-    FormValidation validation;
-    validation.setupPropWidgets(hub, &dialog);
+    FormRules rules(&hub, &dialog);
+    for (const char *name : {"SecurityId", "Price", "Quantity", "GoodTill"})
+        rules.require(name);
+    rules.range("Quantity", "1", "10000");
+    rules.range("GoodTill", "today", "");
+    rules.setMarksChanges(true);
 
+    dialog.setWindowTitle("Order[*]");
+    QObject::connect(&hub, &Properties::changedStateChanged, &dialog, &QWidget::setWindowModified);
+    QObject::connect(buttons->button(QDialogButtonBox::Reset), &QPushButton::clicked, &dialog,
+                     [&] { hub.revert(); });
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
-        const QStringList wrong = wrongFields(hub.values()) + hub.unshown();
-        validation.set(wrong);
-        if (wrong.isEmpty())
+        if (rules.check())
             dialog.accept();
     });
     if (dialog.exec() == QDialog::Accepted)

@@ -3,8 +3,8 @@
 # shellcheck shell=bash disable=SC2034  # the scripts use the lists
 
 # The packages for building, and those for running as well.
-build_packages=(g++ cmake ninja-build qtbase5-dev libxkbcommon-dev libxkbcommon-x11-dev
-    libssl-dev)
+build_packages=(g++ cmake ninja-build qtbase5-dev qttools5-dev qttools5-dev-tools
+    libxkbcommon-dev libxkbcommon-x11-dev libssl-dev)
 run_packages=(libqt5sql5-sqlite fonts-dejavu-core)
 # The packages for the plug-in of Qt Designer: headers, Designer itself, and its reader of icons.
 designer_packages=(qttools5-dev qttools5-dev-tools libqt5svg5)

@@ -51,7 +51,8 @@ private Q_SLOTS:
         QCOMPARE(told(), " ");
         keys::type(window.control("offset"), "1,5");
         keys::press(window.control("place"), "Space");
-        QCOMPARE(told(), "Not valid: '15' is in doubt; enter it again");
+        QCOMPARE(told(),
+                 "Not valid: Offset: '15' is no number, or could be two; enter it again");
     }
 };
 

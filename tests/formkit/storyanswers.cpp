@@ -96,6 +96,34 @@ QString drawnLetters(Player p, Words)
     return letters;
 }
 
+QString signsOn(Player p, Words label)
+{
+    const QWidget *const control = p->control(label.section('.', 1));
+    QStringList tips;
+    for (const QWidget *child : control->findChildren<QWidget *>()) {
+        if (child->inherits("FieldSign") && child->isVisible())
+            tips << child->toolTip();
+    }
+    return tips.join("; ");
+}
+
+QString namesOfObjects(Player p, Words label)
+{
+    QStringList names;
+    for (const QObject *object : p->hub()->objects(label.section('.', 1)))
+        names << object->objectName();
+    return names.join(' ');
+}
+
+QString reasons(Player p, Words)
+{
+    const QMap<QString, QString> errors = p->rules->errors();
+    QStringList all;
+    for (auto it = errors.cbegin(); it != errors.cend(); ++it)
+        all << it.key() + ": " + *it;
+    return all.join("; ");
+}
+
 QString openCalendar(Player, Words)
 {
     auto *const open = qobject_cast<QCalendarWidget *>(QApplication::activePopupWidget());
@@ -146,6 +174,13 @@ StoryAnswers storyLabels()
         {"source", [](Player p, Words) { return column(p, p->source(), p->roleOfId(p->box())); }},
         {"drawn", drawnLetters},
         {"unshown", [](Player p, Words) { return p->hub()->unshown().join(' '); }},
+        {"changed", [](Player p, Words) { return p->hub()->changedNames().join(' '); }},
+        {"states", [](Player p, Words) { return std::exchange(p->states, {}).trimmed(); }},
+        {"objects.*", namesOfObjects},
+        {"check", [](Player p, Words) { return QVariant(p->rules->check()).toString(); }},
+        {"wrong", reasons},
+        {"at", [](Player, Words) { return QApplication::focusWidget()->objectName(); }},
+        {"sign.*", signsOn},
         {"turns",
          [](Player p, Words) {
              QCoreApplication::processEvents();

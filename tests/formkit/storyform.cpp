@@ -3,6 +3,7 @@
 
 #include <formkit/boardselectorbox.h>
 #include <formkit/checkbox.h>
+#include <formkit/choicebox.h>
 #include <formkit/dateedit.h>
 #include <formkit/formselector.h>
 #include <formkit/groupbox.h>
@@ -72,6 +73,8 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
     host->setSessions(file.sessions);
 
     connect(hub(), &Properties::hasChanged, this, [this] { ++turns; });
+    connect(hub(), &Properties::changedStateChanged, this,
+            [this](bool isChanged) { states += QString(" %1").arg(isChanged); });
     auto *const layout = new QVBoxLayout(&window);
     for (const QStringList &words : file.controls)
         make(words);
@@ -91,21 +94,16 @@ StoryForm::StoryForm(TestHost *testHost, const QString &fileName) : file(fileNam
 
 QObject *StoryForm::create(const QString &className, QWidget *form)
 {
-    return createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
-                       QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                       BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                       FormSelector, GroupBox, SecuritySteps, CountingControl, QWidget>(className,
-                                                                                        form);
+    return createOneOf<LineEdit, ChoiceBox, CheckBox, RadioButton, PushButtonSend, Label,
+                       NumberEditor, QuantityEditor, DateEdit, ComboBox, StockSelectorBox,
+                       StockSelectorBox_Code, BoardSelectorBox, SecuritySelectorBox,
+                       PartnerSelectorBox, Summator, FormSelector, GroupBox, SecuritySteps,
+                       CountingControl, QWidget>(className, form);
 }
 
 void StoryForm::make(const QStringList &words)
 {
-    QObject *const made =
-        createOneOf<LineEdit, CheckBox, RadioButton, PushButtonSend, Label, NumberEditor,
-                    QuantityEditor, DateEdit, ComboBox, StockSelectorBox, StockSelectorBox_Code,
-                    BoardSelectorBox, SecuritySelectorBox, PartnerSelectorBox, Summator,
-                    FormSelector, GroupBox, SecuritySteps, CountingControl, QWidget>(words[0],
-                                                                                     m_place);
+    QObject *const made = create(words[0], m_place);
     QVERIFY2(made, qPrintable("no class " + words[0]));
     made->setObjectName(words[1]);
     for (const QString &pair : words.mid(2))

@@ -4,6 +4,7 @@
 #include "countingcontrol.h"
 
 #include <formkit/combobox.h>
+#include <formkit/formrules.h>
 #include <formkit/formvalidation.h>
 #include <formkit/properties.h>
 
@@ -80,10 +81,12 @@ public:
     TestHost *const host;
     FormValidation validation;
     QWidget window;
+    QPointer<FormRules> rules;   ///< null before they are made
     QPointer<QWidget> current;   ///< the control in use
     QString log;                 ///< what was reported, each with a blank in front
     bool populatesLater = false; ///< lists of securities, each waited for
     int turns = 0;               ///< turns of the event loop in which the hub reported changes
+    QString states;              ///< what the hub's changedStateChanged() told
     QString wheel;               ///< what became of its last turn
 
 private Q_SLOTS:

@@ -6,6 +6,7 @@
 #include <formkit/decimalvalidator.h>
 #include <formkit/numbereditor.h>
 #include <formkit/partnerselectorbox.h>
+#include <formkit/pushbuttonsend.h>
 #include <formkit/securityselectorbox.h>
 #include <formkit/securityselectormodel.h>
 #include <formkit/securitysteps.h>
@@ -269,6 +270,18 @@ void upon(Player p, Words words)
     };
 }
 
+void makeRules(Player p, Words names)
+{
+    p->rules = new FormRules(p->hub(), &p->window);
+    if (names.isEmpty())
+        return;
+    const QString low = first(names);
+    const QString high = rest(names);
+    p->rules->add({low, high}, [low, high](const Values &values) {
+        return values[low].toDouble() < values[high].toDouble() ? "" : "Below " + high;
+    });
+}
+
 const StorySteps HandSteps = {
     {"at", [](Player p, Words name) { p->use(name); }},
     {"type", [](Player p, Words text) { keys::type(p->current, text); }},
@@ -312,6 +325,18 @@ const StorySteps ProgramSteps = {
     {"hub", [](Player p, Words words) { p->hub()->setValue(first(words), rest(words)); }},
     {"hubs", setValues},
     {"again", [](Player p, Words) { p->hub()->showAgain(); }},
+    {"baseline", [](Player p, Words) { p->hub()->setBaseline(); }},
+    {"revert",
+     [](Player p, Words name) { name.isEmpty() ? p->hub()->revert() : p->hub()->revert(name); }},
+    {"rules", makeRules},
+    {"tie",
+     [](Player p, Words words) {
+         as<PushButtonSend>(p->control(first(words)))
+             ->setRules(p->rules, rest(words) == "DisabledByErrors"
+                                      ? PushButtonSend::DisabledByErrors
+                                      : PushButtonSend::ChecksOnClick);
+     }},
+    {"dots", [](Player p, Words) { p->rules->setMarksChanges(true); }},
     {"invalid",
      [](Player p, Words names) { p->validation.set(names.split(' ', Qt::SkipEmptyParts)); }},
     {"make", [](Player p, Words words) { p->make(words.split(' ')); }},

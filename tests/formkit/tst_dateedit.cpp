@@ -66,7 +66,8 @@ void DateEditTest::stories()
             line.replace("{format}", own[2])
                 .replace("{first}", own[3])
                 .replace("{leap}", own[4])
-                .replace("{last}", own[5]);
+                .replace("{last}", own[5])
+                .replace("{tip}", own[6]);
         if (locale == "de_DE" || !story.first().endsWith("(de_DE)"))
             StoryPlayer(&host, "dates").play(story);
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "storyplayer.h"
 
+#include <formkit/lineedit.h>
+#include <formkit/pushbuttonsend.h>
 #include <formkit/stockselectorbox.h>
 #include <hostapi/exception.h>
 
@@ -8,6 +10,9 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
+#include <QLayout>
+#include <QTabWidget>
 
 Q_DECLARE_METATYPE(DataRow)
 
@@ -30,6 +35,8 @@ private Q_SLOTS:
     void later_data();
     void later();
     void quietOpening();
+    void reasonLine();
+    void errorPages();
     void sizes();
     void failingHost();
     void manual();
@@ -56,7 +63,7 @@ void StoriesTest::stories_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
     for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "entry", "hubs", "pages", "example"}) {
+                                                       "entry", "hubs", "pages", "rules", "example"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
@@ -90,6 +97,58 @@ void StoriesTest::later()
     StoryPlayer player(m_host.get(), "security");
     player.populatesLater = true;
     player.play(story);
+}
+
+// The reason stands below a field where the form has room, and goes and comes with the form.
+void StoriesTest::reasonLine()
+{
+    StoryPlayer player(m_host.get(), "rules");
+    const auto line = [&] {
+        for (const QLabel *label : player.window.findChildren<QLabel *>()) {
+            if (label->text() == "At most 500" && label->isVisible())
+                return label->geometry().top() == player.control("price")->geometry().bottom() + 1;
+        }
+        return false;
+    };
+    player.act("rules; at price; type 600; leave; turn");
+    QVERIFY(!line());
+    player.window.layout()->setSpacing(2 * player.window.fontMetrics().height());
+    player.window.resize(player.window.sizeHint());
+    player.act("turn");
+    QVERIFY(line());
+    player.window.hide();
+    QVERIFY(!line());
+    player.window.show();
+    QVERIFY(line());
+    player.act("at price; press End BackSpace; turn");
+    QVERIFY(!line());
+}
+
+// A wrong field on a hidden tab is gone to; one that is disabled is not judged. A rule that throws
+// makes its name wrong.
+void StoriesTest::errorPages()
+{
+    QTabWidget form;
+    for (const char *const name : {"first", "second"}) {
+        auto *const page = new QWidget;
+        auto *const edit = new LineEdit(page);
+        edit->setObjectName(name);
+        edit->setProperty("field", name);
+        form.addTab(page, name);
+    }
+    Properties hub;
+    hub.connectAll(&form);
+    FormRules rules(&hub, &form);
+    rules.require("second");
+    form.show();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    QVERIFY(!rules.check());
+    QCOMPARE(form.currentIndex(), 1);
+    QCOMPARE(QApplication::focusWidget()->objectName(), "second");
+    form.currentWidget()->setEnabled(false);
+    QVERIFY(rules.check());
+    rules.add({"first"}, [](const Values &) -> QString { throw Exception("no quotes"); });
+    QVERIFY(!rules.isValid() && rules.errors().contains("first"));
 }
 
 // Opening the list clears what was selected there, without a word of it.
