@@ -31,15 +31,6 @@ bool ProgramValues::isFormOf(const QString &name, const QString &given,
 
 void ProgramValues::leaveToUser(QObject *object, const Values &held)
 {
-    const QStringList names = m_bindings.namesListenedTo(object);
-    for (const QString &name : names) {
-        if (m_values.value(name) != held[name] && isShown(name, held[name]))
-            m_values.remove(name);
-    }
-}
-
-void ProgramValues::leaveToUser(QObject *object, const Values &held)
-{
     const QStringList names = m_bindings.reportedNames(object);
     for (const QString &name : names) {
         if (m_values.value(name) != held[name] && isShown(name, held[name]))

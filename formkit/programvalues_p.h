@@ -21,9 +21,6 @@ public:
     /// A property has answered the write of its name with a content of its own, which counts as
     /// set if it is the same in another form.
     void answered(const QString &name, const QString &content);
-    /// The user has changed a property without a notify signal, which decides what the object
-    /// shows: what it shows now is the user's doing, even if it showed the same before.
-    void leaveToUser(QObject *object, const Values &held);
     /// The names whose value is not the one that the hub holds or a bound property reads.
     QStringList unshown(const Values &held) const;
 
