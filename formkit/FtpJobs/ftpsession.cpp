@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpJobs/ftpsession_p.h"
 
+#include "formkit/FtpJobs/ftpjobs.h"
 #include "formkit/FtpJobs/partfile_p.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 
 using namespace nsFTP;
@@ -13,11 +13,6 @@ namespace {
 /// Smaller files are fetched again from their beginning: that costs less than asking for their time
 /// would, which tells whether the remote file is still the same.
 constexpr long WorthResuming = 1 << 20;
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("FtpJobs", text);
-}
 
 FtpError localError(const QString &file, const QString &reason)
 {
@@ -149,7 +144,7 @@ FtpError FtpSession::download(Job &job)
 {
     const PartFile part(job.local);
     if (QFileInfo(job.local).isDir())
-        return localError(job.local, tr("it is a folder"));
+        return localError(job.local, FtpJobs::tr("it is a folder"));
     const FtpError error = fetchInto(job, part);
     if (error) {
         if (job.hasPart && job.sourceTime >= 0)
@@ -200,7 +195,7 @@ FtpError FtpSession::fetchInto(Job &job, const PartFile &part)
     }
     FtpError error = failure(job);
     if (error.code == FtpError::Failed && job.done < job.sourceSize)
-        error = {FtpError::Incomplete, tr("Of %1 only %2 of %3 bytes came.")
+        error = {FtpError::Incomplete, FtpJobs::tr("Of %1 only %2 of %3 bytes came.")
                                            .arg(plain(job.remote))
                                            .arg(job.done)
                                            .arg(job.sourceSize)};
@@ -263,7 +258,7 @@ FtpError FtpSession::send(Job &job, bool resumes)
     if (there < 0 || there == job.sourceSize)
         return {};
     job.mayResume = false;
-    return {FtpError::Incomplete, tr("%1 has %2 of %3 bytes at the server.")
+    return {FtpError::Incomplete, FtpJobs::tr("%1 has %2 of %3 bytes at the server.")
                                       .arg(plain(job.remote))
                                       .arg(there)
                                       .arg(job.sourceSize)};

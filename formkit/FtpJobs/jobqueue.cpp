@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpJobs/jobqueue_p.h"
 
+#include "formkit/FtpJobs/ftpjobs.h"
 #include "formkit/FtpJobs/partfile_p.h"
 
-#include <QCoreApplication>
 #include <QRandomGenerator>
 
 #include <algorithm>
@@ -11,11 +11,6 @@
 namespace {
 
 constexpr int LongestDelay = 60000;
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("FtpJobs", text);
-}
 
 // Milliseconds before the n-th further attempt. Somewhat random: those who lost a server together
 // need not come back together.
@@ -76,7 +71,7 @@ int JobQueue::add(const JobPointer &job)
         queueUp(job);
     else
         finish(lock, {job},
-               {FtpError::LocalFile, tr("%1: another job fetches it").arg(job->local)});
+               {FtpError::LocalFile, FtpJobs::tr("%1: another job fetches it").arg(job->local)});
     return job->id;
 }
 
@@ -117,7 +112,7 @@ void JobQueue::cancel(int id)
         return;
     }
     leaveLists(*job);
-    finish(lock, {job}, {FtpError::Cancelled, tr("Cancelled.")});
+    finish(lock, {job}, {FtpError::Cancelled, FtpJobs::tr("Cancelled.")});
 }
 
 std::vector<int> JobQueue::ids() const
@@ -214,7 +209,7 @@ bool JobQueue::settle(Worker &worker, const FtpError &error, const QVector<FtpEn
     worker.idleSince = JobClock::now();
     worker.signOfLife = worker.idleSince + std::chrono::seconds(worker.server->settings.keepAlive);
     if (!error || wish == Job::Cancel) {
-        const FtpError cancelled = {FtpError::Cancelled, tr("Cancelled.")};
+        const FtpError cancelled = {FtpError::Cancelled, FtpJobs::tr("Cancelled.")};
         finish(lock, {job}, error ? cancelled : error, entries);
     } else if (wish == Job::Pause) {
         job->state = FtpJobs::Paused;

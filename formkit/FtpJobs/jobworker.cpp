@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpJobs/jobworker_p.h"
 
-#include "formkit/FtpClient/InternetSocket.h"
+#include "formkit/FtpJobs/ftpjobs.h"
 
-#include <QCoreApplication>
+#include "formkit/FtpClient/InternetSocket.h"
 
 #include <exception>
 
@@ -26,9 +26,9 @@ std::unique_ptr<CFTPClient> makeClient(const FtpServer &settings)
 
 FtpError internalError(const char *text)
 {
-    return {FtpError::Failed,
-            QCoreApplication::translate("FtpJobs", "Something went wrong in the program: %1")
-                .arg(QString::fromLocal8Bit(text))};
+    return {
+        FtpError::Failed,
+        FtpJobs::tr("Something went wrong in the program: %1").arg(QString::fromLocal8Bit(text))};
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "formkit/FtpJobs/lastwords_p.h"
 
-#include <QCoreApplication>
+#include "formkit/FtpJobs/ftpjobs.h"
 
 #include <cerrno>
 
@@ -11,11 +11,6 @@ namespace {
 constexpr int SecurityLine = 440;
 constexpr int TransferLine = 1089;
 constexpr int LongestText = 300;
-
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("FtpJobs", text);
-}
 
 bool endsWith(const std::string &text, const std::string &end)
 {
@@ -82,15 +77,16 @@ FtpError LastWords::ofConnection() const
     if (m_insecure)
         return {FtpError::Insecure, plain(m_message)};
     if (m_operation == "GetHostByName")
-        return {FtpError::UnknownHost, tr("The host %1 is not known.").arg(m_host)};
+        return {FtpError::UnknownHost, FtpJobs::tr("The host %1 is not known.").arg(m_host)};
     if (m_number == ETIMEDOUT || endsWith(m_operation, "timeout"))
-        return {FtpError::TimedOut, tr("%1 did not answer in time.").arg(m_host)};
+        return {FtpError::TimedOut, FtpJobs::tr("%1 did not answer in time.").arg(m_host)};
     const QString reason = m_number == 0 ? QString() : qt_error_string(m_number);
     if (m_operation == "Connect")
-        return {FtpError::NoConnection, tr("Cannot connect to %1: %2.").arg(m_host, reason)};
+        return {FtpError::NoConnection,
+                FtpJobs::tr("Cannot connect to %1: %2.").arg(m_host, reason)};
     if (m_number != 0)
         return {FtpError::ConnectionLost,
-                tr("The connection to %1 was lost: %2.").arg(m_host, reason)};
+                FtpJobs::tr("The connection to %1 was lost: %2.").arg(m_host, reason)};
     return {};
 }
 
@@ -100,12 +96,15 @@ FtpError LastWords::ofLogon() const
     if (error)
         return error;
     if (isRefusal())
-        return {FtpError::NotLoggedOn, tr("%1 refused the logon: %2").arg(m_host, plain(m_reply))};
+        return {FtpError::NotLoggedOn,
+                FtpJobs::tr("%1 refused the logon: %2").arg(m_host, plain(m_reply))};
     if (!m_reply.empty())
-        return {FtpError::Busy, tr("%1 takes no logon now: %2").arg(m_host, plain(m_reply))};
+        return {FtpError::Busy,
+                FtpJobs::tr("%1 takes no logon now: %2").arg(m_host, plain(m_reply))};
     if (!m_message.empty())
-        return {FtpError::NotLoggedOn, tr("Not logged on to %1: %2").arg(m_host, plain(m_message))};
-    return {FtpError::ConnectionLost, tr("%1 closed the connection.").arg(m_host)};
+        return {FtpError::NotLoggedOn,
+                FtpJobs::tr("Not logged on to %1: %2").arg(m_host, plain(m_message))};
+    return {FtpError::ConnectionLost, FtpJobs::tr("%1 closed the connection.").arg(m_host)};
 }
 
 FtpError LastWords::of(const std::string &name, bool connected) const
@@ -116,13 +115,16 @@ FtpError LastWords::of(const std::string &name, bool connected) const
     const bool saysGoodbye = m_reply.compare(0, 3, "421") == 0;
     if (saysGoodbye || (!connected && m_reply.empty()))
         return {FtpError::ConnectionLost,
-                tr("%1 closed the connection. %2").arg(m_host, plain(m_reply)).trimmed()};
+                FtpJobs::tr("%1 closed the connection. %2").arg(m_host, plain(m_reply)).trimmed()};
     // Without a name the folder of the session is meant.
     const QString file = name.empty() ? m_host : plain(name);
     if (isRefusal())
-        return {FtpError::Refused, tr("The server refused %1: %2").arg(file, plain(m_reply))};
+        return {FtpError::Refused,
+                FtpJobs::tr("The server refused %1: %2").arg(file, plain(m_reply))};
     if (!m_reply.empty())
-        return {FtpError::Busy, tr("Not now, %1: %2").arg(file, plain(m_reply))};
-    const QString reason = m_message.empty() ? tr("the server did not say why") : plain(m_message);
-    return {m_brokeOff ? FtpError::Incomplete : FtpError::Failed, tr("%1: %2").arg(file, reason)};
+        return {FtpError::Busy, FtpJobs::tr("Not now, %1: %2").arg(file, plain(m_reply))};
+    const QString reason =
+        m_message.empty() ? FtpJobs::tr("the server did not say why") : plain(m_message);
+    return {m_brokeOff ? FtpError::Incomplete : FtpError::Failed,
+            FtpJobs::tr("%1: %2").arg(file, reason)};
 }

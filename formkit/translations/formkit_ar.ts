@@ -113,6 +113,85 @@
     </message>
 </context>
 <context>
+    <name>FtpJobs</name>
+    <message>
+        <source>it is a folder</source>
+        <translation>إنه مجلد</translation>
+    </message>
+    <message>
+        <source>Of %1 only %2 of %3 bytes came.</source>
+        <translation>وصل من %1 فقط %2 من %3 بايت.</translation>
+    </message>
+    <message>
+        <source>%1 has %2 of %3 bytes at the server.</source>
+        <translation>لدى %1 على الخادم %2 من %3 بايت.</translation>
+    </message>
+    <message>
+        <source>%1: another job fetches it</source>
+        <translation>%1: مهمة أخرى تجلبه</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>أُلغي.</translation>
+    </message>
+    <message>
+        <source>Something went wrong in the program: %1</source>
+        <translation>حدث خطأ في البرنامج: %1</translation>
+    </message>
+    <message>
+        <source>The host %1 is not known.</source>
+        <translation>المضيف %1 غير معروف.</translation>
+    </message>
+    <message>
+        <source>%1 did not answer in time.</source>
+        <translation>لم يرد %1 في الوقت المحدد.</translation>
+    </message>
+    <message>
+        <source>Cannot connect to %1: %2.</source>
+        <translation>تعذر الاتصال بـ %1: %2.</translation>
+    </message>
+    <message>
+        <source>The connection to %1 was lost: %2.</source>
+        <translation>انقطع الاتصال بـ %1: %2.</translation>
+    </message>
+    <message>
+        <source>%1 refused the logon: %2</source>
+        <translation>رفض %1 تسجيل الدخول: %2</translation>
+    </message>
+    <message>
+        <source>%1 takes no logon now: %2</source>
+        <translation>لا يقبل %1 تسجيل الدخول الآن: %2</translation>
+    </message>
+    <message>
+        <source>Not logged on to %1: %2</source>
+        <translation>لم يتم تسجيل الدخول إلى %1: %2</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection.</source>
+        <translation>أغلق %1 الاتصال.</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection. %2</source>
+        <translation>أغلق %1 الاتصال. %2</translation>
+    </message>
+    <message>
+        <source>The server refused %1: %2</source>
+        <translation>رفض الخادم %1: %2</translation>
+    </message>
+    <message>
+        <source>Not now, %1: %2</source>
+        <translation>ليس الآن، %1: %2</translation>
+    </message>
+    <message>
+        <source>the server did not say why</source>
+        <translation>لم يذكر الخادم السبب</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished">%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>NumberEditor</name>
     <message>
         <source>&apos;%1&apos; is no number</source>

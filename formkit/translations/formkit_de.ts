@@ -109,6 +109,85 @@
     </message>
 </context>
 <context>
+    <name>FtpJobs</name>
+    <message>
+        <source>it is a folder</source>
+        <translation>es ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>Of %1 only %2 of %3 bytes came.</source>
+        <translation>Von %1 kamen nur %2 von %3 Bytes an.</translation>
+    </message>
+    <message>
+        <source>%1 has %2 of %3 bytes at the server.</source>
+        <translation>%1 hat auf dem Server %2 von %3 Bytes.</translation>
+    </message>
+    <message>
+        <source>%1: another job fetches it</source>
+        <translation>%1: ein anderer Auftrag holt diese Datei schon</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>Abgebrochen.</translation>
+    </message>
+    <message>
+        <source>Something went wrong in the program: %1</source>
+        <translation>Im Programm ist etwas schiefgegangen: %1</translation>
+    </message>
+    <message>
+        <source>The host %1 is not known.</source>
+        <translation>Der Rechner %1 ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>%1 did not answer in time.</source>
+        <translation>%1 hat nicht rechtzeitig geantwortet.</translation>
+    </message>
+    <message>
+        <source>Cannot connect to %1: %2.</source>
+        <translation>Keine Verbindung zu %1: %2.</translation>
+    </message>
+    <message>
+        <source>The connection to %1 was lost: %2.</source>
+        <translation>Die Verbindung zu %1 ging verloren: %2.</translation>
+    </message>
+    <message>
+        <source>%1 refused the logon: %2</source>
+        <translation>%1 hat die Anmeldung abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>%1 takes no logon now: %2</source>
+        <translation>%1 nimmt jetzt keine Anmeldung an: %2</translation>
+    </message>
+    <message>
+        <source>Not logged on to %1: %2</source>
+        <translation>Nicht an %1 angemeldet: %2</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection.</source>
+        <translation>%1 hat die Verbindung beendet.</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection. %2</source>
+        <translation>%1 hat die Verbindung beendet. %2</translation>
+    </message>
+    <message>
+        <source>The server refused %1: %2</source>
+        <translation>Der Server hat %1 abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>Not now, %1: %2</source>
+        <translation>Jetzt nicht, %1: %2</translation>
+    </message>
+    <message>
+        <source>the server did not say why</source>
+        <translation>der Server nannte keinen Grund</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished">%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>NumberEditor</name>
     <message>
         <source>&apos;%1&apos; is no number</source>

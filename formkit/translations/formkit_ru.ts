@@ -110,6 +110,85 @@
     </message>
 </context>
 <context>
+    <name>FtpJobs</name>
+    <message>
+        <source>it is a folder</source>
+        <translation>это папка</translation>
+    </message>
+    <message>
+        <source>Of %1 only %2 of %3 bytes came.</source>
+        <translation>Из %1 получено только %2 из %3 байт.</translation>
+    </message>
+    <message>
+        <source>%1 has %2 of %3 bytes at the server.</source>
+        <translation>На сервере в %1 только %2 из %3 байт.</translation>
+    </message>
+    <message>
+        <source>%1: another job fetches it</source>
+        <translation>%1: файл уже получает другое задание</translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation>Отменено.</translation>
+    </message>
+    <message>
+        <source>Something went wrong in the program: %1</source>
+        <translation>Ошибка в программе: %1</translation>
+    </message>
+    <message>
+        <source>The host %1 is not known.</source>
+        <translation>Узел %1 не найден.</translation>
+    </message>
+    <message>
+        <source>%1 did not answer in time.</source>
+        <translation>%1 не ответил вовремя.</translation>
+    </message>
+    <message>
+        <source>Cannot connect to %1: %2.</source>
+        <translation>Не удалось соединиться с %1: %2.</translation>
+    </message>
+    <message>
+        <source>The connection to %1 was lost: %2.</source>
+        <translation>Соединение с %1 потеряно: %2.</translation>
+    </message>
+    <message>
+        <source>%1 refused the logon: %2</source>
+        <translation>%1 отказал во входе: %2</translation>
+    </message>
+    <message>
+        <source>%1 takes no logon now: %2</source>
+        <translation>%1 сейчас не принимает вход: %2</translation>
+    </message>
+    <message>
+        <source>Not logged on to %1: %2</source>
+        <translation>Вход на %1 не выполнен: %2</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection.</source>
+        <translation>%1 закрыл соединение.</translation>
+    </message>
+    <message>
+        <source>%1 closed the connection. %2</source>
+        <translation>%1 закрыл соединение. %2</translation>
+    </message>
+    <message>
+        <source>The server refused %1: %2</source>
+        <translation>Сервер отклонил %1: %2</translation>
+    </message>
+    <message>
+        <source>Not now, %1: %2</source>
+        <translation>Не сейчас, %1: %2</translation>
+    </message>
+    <message>
+        <source>the server did not say why</source>
+        <translation>сервер не сообщил причину</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished">%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>NumberEditor</name>
     <message>
         <source>&apos;%1&apos; is no number</source>

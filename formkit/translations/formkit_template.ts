@@ -108,6 +108,85 @@
     </message>
 </context>
 <context>
+    <name>FtpJobs</name>
+    <message>
+        <source>it is a folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Of %1 only %2 of %3 bytes came.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 has %2 of %3 bytes at the server.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: another job fetches it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Something went wrong in the program: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The host %1 is not known.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 did not answer in time.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot connect to %1: %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The connection to %1 was lost: %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 refused the logon: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 takes no logon now: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not logged on to %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 closed the connection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 closed the connection. %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server refused %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not now, %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the server did not say why</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>NumberEditor</name>
     <message>
         <source>&apos;%1&apos; is no number</source>

@@ -51,8 +51,7 @@ private Q_SLOTS:
         QCOMPARE(told(), " ");
         keys::type(window.control("offset"), "1,5");
         keys::press(window.control("place"), "Space");
-        QCOMPARE(told(),
-                 "Not valid: Offset: '15' is no number, or could be two; enter it again");
+        QCOMPARE(told(), "Not valid: Offset: '15' is no number, or could be two; enter it again");
     }
 };
 

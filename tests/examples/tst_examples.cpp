@@ -28,7 +28,7 @@ QString shownText()
     if (!edit)
         return {};
     return QString("%1|%2").arg(edit->text()).arg(edit->cursorPosition()) +
-           (edit->styleSheet().contains("red") ? " red" : "");
+           (edit->styleSheet().contains("color") ? " red" : "");
 }
 
 // What is seen after each step of a story, which begins with its name; with "fault" in it where the

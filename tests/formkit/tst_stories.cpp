@@ -62,8 +62,9 @@ void StoriesTest::stories_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<DataRow>("story");
-    for (const QString &file : Selectors + QStringList{"hub", "controls", "combobox", "numbers",
-                                                       "entry", "hubs", "pages", "rules", "example"}) {
+    for (const QString &file :
+         Selectors + QStringList{"hub", "controls", "combobox", "numbers", "entry", "hubs", "pages",
+                                 "rules", "example"}) {
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
