@@ -92,7 +92,7 @@ void OrderWindow::makeSubForms()
     m_subForms.insert(SecTypes::Option.toString(), makePage<Ui::OptionsPage>(m_ui->details));
     // Boards that no exchange has: the sub-forms stand in the form before any board is read.
     boardid place;
-    for (QWidget *subForm : qAsConst(m_subForms)) {
+    for (QWidget *subForm : std::as_const(m_subForms)) {
         --place.board_id;
         m_ui->details->addWidget(place, subForm);
     }
@@ -282,7 +282,7 @@ void OrderWindow::announceSessions()
     }
     m_allSessions = m_host->currentSessions();
     QVector<SessionId> first;
-    for (const SessionId &session : qAsConst(m_allSessions)) {
+    for (const SessionId &session : std::as_const(m_allSessions)) {
         if (session.sess_id == 1)
             first.append(session);
     }

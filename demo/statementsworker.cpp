@@ -2,6 +2,7 @@
 #include "statementsworker.h"
 
 #include <QFile>
+#include <QTimeZone>
 
 using namespace nsFTP;
 
@@ -64,7 +65,7 @@ bool StatementsWorker::list(QVector<Statement> *statements)
         statement.name = QByteArray::fromStdString(entry->name);
         statement.size = entry->size;
         if (entry->mtimeType != CFTPFileStatus::timeUnknown)
-            statement.modified = QDateTime::fromSecsSinceEpoch(entry->mtime, Qt::UTC);
+            statement.modified = QDateTime::fromSecsSinceEpoch(entry->mtime, QTimeZone::utc());
         statement.knowsTime = entry->mtimeType != CFTPFileStatus::timeDay;
         statements->append(statement);
     }

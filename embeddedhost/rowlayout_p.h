@@ -9,7 +9,7 @@
 #include <vector>
 
 /// How the rows of one table lie in memory: a row is one allocation that holds the reference
-/// count, the presence bits (hence at most 32 columns) and the cells, 64-bit ones first, so
+/// count, the presence bits (hence at most 32 columns) and the cells, 32-bit ones last, so
 /// that nothing is lost between them. Cells are 32-bit and 64-bit integers and strings.
 class RowLayout
 {

@@ -108,12 +108,12 @@ void FormSelector::readBoards(QWidget *form)
 {
     const QPointer<QWidget> formBefore = m_boardForms.value(m_shown);
     boardlist &boards = pageOf(form).boards;
-    for (const boardid &board : qAsConst(boards)) {
+    for (const boardid &board : std::as_const(boards)) {
         if (m_boardForms.value(board) == form)
             m_boardForms.remove(board);
     }
     boards = boardsOf(form);
-    for (const boardid &board : qAsConst(boards))
+    for (const boardid &board : std::as_const(boards))
         m_boardForms.insert(board, form);
     if (m_boardForms.value(m_shown) != formBefore)
         setWidget(m_shown);
@@ -159,7 +159,7 @@ void FormSelector::placeInTabOrder(QWidget *form)
         if (isPlaced(w) && form->isAncestorOf(w))
             controls << w;
     }
-    for (QWidget *const control : qAsConst(controls)) {
+    for (QWidget *const control : std::as_const(controls)) {
         orderTabs(last, control);
         last = control;
     }
@@ -280,7 +280,7 @@ void FormSelector::reportSums(QWidget *page)
     const QList<Summator *> found = page->findChildren<Summator *>();
     for (Summator *summator : found)
         summators << summator;
-    for (const QPointer<Summator> &summator : qAsConst(summators)) {
+    for (const QPointer<Summator> &summator : std::as_const(summators)) {
         if (summator)
             summator->report();
     }
@@ -290,6 +290,6 @@ void FormSelector::unbindPages(Properties *hub)
 {
     if (!hub)
         return;
-    for (const Page &page : qAsConst(m_pages))
+    for (const Page &page : std::as_const(m_pages))
         hub->disconnectAll(page.holder);
 }

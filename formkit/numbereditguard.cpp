@@ -37,6 +37,12 @@ bool EditGuard::isGroup(int place) const
            symbols().kindOf(text().at(place)) == LocaleSymbols::Group;
 }
 
+int EditGuard::markedSign() const
+{
+    const QString &minus = symbols().minus();
+    return minus.size() > 1 && text().startsWith(minus) ? int(minus.size()) : 0;
+}
+
 void EditGuard::endHistory()
 {
     m_past.clear();
@@ -159,9 +165,9 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
         edit.after[place] = symbols().point();
     else if (groups)
         return typeSeparator(edit, maxLength);
+    const QStringView rest = QStringView(edit.after).mid(place + 1);
     if (edit.after.at(place) == symbols().point() &&
-        edit.after.midRef(place + 1) == text().midRef(place) &&
-        edit.after.midRef(place + 1).startsWith(symbols().point()))
+        rest == QStringView(text()).mid(place) && rest.startsWith(symbols().point()))
         return take(text(), edit.caret);
     return takeEdit(edit, maxLength);
 }
@@ -315,7 +321,7 @@ void EditGuard::settleStops(const Stops &stops, const NumberText &number)
     places.erase(std::unique(places.begin(), places.end()), places.end());
     QVector<int> sizes;
     int last = 0;
-    for (const int place : qAsConst(places)) {
+    for (const int place : std::as_const(places)) {
         sizes << place - last;
         last = place;
     }

@@ -78,6 +78,8 @@ public:
     bool isBare() const;
     /// Whether there is a group separator at a place, which comes back when it is removed.
     bool isGroup(int place) const;
+    /// The length of a shown minus that has direction marks, else 0.
+    int markedSign() const;
     /// Undo leads back to the shown text and no further.
     void endHistory();
     /// The hand has gone: forgets typed separators and points that nothing was typed after, and

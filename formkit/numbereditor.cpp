@@ -45,6 +45,7 @@ struct Q_DECL_HIDDEN NumberEditor::Private
     void show();
     void read(const QString &text);
     void hold(const QString &newValue);
+    void passMarks(int from, int to);
     void markDoubt();
     void noteCut();
     void noteReason(const QString &newReason);
@@ -72,6 +73,8 @@ NumberEditor::NumberEditor(QWidget *parent, int digits)
     connect(this, &QLineEdit::textChanged, this, &NumberEditor::edit_changed);
     connect(this, &QLineEdit::selectionChanged, this,
             [this] { d->selected = selectedText().size(); });
+    connect(this, &QLineEdit::cursorPositionChanged, this,
+            [this](int from, int to) { d->passMarks(from, to); });
     connect(this, &QLineEdit::inputRejected, this, [this] { d->noteCut(); });
     connect(d->validator, &QValidator::changed, this, [this] { d->show(); });
     setValidator(d->validator);
@@ -278,7 +281,7 @@ void NumberEditor::Private::show()
     if (text.size() > q->maxLength())
         q->setMaxLength(text.size());
     if (number || text.isEmpty())
-        guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
+        guard.judge({text, int(text.size()), 0, EditGuard::Program}, q->maxLength());
     else
         guard.showForeign(text);
     q->setText(guard.text());
@@ -290,7 +293,7 @@ void NumberEditor::Private::show()
 // Whatever another validator lets through.
 void NumberEditor::Private::read(const QString &text)
 {
-    guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
+    guard.judge({text, int(text.size()), 0, EditGuard::Program}, q->maxLength());
     markDoubt();
 }
 
@@ -300,6 +303,18 @@ void NumberEditor::Private::hold(const QString &newValue)
     number.reset();
     if (decimal::canConvert(value, false))
         number = decimal(value);
+}
+
+// The caret does not stop inside a sign, at marks that nobody sees.
+void NumberEditor::Private::passMarks(int from, int to)
+{
+    const int sign = q->text() == guard.text() ? guard.markedSign() : 0;
+    if (to <= 0 || to >= sign)
+        return;
+    if (to > from)
+        q->cursorForward(q->hasSelectedText(), sign - to);
+    else
+        q->cursorBackward(q->hasSelectedText(), to);
 }
 
 void NumberEditor::Private::markDoubt()
@@ -393,6 +408,13 @@ void NumberEditor::typeKey(QKeyEvent *event)
         if (isDelete)
             return;
     }
+    const int sign = d->guard.markedSign();
+    const bool meetsSign =
+        cursorPosition() == (isDelete ? 0 : sign) &&
+        (isDelete || event->matches(QKeySequence::Backspace) ||
+         event->matches(QKeySequence::DeleteStartOfWord));
+    if (sign > 0 && meetsSign && !hasSelectedText())
+        setSelection(0, sign); // it goes with its marks
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         d->noteReason(d->guard.doubt());
     const QScopedValueRollback<EditGuard::By> by(d->by, isPoint ? EditGuard::KeypadPoint

@@ -5,7 +5,7 @@
 
 #include <QVarLengthArray>
 
-/// A text without its group separators, divided into sign, integer digits, point and fraction
+/// A text without its group separators and direction marks, divided into sign, integer digits, point and fraction
 /// digits, each of which may be missing. Digits of any script pass, so that only what stands in
 /// the place of a digit decides about the shape. The symbols must outlive it.
 class NumberText
@@ -44,7 +44,7 @@ private:
     bool m_negative = false;
 };
 
-/// How many characters of the text are no group separators.
+/// How many characters of the text are neither group separators nor direction marks.
 int countUngrouped(QStringView text, const LocaleSymbols &symbols);
-/// The place after as many characters as `count` says, separators not counted.
+/// The place after as many such characters as `count` says, and after the marks that follow.
 int placeAfter(int count, QStringView text, const LocaleSymbols &symbols);

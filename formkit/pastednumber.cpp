@@ -120,7 +120,7 @@ bool PastedNumber::refuseOthers(QStringView number)
     for (const QChar c : number) {
         const LocaleSymbols::Kind kind = m_symbols.kindOf(c);
         const bool belongs = kind == LocaleSymbols::Digit || kind == LocaleSymbols::Point ||
-                             kind == LocaleSymbols::Group || c == QLatin1Char('.') ||
+                             LocaleSymbols::isSkipped(kind) || c == QLatin1Char('.') ||
                              c == QLatin1Char(',') || c == QLatin1Char('/');
         if (!belongs && (other.isNull() || other.isSpace()))
             other = c;

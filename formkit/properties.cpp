@@ -294,7 +294,7 @@ bool Properties::disconnectOne(const QString &name, QObject *object, const QByte
     m_bindings.remove(name, key);
     ++m_bindingChanges;
     const auto isOfObject = [object](const Key &bound) { return bound.object == object; };
-    const auto ofName = qAsConst(m_bindings).equal_range(name);
+    const auto ofName = std::as_const(m_bindings).equal_range(name);
     if (m_bound.contains(object) && std::none_of(ofName.first, ofName.second, isOfObject))
         m_bound[object].names.remove(name);
     const int notify = notifySignal(key);

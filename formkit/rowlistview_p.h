@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QAbstractItemView>
+#include "qtversions_p.h"
 
 /// A list of one column whose rows are all of one height, for pop-ups: opening, scrolling and
 /// moving in it cost by the rows that are seen, however many there are.
-class RowListView : public QAbstractItemView
+class RowListView : public ItemView
 {
     Q_OBJECT
 
@@ -37,6 +37,7 @@ protected:
 private:
     int rows() const;
     int rowHeight() const;
+    QStyleOptionViewItem itemOption() const;
     QModelIndex indexOfRow(int row) const;
 
     int m_column = 0;

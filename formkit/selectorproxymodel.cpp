@@ -184,7 +184,7 @@ SelectorProxyModel::Lists SelectorProxyModel::readLists() const
     Lists lists;
     lists.order = orderOf(sourceModel());
     lists.order.show(acceptedRows(), d->direction);
-    for (const int role : qAsConst(d->keyRoles))
+    for (const int role : std::as_const(d->keyRoles))
         lists.keys.insert(role, indexOfRole(sourceModel(), role));
     return lists;
 }

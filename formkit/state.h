@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <formkit/formkit_export.h>
+#include <formkit/formkitstate_export.h>
 
 #include <QState>
 
@@ -10,7 +10,7 @@
 ///     Entering state:  OrderDialog :: Open->Editing
 /// made of the prefix and of the state's path. Switched off with the category
 /// ("QGuiLog.debug=false"), it is a plain state.
-class FORMKIT_EXPORT State : public QState
+class FORMKITSTATE_EXPORT State : public QState
 {
     Q_OBJECT
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "datetime.h"
 
+#include <QTimeZone>
+
 namespace {
 
 bool isDirectionMark(QChar c)
@@ -8,30 +10,30 @@ bool isDirectionMark(QChar c)
     return c == QChar(0x200e) || c == QChar(0x200f) || c == QChar(0x061c);
 }
 
+// Some digits take two characters each.
+QString inAsciiDigits(const QString &text)
+{
+    QString ascii;
+    ascii.reserve(text.size());
+    for (const char32_t code : text.toUcs4()) {
+        if (QChar::isDigit(code))
+            ascii += QChar('0' + QChar::digitValue(code));
+        else
+            ascii += QString::fromUcs4(&code, 1);
+    }
+    return ascii;
+}
+
 // What a keyboard gives for the text or format: no direction marks, plain blanks, ASCII
 // digits.
 QString asTyped(const QString &text)
 {
     QString typed;
-    typed.reserve(text.size());
-    for (const QChar c : text) {
-        if (isDirectionMark(c))
-            continue;
-        if (c.isDigit())
-            typed += QChar('0' + c.digitValue());
-        else
+    for (const QChar c : inAsciiDigits(text)) {
+        if (!isDirectionMark(c))
             typed += c.isSpace() ? QChar(QLatin1Char(' ')) : c;
     }
     return typed;
-}
-
-QString inAsciiDigits(QString text)
-{
-    for (QChar &c : text) {
-        if (c.isDigit())
-            c = QChar('0' + c.digitValue());
-    }
-    return text;
 }
 
 // True when the text has an ASCII digit for each letter of the form and agrees with the rest.
@@ -106,7 +108,7 @@ QDate readDate(const QString &text, const QString &format)
 datetime::datetime(const QDateTime &dateTime)
 {
     if (dateTime.isValid())
-        m_msecs = QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toMSecsSinceEpoch();
+        m_msecs = QDateTime(dateTime.date(), dateTime.time(), QTimeZone::utc()).toMSecsSinceEpoch();
 }
 
 datetime::datetime(const QString &systemText)
@@ -130,7 +132,7 @@ datetime::datetime(const QString &systemText)
 datetime::datetime(const QDate &date) : datetime(date, QTime(0, 0)) {}
 
 datetime::datetime(const QDate &date, const QTime &time)
-    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime())
+    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc()) : QDateTime())
 {
 }
 
@@ -141,7 +143,7 @@ datetime datetime::now()
 
 QDateTime datetime::toUtc() const
 {
-    return isNull() ? QDateTime() : QDateTime::fromMSecsSinceEpoch(m_msecs, Qt::UTC);
+    return isNull() ? QDateTime() : QDateTime::fromMSecsSinceEpoch(m_msecs, QTimeZone::utc());
 }
 
 QDate datetime::date() const

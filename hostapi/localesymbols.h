@@ -10,13 +10,22 @@
 
 /// The characters with which a locale writes numbers, read out once, and what a typed
 /// character stands for among them. Number options of the locale (whether it groups) do not
-/// count: integers are always grouped, in the sizes that QLocale::toString(qlonglong) uses
-/// (1,234,567 or 12,34,567).
+/// count: integers are always grouped as QLocale::toString(qlonglong) does it, in its sizes
+/// (1,234,567 or 12,34,567) and from as many digits on (1234 but 12.345 in Spanish, with Qt 6).
+/// A locale whose digits take two characters each, as some have with Qt 6, has ASCII digits here.
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
     /// What a character stands for in a number.
-    enum Kind : uchar { Other, Digit, Minus, Plus, Point, Group };
+    enum Kind : uchar {
+        Other,
+        Digit,
+        Minus,
+        Plus,
+        Point,
+        Group,
+        Mark ///< a direction mark beside the locale's signs, which nobody sees and reading skips
+    };
 
     /// Reads the locale, which may change afterwards.
     explicit LocaleSymbols(const QLocale &locale);
@@ -29,6 +38,8 @@ public:
     {
         return c.unicode() < m_asciiKinds.size() ? m_asciiKinds[c.unicode()] : readKindOf(c);
     }
+    /// What separates or marks and is no part of the number itself.
+    static bool isSkipped(Kind kind) { return kind == Group || kind == Mark; }
     /// 0 to 9 for a digit of the locale or an ASCII one, -1 for anything else.
     int digitValue(QChar c) const
     {
@@ -42,16 +53,17 @@ public:
     /// The decimal point and the group separator, as the locale writes them.
     QChar point() const { return m_point; }
     QChar group() const { return m_group; }
-    /// A string: some locales of newer Qt write a direction mark before the sign.
+    /// A string: with Qt 6 some locales have a direction mark on one side of the sign or on both.
     const QString &minus() const { return m_minus; }
 
     /// The number of digits behind the last separator; 0 when the locale does not group.
     int lastGroupSize() const { return m_primary; }
-    /// True when a separator belongs in front of a digit that has `behind` digits behind and
-    /// including it (and at least one digit before it).
-    bool separatorBefore(int behind) const
+    /// True when a separator belongs in front of a digit of an integer that has `digits` digits,
+    /// `behind` of them behind and including it (and at least one before it).
+    bool separatorBefore(int behind, int digits) const
     {
-        return m_primary > 0 && behind >= m_primary && (behind - m_primary) % m_secondary == 0;
+        return m_primary > 0 && digits >= m_leastGrouped && behind >= m_primary &&
+               (behind - m_primary) % m_secondary == 0;
     }
     /// Inserts the group separators into a string of digits.
     QString grouped(const QString &digits) const;
@@ -70,6 +82,8 @@ private:
     /// locale does not group.
     int m_primary = 0;
     int m_secondary = 1;
+    /// An integer of fewer digits is not grouped.
+    int m_leastGrouped = 0;
     /// Validators ask for every character at every keystroke.
     std::array<Kind, 128> m_asciiKinds;
 };

@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
+#include <QTimeZone>
 
 #include <cstdio>
 
@@ -88,7 +89,7 @@ bool list(const CFTPClient &client, const std::string &path, bool passive)
     if (!client.List(path, entries, passive))
         return false;
     for (const auto &entry : entries) {
-        const QDateTime time = QDateTime::fromSecsSinceEpoch(entry->mtime, Qt::UTC);
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(entry->mtime, QTimeZone::utc());
         const bool dated = entry->mtimeType != CFTPFileStatus::timeUnknown;
         std::printf("%c %15lld  %16s  %s\n", entry->tryCwd ? 'd' : '-', entry->size,
                     dated ? qPrintable(time.toString("yyyy-MM-dd HH:mm")) : "",

@@ -86,7 +86,7 @@ QString drawnLetters(const StoryPlayer *player)
         i % 2 ? part.setLeft(width) : part.setWidth(width);
         if (!seen.contains(all.copy(part)))
             seen << all.copy(part);
-        letters += QChar('A' + seen.indexOf(all.copy(part)));
+        letters += QChar('A' + int(seen.indexOf(all.copy(part))));
     }
     return letters;
 }

@@ -123,7 +123,7 @@ bool StoryForm::turnWheel(int angle) const
 {
     const bool isOpen = box() && box()->view()->isVisible();
     QWidget *const target = isOpen ? box()->view()->viewport() : current.data();
-    QWheelEvent event({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle}, Qt::NoButton,
+    QWheelEvent event({4, 4}, target->mapToGlobal(QPoint(4, 4)), {}, {0, angle}, Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(target, &event);
     return event.isAccepted();

@@ -263,7 +263,7 @@ void FormsTest::oneChoice()
                 hub.setValue("Side", side);
             QCOMPARE(reports, isClick ? 1 : 0);
             QCOMPARE(hub.values()["Side"], side);
-            for (RadioButton *const button : qAsConst(buttons))
+            for (RadioButton *const button : std::as_const(buttons))
                 QCOMPARE(button->isChecked(), button->property("value") == side);
         }
     }

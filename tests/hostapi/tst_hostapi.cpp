@@ -196,7 +196,7 @@ void HostApiTest::everyDateReadsBack()
     QVector<QDate> dates = {{2000, 2, 29}, {2026, 4, 24}, {2070, 1, 1}, {2099, 12, 31}};
     for (QDate date(2000, 1, 1); date.year() < 2100; date = date.addDays(23))
         dates << date;
-    for (const QDate &date : qAsConst(dates)) {
+    for (const QDate &date : std::as_const(dates)) {
         const datetime moment(date, QTime(0, 30, 0, 4));
         for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
             const QString text = moment.toSystemString(false, format);

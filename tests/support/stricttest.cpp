@@ -67,6 +67,6 @@ void StrictTest::cleanup()
     const std::lock_guard<std::mutex> guard(theLog.mutex);
     qInstallMessageHandler(theLog.next);
     QVERIFY2(theLog.unexpected.isEmpty(), qPrintable(theLog.unexpected.join('\n')));
-    for (const QRegularExpression &missing : qAsConst(theLog.expected))
+    for (const QRegularExpression &missing : std::as_const(theLog.expected))
         QVERIFY2(false, qPrintable("announced, not logged: " + missing.pattern()));
 }
