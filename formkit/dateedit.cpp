@@ -101,6 +101,7 @@ void DateEdit::showPopup()
 {
     const datetime date = m_value.isNull() ? datetime::now() : m_value;
     m_calendar->setSelectedDate(date.date());
+    m_calendar->adjustSize(); // a window may be wider than its contents ask for
     m_calendar->move(calendarPosition());
     m_calendar->show();
     m_calendar->setFocus(Qt::OtherFocusReason);
@@ -112,7 +113,7 @@ QPoint DateEdit::calendarPosition() const
 {
     const QPoint below = mapToGlobal(rect().bottomLeft());
     const QRect area = screen()->availableGeometry();
-    const QSize size = m_calendar->sizeHint();
+    const QSize size = m_calendar->size();
     QPoint place = below;
     if (below.y() + size.height() > area.bottom() + 1)
         place.setY(mapToGlobal(rect().topLeft()).y() - size.height());

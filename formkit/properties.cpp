@@ -69,6 +69,12 @@ QMetaProperty propertyOf(const Properties::Key &key)
     return key.object->metaObject()->property(key.index);
 }
 
+// Qt 6 would name the values of an enumeration, where Qt 5 gives their numbers.
+QString textOf(const QMetaProperty &property, const QVariant &value)
+{
+    return property.isEnumType() ? QString::number(value.toInt()) : value.toString();
+}
+
 bool isIdProperty(const Properties::Key &key)
 {
     return QByteArray(propertyOf(key).name()).endsWith("Id");
@@ -210,7 +216,7 @@ void Properties::listen(const QString &name, const Key &key)
         Write current(this, name);
         property.write(key.object, m_values.value(name));
     } else if (property.hasNotifySignal()) {
-        m_values.insert(name, property.read(key.object).toString());
+        m_values.insert(name, textOf(property, property.read(key.object)));
     }
 }
 
@@ -463,7 +469,7 @@ void Properties::propertyChanged()
         return;
     const Doing user(Doing::User);
     const QString name = m_keyNames.value(key);
-    const QString content = propertyOf(key).read(from).toString();
+    const QString content = textOf(propertyOf(key), propertyOf(key).read(from));
     if (content == m_values.value(name).toString())
         return;
     if (Doing::isUsers())
@@ -503,9 +509,10 @@ bool Properties::isShown(const QString &name, const QString &given) const
         if (!m_keyNames.contains(key) || !isAlive(key.object))
             return true;
         try {
-            const QVariant read = propertyOf(key).read(key.object);
+            const QMetaProperty property = propertyOf(key);
+            const QVariant read = property.read(key.object);
             QVariant asRead(held);
-            return (asRead.convert(read.userType()) && asRead == read) || isHeld(read.toString());
+            return (asRead.convert(read.userType()) && asRead == read) || isHeld(textOf(property, read));
         } catch (...) {
             return false;
         }

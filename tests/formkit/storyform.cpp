@@ -183,5 +183,6 @@ QString StoryForm::property(const QString &path) const
     const QVariant value = object ? object->property(name.toLatin1()) : "none has " + path;
     if (value.userType() == QMetaType::QIcon)
         return value.value<QIcon>().isNull() ? "none" : "shown";
-    return value.toString();
+    const bool isEnum = QMetaType(value.userType()).flags() & QMetaType::IsEnumeration;
+    return isEnum ? QString::number(value.toInt()) : value.toString();
 }

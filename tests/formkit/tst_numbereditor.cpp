@@ -17,9 +17,16 @@ Q_DECLARE_METATYPE(DataRow)
 
 namespace {
 
-// A shown text without its group separators.
-QString ungrouped(QString text, const QLocale &locale)
+// What is seen of a text: no direction marks.
+QString visible(QString text)
 {
+    return text.remove(QRegularExpression("\\p{Cf}"));
+}
+
+// What is seen of a shown text without its group separators.
+QString ungrouped(const QString &shown, const QLocale &locale)
+{
+    QString text = visible(shown);
     for (const QString &alike : {QStringLiteral(" \u00a0\u2009\u202f"), QStringLiteral("'’")}) {
         if (alike.contains(locale.groupSeparator()))
             text.remove(QRegularExpression('[' + alike + ']'));
@@ -27,16 +34,23 @@ QString ungrouped(QString text, const QLocale &locale)
     return text.remove(locale.groupSeparator());
 }
 
+// Digits that take two characters are not shown.
+ushort zeroOf(const QLocale &locale)
+{
+    const QString zero(locale.zeroDigit());
+    return zero.size() == 1 ? zero.at(0).unicode() : ushort('0');
+}
+
 // Reads a shown text without the library: the value that an editor must have.
 QString readIndependently(const QString &text, const QLocale &locale)
 {
     QString number = ungrouped(text, locale);
+    number.replace(visible(QString(locale.negativeSign())), "-")
+        .replace(visible(QString(locale.positiveSign())), "+")
+        .replace(QString(locale.decimalPoint()), ".");
     for (QChar &c : number) {
-        c = c == locale.negativeSign()                               ? '-'
-            : c == locale.positiveSign()                             ? '+'
-            : c == locale.decimalPoint()                             ? '.'
-            : uint(c.unicode()) - locale.zeroDigit().unicode() <= 9u ? QChar('0' + c.digitValue())
-                                                                     : c;
+        if (uint(c.unicode()) - zeroOf(locale) <= 9u)
+            c = QChar('0' + c.digitValue());
     }
     static const QRegularExpression Form("^([-+]?)(?=.*[0-9])0*([0-9]*)(?:\\.([0-9]*))?$");
     const QRegularExpressionMatch match = Form.match(number);
@@ -163,7 +177,7 @@ void NumberEditorTest::refusals()
 
     player.act("set Value x");
     QVERIFY(frame->isVisible());
-    QHelpEvent hover(QEvent::ToolTip, {2, 2}, editor->mapToGlobal({2, 2}));
+    QHelpEvent hover(QEvent::ToolTip, {2, 2}, editor->mapToGlobal(QPoint(2, 2)));
     QApplication::sendEvent(editor, &hover);
     QCOMPARE(QToolTip::text(), QString("'x' is no number"));
     editor->setShowsRefusals(false);
@@ -192,7 +206,7 @@ void NumberEditorTest::randomEdits()
         editor->decimalValidator()->setLocale(locale);
         const QString characters = "01234567890123456789-+. ,x" + QString(locale.groupSeparator()) +
                                    locale.decimalPoint() + locale.decimalPoint() +
-                                   locale.negativeSign() + QChar(locale.zeroDigit().unicode() + 4);
+                                   locale.negativeSign() + QChar(zeroOf(locale) + 4);
         for (int edit = 0; edit < 66; ++edit) {
             const QString before = player.answer("edited");
             const bool selected = editor->hasSelectedText();
