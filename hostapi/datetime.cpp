@@ -92,12 +92,49 @@ QDate readLeapDayOfYear00(const QString &text, const QString &format)
     return leapDay ? QDate(2000, 2, 29) : QDate();
 }
 
+// Puts a number in the place of the longest of `count` names that the text has, and says which
+// that is; 0 without one.
+template <typename NameOf> int takeName(QString *text, int count, NameOf nameOf)
+{
+    int found = 0;
+    QString longest;
+    for (int i = 1; i <= count; ++i) {
+        const QString name = asTyped(nameOf(i));
+        if (name.size() > longest.size() && text->contains(name)) {
+            found = i;
+            longest = name;
+        }
+    }
+    if (found > 0)
+        text->replace(text->indexOf(longest), longest.size(), QString::number(found));
+    return found;
+}
+
+// QLocale takes a name that begins with another one for that, and then reads nothing.
+QDate readNames(QString text, QString format)
+{
+    const QLocale system = QLocale::system();
+    int day = 0;
+    if (format.contains(QLatin1String("dddd"))) {
+        day = takeName(&text, 7, [&](int i) { return system.dayName(i); });
+        format.replace(QLatin1String("dddd"), QStringLiteral("'%1'").arg(day));
+    }
+    if (format.contains(QLatin1String("MMMM"))) {
+        takeName(&text, 12, [&](int i) { return system.monthName(i); });
+        format.replace(QLatin1String("MMMM"), QLatin1String("M"));
+    }
+    const QDate read = system.toDate(text, format);
+    return day == 0 || read.dayOfWeek() == day ? read : QDate();
+}
+
 QDate readDate(const QString &text, const QString &format)
 {
     // QLocale takes a plus in front of a number.
     if (text.contains(QLatin1Char('+')))
         return {};
-    const QDate read = QLocale::system().toDate(text, format);
+    QDate read = QLocale::system().toDate(text, format);
+    if (!read.isValid() && format.contains(QLatin1String("MMMM")))
+        read = readNames(text, format);
     if (format.contains(QLatin1String("yyyy")))
         return read;
     return read.isValid() ? read.addYears(CenturyShift) : readLeapDayOfYear00(text, format);
@@ -132,7 +169,8 @@ datetime::datetime(const QString &systemText)
 datetime::datetime(const QDate &date) : datetime(date, QTime(0, 0)) {}
 
 datetime::datetime(const QDate &date, const QTime &time)
-    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc()) : QDateTime())
+    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc())
+                                                : QDateTime())
 {
 }
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # Shared by scripts/packages: what the Debian packages have to hold, and a fresh Debian for them.
-# shellcheck shell=bash disable=SC2034  # the scripts use the list
+# shellcheck shell=bash disable=SC2034,SC2154  # the scripts use the list; setup.sh has qt
 
 package_packages=(dpkg-dev file pkgconf make)
 

@@ -76,6 +76,7 @@ private Q_SLOTS:
     void typing();
     void refusals();
     void randomEdits();
+    void everyLocale();
     void values();
     void verdicts();
     void completeTexts();
@@ -232,6 +233,36 @@ void NumberEditorTest::randomEdits()
                      qPrintable(story));
             if (what > 2 && what < 9 && !selected && tail(0).size() == size + 1)
                 QVERIFY2(tail(editor->cursorPosition()) == behind, qPrintable(story));
+        }
+    }
+}
+
+// Numbers are shown as QLocale writes them, look so once they are typed, and read back.
+void NumberEditorTest::everyLocale()
+{
+    for (QLocale locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
+        locale.setNumberOptions(QLocale::DefaultNumberOptions);
+        const bool hasPlainDigits = QString(locale.zeroDigit()).size() == 1;
+        for (const qlonglong number : {0LL, -7LL, 1234LL, -12345LL, 123456LL, -123456789012LL}) {
+            QString written;
+            for (const char32_t c : locale.toString(number).toUcs4())
+                written += QChar::isDigit(c) && !hasPlainDigits
+                               ? QString::number(QChar::digitValue(c))
+                               : QString::fromUcs4(&c, 1);
+            NumberEditor editor;
+            editor.decimalValidator()->setLocale(locale);
+            QTest::keyClicks(&editor, QString::number(number));
+            QCOMPARE(editor.text(), written);
+            QCOMPARE(editor.cursorPosition(), int(written.size()));
+            const QString half = QString::number(number) + ".50";
+            editor.setValue(half);
+            const QString fraction = (hasPlainDigits ? locale.toString(50) : QString("50"));
+            QCOMPARE(editor.text(), written + QString(locale.decimalPoint()) + fraction);
+            const QString text = editor.text();
+            editor.clear();
+            editor.insert(text);
+            QVERIFY2(editor.getValue() == half && editor.text() == text, qPrintable(locale.name()));
         }
     }
 }

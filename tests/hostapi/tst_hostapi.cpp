@@ -20,6 +20,8 @@ private Q_SLOTS:
     void systemDates();
     void localeDates();
     void everyDateReadsBack();
+    void writtenDates();
+    void writtenDatesOfEveryLocale();
     void records();
     void indexAndFilter();
     void noTables();
@@ -208,6 +210,42 @@ void HostApiTest::everyDateReadsBack()
             native.replace(QChar('0' + digit), QLocale::system().toString(digit));
         for (const QString &typed : {QString(text).remove(QChar(0x200f)), native})
             QCOMPARE(datetime::fromSystemString(typed, true, QLocale::ShortFormat).date(), date);
+    }
+}
+
+// Dates are written as QLocale does it, in ASCII digits, and read back.
+void HostApiTest::writtenDates()
+{
+    const QLocale system = QLocale::system();
+    for (QDate date(2026, 1, 1); date.year() < 2027; date = date.addDays(13)) {
+        for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
+            QString written;
+            for (const char32_t c : system.toString(date, format).toUcs4())
+                written += QChar::isDigit(c) ? QString::number(QChar::digitValue(c))
+                                             : QString::fromUcs4(&c, 1);
+            QCOMPARE(datetime(date).toSystemString(true, format), written);
+            QCOMPARE(datetime::fromSystemString(written, true, format).date(), date);
+        }
+    }
+}
+
+// QLocale::system() is settled once in a process.
+void HostApiTest::writtenDatesOfEveryLocale()
+{
+    QSet<QString> names;
+    for (const QLocale &locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry))
+        names << locale.name();
+    QVERIFY(names.size() > 500);
+    for (const QString &name : std::as_const(names)) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", name);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(), {"writtenDates"});
+        QVERIFY(process.waitForFinished());
+        QVERIFY2(process.exitCode() == 0,
+                 qPrintable(name + '\n' + process.readAllStandardOutput()));
     }
 }
 
