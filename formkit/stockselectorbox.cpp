@@ -61,7 +61,6 @@ void StockSelectorBox::reportNone(const QString &text)
         Q_EMIT stockIdChanged(QStringLiteral("0"));
     if (!isWaitingFor(StockSelectorModel::CodeRole))
         Q_EMIT stockCodeChanged(QString());
-    fprintf(stderr, "none %d\n", currentIndex());
     if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
 }

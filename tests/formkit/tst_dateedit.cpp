@@ -100,7 +100,11 @@ void DateEditTest::calendarByMouse()
 
 void DateEditTest::calendarStaysOnTheScreen()
 {
-    for (const QPoint corner : {QPoint(0, 0), QPoint(1, 1)}) {
+    // No window is as narrow as a calendar of the smallest font would be.
+    const QFont before = QApplication::font();
+    for (const auto &[corner, points] :
+         {std::pair{QPoint(0, 0), 9}, {QPoint(1, 1), 9}, {QPoint(1, 1), 3}}) {
+        QApplication::setFont(QFont(before.family(), points));
         DateEdit edit;
         edit.setWindowFlag(Qt::FramelessWindowHint);
         edit.show();
@@ -113,6 +117,7 @@ void DateEditTest::calendarStaysOnTheScreen()
         QVERIFY(area.contains(calendar));
         QVERIFY(!calendar.intersects(edit.geometry().adjusted(0, 2, 0, -2)));
     }
+    QApplication::setFont(before);
 }
 
 QTEST_MAIN(DateEditTest)

@@ -8,6 +8,8 @@
 #include <hostapi/localesymbols.h>
 #include <hostapi/securitiessessionfilter.h>
 
+#include <QProcess>
+
 // The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
 // The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
 class HostApiTest : public StrictTest
