@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "localesymbols.h"
 
-#include <QStringList>
-
 namespace {
 
 bool isBlank(QChar c)
@@ -40,13 +38,17 @@ QChar zeroOf(const QLocale &locale)
     return zero.size() == 1 ? zero.front() : QLatin1Char('0');
 }
 
-// The digits of the smallest power of ten that the locale groups.
-int leastGrouped(const QLocale &locale, QChar group)
+quint32 separatorsIn(const QString &integer, QChar group)
 {
-    int digits = 1;
-    for (qlonglong power = 1; !locale.toString(power).contains(group); power *= 10)
-        ++digits;
-    return digits;
+    quint32 separators = 0;
+    int digits = 0;
+    for (int i = int(integer.size()) - 1; i >= 0; --i) {
+        if (integer.at(i) == group)
+            separators |= 1u << digits;
+        else if (!integer.at(i).isHighSurrogate())
+            ++digits;
+    }
+    return separators;
 }
 
 } // namespace
@@ -61,12 +63,12 @@ LocaleSymbols::LocaleSymbols(const QLocale &locale)
 {
     QLocale grouping(locale);
     grouping.setNumberOptions(QLocale::DefaultNumberOptions);
-    const QStringList groups = grouping.toString(qlonglong(1111111111111111111)).split(m_group);
-    if (groups.size() > 1) {
-        m_primary = int(groups.last().size());
-        m_secondary = int(groups.at(groups.size() - 2).size());
-        m_leastGrouped = leastGrouped(grouping, m_group);
-    }
+    qulonglong power = 1;
+    for (size_t digits = 1; digits < m_separators.size(); ++digits, power *= 10)
+        m_separators[digits] = separatorsIn(grouping.toString(power), m_group);
+    const quint32 most = m_separators.back();
+    while (most != 0 && !(most >> m_lastGroup & 1))
+        ++m_lastGroup;
     for (size_t code = 0; code < m_asciiKinds.size(); ++code)
         m_asciiKinds[code] = readKindOf(QChar(ushort(code)));
 }

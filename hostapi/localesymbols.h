@@ -10,8 +10,8 @@
 
 /// The characters with which a locale writes numbers, read out once, and what a typed
 /// character stands for among them. Number options of the locale (whether it groups) do not
-/// count: integers are always grouped as QLocale::toString(qlonglong) does it, in its sizes
-/// (1,234,567 or 12,34,567) and from as many digits on (1234 but 12.345 in Spanish, with Qt 6).
+/// count: integers are always grouped as QLocale::toString(qlonglong) does it (1,234,567 or
+/// 12,34,567; in Spanish, with Qt 6, 1234 and 12.345).
 /// A locale whose digits take two characters each, as some have with Qt 6, has ASCII digits here.
 class HOSTAPI_EXPORT LocaleSymbols
 {
@@ -57,13 +57,12 @@ public:
     const QString &minus() const { return m_minus; }
 
     /// The number of digits behind the last separator; 0 when the locale does not group.
-    int lastGroupSize() const { return m_primary; }
+    int lastGroupSize() const { return m_lastGroup; }
     /// True when a separator belongs in front of a digit of an integer that has `digits` digits,
     /// `behind` of them behind and including it (and at least one before it).
     bool separatorBefore(int behind, int digits) const
     {
-        return m_primary > 0 && digits >= m_leastGrouped && behind >= m_primary &&
-               (behind - m_primary) % m_secondary == 0;
+        return size_t(digits) < m_separators.size() && (m_separators[size_t(digits)] >> behind & 1);
     }
     /// Inserts the group separators into a string of digits.
     QString grouped(const QString &digits) const;
@@ -78,12 +77,9 @@ private:
     QChar m_minusSign;
     QChar m_plusSign;
     ushort m_zero;
-    /// Digits in the group next to the point and in the groups further left; 0 means that the
-    /// locale does not group.
-    int m_primary = 0;
-    int m_secondary = 1;
-    /// An integer of fewer digits is not grouped.
-    int m_leastGrouped = 0;
+    int m_lastGroup = 0;
+    /// For an integer of each number of digits, a bit for each number of digits behind a separator.
+    std::array<quint32, 20> m_separators{};
     /// Validators ask for every character at every keystroke.
     std::array<Kind, 128> m_asciiKinds;
 };
