@@ -228,13 +228,14 @@ static bool isFirstGroup(int size, int digits, const LocaleSymbols &symbols)
         if (symbols.separatorBefore(behind, digits))
             return false;
     }
-    return size >= 1;
+    return size >= 1 && symbols.lastGroupSize() > 0;
 }
 
 bool fitsInGroups(const QVector<int> &sizes, const LocaleSymbols &symbols, bool mayGrow)
 {
     const int size = symbols.lastGroupSize();
-    const bool mayBePairs = symbols.group() == QLatin1Char(',');
+    const bool mayBePairs =
+        symbols.group() == QLatin1Char(',') || symbols.separatorBefore(size + 2, 2 * size);
     const auto inner = [&](int digits) { return digits == size || (mayBePairs && digits == 2); };
     const int digits = std::accumulate(sizes.begin(), sizes.end(), 0);
     return sizes.size() == 1 || (isFirstGroup(sizes.first(), digits, symbols) &&

@@ -76,7 +76,8 @@ QString drawnLetters(const StoryPlayer *player)
 {
     const QAbstractItemView *const list = player->list();
     const ComboBox *const box = player->box();
-    const QImage all = list->viewport()->grab().toImage();
+    QImage all(list->viewport()->size(), QImage::Format_RGB32); // at any scale of the screen
+    list->viewport()->render(&all);
     const int width =
         list->fontMetrics().horizontalAdvance('0') * PartnerSelectorBox::CodeColumnWidth;
     QList<QImage> seen;
