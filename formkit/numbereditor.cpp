@@ -7,11 +7,25 @@
 #include "refusalnotice_p.h"
 
 #include <QFocusEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QTimer>
 
 #include <utility>
+
+namespace {
+
+// Qt's Wayland platform does not say that a key is one of the keypad. Its symbol does.
+bool isOfKeypad(const QKeyEvent &event)
+{
+    constexpr quint32 FirstOfKeypad = 0xff80;
+    return event.modifiers() == Qt::KeypadModifier ||
+           (event.modifiers() == Qt::NoModifier && event.nativeVirtualKey() >= FirstOfKeypad &&
+            QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
+}
+
+} // namespace
 
 // What QLineEdit asks about every text, whichever way it came. The text that is edited goes to
 // the guard.
@@ -400,7 +414,7 @@ void NumberEditor::keyPressEvent(QKeyEvent *event)
 
 void NumberEditor::typeKey(QKeyEvent *event)
 {
-    const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
+    const bool isPoint = isOfKeypad(*event) && KeyMapper::isDecimal(event);
     const bool isDelete = event->matches(QKeySequence::Delete);
     if ((isDelete || event->matches(QKeySequence::DeleteEndOfWord)) && !hasSelectedText() &&
         d->isGuarded() && d->guard.isGroup(cursorPosition())) {
@@ -409,10 +423,9 @@ void NumberEditor::typeKey(QKeyEvent *event)
             return;
     }
     const int sign = d->guard.markedSign();
-    const bool meetsSign =
-        cursorPosition() == (isDelete ? 0 : sign) &&
-        (isDelete || event->matches(QKeySequence::Backspace) ||
-         event->matches(QKeySequence::DeleteStartOfWord));
+    const bool meetsSign = cursorPosition() == (isDelete ? 0 : sign) &&
+                           (isDelete || event->matches(QKeySequence::Backspace) ||
+                            event->matches(QKeySequence::DeleteStartOfWord));
     if (sign > 0 && meetsSign && !hasSelectedText())
         setSelection(0, sign); // it goes with its marks
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
