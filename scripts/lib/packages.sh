@@ -145,6 +145,7 @@ try_in_fresh_root() {
         done
         quiet apt-get install -y --no-install-recommends $(find /tmp -name "*.deb")
         quiet apt-get install -y --no-install-recommends g++ cmake make pkgconf
+        [ "$qt" -eq 5 ] || quiet apt-get install -y --no-install-recommends qt6-scxml-dev
         quiet make -C /tmp/consumer "QT=$qt"
         /tmp/consumer/consumer
         quiet cmake -S /tmp/consumer -B /tmp/build -D "PACKAGE=FormKitQt$qt"
