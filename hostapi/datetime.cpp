@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "datetime.h"
 
-#include <QTimeZone>
-
 namespace {
+
+constexpr qint64 FirstDay = 2440588; // 1970-01-01, as Julian days are counted
+constexpr qint64 DayLength = 24 * 60 * 60 * 1000;
+
+// Days before the first one count from midnight too.
+qint64 dayOf(qint64 msecs)
+{
+    return msecs >= 0 ? msecs / DayLength : (msecs + 1) / DayLength - 1;
+}
 
 bool isDirectionMark(QChar c)
 {
@@ -142,12 +149,6 @@ QDate readDate(const QString &text, const QString &format)
 
 } // namespace
 
-datetime::datetime(const QDateTime &dateTime)
-{
-    if (dateTime.isValid())
-        m_msecs = QDateTime(dateTime.date(), dateTime.time(), QTimeZone::utc()).toMSecsSinceEpoch();
-}
-
 datetime::datetime(const QString &systemText)
 {
     static const QString forms[] = {
@@ -169,29 +170,26 @@ datetime::datetime(const QString &systemText)
 datetime::datetime(const QDate &date) : datetime(date, QTime(0, 0)) {}
 
 datetime::datetime(const QDate &date, const QTime &time)
-    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, QTimeZone::utc())
-                                                : QDateTime())
 {
+    if (date.isValid() && time.isValid())
+        m_msecs = (date.toJulianDay() - FirstDay) * DayLength + time.msecsSinceStartOfDay();
 }
 
 datetime datetime::now()
 {
-    return datetime(QDateTime::currentDateTime());
-}
-
-QDateTime datetime::toUtc() const
-{
-    return isNull() ? QDateTime() : QDateTime::fromMSecsSinceEpoch(m_msecs, QTimeZone::utc());
+    const QDateTime now = QDateTime::currentDateTime();
+    return datetime(now.date(), now.time());
 }
 
 QDate datetime::date() const
 {
-    return toUtc().date();
+    return isNull() ? QDate() : QDate::fromJulianDay(FirstDay + dayOf(m_msecs));
 }
 
 QTime datetime::time() const
 {
-    return toUtc().time();
+    return isNull() ? QTime()
+                    : QTime::fromMSecsSinceStartOfDay(int(m_msecs - dayOf(m_msecs) * DayLength));
 }
 
 QString datetime::defaultFormat()
@@ -206,7 +204,10 @@ QString datetime::timeNoDateFormat()
 
 QString datetime::toString() const
 {
-    return isNull() ? QString() : QLocale::c().toString(toUtc(), defaultFormat());
+    if (isNull())
+        return {};
+    return QLocale::c().toString(date(), QStringLiteral("yyyy.MM.dd ")) +
+           QLocale::c().toString(time(), timeNoDateFormat());
 }
 
 QString datetime::toSystemString(bool dateOnly, QLocale::FormatType type) const
@@ -214,10 +215,9 @@ QString datetime::toSystemString(bool dateOnly, QLocale::FormatType type) const
     if (isNull())
         return {};
     const QLocale system = QLocale::system();
-    QString format = system.dateFormat(type);
-    if (!dateOnly)
-        format += QLatin1Char(' ') + timeNoDateFormat();
-    return inAsciiDigits(system.toString(toUtc(), format));
+    const QString text = inAsciiDigits(system.toString(date(), system.dateFormat(type)));
+    const QString clock = QLocale::c().toString(time(), timeNoDateFormat());
+    return dateOnly ? text : text + QLatin1Char(' ') + clock;
 }
 
 datetime datetime::fromSystemString(const QString &text, bool dateOnly, QLocale::FormatType type)
