@@ -8,7 +8,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScreen>
-#include <QWindow>
 
 namespace {
 
@@ -102,9 +101,6 @@ void DateEdit::showPopup()
 {
     const datetime date = m_value.isNull() ? datetime::now() : m_value;
     m_calendar->setSelectedDate(date.date());
-    // Wayland asks what a pop-up belongs to.
-    m_calendar->winId();
-    m_calendar->windowHandle()->setTransientParent(window()->windowHandle());
     m_calendar->adjustSize(); // a window may be wider than its contents ask for
     m_calendar->move(calendarPosition());
     m_calendar->show();
