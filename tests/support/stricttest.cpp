@@ -14,12 +14,13 @@ struct
     QList<QRegularExpression> expected;
 } theLog;
 
-// What the offscreen platform says whenever a pop-up opens or a window is raised, and Qt 6 about
-// scripts that the machine's fonts lack.
+// What the offscreen platform says whenever a pop-up opens or a window is raised; what Qt 6 says
+// about scripts that the machine's fonts lack, and about widgets that its Designer makes.
 bool isPlatformNoise(const QString &text)
 {
     return text.startsWith(QLatin1String("This plugin does not support ")) ||
-           text.contains(QLatin1String("OpenType support missing for "));
+           text.contains(QLatin1String("OpenType support missing for ")) ||
+           text.startsWith(QLatin1String("QOpenGLWidget is not supported on this platform"));
 }
 
 void record(QtMsgType type, const QMessageLogContext &context, const QString &text)
