@@ -186,7 +186,8 @@ QString Control::domXml() const
         if (property.kind == DynamicProperty::Text || property.kind == DynamicProperty::PresetText)
             texts << QString::fromLatin1(property.name);
     }
-    // Values of the hub are texts in system form, which must not be translated. A unit is for people.
+    // Values of the hub are texts in system form, which must not be translated. A unit is for
+    // people.
     const QList<QByteArray> units = {"Prefix", "Suffix"};
     for (int i = qtClass(meta)->propertyCount(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
@@ -194,7 +195,7 @@ QString Control::domXml() const
             texts << QString::fromLatin1(property.name());
     }
     QString specifications;
-    for (const QString &text : qAsConst(texts)) {
+    for (const QString &text : std::as_const(texts)) {
         specifications += QStringLiteral("<stringpropertyspecification name=\"%1\" notr=\"true\" "
                                          "type=\"singleline\"/>")
                               .arg(text);

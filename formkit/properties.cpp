@@ -116,7 +116,7 @@ void Properties::Private::listen(const QString &name, const Key &key)
         const NameWrite current(q, &innermost, name);
         property.write(key.object, values.value(name));
     } else if (property.hasNotifySignal()) {
-        values.insert(name, property.read(key.object).toString());
+        values.insert(name, textOf(property, property.read(key.object)));
     }
 }
 
@@ -317,7 +317,7 @@ void Properties::propertyChanged()
         return;
     const Doing user(Doing::User);
     const QString name = d->bindings.nameOf(key);
-    const QString content = propertyOf(key).read(from).toString();
+    const QString content = textOf(propertyOf(key), propertyOf(key).read(from));
     if (content == d->values.value(name).toString())
         return;
     if (Doing::isUsers())

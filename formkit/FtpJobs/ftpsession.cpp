@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QTimeZone>
 
 using namespace nsFTP;
 
@@ -58,7 +59,7 @@ FtpEntry entryOf(const CFTPFileStatus &status, const std::string &folder)
     entry.isFolder = status.tryCwd;
     entry.size = status.size;
     if (status.mtimeType != CFTPFileStatus::timeUnknown)
-        entry.modified = QDateTime::fromSecsSinceEpoch(status.mtime, Qt::UTC);
+        entry.modified = QDateTime::fromSecsSinceEpoch(status.mtime, QTimeZone::utc());
     entry.knowsTime = status.mtimeType != CFTPFileStatus::timeDay;
     return entry;
 }
