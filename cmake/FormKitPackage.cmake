@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # What an installation holds, in four components: runtime (the libraries), development (headers,
-# the CMake package FormKitQt5, pkg-config files, formkit-mkdb), designer (the Qt Designer
-# plug-in) and documentation.
+# the CMake package, pkg-config files, formkit-mkdb), designer (the Qt Designer plug-in) and
+# documentation.
 include(CMakePackageConfigHelpers)
 
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/FormKitQt5)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${FORMKIT_PACKAGE})
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Programs and libraries find each other by relative paths, so that an installation may be moved.
@@ -15,7 +15,7 @@ set(FORMKIT_PROGRAM_RPATH $ORIGIN/${libdir_from_bindir})
 # Called by formkit_add_library(), whose arguments it reads.
 function(formkit_install_library target)
     set_target_properties(${target} PROPERTIES INSTALL_RPATH $ORIGIN)
-    install(TARGETS ${target} EXPORT FormKitQt5Targets
+    install(TARGETS ${target} EXPORT ${FORMKIT_PACKAGE}Targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
             COMPONENT runtime NAMELINK_COMPONENT development
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
@@ -24,13 +24,13 @@ function(formkit_install_library target)
     list(FILTER headers INCLUDE REGEX "\\.h$")
     list(FILTER headers EXCLUDE REGEX "_p\\.h$")
     install(FILES ${headers} ${export_header}
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5/${ARG_FOLDER}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${FORMKIT_PACKAGE}/${ARG_FOLDER}
         COMPONENT development)
     formkit_install_pkgconfig()
     set_property(GLOBAL APPEND PROPERTY FORMKIT_COMPONENTS ${ARG_NAME})
     set_property(GLOBAL APPEND_STRING PROPERTY FORMKIT_COMPONENT_NEEDS
-        "set(FormKitQt5_${ARG_NAME}_uses ${ARG_USES})
-set(FormKitQt5_${ARG_NAME}_modules ${ARG_QT})
+        "set(formkit_${ARG_NAME}_uses ${ARG_USES})
+set(formkit_${ARG_NAME}_modules ${ARG_QT})
 ")
 endfunction()
 
@@ -39,13 +39,13 @@ function(formkit_install_pkgconfig)
     file(RELATIVE_PATH prefix_from_pc
         ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
     string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
-    list(TRANSFORM ARG_USES REPLACE "(.+)" "FormKitQt5\\1 = ${PROJECT_VERSION}"
+    list(TRANSFORM ARG_USES REPLACE "(.+)" "${FORMKIT_PACKAGE}\\1 = ${PROJECT_VERSION}"
         OUTPUT_VARIABLE own_requires)
-    list(TRANSFORM ARG_QT REPLACE "(.+)" "Qt5\\1 >= 5.15" OUTPUT_VARIABLE qt_requires)
+    list(TRANSFORM ARG_QT REPLACE "(.+)" "${QT}\\1 >= ${QT_MINIMUM}" OUTPUT_VARIABLE qt_requires)
     list(JOIN own_requires ", " own_requires)
     list(JOIN qt_requires ", " qt_requires)
     string(JOIN ", " requires ${own_requires} ${qt_requires})
-    set(name FormKitQt5${ARG_NAME})
+    set(name ${FORMKIT_PACKAGE}${ARG_NAME})
     configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in
         ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
@@ -56,15 +56,15 @@ endfunction()
 function(formkit_install_package)
     get_property(components GLOBAL PROPERTY FORMKIT_COMPONENTS)
     get_property(component_needs GLOBAL PROPERTY FORMKIT_COMPONENT_NEEDS)
-    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/FormKitQt5Config.cmake.in
-        ${PROJECT_BINARY_DIR}/FormKitQt5Config.cmake INSTALL_DESTINATION ${package_dir})
-    write_basic_package_version_file(${PROJECT_BINARY_DIR}/FormKitQt5ConfigVersion.cmake
+    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/FormKitConfig.cmake.in
+        ${PROJECT_BINARY_DIR}/${FORMKIT_PACKAGE}Config.cmake INSTALL_DESTINATION ${package_dir})
+    write_basic_package_version_file(${PROJECT_BINARY_DIR}/${FORMKIT_PACKAGE}ConfigVersion.cmake
         COMPATIBILITY SameMinorVersion)
     install(FILES
-        ${PROJECT_BINARY_DIR}/FormKitQt5Config.cmake
-        ${PROJECT_BINARY_DIR}/FormKitQt5ConfigVersion.cmake
+        ${PROJECT_BINARY_DIR}/${FORMKIT_PACKAGE}Config.cmake
+        ${PROJECT_BINARY_DIR}/${FORMKIT_PACKAGE}ConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
-    install(EXPORT FormKitQt5Targets NAMESPACE FormKit::
+    install(EXPORT ${FORMKIT_PACKAGE}Targets NAMESPACE FormKit::
         DESTINATION ${package_dir} COMPONENT development)
     formkit_install_documents()
 endfunction()
@@ -78,7 +78,7 @@ function(formkit_install_documents)
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
         REGEX "/examples/CMakeLists\\.txt$" EXCLUDE)
     file(RELATIVE_PATH headers_from_docs ${CMAKE_INSTALL_FULL_DOCDIR}
-        ${CMAKE_INSTALL_FULL_INCLUDEDIR}/FormKitQt5)
+        ${CMAKE_INSTALL_FULL_INCLUDEDIR}/${FORMKIT_PACKAGE})
     foreach(folder hostapi formkit embeddedhost)
         file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
         file(CREATE_LINK ${headers_from_docs}/${folder} ${PROJECT_BINARY_DIR}/links/${folder}

@@ -36,7 +36,7 @@ function(formkit_add_library target)
     add_library(FormKit::${ARG_NAME} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${ARG_NAME}
-        OUTPUT_NAME FormKitQt5${ARG_NAME}
+        OUTPUT_NAME ${FORMKIT_PACKAGE}${ARG_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
         CXX_VISIBILITY_PRESET hidden
@@ -46,13 +46,13 @@ function(formkit_add_library target)
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
-        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/FormKitQt5>)
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/${FORMKIT_PACKAGE}>)
     target_compile_features(${target} PUBLIC cxx_std_17)
     # As strict as programs that include the headers may be.
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_STRICT_ITERATORS)
     list(TRANSFORM ARG_USES PREPEND FormKit:: OUTPUT_VARIABLE own_targets)
-    list(TRANSFORM ARG_QT PREPEND Qt5:: OUTPUT_VARIABLE qt_targets)
+    list(TRANSFORM ARG_QT PREPEND ${QT}:: OUTPUT_VARIABLE qt_targets)
     target_link_libraries(${target}
         PUBLIC ${own_targets} ${qt_targets}
         PRIVATE $<BUILD_INTERFACE:formkit_options>)

@@ -96,7 +96,7 @@ void OrderWindow::makeSubForms()
     m_subForms.insert(SecTypes::Option.toString(), makePage<Ui::OptionsPage>(m_ui->details));
     // Places for the sub-forms before any board is read: boards that no exchange has.
     boardid place;
-    for (QWidget *subForm : qAsConst(m_subForms)) {
+    for (QWidget *subForm : std::as_const(m_subForms)) {
         --place.board_id;
         m_ui->details->addWidget(place, subForm);
     }
@@ -253,7 +253,7 @@ void OrderWindow::announceSessions()
     }
     m_allSessions = m_host->currentSessions();
     QVector<SessionId> first;
-    for (const SessionId &session : qAsConst(m_allSessions)) {
+    for (const SessionId &session : std::as_const(m_allSessions)) {
         if (session.sess_id == 1)
             first.append(session);
     }

@@ -215,7 +215,7 @@ QString Control::domXml() const
             texts << QString::fromLatin1(property.name());
     }
     QString specifications;
-    for (const QString &text : qAsConst(texts)) {
+    for (const QString &text : std::as_const(texts)) {
         specifications += QStringLiteral("<stringpropertyspecification name=\"%1\" notr=\"true\" "
                                          "type=\"singleline\"/>")
                               .arg(text);

@@ -24,6 +24,9 @@ public:
     void addWidget(QWidget *page) override { m_selector->addPage(page); }
     /// Gives a new page an empty property "boards".
     void insertWidget(int index, QWidget *page) override;
+    /// Asked for by Qt 6's Designer only.
+    virtual bool canAddWidget() const { return true; }
+    virtual bool canRemove(int) const { return true; }
     void remove(int index) override { m_selector->removePage(index); }
 
 private:

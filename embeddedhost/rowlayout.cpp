@@ -10,22 +10,39 @@ struct RowLayout::Row : RowData
     void *at(size_t offset) { return reinterpret_cast<char *>(this) + offset; }
 };
 
+namespace {
+
+size_t sizeOf(const ColumnSchema &column)
+{
+    switch (column.type.type()) {
+    case FieldType::Integer:
+        return sizeof(qint32);
+    case FieldType::String:
+        return sizeof(QString);
+    default:
+        return sizeof(qint64);
+    }
+}
+
+} // namespace
+
 RowLayout::RowLayout(const TableSchema &schema)
     : m_schema(schema), m_offsets(size_t(schema.columns.size())), m_size(sizeof(Row))
 {
     Q_ASSERT(schema.columns.size() <= 32);
-    const auto place = [this](bool small, size_t size) {
+    const auto place = [this](bool small) {
         for (int i = 0; i < m_schema.columns.size(); ++i) {
-            if ((m_schema.columns.at(i).type.type() == FieldType::Integer) != small)
+            const size_t size = sizeOf(m_schema.columns.at(i));
+            if ((size < sizeof(qint64)) != small)
                 continue;
             m_offsets[size_t(i)] = m_size;
             m_size += size;
         }
     };
-    static_assert(sizeof(QString) <= sizeof(qint64) && sizeof(Row) % sizeof(qint64) == 0,
-                  "strings and 64-bit integers share one size of slot");
-    place(false, sizeof(qint64));
-    place(true, sizeof(qint32));
+    static_assert(sizeof(QString) % sizeof(qint64) == 0 && sizeof(Row) % sizeof(qint64) == 0,
+                  "whatever follows a string or a row's head is in its place");
+    place(false);
+    place(true);
 }
 
 RowData *RowLayout::make() const

@@ -9,7 +9,7 @@
 #include <vector>
 
 /// The memory layout of a table's rows. A row is one allocation: the reference count, 32 presence
-/// bits (so at most 32 columns), and the cells, 64-bit ones first, so that there are no gaps. Cells
+/// bits (so at most 32 columns), and the cells, 32-bit ones last, so that there are no gaps. Cells
 /// are 32-bit and 64-bit integers and strings.
 class RowLayout
 {

@@ -29,7 +29,7 @@ void Bindings::unbind(const QString &name, const Key &key)
     m_keys.remove(name, key);
     ++m_version;
     const auto isOfObject = [&](const Key &other) { return other.object == key.object; };
-    const auto ofName = qAsConst(m_keys).equal_range(name);
+    const auto ofName = std::as_const(m_keys).equal_range(name);
     if (m_bound.contains(key.object) && std::none_of(ofName.first, ofName.second, isOfObject))
         m_bound[key.object].names.remove(name);
 }

@@ -84,3 +84,10 @@ inline QMetaProperty propertyOf(const Properties::Key &key)
 {
     return key.object->metaObject()->property(key.index);
 }
+
+/// The text of a value that the property has: for an enumeration the number, as Qt 5 writes it,
+/// where Qt 6 would write the name.
+inline QString textOf(const QMetaProperty &property, const QVariant &value)
+{
+    return property.isEnumType() ? QString::number(value.toInt()) : value.toString();
+}

@@ -138,7 +138,7 @@ void BoardSelectorBox::setBoardCode(const QString &code)
 
 void BoardSelectorBox::reportNone(const QString &text)
 {
-    if (text.isEmpty())
+    if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
     if (!isWaitingFor(BoardSelectorModel::BoardIdRole))
         Q_EMIT boardIdChanged(QStringLiteral("0"));

@@ -116,6 +116,7 @@ void DateEdit::showPopup()
 {
     const datetime date = d->value.isNull() ? datetime::now() : d->value;
     d->calendar.setSelectedDate(date.date());
+    d->calendar.adjustSize(); // a window may be wider than its contents ask for
     d->calendar.move(d->calendarPosition());
     d->calendar.show();
     d->calendar.setFocus(Qt::OtherFocusReason);
@@ -127,7 +128,7 @@ QPoint DateEdit::Private::calendarPosition() const
 {
     const QRect field = q->rect();
     const QRect area = q->screen()->availableGeometry();
-    const QSize size = calendar.sizeHint();
+    const QSize size = calendar.size();
     QPoint place = q->mapToGlobal(field.bottomLeft());
     if (place.y() + size.height() > area.bottom() + 1)
         place.setY(q->mapToGlobal(field.topLeft()).y() - size.height());

@@ -207,7 +207,7 @@ QVector<int> FoldedText::ascending(int count, const std::function<QString(int)> 
         return rows;
     }
     std::vector<Item> items(rows.size());
-    for (const int row : qAsConst(rows))
+    for (const int row : std::as_const(rows))
         items[size_t(row)].row = row;
     PrefixSort(texts, alphabet).sort(items.data(), items.data() + items.size(), 0);
     std::transform(items.begin(), items.end(), rows.begin(), [](const Item &i) { return i.row; });

@@ -63,7 +63,7 @@ void reportSums(QWidget *page)
     const QList<Summator *> found = page->findChildren<Summator *>();
     for (Summator *summator : found)
         summators << summator;
-    for (const QPointer<Summator> &summator : qAsConst(summators)) {
+    for (const QPointer<Summator> &summator : std::as_const(summators)) {
         if (summator)
             summator->report();
     }
@@ -163,12 +163,12 @@ void FormSelector::Private::readBoards(QWidget *form)
 {
     const QPointer<QWidget> formBefore = boardForms.value(shown);
     boardlist &boards = pageOf(form).boards;
-    for (const boardid &board : qAsConst(boards)) {
+    for (const boardid &board : std::as_const(boards)) {
         if (boardForms.value(board) == form)
             boardForms.remove(board);
     }
     boards = boardsOf(form);
-    for (const boardid &board : qAsConst(boards))
+    for (const boardid &board : std::as_const(boards))
         boardForms.insert(board, form);
     if (boardForms.value(shown) != formBefore)
         q->setWidget(shown);
@@ -216,7 +216,7 @@ void FormSelector::Private::placeInTabOrder(QWidget *form)
         if (isPlaced(w) && form->isAncestorOf(w))
             controls << w;
     }
-    for (QWidget *const control : qAsConst(controls)) {
+    for (QWidget *const control : std::as_const(controls)) {
         orderTabs(last, control);
         last = control;
     }
@@ -251,7 +251,7 @@ void FormSelector::Private::dropDeadPages()
 QList<QWidget *> FormSelector::getWidgetList() const
 {
     QList<QWidget *> forms;
-    for (const Private::Page &page : qAsConst(d->pages)) {
+    for (const Private::Page &page : std::as_const(d->pages)) {
         if (page.isAlive())
             forms << page.form;
     }
@@ -343,6 +343,6 @@ void FormSelector::Private::unbindPages(Properties *properties)
 {
     if (!properties)
         return;
-    for (const Page &page : qAsConst(pages))
+    for (const Page &page : std::as_const(pages))
         properties->disconnectAll(page.holder);
 }

@@ -44,7 +44,7 @@ void FormValidation::setInvalidWidgets(const QList<QWidget *> &widgets)
     const QList<QPointer<QWidget>> before = std::exchange(m_invalidWidgets, invalid);
     for (const QPointer<QWidget> &widget : before)
         setWidgetState(widget, true);
-    for (const QPointer<QWidget> &widget : qAsConst(invalid))
+    for (const QPointer<QWidget> &widget : std::as_const(invalid))
         setWidgetState(widget, false);
 }
 

@@ -57,11 +57,17 @@ bool EditGuard::isGroup(int place) const
            symbols().kindOf(text().at(place)) == LocaleSymbols::Group;
 }
 
+int EditGuard::markedSign() const
+{
+    const QString &minus = symbols().minus();
+    return minus.size() > 1 && text().startsWith(minus) ? int(minus.size()) : 0;
+}
+
 QString EditGuard::ungrouped(const QString &part) const
 {
     QString text;
     for (const QChar c : part) {
-        if (m_shown.isForeign || symbols().kindOf(c) != LocaleSymbols::Group)
+        if (m_shown.isForeign || !LocaleSymbols::isSkipped(symbols().kindOf(c)))
             text += c;
     }
     return text;
@@ -143,7 +149,7 @@ EditGuard::Verdict EditGuard::step(int count, int maxLength)
     if (!to)
         return refuse(wordOfDigits());
     const QString text = to->toSystemString(symbols());
-    const Edit edit{text, text.size(), text.size(), Insertion};
+    const Edit edit{text, int(text.size()), int(text.size()), Insertion};
     const NumberText number(text, symbols());
     const Fault fault = m_limits.faultOf(number);
     Verdict verdict = fault == Fault::None ? settle(edit, number, {}, maxLength)
@@ -210,9 +216,9 @@ EditGuard::Verdict EditGuard::takeKey(Edit edit, int maxLength)
         edit.after[place] = symbols().point();
     else if (groups)
         return typeSeparator(edit, maxLength);
-    if (edit.after.at(place) == symbols().point() &&
-        edit.after.midRef(place + 1) == text().midRef(place) &&
-        edit.after.midRef(place + 1).startsWith(symbols().point()))
+    const QStringView rest = QStringView(edit.after).mid(place + 1);
+    if (edit.after.at(place) == symbols().point() && rest == QStringView(text()).mid(place) &&
+        rest.startsWith(symbols().point()))
         return take(text(), edit.caret);
     return takeEdit(edit, maxLength);
 }
@@ -223,13 +229,13 @@ EditGuard::Verdict EditGuard::toggleSign(const Edit &edit, int maxLength)
     const NumberText number(text(), symbols());
     const int behind = text().size() - (edit.caret - 1);
     Edit signEdit;
-    signEdit.after = text().mid(int(number.sign().size()));
+    signEdit.after = text().mid(qMax(markedSign(), int(number.sign().size())));
     signEdit.caret = signEdit.inserted = int(!number.isNegative());
     if (!number.isNegative())
         signEdit.after.prepend(QLatin1Char('-'));
     Verdict verdict = takeEdit(signEdit, maxLength);
     if (verdict.isTaken)
-        verdict.caret = qMax(0, verdict.text.size() - behind);
+        verdict.caret = qMax(0, int(verdict.text.size()) - behind);
     return verdict;
 }
 
@@ -444,7 +450,7 @@ void EditGuard::settleStops(const Stops &stops, const NumberText &number)
     places.erase(std::unique(places.begin(), places.end()), places.end());
     QVector<int> sizes;
     int last = 0;
-    for (const int place : qAsConst(places)) {
+    for (const int place : std::as_const(places)) {
         sizes << place - last;
         last = place;
     }

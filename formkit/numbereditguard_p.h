@@ -117,6 +117,8 @@ public:
     bool isBare() const;
     /// Whether there is a group separator at a place, which comes back when it is removed.
     bool isGroup(int place) const;
+    /// The length of a shown minus that has direction marks, else 0.
+    int markedSign() const;
     /// A part of the text as other programs read it, without group separators.
     QString ungrouped(const QString &part) const;
     /// The hand has finished: forgets typed separators and points that nothing was typed after, and

@@ -16,6 +16,19 @@
 #include <QMenu>
 #include <QScopedValueRollback>
 
+namespace {
+
+// Qt's Wayland platform does not say that a key is one of the keypad. Its symbol does.
+bool isOfKeypad(const QKeyEvent &event)
+{
+    constexpr quint32 FirstOfKeypad = 0xff80;
+    return event.modifiers() == Qt::KeypadModifier ||
+           (event.modifiers() == Qt::NoModifier && event.nativeVirtualKey() >= FirstOfKeypad &&
+            QGuiApplication::platformName().startsWith(QLatin1String("wayland")));
+}
+
+} // namespace
+
 struct Q_DECL_HIDDEN NumberEditor::Private
 {
     Private(NumberEditor *q, int digits, const NumberRules &rules)
@@ -37,7 +50,10 @@ NumberEditor::NumberEditor(QWidget *parent, int digits)
     NumberEdits *const edits = &d->edits;
     connect(this, &QLineEdit::textChanged, this, &NumberEditor::edit_changed);
     connect(this, &QLineEdit::selectionChanged, this, [edits] { edits->noteView(); });
-    connect(this, &QLineEdit::cursorPositionChanged, this, [edits] { edits->noteView(); });
+    connect(this, &QLineEdit::cursorPositionChanged, this, [edits](int from, int to) {
+        edits->passMarks(from, to);
+        edits->noteView();
+    });
     connect(this, &QLineEdit::inputRejected, this, [edits] { edits->noteRejected(); });
     connect(edits->validator, &QValidator::changed, this, [this] { showValue(); });
     NumberEntry::d->changed = [this] {
@@ -318,10 +334,11 @@ bool NumberEditor::doDeed(QKeyEvent *event)
 
 void NumberEditor::typeKey(QKeyEvent *event)
 {
-    const bool isPoint = event->modifiers() == Qt::KeypadModifier && KeyMapper::isDecimal(event);
+    const bool isPoint = isOfKeypad(*event) && KeyMapper::isDecimal(event);
     if (event->matches(QKeySequence::DeleteEndOfWord) && !hasSelectedText() &&
         d->edits.isGuarded() && d->edits.guard.isGroup(cursorPosition()))
         cursorForward(false);
+    d->edits.selectSign(*event);
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         d->edits.finish();
     const QScopedValueRollback<EditGuard::By> by(d->edits.by, isPoint ? EditGuard::KeypadPoint

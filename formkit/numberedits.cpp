@@ -133,7 +133,7 @@ void NumberEdits::show(const QString &text, bool isNumber)
     const bool wasBlocked = q->blockSignals(true);
     makeRoom(text);
     if (isNumber)
-        guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
+        guard.judge({text, int(text.size()), 0, EditGuard::Program}, q->maxLength());
     else
         guard.showForeign(text);
     q->setText(guard.text());
@@ -145,7 +145,7 @@ void NumberEdits::show(const QString &text, bool isNumber)
 void NumberEdits::read(const QString &text)
 {
     m_history.clear();
-    guard.judge({text, text.size(), 0, EditGuard::Program}, q->maxLength());
+    guard.judge({text, int(text.size()), 0, EditGuard::Program}, q->maxLength());
     markDoubt();
 }
 
@@ -201,7 +201,7 @@ bool NumberEdits::step(int count)
     const int behind = before.shown.text.size() - m_view.caret();
     const bool isAll = m_view.selected() > 0 && m_view.selected() == before.shown.text.size();
     m_history.record(before, EditHistory::Other, 0);
-    put(EditState(verdict.text, qMax(0, verdict.text.size() - behind), isAll));
+    put(EditState(verdict.text, qMax(0, int(verdict.text.size()) - behind), isAll));
     return true;
 }
 
@@ -273,4 +273,26 @@ void NumberEdits::noteView()
 {
     m_view = EditState(q);
     m_history.noteCaret(m_view.selected() > 0 ? -1 : m_view.caret());
+}
+
+void NumberEdits::passMarks(int from, int to)
+{
+    const int sign = q->text() == guard.text() ? guard.markedSign() : 0;
+    if (to <= 0 || to >= sign)
+        return;
+    if (to > from)
+        q->cursorForward(q->hasSelectedText(), sign - to);
+    else
+        q->cursorBackward(q->hasSelectedText(), to);
+}
+
+void NumberEdits::selectSign(const QKeyEvent &key)
+{
+    const int sign = guard.markedSign();
+    const bool isDelete = key.matches(QKeySequence::Delete);
+    const bool isDeletion = isDelete || key.matches(QKeySequence::Backspace) ||
+                            key.matches(QKeySequence::DeleteStartOfWord);
+    if (sign > 0 && isDeletion && q->cursorPosition() == (isDelete ? 0 : sign) &&
+        !q->hasSelectedText())
+        q->setSelection(0, sign);
 }

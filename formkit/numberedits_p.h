@@ -44,6 +44,10 @@ public:
     void noteRejected();
     /// Remembers caret and selection as they were before the next edit.
     void noteView();
+    /// Moves the caret on that stops inside a sign, at marks that nobody sees.
+    void passMarks(int from, int to);
+    /// Selects the sign with its marks when the key deletes it.
+    void selectSign(const QKeyEvent &key);
 
     DecimalValidator *const validator;
     EditGuard guard;

@@ -7,7 +7,7 @@ NumberText::NumberText(QStringView text, const LocaleSymbols &symbols) : m_symbo
 {
     for (const QChar c : text) {
         const LocaleSymbols::Kind kind = symbols.kindOf(c);
-        if (kind != LocaleSymbols::Group)
+        if (!LocaleSymbols::isSkipped(kind))
             append(c, kind);
     }
     if (m_shape == Integer)
@@ -60,8 +60,9 @@ QString NumberText::written() const
         out += m_symbols.minus();
     else if (digits.isEmpty())
         out.append(sign().data(), int(sign().size()));
-    for (int i = 0; i < digits.size(); ++i) {
-        if (i > 0 && m_symbols.separatorBefore(int(digits.size()) - i))
+    const int size = int(digits.size());
+    for (int i = 0; i < size; ++i) {
+        if (i > 0 && m_symbols.separatorBefore(size - i, size))
             out += m_symbols.group();
         appendDigit(digits.at(i));
     }
@@ -77,22 +78,31 @@ QChar withoutDash(QChar c, const LocaleSymbols &symbols)
 {
     constexpr ushort Hyphen = 0x2010, LongDash = 0x2014, Minus = 0x2212;
     const bool isDash = c == QChar(Minus) || (c >= QChar(Hyphen) && c <= QChar(LongDash));
-    return isDash && !symbols.minus().isEmpty() ? symbols.minus().back() : c;
+    if (!isDash)
+        return c;
+    const auto isSign = [&](QChar sign) { return symbols.kindOf(sign) == LocaleSymbols::Minus; };
+    const QString &minus = symbols.minus();
+    const auto sign = std::find_if(minus.begin(), minus.end(), isSign);
+    return sign == minus.end() ? c : *sign;
 }
 
 int countUngrouped(QStringView text, const LocaleSymbols &symbols)
 {
     return int(std::count_if(text.begin(), text.end(), [&symbols](QChar c) {
-        return symbols.kindOf(c) != LocaleSymbols::Group;
+        return !LocaleSymbols::isSkipped(symbols.kindOf(c));
     }));
 }
 
 int placeAfter(int count, QStringView text, const LocaleSymbols &symbols)
 {
+    if (count <= 0)
+        return 0;
     int pos = 0;
     for (; count > 0 && pos < text.size(); ++pos) {
-        if (symbols.kindOf(text.at(pos)) != LocaleSymbols::Group)
+        if (!LocaleSymbols::isSkipped(symbols.kindOf(text.at(pos))))
             --count;
     }
+    while (pos < text.size() && symbols.kindOf(text.at(pos)) == LocaleSymbols::Mark)
+        ++pos;
     return pos;
 }

@@ -5,9 +5,9 @@
 
 #include <QVarLengthArray>
 
-/// A text without its group separators, divided into sign, integer digits, point and fraction
-/// digits, each of which may be missing. Digits of any script pass, so that only what stands in
-/// the place of a digit decides about the shape. The symbols must outlive it.
+/// A text without its group separators and direction marks, divided into sign, integer digits,
+/// point and fraction digits, each of which may be missing. Digits of any script pass, so that only
+/// what stands in the place of a digit decides about the shape. The symbols must outlive it.
 class NumberText
 {
 public:
@@ -46,7 +46,7 @@ private:
 
 /// The locale's minus for the typographic minus and for a dash, any other character as it is.
 QChar withoutDash(QChar c, const LocaleSymbols &symbols);
-/// How many characters of the text are no group separators.
+/// How many characters of the text are neither group separators nor direction marks.
 int countUngrouped(QStringView text, const LocaleSymbols &symbols);
-/// The place after as many characters as `count` says, separators not counted.
+/// The place after as many such characters as `count` says, and after the marks that follow.
 int placeAfter(int count, QStringView text, const LocaleSymbols &symbols);

@@ -100,7 +100,7 @@ void PartnerSelectorBox::setPartner(const QString &code)
 
 void PartnerSelectorBox::reportNone(const QString &text)
 {
-    if (text.isEmpty())
+    if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
     m_partner = text;
     Q_EMIT changedPartner(m_partner);

@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -147,7 +148,7 @@ bool PastedNumber::refuseOthers(QStringView number)
     for (const QChar c : number) {
         const LocaleSymbols::Kind kind = m_symbols.kindOf(c);
         const bool belongs = kind == LocaleSymbols::Digit || kind == LocaleSymbols::Point ||
-                             kind == LocaleSymbols::Group || c == QLatin1Char('.') ||
+                             LocaleSymbols::isSkipped(kind) || c == QLatin1Char('.') ||
                              c == QLatin1Char(',') || c == QLatin1Char('/');
         if (!belongs && (other.isNull() || other.isSpace()))
             other = c;
@@ -246,12 +247,25 @@ bool fitsInGroups(QStringView number, const LocaleSymbols &symbols)
     return sizes.size() == 1 || (!isZeroFirst && fitsInGroups(sizes, symbols, false));
 }
 
+// Whether the first group may be so long: some locales put no separator behind a single digit.
+static bool isFirstGroup(int size, int digits, const LocaleSymbols &symbols)
+{
+    for (int behind = digits - size + 1; size > symbols.lastGroupSize() && behind < digits;
+         ++behind) {
+        if (symbols.separatorBefore(behind, digits))
+            return false;
+    }
+    return size >= 1 && symbols.lastGroupSize() > 0;
+}
+
 bool fitsInGroups(const QVector<int> &sizes, const LocaleSymbols &symbols, bool mayGrow)
 {
     const int size = symbols.lastGroupSize();
-    const bool mayBePairs = symbols.group() == QLatin1Char(',');
+    const bool mayBePairs =
+        symbols.group() == QLatin1Char(',') || symbols.separatorBefore(size + 2, 2 * size);
     const auto inner = [&](int digits) { return digits == size || (mayBePairs && digits == 2); };
-    return sizes.size() == 1 || (sizes.first() >= 1 && sizes.first() <= size &&
+    const int digits = std::accumulate(sizes.begin(), sizes.end(), 0);
+    return sizes.size() == 1 || (isFirstGroup(sizes.first(), digits, symbols) &&
                                  std::all_of(sizes.begin() + 1, sizes.end() - 1, inner) &&
                                  (sizes.last() == size || (mayGrow && sizes.last() < size)));
 }

@@ -62,10 +62,11 @@ bool ProgramValues::isShown(const QString &name, const QString &held) const
 bool ProgramValues::reads(const Bindings::Key &key, const QString &name, const QString &value) const
 {
     try {
-        const QVariant read = propertyOf(key).read(key.object);
+        const QMetaProperty property = propertyOf(key);
+        const QVariant read = property.read(key.object);
         QVariant asRead(value);
         return (asRead.convert(read.userType()) && asRead == read) ||
-               isSame(name, read.toString(), value);
+               isSame(name, textOf(property, read), value);
     } catch (...) {
         return false;
     }

@@ -121,7 +121,7 @@ void Properties::Private::listen(const QString &name, const Key &key)
         const NameWrite current(q, &innermost, name);
         property.write(key.object, values.value(name));
     } else if (property.hasNotifySignal()) {
-        const QString content = property.read(key.object).toString();
+        const QString content = textOf(property, property.read(key.object));
         values.insert(name, content);
         baseline.seed(name, content);
     }
@@ -327,7 +327,7 @@ void Properties::propertyChanged()
         return;
     const Doing user(Doing::User);
     const QString name = d->bindings.nameOf(key);
-    const QString content = propertyOf(key).read(from).toString();
+    const QString content = textOf(propertyOf(key), propertyOf(key).read(from));
     const QString before = d->values[name];
     if (content == before)
         return;

@@ -21,7 +21,7 @@ bool isOneLine(const QString &text)
 
 } // namespace
 
-RowListView::RowListView(QWidget *parent) : QAbstractItemView(parent)
+RowListView::RowListView(QWidget *parent) : ItemView(parent)
 {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
@@ -40,7 +40,7 @@ void RowListView::setModel(QAbstractItemModel *newModel)
 {
     if (model())
         model()->disconnect(this);
-    QAbstractItemView::setModel(newModel);
+    ItemView::setModel(newModel);
     if (newModel) {
         connect(newModel, &QAbstractItemModel::rowsRemoved, this, &RowListView::updateGeometries);
         connect(newModel, &QAbstractItemModel::layoutChanged, this, &RowListView::updateGeometries);
@@ -50,7 +50,7 @@ void RowListView::setModel(QAbstractItemModel *newModel)
 
 void RowListView::rowsInserted(const QModelIndex &parent, int start, int end)
 {
-    QAbstractItemView::rowsInserted(parent, start, end);
+    ItemView::rowsInserted(parent, start, end);
     updateGeometries();
 }
 
@@ -64,6 +64,13 @@ QModelIndex RowListView::indexOfRow(int row) const
     return model() ? model()->index(row, m_column, rootIndex()) : QModelIndex();
 }
 
+QStyleOptionViewItem RowListView::itemOption() const
+{
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    return option;
+}
+
 // All rows have the height of the first one, of which at most two lines are shown.
 int RowListView::rowHeight() const
 {
@@ -71,7 +78,7 @@ int RowListView::rowHeight() const
         const QModelIndex first = indexOfRow(0);
         if (!first.isValid())
             return fontMetrics().height();
-        m_rowHeight = qMax(1, itemDelegate()->sizeHint(viewOptions(), first).height());
+        m_rowHeight = qMax(1, itemDelegate()->sizeHint(itemOption(), first).height());
         if (!isOneLine(first.data().toString()))
             m_rowHeight = qMin(m_rowHeight, 2 * fontMetrics().height());
     }
@@ -199,7 +206,7 @@ void RowListView::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     const int first = (event->rect().top() + verticalOffset()) / rowHeight();
     const int last = qMin((event->rect().bottom() + verticalOffset()) / rowHeight(), rows() - 1);
-    QStyleOptionViewItem option = viewOptions();
+    const QStyleOptionViewItem option = itemOption();
     const bool enabled = option.state & QStyle::State_Enabled;
     const bool focused = hasFocus() || viewport()->hasFocus();
     for (int row = first; row <= last; ++row) {
@@ -220,7 +227,7 @@ void RowListView::updateGeometries()
     bar->setSingleStep(rowHeight());
     bar->setPageStep(viewport()->height());
     bar->setRange(0, qMax(0, rows() * rowHeight() - viewport()->height()));
-    QAbstractItemView::updateGeometries();
+    ItemView::updateGeometries();
     viewport()->update();
 }
 
@@ -228,7 +235,7 @@ void RowListView::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         m_rowHeight = 0;
-    QAbstractItemView::changeEvent(event);
+    ItemView::changeEvent(event);
 }
 
 // QAbstractItemView would make the first row current without highlighting it, and Enter would

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <QAbstractItemView>
+#include "qtversions_p.h"
 
 /// A list of one column for pop-ups. All rows have the same height, so that opening, scrolling and
 /// moving in it take a time that depends only on the rows that are seen.
-class RowListView : public QAbstractItemView
+class RowListView : public ItemView
 {
     Q_OBJECT
 
@@ -37,6 +37,7 @@ protected:
 private:
     int rows() const;
     int rowHeight() const;
+    QStyleOptionViewItem itemOption() const;
     QModelIndex indexOfRow(int row) const;
 
     int m_column = 0;

@@ -176,7 +176,7 @@ int RowOrder::firstPosition(const QString &text, bool afterEqual) const
 RowRange RowOrder::positionsOfText(const QString &text) const
 {
     if (m_direction == AsRead)
-        return {0, m_shown.size()};
+        return {0, count()};
     return {firstPosition(text, false), firstPosition(text, true)};
 }
 

@@ -127,7 +127,7 @@ void SecurityReading::add(const Record &record)
     const boardid board = m_columns.boardOf(record);
     m_rows.append(m_columns.read(record));
     if (m_runs.empty() || m_runs.back().board != board)
-        m_runs.push_back({board, {m_rows.size() - 1, 0}});
+        m_runs.push_back({board, {int(m_rows.size()) - 1, 0}});
     m_runs.back().rows.last = m_rows.size();
 }
 

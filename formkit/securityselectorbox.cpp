@@ -217,7 +217,7 @@ void SecuritySelectorBox::reportNone(const QString &text)
     m_securityCode.clear();
     if (!isWaitingFor(Model::SecurityCodeRole))
         Q_EMIT securityChanged(m_securityCode);
-    if (text.isEmpty())
+    if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
 }
 

@@ -61,7 +61,7 @@ void SecuritySteps::Private::lookUp()
     TradingSteps steps;
     if (security != 0)
         steps = StepSource::i()->stepsOf(stockId.toInt(), boardId.toInt(), security);
-    for (const Field &each : qAsConst(fields)) {
+    for (const Field &each : std::as_const(fields)) {
         const decimal step = steps.*each.step;
         if (each.field)
             each.field->setStep(step > decimal::zero ? step.toString() : each.ownStep);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <formkit/formkit_export.h>
+#include <formkit/formkitstate_export.h>
 
 #include <QState>
 
@@ -9,7 +9,7 @@
 /// it is entered or left, such as
 ///     Entering state:  OrderDialog :: Open->Editing
 /// with the prefix and the path of the state. The category turns that off ("QGuiLog.debug=false").
-class FORMKIT_EXPORT State : public QState
+class FORMKITSTATE_EXPORT State : public QState
 {
     Q_OBJECT
 

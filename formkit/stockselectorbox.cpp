@@ -61,7 +61,7 @@ void StockSelectorBox::reportNone(const QString &text)
         Q_EMIT stockIdChanged(QStringLiteral("0"));
     if (!isWaitingFor(StockSelectorModel::CodeRole))
         Q_EMIT stockCodeChanged(QString());
-    if (text.isEmpty())
+    if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
 }
 

@@ -69,7 +69,7 @@ void StockSelectorBox_Code::reportNone(const QString &text)
     if (!isWaitingFor(IdRole))
         Q_EMIT setProp_StockId(QStringLiteral("0"));
     Q_EMIT setProp_Stock(QString());
-    if (text.isEmpty())
+    if (text.isEmpty() && currentIndex() >= 0)
         setCurrentIndex(-1);
 }
 

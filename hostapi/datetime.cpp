@@ -3,9 +3,32 @@
 
 namespace {
 
+constexpr qint64 FirstDay = 2440588; // 1970-01-01, as Julian days are counted
+constexpr qint64 DayLength = 24 * 60 * 60 * 1000;
+
+// Days before the first one count from midnight too.
+qint64 dayOf(qint64 msecs)
+{
+    return msecs >= 0 ? msecs / DayLength : (msecs + 1) / DayLength - 1;
+}
+
 bool isDirectionMark(QChar c)
 {
     return c == QChar(0x200e) || c == QChar(0x200f) || c == QChar(0x061c);
+}
+
+// Some digits take two characters each.
+QString inAsciiDigits(const QString &text)
+{
+    QString ascii;
+    ascii.reserve(text.size());
+    for (const char32_t code : text.toUcs4()) {
+        if (QChar::isDigit(code))
+            ascii += QChar('0' + QChar::digitValue(code));
+        else
+            ascii += QString::fromUcs4(&code, 1);
+    }
+    return ascii;
 }
 
 // The text or format as a keyboard types it: without direction marks, with plain blanks and ASCII
@@ -13,25 +36,11 @@ bool isDirectionMark(QChar c)
 QString asTyped(const QString &text)
 {
     QString typed;
-    typed.reserve(text.size());
-    for (const QChar c : text) {
-        if (isDirectionMark(c))
-            continue;
-        if (c.isDigit())
-            typed += QChar('0' + c.digitValue());
-        else
+    for (const QChar c : inAsciiDigits(text)) {
+        if (!isDirectionMark(c))
             typed += c.isSpace() ? QChar(QLatin1Char(' ')) : c;
     }
     return typed;
-}
-
-QString inAsciiDigits(QString text)
-{
-    for (QChar &c : text) {
-        if (c.isDigit())
-            c = QChar('0' + c.digitValue());
-    }
-    return text;
 }
 
 // True when the text has an ASCII digit for each letter of the form and equals it in the rest.
@@ -92,24 +101,55 @@ QDate readLeapDayOfYear00(const QString &text, const QString &format)
     return leapDay ? QDate(2000, 2, 29) : QDate();
 }
 
+// Puts a number in the place of the longest of `count` names that the text has, and says which
+// that is; 0 without one.
+template <typename NameOf> int takeName(QString *text, int count, NameOf nameOf)
+{
+    int found = 0;
+    QString longest;
+    for (int i = 1; i <= count; ++i) {
+        const QString name = asTyped(nameOf(i));
+        if (name.size() > longest.size() && text->contains(name)) {
+            found = i;
+            longest = name;
+        }
+    }
+    if (found > 0)
+        text->replace(text->indexOf(longest), longest.size(), QString::number(found));
+    return found;
+}
+
+// QLocale takes a name that begins with another one for that, and then reads nothing.
+QDate readNames(QString text, QString format)
+{
+    const QLocale system = QLocale::system();
+    int day = 0;
+    if (format.contains(QLatin1String("dddd"))) {
+        day = takeName(&text, 7, [&](int i) { return system.dayName(i); });
+        format.replace(QLatin1String("dddd"), QStringLiteral("'%1'").arg(day));
+    }
+    if (format.contains(QLatin1String("MMMM"))) {
+        takeName(&text, 12, [&](int i) { return system.monthName(i); });
+        format.replace(QLatin1String("MMMM"), QLatin1String("M"));
+    }
+    const QDate read = system.toDate(text, format);
+    return day == 0 || read.dayOfWeek() == day ? read : QDate();
+}
+
 QDate readDate(const QString &text, const QString &format)
 {
     // QLocale accepts a plus in front of a number.
     if (text.contains(QLatin1Char('+')))
         return {};
-    const QDate read = QLocale::system().toDate(text, format);
+    QDate read = QLocale::system().toDate(text, format);
+    if (!read.isValid() && format.contains(QLatin1String("MMMM")))
+        read = readNames(text, format);
     if (format.contains(QLatin1String("yyyy")))
         return read;
     return read.isValid() ? read.addYears(CenturyShift) : readLeapDayOfYear00(text, format);
 }
 
 } // namespace
-
-datetime::datetime(const QDateTime &dateTime)
-{
-    if (dateTime.isValid())
-        m_msecs = QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toMSecsSinceEpoch();
-}
 
 datetime::datetime(const QString &systemText)
 {
@@ -132,28 +172,26 @@ datetime::datetime(const QString &systemText)
 datetime::datetime(const QDate &date) : datetime(date, QTime(0, 0)) {}
 
 datetime::datetime(const QDate &date, const QTime &time)
-    : datetime(date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime())
 {
+    if (date.isValid() && time.isValid())
+        m_msecs = (date.toJulianDay() - FirstDay) * DayLength + time.msecsSinceStartOfDay();
 }
 
 datetime datetime::now()
 {
-    return datetime(QDateTime::currentDateTime());
-}
-
-QDateTime datetime::toUtc() const
-{
-    return isNull() ? QDateTime() : QDateTime::fromMSecsSinceEpoch(m_msecs, Qt::UTC);
+    const QDateTime now = QDateTime::currentDateTime();
+    return datetime(now.date(), now.time());
 }
 
 QDate datetime::date() const
 {
-    return toUtc().date();
+    return isNull() ? QDate() : QDate::fromJulianDay(FirstDay + dayOf(m_msecs));
 }
 
 QTime datetime::time() const
 {
-    return toUtc().time();
+    return isNull() ? QTime()
+                    : QTime::fromMSecsSinceStartOfDay(int(m_msecs - dayOf(m_msecs) * DayLength));
 }
 
 QString datetime::defaultFormat()
@@ -168,7 +206,10 @@ QString datetime::timeNoDateFormat()
 
 QString datetime::toString() const
 {
-    return isNull() ? QString() : QLocale::c().toString(toUtc(), defaultFormat());
+    if (isNull())
+        return {};
+    return QLocale::c().toString(date(), QStringLiteral("yyyy.MM.dd ")) +
+           QLocale::c().toString(time(), timeNoDateFormat());
 }
 
 QString datetime::toSystemString(bool dateOnly, QLocale::FormatType type) const
@@ -176,10 +217,9 @@ QString datetime::toSystemString(bool dateOnly, QLocale::FormatType type) const
     if (isNull())
         return {};
     const QLocale system = QLocale::system();
-    QString format = system.dateFormat(type);
-    if (!dateOnly)
-        format += QLatin1Char(' ') + timeNoDateFormat();
-    return inAsciiDigits(system.toString(toUtc(), format));
+    const QString text = inAsciiDigits(system.toString(date(), system.dateFormat(type)));
+    const QString clock = QLocale::c().toString(time(), timeNoDateFormat());
+    return dateOnly ? text : text + QLatin1Char(' ') + clock;
 }
 
 datetime datetime::fromSystemString(const QString &text, bool dateOnly, QLocale::FormatType type)

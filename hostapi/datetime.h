@@ -67,8 +67,6 @@ public:
 
 private:
     constexpr datetime(qint64 msecs, int) : m_msecs(msecs) {}
-    explicit datetime(const QDateTime &dateTime);
-    QDateTime toUtc() const;
 
     qint64 m_msecs = 0;
 };

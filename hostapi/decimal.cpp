@@ -99,6 +99,7 @@ std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
             afterPoint = true;
             break;
         case LocaleSymbols::Group:
+        case LocaleSymbols::Mark:
             break;
         case LocaleSymbols::Minus:
             negative = true;
@@ -110,7 +111,7 @@ std::optional<decimal> readNumber(QStringView text, const Symbols &symbols)
         case LocaleSymbols::Other:
             return {};
         }
-        signMayFollow = signMayFollow && kind == LocaleSymbols::Group;
+        signMayFollow = signMayFollow && LocaleSymbols::isSkipped(kind);
     }
     if (!anyDigit || (!negative && word == Smallest))
         return {};

@@ -3,6 +3,7 @@
 
 #include "exception.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -62,8 +63,8 @@ QString Field::asStaticString() const
 
 int Field::toInteger() const
 {
-    return int(qBound<qint64>(std::numeric_limits<int>::min(), toInteger64(),
-                              std::numeric_limits<int>::max()));
+    return int(std::clamp<qint64>(toInteger64(), std::numeric_limits<int>::min(),
+                                  std::numeric_limits<int>::max()));
 }
 
 qint64 Field::toInteger64() const

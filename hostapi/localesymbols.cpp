@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "localesymbols.h"
 
-#include <QStringList>
-
 namespace {
 
 bool isBlank(QChar c)
@@ -23,29 +21,54 @@ bool isApostrophe(QChar c)
     return c == QLatin1Char('\'') || c == QChar(0x2019);
 }
 
-// The sign itself: some locales have direction marks in front of it.
-QChar lastOf(const QString &sign, char otherwise)
+// The sign itself, without the direction marks that a locale may have beside it.
+QChar visibleOf(const QString &sign, char otherwise)
 {
-    return sign.isEmpty() ? QLatin1Char(otherwise) : sign.back();
+    for (const QChar c : sign) {
+        if (c.category() != QChar::Other_Format)
+            return c;
+    }
+    return QLatin1Char(otherwise);
+}
+
+// The locale's zero if it is one character.
+QChar zeroOf(const QLocale &locale)
+{
+    const QString zero(locale.zeroDigit());
+    return zero.size() == 1 ? zero.front() : QLatin1Char('0');
+}
+
+quint32 separatorsIn(const QString &integer, QChar group)
+{
+    quint32 separators = 0;
+    int digits = 0;
+    for (int i = int(integer.size()) - 1; i >= 0; --i) {
+        if (integer.at(i) == group)
+            separators |= 1u << digits;
+        else if (!integer.at(i).isHighSurrogate())
+            ++digits;
+    }
+    return separators;
 }
 
 } // namespace
 
 LocaleSymbols::LocaleSymbols(const QLocale &locale)
-    : m_point(lastOf(QString(locale.decimalPoint()), '.'))
-    , m_group(lastOf(QString(locale.groupSeparator()), ','))
+    : m_point(visibleOf(QString(locale.decimalPoint()), '.'))
+    , m_group(visibleOf(QString(locale.groupSeparator()), ','))
     , m_minus(QString(locale.negativeSign()))
-    , m_minusSign(lastOf(m_minus, '-'))
-    , m_plusSign(lastOf(QString(locale.positiveSign()), '+'))
-    , m_zero(lastOf(QString(locale.zeroDigit()), '0').unicode())
+    , m_minusSign(visibleOf(m_minus, '-'))
+    , m_plusSign(visibleOf(QString(locale.positiveSign()), '+'))
+    , m_zero(zeroOf(locale).unicode())
 {
     QLocale grouping(locale);
     grouping.setNumberOptions(QLocale::DefaultNumberOptions);
-    const QStringList groups = grouping.toString(qlonglong(1111111111111111111)).split(m_group);
-    if (groups.size() > 1) {
-        m_primary = groups.last().size();
-        m_secondary = groups.at(groups.size() - 2).size();
-    }
+    qulonglong power = 1;
+    for (size_t digits = 1; digits < m_separators.size(); ++digits, power *= 10)
+        m_separators[digits] = separatorsIn(grouping.toString(power), m_group);
+    const quint32 most = m_separators.back();
+    while (most != 0 && !(most >> m_lastGroup & 1))
+        ++m_lastGroup;
     for (size_t code = 0; code < m_asciiKinds.size(); ++code)
         m_asciiKinds[code] = readKindOf(QChar(ushort(code)));
 }
@@ -68,15 +91,16 @@ LocaleSymbols::Kind LocaleSymbols::readKindOf(QChar c) const
         return Minus;
     if (c == m_plusSign || c == QLatin1Char('+'))
         return Plus;
-    return Other;
+    return m_minus.contains(c) ? Mark : Other;
 }
 
 QString LocaleSymbols::grouped(const QString &digits) const
 {
     QString text;
     text.reserve(digits.size() * 4 / 3 + 1);
-    for (int i = 0; i < digits.size(); ++i) {
-        if (i > 0 && separatorBefore(digits.size() - i))
+    const int size = int(digits.size());
+    for (int i = 0; i < size; ++i) {
+        if (i > 0 && separatorBefore(size - i, size))
             text += m_group;
         text += digits.at(i);
     }

@@ -9,13 +9,23 @@
 #include <array>
 
 /// The characters with which a locale writes numbers, and what a typed character stands for among
-/// them. Number options of the locale do not count: integers are always grouped, in the sizes that
-/// QLocale::toString(qlonglong) uses (1,234,567 or 12,34,567).
+/// them. Number options of the locale do not count: integers are always grouped as
+/// QLocale::toString(qlonglong) groups them (1,234,567 or 12,34,567; in Spanish, with Qt 6, 1234
+/// and 12.345). A locale whose digits take two characters each, as some have with Qt 6, has ASCII
+/// digits here.
 class HOSTAPI_EXPORT LocaleSymbols
 {
 public:
     /// What a character stands for in a number.
-    enum Kind : uchar { Other, Digit, Minus, Plus, Point, Group };
+    enum Kind : uchar {
+        Other,
+        Digit,
+        Minus,
+        Plus,
+        Point,
+        Group,
+        Mark ///< a direction mark beside the locale's signs, which nobody sees and reading skips
+    };
 
     /// Reads the locale, which may change afterwards.
     explicit LocaleSymbols(const QLocale &locale);
@@ -28,6 +38,8 @@ public:
     {
         return c.unicode() < m_asciiKinds.size() ? m_asciiKinds[c.unicode()] : readKindOf(c);
     }
+    /// What separates or marks and is no part of the number itself.
+    static bool isSkipped(Kind kind) { return kind == Group || kind == Mark; }
     /// 0 to 9 for a digit of the locale or an ASCII one, -1 for anything else.
     int digitValue(QChar c) const
     {
@@ -41,16 +53,17 @@ public:
     /// The decimal point and the group separator, as the locale writes them.
     QChar point() const { return m_point; }
     QChar group() const { return m_group; }
-    /// The minus sign. Some locales of Qt 6 write a direction mark in front of it.
+    /// The minus sign. In some locales of Qt 6 direction marks are part of it, on one side or on
+    /// both.
     const QString &minus() const { return m_minus; }
 
     /// The number of digits after the last separator; 0 if the locale does not group.
-    int lastGroupSize() const { return m_primary; }
-    /// True when a separator belongs in front of the last `digits` digits of an integer that has
-    /// more.
-    bool separatorBefore(int digits) const
+    int lastGroupSize() const { return m_lastGroup; }
+    /// True when a separator belongs in front of the last `last` digits of an integer that has
+    /// `digits` digits, and more than `last`.
+    bool separatorBefore(int last, int digits) const
     {
-        return m_primary > 0 && digits >= m_primary && (digits - m_primary) % m_secondary == 0;
+        return size_t(digits) < m_separators.size() && (m_separators[size_t(digits)] >> last & 1);
     }
     /// Inserts the group separators into a string of digits.
     QString grouped(const QString &digits) const;
@@ -65,9 +78,9 @@ private:
     QChar m_minusSign;
     QChar m_plusSign;
     ushort m_zero;
-    /// Digits in the group next to the point (0 if the locale does not group) and in the others.
-    int m_primary = 0;
-    int m_secondary = 1;
+    int m_lastGroup = 0;
+    /// For an integer of each number of digits, a bit for each number of digits after a separator.
+    std::array<quint32, 20> m_separators{};
     /// A table, since validators ask for every character of a text after every key.
     std::array<Kind, 128> m_asciiKinds;
 };

@@ -23,7 +23,7 @@ QString GroupingValidator::shown(QString number) const
 
 QString GroupingValidator::number(QString text) const
 {
-    text.remove(locale().groupSeparator()).replace(locale().decimalPoint(), '.');
+    text.remove(locale().groupSeparator()).replace(QString(locale().decimalPoint()), ".");
     if (text.startsWith('.'))
         text.prepend('0');
     if (text.endsWith('.'))
@@ -33,8 +33,8 @@ QString GroupingValidator::number(QString text) const
 
 QValidator::State GroupingValidator::validate(QString &input, int &pos) const
 {
-    const QChar group = locale().groupSeparator();
-    int digitsBefore = input.leftRef(pos).toString().remove(group).size();
+    const QString group(locale().groupSeparator());
+    int digitsBefore = input.left(pos).remove(group).size();
     QString plain = input;
     plain.remove(group);
     while (plain.size() > 1 && plain.at(0) == '0' && plain.at(1).isDigit()) {
@@ -48,9 +48,9 @@ QValidator::State GroupingValidator::validate(QString &input, int &pos) const
     if (state == Invalid || digits > MaxDigits || (points > 0 && decimals() == 0) ||
         plain.contains('e', Qt::CaseInsensitive))
         return Invalid;
-    input = shown(plain.replace(locale().decimalPoint(), '.'));
+    input = shown(plain.replace(QString(locale().decimalPoint()), "."));
     for (pos = 0; digitsBefore > 0 && pos < input.size(); ++pos) {
-        if (input.at(pos) != group)
+        if (input.at(pos) != group.at(0))
             --digitsBefore;
     }
     return state;

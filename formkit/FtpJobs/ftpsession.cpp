@@ -5,6 +5,7 @@
 #include "formkit/FtpJobs/partfile_p.h"
 
 #include <QFileInfo>
+#include <QTimeZone>
 
 using namespace nsFTP;
 
@@ -53,7 +54,7 @@ FtpEntry entryOf(const CFTPFileStatus &status, const std::string &folder)
     entry.isFolder = status.tryCwd;
     entry.size = status.size;
     if (status.mtimeType != CFTPFileStatus::timeUnknown)
-        entry.modified = QDateTime::fromSecsSinceEpoch(status.mtime, Qt::UTC);
+        entry.modified = QDateTime::fromSecsSinceEpoch(status.mtime, QTimeZone::utc());
     entry.knowsTime = status.mtimeType != CFTPFileStatus::timeDay;
     return entry;
 }

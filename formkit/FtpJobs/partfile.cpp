@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimeZone>
 
 #include <cerrno>
 #include <cstdio>
@@ -33,7 +34,7 @@ void PartFile::setTime(qint64 seconds) const
 {
     QFile file(m_name);
     if (file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
-        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC),
+        file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds, QTimeZone::utc()),
                          QFile::FileModificationTime);
 }
 

@@ -81,7 +81,8 @@ QString drawnLetters(Player p, Words)
 {
     const QAbstractItemView *const list = p->list();
     const ComboBox *const box = p->box();
-    const QImage all = list->viewport()->grab().toImage();
+    QImage all(list->viewport()->size(), QImage::Format_RGB32); // at any scale of the screen
+    list->viewport()->render(&all);
     const int width =
         list->fontMetrics().horizontalAdvance('0') * PartnerSelectorBox::CodeColumnWidth;
     QList<QImage> seen;
@@ -91,7 +92,7 @@ QString drawnLetters(Player p, Words)
         i % 2 ? part.setLeft(width) : part.setWidth(width);
         if (!seen.contains(all.copy(part)))
             seen << all.copy(part);
-        letters += QChar('A' + seen.indexOf(all.copy(part)));
+        letters += QChar('A' + int(seen.indexOf(all.copy(part))));
     }
     return letters;
 }

@@ -157,7 +157,7 @@ bool StoryForm::turnWheel(int angle) const
 {
     const bool isOpen = box() && box()->view()->isVisible();
     QWidget *const target = isOpen ? box()->view()->viewport() : current.data();
-    QWheelEvent event({4, 4}, target->mapToGlobal({4, 4}), {}, {0, angle}, Qt::NoButton,
+    QWheelEvent event({4, 4}, target->mapToGlobal(QPoint(4, 4)), {}, {0, angle}, Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(target, &event);
     return event.isAccepted();
@@ -217,5 +217,6 @@ QString StoryForm::property(const QString &path) const
     const QVariant value = object ? object->property(name.toLatin1()) : "none has " + path;
     if (value.userType() == QMetaType::QIcon)
         return value.value<QIcon>().isNull() ? "none" : "shown";
-    return value.toString();
+    const bool isEnum = QMetaType(value.userType()).flags() & QMetaType::IsEnumeration;
+    return isEnum ? QString::number(value.toInt()) : value.toString();
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "support/datafile.h"
+#include "support/qtversions.h"
 #include "support/stricttest.h"
 
 #include "formkit/filebrowser_p.h"
@@ -16,7 +17,6 @@
 #include <QProcess>
 #include <QScreen>
 #include <QTemporaryDir>
-#include <QTextCodec>
 #include <QWidget>
 
 // A session bus of a configuration beside the tests; its address is empty where none can run.
@@ -161,7 +161,7 @@ void DesktopTest::fileManager()
 
     shellShowFile("");
     for (const DataRow &row : rowsOf("desktop/shownfiles.txt")) {
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName(row[2].toLatin1()));
+        setEncodingOfFileNames(row[2]);
         shellShowFile(row[0]);
         const QString uri = QString(row[1]).replace("%here", QDir::currentPath());
         QTRY_COMPARE(manager.shown, QStringList({uri, QString()}));
@@ -225,9 +225,9 @@ void DesktopTest::placement()
         for (QWidget *widget : {&child, &window}) {
             widget->setGeometry(7, 8, 42, 22);
             moveWidgetRelatively(widget, &panel, alignment);
-            QCOMPARE(text(panel.mapFromGlobal(widget->mapToGlobal({}))), row[1]);
+            QCOMPARE(text(panel.mapFromGlobal(widget->mapToGlobal(QPoint()))), row[1]);
             moveWidgetRelatively(widget, nullptr, alignment);
-            QCOMPARE(text(widget->mapToGlobal({})), row[2]);
+            QCOMPARE(text(widget->mapToGlobal(QPoint())), row[2]);
         }
     }
     moveWidgetRelatively(appTopLevelWidget(nullptr), &panel, Qt::AlignLeft);

@@ -17,9 +17,16 @@ Q_DECLARE_METATYPE(DataRow)
 
 namespace {
 
-// A shown text without its group separators.
-QString ungrouped(QString text, const QLocale &locale)
+// What is seen of a text: no direction marks.
+QString visible(QString text)
 {
+    return text.remove(QRegularExpression("\\p{Cf}"));
+}
+
+// What is seen of a shown text without its group separators.
+QString ungrouped(const QString &shown, const QLocale &locale)
+{
+    QString text = visible(shown);
     for (const QString &alike : {QStringLiteral(" \u00a0\u2009\u202f"), QStringLiteral("'’")}) {
         if (alike.contains(locale.groupSeparator()))
             text.remove(QRegularExpression('[' + alike + ']'));
@@ -27,16 +34,23 @@ QString ungrouped(QString text, const QLocale &locale)
     return text.remove(locale.groupSeparator());
 }
 
+// Digits that take two characters are not shown.
+ushort zeroOf(const QLocale &locale)
+{
+    const QString zero(locale.zeroDigit());
+    return zero.size() == 1 ? zero.at(0).unicode() : ushort('0');
+}
+
 // Reads a shown text without the library: the value that an editor must have.
 QString readIndependently(const QString &text, const QLocale &locale)
 {
     QString number = ungrouped(text, locale);
+    number.replace(visible(QString(locale.negativeSign())), "-")
+        .replace(visible(QString(locale.positiveSign())), "+")
+        .replace(QString(locale.decimalPoint()), ".");
     for (QChar &c : number) {
-        c = c == locale.negativeSign()                               ? '-'
-            : c == locale.positiveSign()                             ? '+'
-            : c == locale.decimalPoint()                             ? '.'
-            : uint(c.unicode()) - locale.zeroDigit().unicode() <= 9u ? QChar('0' + c.digitValue())
-                                                                     : c;
+        if (uint(c.unicode()) - zeroOf(locale) <= 9u)
+            c = QChar('0' + c.digitValue());
     }
     static const QRegularExpression Form("^([-+]?)(?=.*[0-9])0*([0-9]*)(?:\\.([0-9]*))?$");
     const QRegularExpressionMatch match = Form.match(number);
@@ -63,6 +77,7 @@ private Q_SLOTS:
     void typing();
     void refusals();
     void randomEdits();
+    void everyLocale();
     void values();
     void verdicts();
     void completeTexts();
@@ -169,7 +184,7 @@ void NumberEditorTest::refusals()
 
     player.act("set Value x");
     QVERIFY(frame->isVisible());
-    QHelpEvent hover(QEvent::ToolTip, {2, 2}, editor->mapToGlobal({2, 2}));
+    QHelpEvent hover(QEvent::ToolTip, {2, 2}, editor->mapToGlobal(QPoint(2, 2)));
     QApplication::sendEvent(editor, &hover);
     QCOMPARE(QToolTip::text(), QString("'x' is no number"));
     editor->setShowsRefusals(false);
@@ -200,7 +215,7 @@ void NumberEditorTest::randomEdits()
         const QString characters = "01234567890123456789-+. ,xkm" +
                                    QString(locale.groupSeparator()) + locale.decimalPoint() +
                                    locale.decimalPoint() + locale.negativeSign() +
-                                   QChar(locale.zeroDigit().unicode() + 4);
+                                   QChar(zeroOf(locale) + 4);
         for (int edit = 0; edit < 66; ++edit) {
             const QString before = player.answer("edited");
             const bool selected = editor->hasSelectedText();
@@ -226,6 +241,36 @@ void NumberEditorTest::randomEdits()
                      qPrintable(story));
             if (what > 2 && what < 9 && !selected && tail(0).size() == size + 1)
                 QVERIFY2(tail(editor->cursorPosition()) == behind, qPrintable(story));
+        }
+    }
+}
+
+// Numbers are shown as QLocale writes them, look so once they are typed, and read back.
+void NumberEditorTest::everyLocale()
+{
+    for (QLocale locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
+        locale.setNumberOptions(QLocale::DefaultNumberOptions);
+        const bool hasPlainDigits = QString(locale.zeroDigit()).size() == 1;
+        for (const qlonglong number : {0LL, -7LL, 1234LL, -12345LL, 123456LL, -123456789012LL}) {
+            QString written;
+            for (const char32_t c : locale.toString(number).toUcs4())
+                written += QChar::isDigit(c) && !hasPlainDigits
+                               ? QString::number(QChar::digitValue(c))
+                               : QString::fromUcs4(&c, 1);
+            NumberEditor editor;
+            editor.decimalValidator()->setLocale(locale);
+            QTest::keyClicks(&editor, QString::number(number));
+            QCOMPARE(editor.text(), written);
+            QCOMPARE(editor.cursorPosition(), int(written.size()));
+            const QString half = QString::number(number) + ".50";
+            editor.setValue(half);
+            const QString fraction = (hasPlainDigits ? locale.toString(50) : QString("50"));
+            QCOMPARE(editor.text(), written + QString(locale.decimalPoint()) + fraction);
+            const QString text = editor.text();
+            editor.clear();
+            editor.insert(text);
+            QVERIFY2(editor.getValue() == half && editor.text() == text, qPrintable(locale.name()));
         }
     }
 }

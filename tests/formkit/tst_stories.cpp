@@ -68,7 +68,7 @@ void StoriesTest::stories_data()
         QList<DataRow> stories = StoryFile(file).stories;
         if (Selectors.contains(file))
             stories << StoryFile("boxes").stories;
-        for (const DataRow &story : qAsConst(stories))
+        for (const DataRow &story : std::as_const(stories))
             QTest::addRow("%s: %s", qPrintable(file), qPrintable(story.first())) << file << story;
     }
 }

@@ -50,7 +50,7 @@ public:
     // What was told, in the order of the jobs.
     QString play()
     {
-        for (const QString &operation : qAsConst(m_operations))
+        for (const QString &operation : std::as_const(m_operations))
             perform(operation);
         QTimer::singleShot(PatienceMSecs, &m_loop, [this] { leave("too late"); });
         m_look.start();

@@ -110,8 +110,10 @@ private Q_SLOTS:
     {
         const int megabytes = qMax(1, qEnvironmentVariable("FORMKIT_FTP_MEGABYTES", "4").toInt());
         const QByteArray content = bytes(megabytes * 1024 * 1024);
-        const std::vector<std::pair<unsigned int, int>> steps = {
-            {65535, 0}, {65536, 1}, {65536, content.size() / 2}, {1048576, content.size()}};
+        const std::vector<std::pair<unsigned int, int>> steps = {{65535, 0},
+                                                                 {65536, 1},
+                                                                 {65536, int(content.size()) / 2},
+                                                                 {1048576, int(content.size())}};
         const RealServer server(m_kind, m_way);
         server.put("f", content);
         for (const auto &[bufferSize, there] : steps) {

@@ -6,6 +6,8 @@
 #include <formkit/FtpClient/FTPFactParse.h>
 #include <formkit/FtpClient/FTPFeatures.h>
 
+#include <QTimeZone>
+
 using namespace nsFTP;
 
 // The values of the client (commands, replies, types, logons) and the lines of listings.
@@ -78,8 +80,8 @@ private Q_SLOTS:
             IFileListParser &chosen =
                 row.value(2) == "facts" ? static_cast<IFileListParser &>(facts) : parser;
             const bool isEntry = chosen.Parse(s, row[0].toStdString());
-            const QString time =
-                QDateTime::fromSecsSinceEpoch(s.mtime, Qt::UTC).toString("yyyy-MM-ddTHH:mm:ss ");
+            const QString time = QDateTime::fromSecsSinceEpoch(s.mtime, QTimeZone::utc())
+                                     .toString("yyyy-MM-ddTHH:mm:ss ");
             const std::string rest =
                 s.links + " " + s.owner + " " + s.group + " " + s.attributes + " " + s.id + s.path;
             const QStringList parts = {QString::fromStdString(s.name),
@@ -114,7 +116,8 @@ private Q_SLOTS:
     {
         // Every month's first and last day over two whole cycles, against the system's calendar.
         for (QDate first(1601, 1, 1); first.year() < 2401; first = first.addMonths(1)) {
-            const long long seconds = QDateTime(first, QTime(0, 0), Qt::UTC).toSecsSinceEpoch();
+            const long long seconds =
+                QDateTime(first, QTime(0, 0), QTimeZone::utc()).toSecsSinceEpoch();
             const long long last = seconds + first.daysInMonth() * 86400LL - 1;
             QCOMPARE(CFTPListParser::ToTAI(first.year(), first.month() - 1, 1), seconds);
             QCOMPARE(CFTPListParser::GetYear(seconds), long(first.year()));

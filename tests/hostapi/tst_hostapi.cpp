@@ -8,6 +8,8 @@
 #include <hostapi/localesymbols.h>
 #include <hostapi/securitiessessionfilter.h>
 
+#include <QProcess>
+
 // The dates are run once per locale (LC_ALL), as their locale form is that of QLocale::system().
 // The local clock (TZ) is one that skips the hour after midnight on 24 April 2026.
 class HostApiTest : public StrictTest
@@ -20,6 +22,8 @@ private Q_SLOTS:
     void systemDates();
     void localeDates();
     void everyDateReadsBack();
+    void writtenDates();
+    void writtenDatesOfEveryLocale();
     void records();
     void indexAndFilter();
     void noTables();
@@ -196,7 +200,7 @@ void HostApiTest::everyDateReadsBack()
     QVector<QDate> dates = {{2000, 2, 29}, {2026, 4, 24}, {2070, 1, 1}, {2099, 12, 31}};
     for (QDate date(2000, 1, 1); date.year() < 2100; date = date.addDays(23))
         dates << date;
-    for (const QDate &date : qAsConst(dates)) {
+    for (const QDate &date : std::as_const(dates)) {
         const datetime moment(date, QTime(0, 30, 0, 4));
         for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
             const QString text = moment.toSystemString(false, format);
@@ -208,6 +212,42 @@ void HostApiTest::everyDateReadsBack()
             native.replace(QChar('0' + digit), QLocale::system().toString(digit));
         for (const QString &typed : {QString(text).remove(QChar(0x200f)), native})
             QCOMPARE(datetime::fromSystemString(typed, true, QLocale::ShortFormat).date(), date);
+    }
+}
+
+// Dates are written as QLocale does it, in ASCII digits, and read back.
+void HostApiTest::writtenDates()
+{
+    const QLocale system = QLocale::system();
+    for (QDate date(2026, 1, 1); date.year() < 2027; date = date.addDays(13)) {
+        for (const auto format : {QLocale::ShortFormat, QLocale::LongFormat}) {
+            QString written;
+            for (const char32_t c : system.toString(date, format).toUcs4())
+                written += QChar::isDigit(c) ? QString::number(QChar::digitValue(c))
+                                             : QString::fromUcs4(&c, 1);
+            QCOMPARE(datetime(date).toSystemString(true, format), written);
+            QCOMPARE(datetime::fromSystemString(written, true, format).date(), date);
+        }
+    }
+}
+
+// QLocale::system() is settled once in a process.
+void HostApiTest::writtenDatesOfEveryLocale()
+{
+    QSet<QString> names;
+    for (const QLocale &locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry))
+        names << locale.name();
+    QVERIFY(names.size() > 500);
+    for (const QString &name : std::as_const(names)) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LC_ALL", name);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(), {"writtenDates"});
+        QVERIFY(process.waitForFinished());
+        QVERIFY2(process.exitCode() == 0,
+                 qPrintable(name + '\n' + process.readAllStandardOutput()));
     }
 }
 

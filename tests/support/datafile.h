@@ -20,7 +20,7 @@ struct DataRow : QStringList
 /// The rows of a file: columns parted by tabs, "-" for nothing, lines that begin with '#' left out;
 /// \t, \r, \n and \e are read as such, <nbsp> and <nnbsp> as blanks that do not break, <lrm> as a
 /// direction mark, and %long as many characters. A line that begins with a tab goes on with the row
-/// before.
+/// before; one that begins with "qt5:" or "qt6:" is for that Qt alone.
 inline QList<DataRow> rowsOf(const QString &name)
 {
     QFile file(DATA_FOLDER "/" + name);
@@ -29,7 +29,9 @@ inline QList<DataRow> rowsOf(const QString &name)
         qFatal("no %s", qPrintable(file.fileName()));
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
     for (int i = 0; i < lines.size(); ++i) {
-        const QString &line = lines.at(i);
+        QString line = lines.at(i);
+        if (line.startsWith("qt5:") || line.startsWith("qt6:"))
+            line = line.at(2) == QT_VERSION_STR[0] ? line.mid(4) : QString();
         if (line.isEmpty() || line.startsWith('#'))
             continue;
         const bool goesOn = line.startsWith('\t') && !rows.isEmpty();

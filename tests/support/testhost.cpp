@@ -45,7 +45,7 @@ TestTable::~TestTable()
         addFault("still locked");
     if (!m_live.empty())
         addFault(QString("%1 rows leaked").arg(m_live.size()));
-    for (const QString &fault : qAsConst(m_faults))
+    for (const QString &fault : std::as_const(m_faults))
         qWarning().noquote() << "TestTable" << m_name + ':' << fault;
 }
 
