@@ -99,7 +99,7 @@ void pressKeypadPoint(Player p, Words)
 void chooseInMenu(Player p, Words entry)
 {
     QWidget *const edit = p->edit();
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, {4, 4}, edit->mapToGlobal({4, 4}));
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {4, 4}, edit->mapToGlobal(QPoint(4, 4)));
     QApplication::sendEvent(edit, &event);
     auto *const menu = as<QMenu>(QApplication::activePopupWidget());
     QVERIFY(menu);
