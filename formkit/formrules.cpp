@@ -292,9 +292,9 @@ Reasons FormRules::Private::judge()
         names.insert(field.first);
     for (auto it = demands.cbegin(); it != demands.cend(); ++it)
         names.insert(it.key());
-    for (const Added &one : qAsConst(added))
+    for (const Added &one : std::as_const(added))
         names.insert(one.names.value(0));
-    for (const QString &name : qAsConst(names)) {
+    for (const QString &name : std::as_const(names)) {
         const QString reason = reasonFor(name, values);
         if (!reason.isEmpty())
             reasons.insert(name, reason);
@@ -404,7 +404,7 @@ void FormRules::Private::refresh()
         *it = now.value(it.key());
     const Values values = hub ? hub->values() : Values();
     const QString edited = nameOf(QApplication::focusWidget());
-    for (const Added &one : qAsConst(added)) {
+    for (const Added &one : std::as_const(added)) {
         const QString name = one.names.first();
         const auto isChanged = [&](const QString &other) { return values[other] != judged[other]; };
         if (one.names.size() > 1 && name != edited && now.contains(name) &&
