@@ -14,6 +14,7 @@ class NumberEdits
 {
 public:
     NumberEdits(NumberEditor *editor, int digits, const NumberRules &rules);
+    Q_DISABLE_COPY(NumberEdits)
 
     /// What QLineEdit asks about the text that it shows.
     QValidator::State judge(QString &input, int &pos);

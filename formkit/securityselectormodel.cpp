@@ -57,6 +57,7 @@ bool SecuritySelectorModel::Data::operator<(const Data &other) const
 struct SecuritySelectorModel::Private
 {
     explicit Private(SecuritySelectorModel *model);
+    Q_DISABLE_COPY(Private)
 
     std::function<bool(const Record &)> filterForWorker();
     SecurityRows readRows() const;

@@ -77,9 +77,9 @@ private Q_SLOTS:
                 [&] { return QDateTime::fromString(now, Qt::ISODate).toSecsSinceEpoch(); });
             s.path = "left over";
             CFTPFactParser facts;
-            IFileListParser &chosen =
-                row.value(2) == "facts" ? static_cast<IFileListParser &>(facts) : parser;
-            const bool isEntry = chosen.Parse(s, row[0].toStdString());
+            IFileListParser *const chosen =
+                row.value(2) == "facts" ? static_cast<IFileListParser *>(&facts) : &parser;
+            const bool isEntry = chosen->Parse(s, row[0].toStdString());
             const QString time = QDateTime::fromSecsSinceEpoch(s.mtime, QTimeZone::utc())
                                      .toString("yyyy-MM-ddTHH:mm:ss ");
             const std::string rest =
